@@ -1,0 +1,19 @@
+# What every target of ours has in common. Called per target, so that nothing leaks into those who include us.
+function(tovr_target target)
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
+                        VISIBILITY_INLINES_HIDDEN ON POSITION_INDEPENDENT_CODE ON)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 $<$<BOOL:${TOVR_WARNINGS_AS_ERRORS}>:/WX>)
+  else()
+    target_compile_options(
+      ${target}
+      PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual -Wformat=2
+              -Wundef -Woverloaded-virtual $<$<BOOL:${TOVR_WARNINGS_AS_ERRORS}>:-Werror>)
+  endif()
+  if(TOVR_SANITIZE)
+    target_compile_options(${target} PUBLIC -fsanitize=${TOVR_SANITIZE} -fno-sanitize-recover=all
+                                            -fno-omit-frame-pointer)
+    target_link_options(${target} PUBLIC -fsanitize=${TOVR_SANITIZE})
+  endif()
+endfunction()

@@ -1,0 +1,35 @@
+// The class behind "cpp.Encryption": forwards every request to the DES object it owns.
+#pragma once
+
+#include <memory>
+
+#include "crypto/DES.h"
+#include "crypto/IEncryption.h"
+#include "plugin/IMessageHandler.h"
+
+namespace tovr {
+
+class Encryption final : public IEncryption, public lmx::IMessageHandler {
+ public:
+  using Bytes = IEncryption::Bytes;
+
+  Encryption();
+
+  bool encrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
+  bool decrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
+  bool encryptKeyPadded(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
+  bool decryptKeyPadded(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
+  bool encryptFile(const std::string& key, const std::string& iv, const std::string& path) override;
+  bool encryptFile(const std::string& key, const std::string& iv, const std::string& source,
+                   const std::string& destination) override;
+  bool decryptFile(const std::string& key, const std::string& iv, const std::string& path) override;
+  bool decryptFile(const std::string& key, const std::string& iv, const std::string& source,
+                   const std::string& destination) override;
+
+  int handleMessage(lmx::IMessage* message) override;
+
+ private:
+  std::unique_ptr<DES> des_;
+};
+
+}  // namespace tovr

@@ -1,0 +1,11 @@
+// What the standard streams lack: a rename that never replaces. Paths are narrow bytes, passed on unchanged.
+#pragma once
+
+#include <string>
+
+namespace tovr {
+
+// Renames `from` to `to`; false, and nothing changed, where `to` exists or the rename fails otherwise.
+bool renameWithoutReplacing(const std::string& from, const std::string& to);
+
+}  // namespace tovr

@@ -1,0 +1,67 @@
+// One connection to an encrypted SQLite file and its one current statement, on SQLCipher's C interface.
+//
+// Stands in for a closed platform class: no other methods than these. Results are SQLite's own codes. Every method is
+// safe while closed or without a statement and then answers 21 (SQLITE_MISUSE), null, 0 or a fixed text.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace tovr {
+
+class Sqlite3DB {
+ public:
+  Sqlite3DB();
+  ~Sqlite3DB();
+  Sqlite3DB(const Sqlite3DB&) = delete;
+  Sqlite3DB& operator=(const Sqlite3DB&) = delete;
+
+  // Closes what is open first. On failure errMsg() tells why, and nothing else works until the next open. Fails with
+  // 1, and creates no file, where the process has bound sqlite3_* to a library without page encryption.
+  int open(const char* path);
+  int setKey(const char* key, unsigned int length);
+  int close();  // finalizes the current statement first
+
+  int exec(const char* sql);
+  int errCode();
+  const char* errMsg();
+
+  int prepare_v2(const char* sql, int length);  // finalizes the statement before
+  int bind_int(int index, int value);
+  int bind_int64(int index, std::int64_t value);
+  int bind_double(int index, double value);
+  int bind_text(int index, const char* text, int length, void (*destructor)(void*));
+  int bind_blob(int index, const void* data, int length, void (*destructor)(void*));
+  int bind_null(int index);
+  int step();
+  int reset();
+  int finalize();
+
+  int get_table(const char* sql, char*** result, int* rows, int* columns);
+  void free_table(char** result);
+
+  const void* column_blob(int column);
+  int column_bytes(int column);
+  int column_int(int column);
+  double column_double(int column);
+  const unsigned char* column_text(int column);
+
+ private:
+  struct CloseConnection {
+    void operator()(sqlite3* connection) const;
+  };
+  struct FinalizeStatement {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+
+  bool isOpen() const;
+
+  std::unique_ptr<sqlite3, CloseConnection> connection_;
+  std::unique_ptr<sqlite3_stmt, FinalizeStatement> statement_;  // destroyed before its connection
+  int openResult_;                                              // of the last open; 21 while closed
+};
+
+}  // namespace tovr
