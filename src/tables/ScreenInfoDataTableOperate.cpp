@@ -1,0 +1,77 @@
+#include "tables/ScreenInfoDataTableOperate.h"
+
+#include "manager/DataRecords.h"
+#include "storage/NumberText.h"
+#include "storage/ResultTable.h"
+#include "tables/RectangleColumns.h"
+#include "tables/Schema.h"
+
+namespace tovr {
+namespace {
+
+constexpr char kSelect[] = "select * from Screen_Info";
+constexpr char kInsert[] =
+    "insert into Screen_Info(dbid, screenname, top, left, bottom,              right, ctime, mtime) "
+    "values (?, ?, ?, ?, ?, ?, datetime('now','localtime'), datetime('now','localtime'))";
+constexpr char kClear[] = "delete * from Screen_Info";  // not valid SQL: hosts know that screens are never cleared
+
+constexpr int kPrintedColumns = 7;  // all but the two times
+
+std::string updateStatement(int id) {
+  return "update Screen_Info set screenname = ?, top = ?, left = ?, bottom = ?, right = ? where id = " +
+         std::to_string(id);
+}
+
+ScreenInfoData screenOf(const ResultTable& rows, int row) {
+  const auto number = [&](int column) { return intOrThrow(rows.cell(row, column)); };
+  ScreenInfoData screen;
+  screen.id = number(0);
+  screen.dbid = number(1);
+  screen.screenname = rows.text(row, 2);
+  readRectangle(screen, 3, number);
+  return screen;
+}
+
+}  // namespace
+
+int ScreenInfoDataTableOperate::createTables() {
+  return exec(createScreenInfo(table::kScreenInfo, table::kAttachDBList));
+}
+
+int ScreenInfoDataTableOperate::query(DataBase* record) {
+  auto* result = dynamic_cast<ScreenInfoDataResult*>(record);
+  if (result == nullptr) return kInvalidRecord;
+  if (dbOperate == nullptr) return kNoConnection;
+  const ResultTable rows(*dbOperate, kSelect);
+  if (rows.code() != kOk) return rows.code();
+  result->screens.clear();
+  for (int row = 1; row <= rows.rows(); ++row) {
+    rows.print(row, kPrintedColumns);
+    result->screens.push_back(screenOf(rows, row));
+  }
+  return kOk;
+}
+
+int ScreenInfoDataTableOperate::insert(DataBase* record) {
+  const auto* screen = dynamic_cast<const ScreenInfoData*>(record);
+  if (screen == nullptr) return kInvalidRecord;
+  return write(kInsert, [&](IDBOperate& db) {
+    int result = db.bind_int(1, screen->dbid);
+    if (result == kOk) result = bindText(db, 2, screen->screenname);
+    return result == kOk ? bindRectangle(db, 3, *screen) : result;
+  });
+}
+
+int ScreenInfoDataTableOperate::deleteAll(DataBase* /*record*/) { return exec(kClear); }
+
+int ScreenInfoDataTableOperate::update(DataBase* record) {
+  const auto* screen = dynamic_cast<const ScreenInfoData*>(record);
+  if (screen == nullptr) return kInvalidRecord;
+  return write(updateStatement(screen->id), [&](IDBOperate& db) {
+    bindText(db, 1, screen->screenname);
+    bindRectangle(db, 2, *screen);
+    return kOk;  // unlike insert, an update does not look at what the binds answer
+  });
+}
+
+}  // namespace tovr
