@@ -1,0 +1,236 @@
+#include "manager/CoefFlows.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "manager/RegionCrop.h"
+#include "tables/Schema.h"
+
+namespace tovr {
+namespace {
+
+using Screens = std::vector<ScreenInfoData>;
+using Areas = std::vector<CoefData>;
+
+enum class PlacedBy { kRectangle, kName };
+
+// What a record must say before any table is read.
+int checkRecord(const CoefData& record, PlacedBy placedBy) {
+  if (record.left == kEdgeNotGiven || record.top == kEdgeNotGiven || record.right == kEdgeNotGiven ||
+      record.bottom == kEdgeNotGiven) {
+    return kRectangleRefused;
+  }
+  if (placedBy == PlacedBy::kName && record.screenname.empty()) return kScreenNameMissing;
+  return record.coeftype == kDataTypeNotGiven ? kTypeNotGiven : kOk;
+}
+
+int readScreens(DataTableOperateBase& list, Screens& screens) {
+  ScreenInfoDataResult result;
+  const int code = list.query(&result);
+  if (code == kOk) screens = std::move(result.screens);
+  return code;
+}
+
+int readAreas(DataTableOperateBase& list, Areas& areas) {
+  CoefDataResult result;
+  const int code = list.query(&result);
+  if (code == kOk) areas = std::move(result.coefs);
+  return code;
+}
+
+// The first item that qualifies, in table order; null when none does.
+template <class Item, class Predicate>
+const Item* first(const std::vector<Item>& items, const Predicate& qualifies) {
+  const auto found = std::find_if(items.begin(), items.end(), qualifies);
+  return found != items.end() ? &*found : nullptr;
+}
+
+const ScreenInfoData* screenHolding(const Screens& screens, const CoefData& record) {
+  return first(screens, [&](const ScreenInfoData& screen) { return holds(rectOf(screen), rectOf(record)); });
+}
+
+const ScreenInfoData* screenNamed(const Screens& screens, const std::string& name) {
+  return first(screens, [&](const ScreenInfoData& screen) { return screen.screenname == name; });
+}
+
+bool sameScreenAndType(const CoefData& area, int screenid, const CoefData& record) {
+  return area.screenid == screenid && area.coeftype == record.coeftype;
+}
+
+const CoefData* areaOfType(const Areas& areas, int screenid, const CoefData& record) {
+  return first(areas, [&](const CoefData& area) { return sameScreenAndType(area, screenid, record); });
+}
+
+const CoefData* areaHolding(const Areas& areas, int screenid, const CoefData& record) {
+  return first(areas, [&](const CoefData& area) {
+    return sameScreenAndType(area, screenid, record) && holds(rectOf(area), rectOf(record));
+  });
+}
+
+// Read areas keep areaid -1, so a record with any other number never matches and is always added: hosts rely on it.
+const CoefData* sameArea(const Areas& areas, int screenid, const CoefData& record) {
+  return first(areas, [&](const CoefData& area) {
+    return sameScreenAndType(area, screenid, record) && area.areaid == record.areaid && rectOf(area) == rectOf(record);
+  });
+}
+
+ScreenInfoData screenFor(const CoefData& record) {
+  ScreenInfoData screen;
+  screen.screenname = record.screenname;
+  screen.areaid = record.areaid;
+  screen.left = record.left;
+  screen.top = record.top;
+  screen.right = record.right;
+  screen.bottom = record.bottom;
+  return screen;
+}
+
+}  // namespace
+
+int CoefFlows::insertByRectangle(CoefData& record) {
+  Screens screens;
+  int result = checkRecord(record, PlacedBy::kRectangle);
+  if (result == kOk) result = readScreens(operators_.screenList, screens);
+  if (result != kOk) return result;
+  const ScreenInfoData* screen = screenHolding(screens, record);
+  if (screen == nullptr) return kNoScreenForRectangle;
+  Areas areas;
+  result = readAreas(operators_.coefList, areas);
+  if (result != kOk) return result;
+  const CoefData* area = sameArea(areas, screen->id, record);
+  return area != nullptr ? takeOver(record, *area, screen->id) : addArea(record, screen->id);
+}
+
+int CoefFlows::insertByName(CoefData& record) {
+  Screens screens;
+  int result = checkRecord(record, PlacedBy::kName);
+  if (result == kOk) result = readScreens(operators_.screenList, screens);
+  if (result != kOk) return result;
+  const ScreenInfoData* screen = screenNamed(screens, record.screenname);
+  if (screen == nullptr) return addScreenAndArea(record);
+  Areas areas;
+  result = readAreas(operators_.coefList, areas);
+  if (result != kOk) return result;
+  const CoefData* area = areaOfType(areas, screen->id, record);  // one area per screen and type: no rectangle compared
+  return area != nullptr ? takeOver(record, *area, screen->id) : addArea(record, screen->id);
+}
+
+int CoefFlows::updateByRectangle(CoefData& record) {
+  Screens screens;
+  int result = checkRecord(record, PlacedBy::kRectangle);
+  if (result == kOk) result = readScreens(operators_.screenList, screens);
+  if (result != kOk) return result;
+  const ScreenInfoData* screen = first(screens, [&](const ScreenInfoData& candidate) {  // equal, not holding
+    return candidate.areaid == record.areaid && rectOf(candidate) == rectOf(record);
+  });
+  if (screen == nullptr) return kNoScreenForRectangle;
+  Areas areas;
+  result = readAreas(operators_.coefList, areas);
+  if (result != kOk) return result;
+  const CoefData* area = areaOfType(areas, screen->id, record);
+  return area != nullptr ? takeOver(record, *area, screen->id) : kNoMatchingArea;
+}
+
+int CoefFlows::updateByName(CoefData& record) {
+  Screens screens;
+  int result = checkRecord(record, PlacedBy::kName);
+  if (result == kOk) result = readScreens(operators_.screenList, screens);
+  if (result != kOk) return result;
+  const ScreenInfoData* screen = screenNamed(screens, record.screenname);
+  if (screen == nullptr) return kNoSuchScreenName;
+  Areas areas;
+  result = rewriteScreen(record, screen->id);
+  if (result == kOk) result = readAreas(operators_.coefList, areas);
+  if (result != kOk) return result;
+  const CoefData* area = areaOfType(areas, screen->id, record);
+  return area != nullptr ? takeOver(record, *area, screen->id) : kNoMatchingArea;
+}
+
+int CoefFlows::queryByRectangle(CoefData& record) {
+  Screens screens;
+  Areas areas;
+  int result = checkRecord(record, PlacedBy::kRectangle);
+  if (result == kOk) result = readScreens(operators_.screens, screens);
+  if (result == kOk) result = readAreas(operators_.coefs, areas);
+  if (result != kOk) return result;
+  const ScreenInfoData* screen = screenHolding(screens, record);
+  const int screenid = screen != nullptr ? screen->id : 0;  // areas of no screen carry the number 0
+  const CoefData* area = areaHolding(areas, screenid, record);
+  return area != nullptr ? readArea(record, *area) : kNoMatchingArea;
+}
+
+int CoefFlows::queryByName(CoefData& record) {
+  Screens screens;
+  int result = checkRecord(record, PlacedBy::kName);
+  if (result == kOk) result = readScreens(operators_.screens, screens);
+  if (result != kOk) return result;
+  const ScreenInfoData* screen = screenNamed(screens, record.screenname);
+  if (screen == nullptr) return kNoSuchScreenName;
+  Areas areas;
+  result = readAreas(operators_.coefs, areas);
+  if (result != kOk) return result;
+  const CoefData* area = areaHolding(areas, screen->id, record);
+  return area != nullptr ? readArea(record, *area) : kNoMatchingArea;
+}
+
+// The stored area keeps its keys; its placement and its block are rewritten.
+int CoefFlows::takeOver(CoefData& record, const CoefData& area, int screenid) {
+  record.id = area.id;
+  record.screenid = screenid;
+  record.coefid = area.coefid;
+  const int result = operators_.coefs.update(&record);
+  return result == kOk ? operators_.coefs.updateCoef(area.coefid, &record) : result;
+}
+
+// The block goes first: the placement refers to it by foreign key.
+int CoefFlows::addArea(CoefData& record, int screenid) {
+  int result = operators_.coefs.insertCoef(&record);
+  if (result != kOk) return result;
+  record.screenid = screenid;
+  result = operators_.coefs.getSequence(table::kCoef, &record.coefid);
+  return result == kOk ? operators_.coefs.insert(&record) : result;
+}
+
+int CoefFlows::addScreenAndArea(CoefData& record) {
+  ScreenInfoData screen = screenFor(record);
+  int result = operators_.screens.getSequence(table::kDBInfo, &screen.dbid);
+  if (result == kOk) result = operators_.screens.insert(&screen);
+  if (result == kOk) result = operators_.coefs.insertCoef(&record);
+  if (result == kOk) result = operators_.screens.getSequence(table::kScreenInfo, &record.screenid);
+  if (result == kOk) result = operators_.coefs.getSequence(table::kCoef, &record.coefid);
+  return result == kOk ? operators_.coefs.insert(&record) : result;
+}
+
+int CoefFlows::rewriteScreen(const CoefData& record, int screenid) {
+  ScreenInfoData screen = screenFor(record);
+  screen.id = screenid;
+  const int result = operators_.screens.getSequence(table::kDBInfo, &screen.dbid);
+  return result == kOk ? operators_.screens.update(&screen) : result;
+}
+
+int CoefFlows::readArea(CoefData& record, const CoefData& area) {
+  CoefBuffer block;
+  const int result = operators_.coefs.selectCoef(area.coefid, &block);
+  const std::unique_ptr<unsigned char[]> stored(block.data);  // ours, whatever the result
+  if (result != kOk) return result;
+  std::unique_ptr<unsigned char[]> cells;
+  const int cropped = cropRegion(block, rectOf(area), rectOf(record), cells);
+  if (cropped != kOk) return cropped;
+
+  CoefData filled = record;  // what allocates comes before what the caller sees
+  filled.id = area.id;
+  filled.screenid = area.screenid;
+  filled.coefid = area.coefid;
+  filled.coeftablename = area.coeftablename;
+  filled.areaIndex = area.areaIndex;
+  filled.multilayersize = area.multilayersize;
+  filled.multilayerlist = area.multilayerlist;
+  filled.coefBuffer.databitwidth = block.databitwidth;
+  filled.coefBuffer.datasize = static_cast<std::int32_t>(regionBytes(rectOf(record), block.databitwidth));
+  filled.coefBuffer.data = cells.release();
+  record = std::move(filled);
+  return kOk;
+}
+
+}  // namespace tovr

@@ -1,0 +1,10 @@
+#include "plugin/HostHolder.h"
+
+namespace tovr {
+
+HostHolder& hostHolder() {
+  static HostHolder holder;
+  return holder;
+}
+
+}  // namespace tovr
