@@ -1,0 +1,69 @@
+#include "host/PluginLibrary.h"
+
+#include <stdexcept>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
+
+namespace tovrhost {
+namespace {
+
+#if defined(_WIN32)
+
+void* load(const std::string& path) { return LoadLibraryA(path.c_str()); }
+
+void unload(void* handle) { FreeLibrary(static_cast<HMODULE>(handle)); }
+
+void* symbol(void* handle, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle), name));
+}
+
+std::string loadError() { return "system error " + std::to_string(GetLastError()); }
+
+#else
+
+void* load(const std::string& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
+
+void unload(void* handle) { dlclose(handle); }
+
+void* symbol(void* handle, const char* name) { return dlsym(handle, name); }
+
+std::string loadError() { return dlerror(); }
+
+#endif
+
+template <class Function>
+Function function(void* handle, const char* name) {
+  auto found = reinterpret_cast<Function>(symbol(handle, name));
+  if (found == nullptr) throw std::runtime_error(std::string("the library does not export ") + name);
+  return found;
+}
+
+}  // namespace
+
+PluginLibrary::PluginLibrary(const std::string& path) : handle_(load(path)) {
+  if (handle_ == nullptr) throw std::runtime_error("cannot load the plug-in " + path + ": " + loadError());
+  try {
+    pluginit_ = function<tovr::PluginitFunction>(handle_, "pluginit");
+    info_ = static_cast<const tovr::PluginInfo*>(function<tovr::PluginfoFunction>(handle_, "pluginfo")());
+  } catch (...) {
+    unload(handle_);
+    throw;
+  }
+}
+
+PluginLibrary::~PluginLibrary() { unload(handle_); }
+
+const tovr::ClassInfo* PluginLibrary::findClass(const std::string& className) const {
+  for (tovr::ClassInfo* const* entry = info_->classes; *entry != nullptr; ++entry) {
+    if (className == (*entry)->name) return *entry;
+  }
+  return nullptr;
+}
+
+void PluginLibrary::init(tovr::IPluginHost* host) const { pluginit_(host); }
+
+}  // namespace tovrhost
