@@ -1,0 +1,245 @@
+// Measures the library beside its floors: the same work with the bare calls of SQLCipher and libcrypto, in the same
+// process and in turn with it. Prints tables of medians and ratios; see docs/performance.md.
+//
+// Usage: tovr_bench PLUGIN [Google Benchmark's own options]
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <numeric>
+#include <random>
+
+#include "BareEngines.h"
+#include "PeakMemory.h"
+#include "RatioReporter.h"
+#include "StandardOutput.h"
+#include "Workbench.h"
+#include "manager/RegionCrop.h"
+
+namespace {
+
+using namespace tovrbench;
+using Bytes = std::vector<unsigned char>;
+
+constexpr int kRepetitions = 7;
+constexpr int kCabinets = 2000;
+constexpr int kCabinetsAtEnd = 100;  // how many are timed at the beginning and at the end
+constexpr Rectangle kCabinet{0, 0, 127, 127};
+
+double seconds(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+std::size_t enciphered(std::size_t payload) { return (payload + 4 + 7) / 8 * 8; }
+
+// Everything that the measurements share; the first row of both files is the same big block.
+struct Bench {
+  explicit Bench(const std::string& pluginPath)
+      : plugin(pluginPath),
+        cells(noise(kWholeScreen.bytes())),
+        blob(enciphered(cells.size())),
+        store(plugin, scratch.file("library.db"), kWholeScreen),
+        bare(scratch.file("floor.db"), kKey) {
+    store.insert(kWholeScreen, cells);
+    insertBare();
+  }
+
+  void insertBare() {
+    std::memcpy(blob.data(), cells.data(), cells.size());
+    desEncrypt(blob.data(), blob.data(), blob.size());
+    bare.insert(blob);
+  }
+
+  // Reads the big blob and deciphers as many of its bytes as the rectangle has, in runs of one row.
+  void selectBare(const Rectangle& rectangle) {
+    const std::size_t row = enciphered(static_cast<std::size_t>(rectangle.width()) * kCellBytes);
+    bare.select(1, [&](const unsigned char* bytes, std::size_t size) {
+      if (rectangle.width() == kWholeScreen.width()) {
+        desDecrypt(bytes, blob.data(), std::min(size, enciphered(rectangle.bytes())));
+        return;
+      }
+      for (int y = 0; y < rectangle.height(); ++y) desDecrypt(bytes, blob.data(), row);
+    });
+  }
+
+  std::string plugin;
+  Scratch scratch;
+  Bytes cells;
+  Bytes blob;
+  StoreUnderTest store;
+  BareFile bare;
+};
+
+struct Work {
+  std::string name;
+  double bound;
+  std::function<double()> library;  // seconds of one run
+  std::function<double()> floor;
+};
+
+Work insertWork(Bench& bench) {
+  return {"insert 1920 x 1080", 1.05, [&] { return seconds([&] { bench.store.insert(kWholeScreen, bench.cells); }); },
+          [&] {
+            std::memcpy(bench.blob.data(), bench.cells.data(), bench.cells.size());
+            return seconds([&] {
+              desEncrypt(bench.blob.data(), bench.blob.data(), bench.blob.size());
+              bench.bare.insert(bench.blob);
+            });
+          }};
+}
+
+Work queryWork(Bench& bench, const std::string& name, double bound, const Rectangle& rectangle) {
+  return {"query " + name, bound, [&bench, rectangle] { return seconds([&] { bench.store.query(rectangle); }); },
+          [&bench, rectangle] { return seconds([&] { bench.selectBare(rectangle); }); }};
+}
+
+Work cropWork(Bench& bench, const std::string& name, const Rectangle& rectangle) {
+  const tovr::Rect stored{kWholeScreen.left, kWholeScreen.top, kWholeScreen.right, kWholeScreen.bottom};
+  const tovr::Rect wanted{rectangle.left, rectangle.top, rectangle.right, rectangle.bottom};
+  const auto library = [&bench, stored, wanted] {
+    const tovr::CoefBuffer source{kCellBytes, bench.cells.data(), static_cast<int>(bench.cells.size())};
+    return seconds([&] {
+      std::unique_ptr<unsigned char[]> out;
+      tovr::cropRegion(source, stored, wanted, out);
+      benchmark::DoNotOptimize(out.get());
+    });
+  };
+  const auto floor = [&bench, rectangle] {
+    const std::size_t row = static_cast<std::size_t>(rectangle.width()) * kCellBytes;
+    return seconds([&] {
+      std::unique_ptr<unsigned char[]> out(new unsigned char[rectangle.bytes()]);
+      for (int y = 0; y < rectangle.height(); ++y) {
+        const auto cell = static_cast<std::size_t>((rectangle.top + y) * kWholeScreen.width() + rectangle.left);
+        std::memcpy(out.get() + static_cast<std::size_t>(y) * row, bench.cells.data() + cell * kCellBytes, row);
+      }
+      benchmark::DoNotOptimize(out.get());
+    });
+  };
+  return {"crop " + name, 1.10, library, floor};
+}
+
+Work openWork(Bench& bench) {
+  const std::string path = bench.scratch.file("open.db");
+  { BareFile made(path, kKey); }
+  return {"load, open, close", 1.05,
+          [&bench, path] {
+            return seconds([&] {
+              tovrhost::PluginHost host(bench.plugin);
+              host.manager().openDB(path, kKey);
+              host.manager().closeDB();
+            });
+          },
+          [path] { return seconds([&] { BareFile file(path, kKey); }); }};
+}
+
+std::vector<Work> pairedWork(Bench& bench) {
+  return {insertWork(bench),
+          queryWork(bench, "1920 x 1080", 1.05, kWholeScreen),
+          queryWork(bench, "128 x 128", 1.15, {600, 400, 727, 527}),
+          queryWork(bench, "one row", 1.15, {0, 540, 1919, 540}),
+          queryWork(bench, "one column", 1.15, {960, 0, 960, 1079}),
+          queryWork(bench, "one cell", 1.15, {960, 540, 960, 540}),
+          cropWork(bench, "1920 x 1080", kWholeScreen),
+          cropWork(bench, "128 x 128", {600, 400, 727, 527}),
+          cropWork(bench, "one column", {960, 0, 960, 1079}),
+          openWork(bench)};
+}
+
+void registerPairs(const std::vector<Work>& works) {
+  const auto add = [](const std::string& name, const std::function<double()>& work) {
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [work](benchmark::State& state) {
+                                   for (auto _ : state) state.SetIterationTime(work());
+                                 })
+        ->UseManualTime()
+        ->Iterations(1)
+        ->Repetitions(kRepetitions);
+  };
+  for (const Work& work : works) {
+    add(work.name + "/library", work.library);
+    add(work.name + "/floor", work.floor);
+  }
+}
+
+double mean(const std::vector<double>& times, std::size_t from, std::size_t count) {
+  const auto first = times.begin() + static_cast<std::ptrdiff_t>(from);
+  return std::accumulate(first, first + static_cast<std::ptrdiff_t>(count), 0.0) / static_cast<double>(count);
+}
+
+// One by one into a file of their own, then in random order out of it. The lists that every flow reads first are timed
+// beside: they grow with the number of areas, by contract.
+void measureCabinets(Bench& bench, std::FILE* out) {
+  const Rectangle wall{0, 0, 128 * kCabinets - 1, 127};
+  StoreUnderTest store(bench.plugin, bench.scratch.file("cabinets.db"), wall);
+  const auto cabinet = [](int n) { return Rectangle{128 * n, 0, 128 * n + 127, 127}; };
+  Bytes cells = noise(kCabinet.bytes());
+
+  const double emptyLists = seconds([&] { store.readLists(); });
+  std::vector<double> inserts;
+  for (int n = 0; n < kCabinets; ++n) inserts.push_back(seconds([&] { store.insert(cabinet(n), cells); }));
+  const double fullLists = median(
+      {seconds([&] { store.readLists(); }), seconds([&] { store.readLists(); }), seconds([&] { store.readLists(); })});
+
+  std::vector<int> order(kCabinets);
+  std::iota(order.begin(), order.end(), 0);
+  std::shuffle(order.begin(), order.end(), std::mt19937(1));
+  std::vector<double> queries;
+  for (const int n : order) queries.push_back(seconds([&] { store.query(cabinet(n)); }));
+
+  const double first = mean(inserts, 0, kCabinetsAtEnd);
+  const double last = mean(inserts, inserts.size() - kCabinetsAtEnd, kCabinetsAtEnd);
+  std::fprintf(out, "\n%d cabinets of 128 x 128, means of %d:\n", kCabinets, kCabinetsAtEnd);
+  std::fprintf(out, "  insert: first %.3f ms, last %.3f ms; less the reading of all rows %.3f ms: ratio %.2f\n",
+               first * 1e3, last * 1e3, (last - fullLists) * 1e3, (last - fullLists) / (first - emptyLists));
+  const double firstQuery = mean(queries, 0, kCabinetsAtEnd);
+  const double lastQuery = mean(queries, queries.size() - kCabinetsAtEnd, kCabinetsAtEnd);
+  std::fprintf(out, "  query, random order, all stored: first %.3f ms, last %.3f ms: ratio %.2f\n", firstQuery * 1e3,
+               lastQuery * 1e3, lastQuery / firstQuery);
+  std::fprintf(out, "  reading all rows: %.3f ms for %d areas, %.2f us a row\n", fullLists * 1e3, kCabinets,
+               fullLists * 1e6 / kCabinets);
+}
+
+void measureMemory(Bench& bench, std::FILE* out) {
+  const auto block = static_cast<double>(kWholeScreen.bytes());
+  const auto report = [&](const char* name, double bound, const std::function<void()>& work) {
+    std::fprintf(out, "| %s | %.2f | %.1f |\n", name, static_cast<double>(peakMemoryOf(work)) / block, bound);
+  };
+  std::fprintf(out, "\n| peak memory beyond the caller's block | blocks | bound |\n|---|---|---|\n");
+  report("insert 1920 x 1080", 3, [&] { bench.store.insert(kWholeScreen, bench.cells); });
+  report("query 1920 x 1080", 3, [&] { bench.store.query(kWholeScreen); });
+  report("query 128 x 128", 1.2, [&] { bench.store.query({600, 400, 727, 527}); });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    std::fprintf(stderr, "usage: %s PLUGIN [benchmark options]\n", argv[0]);
+    return 2;
+  }
+  StandardOutput results;  // the library prints to standard output
+  std::vector<char*> arguments(argv, argv + argc);
+  char interleave[] = "--benchmark_enable_random_interleaving=true";
+  arguments.erase(arguments.begin() + 1);
+  arguments.push_back(interleave);
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+
+  Bench bench(argv[1]);
+  const std::vector<Work> works = pairedWork(bench);
+  registerPairs(works);
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+
+  std::vector<RatioReporter::Bound> bounds;
+  for (const Work& work : works) bounds.push_back({work.name, work.bound});
+  reporter.print(results.stream(), bounds);
+  measureMemory(bench, results.stream());
+  measureCabinets(bench, results.stream());
+  return 0;
+}
