@@ -16,7 +16,7 @@ namespace {
 
 using tovrhost::PluginHost;
 
-constexpr int kCellBytes = 18;  // a 3x3 matrix of 16-bit numbers
+constexpr std::size_t kCellBytes = 18;  // a 3x3 matrix of 16-bit numbers
 
 void require(int code, const char* what, PluginHost& host) {
   if (code == 0) return;
@@ -52,7 +52,7 @@ void storeBlock(PluginHost& host, std::vector<unsigned char>& cells) {
   auto block = host.makeRecord<tovr::CoefData>();
   block->coeftype = 1;
   setRectangle(*block, 0, 0, 63, 31);
-  block->coefBuffer.databitwidth = kCellBytes;
+  block->coefBuffer.databitwidth = int{kCellBytes};
   block->coefBuffer.data = cells.data();  // stays ours
   block->coefBuffer.datasize = static_cast<int>(cells.size());
   require(host.manager().insertData(block.get()), "store the block", host);
@@ -68,7 +68,7 @@ bool readBack(PluginHost& host, const std::vector<unsigned char>& cells) {
   std::printf("read %d bytes of %d-byte cells\n", request->coefBuffer.datasize, request->coefBuffer.databitwidth);
   for (std::size_t row = 0; row < 8; ++row) {
     const unsigned char* expected = cells.data() + ((row + 4) * 64 + 8) * kCellBytes;
-    if (std::memcmp(region.get() + row * 16 * kCellBytes, expected, 16 * kCellBytes) != 0) return false;
+    if (std::memcmp(region.get() + row * 16 * kCellBytes, expected, kCellBytes * 16) != 0) return false;
   }
   return true;
 }
@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
     require(host.manager().createTables(), "create the tables", host);
     describeFile(host);
 
-    std::vector<unsigned char> cells(64 * 32 * kCellBytes);
+    std::vector<unsigned char> cells(kCellBytes * 64 * 32);
     for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = static_cast<unsigned char>(i * 131 >> 3);
     storeBlock(host, cells);
     const bool same = readBack(host, cells);

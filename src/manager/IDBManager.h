@@ -16,8 +16,9 @@ class IDBManager {
  public:
   virtual ~IDBManager() = default;  // slot 0
 
-  // Opens (or creates) the file at `path` (narrow bytes, passed on unchanged) with the page key `key`. A wrong key
-  // shows only at the first read. 4096 without host or connection.
+  // Opens (or creates) the file at `path` (narrow bytes, passed on unchanged) with the page key `key`, and runs the
+  // two PRAGMAs. With a wrong key the first read fails with 26; engines that read the file for a PRAGMA fail here. The
+  // file then stays open: close it, or open another. 4096 without host or connection.
   virtual int openDB(std::string path, std::string key) = 0;  // slot 1
 
   // Closes the file. 4096 without host or connection.

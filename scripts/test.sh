@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and passes every check: formatting, the tests in the plain build, the tests under
+# AddressSanitizer and UndefinedBehaviorSanitizer, clang-tidy.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+step() { printf '\n== %s\n' "$*"; }
+
+step "dependencies"
+scripts/install-dependencies.sh
+
+step "formatting"
+find src host tool examples tests -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run --Werror
+
+for preset in debug sanitize; do
+  step "tests, $preset build"
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset"
+  ctest --preset "$preset" -j "$(nproc)"
+done
+
+step "clang-tidy"
+run-clang-tidy-14 -p build/debug -quiet -j "$(nproc)" '/(src|host|tool|examples)/' >build/clang-tidy.log 2>&1 || {
+  grep -E 'error:|warning:' build/clang-tidy.log
+  exit 1
+}
+echo "clang-tidy finds nothing"
