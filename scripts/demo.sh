@@ -18,12 +18,16 @@ screens=(main left right)
 declare -A rect=([main]=0,0,1919,1079 [left]=1920,0,2559,359 [right]=1920,360,2559,719)
 region=600,400,855,527  # 256 x 128 cells in the middle of the main screen
 
+sample() {  # what it says about its model goes to a file
+  "$tovrdb" sample --size 2560x1080 "$@" 2>>"$out/sample.log" || { cat "$out/sample.log"; exit 1; }
+}
+
 echo "A wall of three screens, each cell a 3x3 matrix of 16-bit numbers: 18 bytes."
 for screen in "${screens[@]}"; do
-  "$tovrdb" sample --quiet --size 2560x1080 --rect "${rect[$screen]}" -o "$out/$screen.npy"
+  sample --rect "${rect[$screen]}" -o "$out/$screen.npy"
   echo "  $screen ${rect[$screen]}: $(stat -c %s "$out/$screen.npy") bytes of synthetic coefficients"
 done
-"$tovrdb" sample --quiet --size 2560x1080 --rect "$region" --raw -o "$out/expected.bin"
+sample --rect "$region" --raw -o "$out/expected.bin"
 
 compare() {  # FILE EXPECTED WHAT
   cmp -s "$1" "$2" || { echo "  $3 DIFFERS"; exit 1; }

@@ -1,0 +1,20 @@
+// Values on the command line that several commands take.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+#include "tool/ByteOutput.h"
+#include "tool/Rect.h"
+
+namespace tovrtool {
+
+void addOutput(CLI::App& command, OutputOptions& options);
+CLI::Option* addFile(CLI::App& command, std::string& file);
+CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::string& description);
+CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
+                         const std::string& description);
+CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description);
+
+}  // namespace tovrtool

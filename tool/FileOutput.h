@@ -1,0 +1,39 @@
+// A file that appears whole or not at all: written under a temporary name in its folder, then moved into place.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "tool/Platform.h"
+
+namespace tovrtool {
+
+enum class Existing { kRefuse, kReplace };
+
+// A name for an unfinished file beside `path` that nothing else has.
+std::string temporaryNameBeside(const std::string& path);
+
+class FileOutput {
+ public:
+  // Throws ToolError when `path` exists and may not be replaced, and when its folder takes no new file.
+  FileOutput(const std::string& path, Existing existing);
+  FileOutput(const FileOutput&) = delete;
+  FileOutput& operator=(const FileOutput&) = delete;
+  // Removes what was not committed.
+  ~FileOutput();
+
+  // Throw ToolError when the disk does not take it; what `path` held before is untouched then.
+  void write(const void* bytes, std::size_t size);
+  void commit();
+
+ private:
+  void fail(const std::string& action) const;
+
+  std::string path_;
+  Existing existing_;
+  bool device_;            // a device or pipe: written to directly, there is nothing to replace
+  std::string temporary_;  // empty: there is none
+  FileHandle file_;
+};
+
+}  // namespace tovrtool

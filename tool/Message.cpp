@@ -1,0 +1,18 @@
+#include "tool/Message.h"
+
+#include <cstdio>
+
+namespace tovrtool {
+
+void message(const std::string& text) { std::fprintf(stderr, "tovrdb: %s\n", printable(text).c_str()); }
+
+std::string printable(const std::string& text) {
+  std::string shown = text;
+  for (char& character : shown) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x20 || byte == 0x7F) character = '?';
+  }
+  return shown;
+}
+
+}  // namespace tovrtool

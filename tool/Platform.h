@@ -1,0 +1,57 @@
+// Everything that the operating systems do differently: descriptors, terminals, moving files, the program's own path.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace tovrtool {
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+constexpr int kStandardInput = 0;
+constexpr int kStandardOutput = 1;
+constexpr int kStandardError = 2;
+
+// A write to a closed pipe becomes an error that the writer sees, instead of ending the process.
+void ignoreBrokenPipes();
+
+bool isTerminal(int descriptor);
+
+// A line typed on the terminal at standard input, without echo, after `prompt` on standard error. An interrupt
+// restores the terminal and throws std::runtime_error. REQUIRES: isTerminal(kStandardInput).
+std::string readWithoutEcho(const std::string& prompt);
+
+// Standard input as bytes, without translation of line ends.
+std::FILE* binaryStandardInput();
+
+// A second descriptor of the same file as a stream of bytes; null when `descriptor` is closed.
+FileHandle duplicateAsStream(int descriptor);
+
+// Makes `descriptor` write to the null device, to the end of a file (made if need be), or where another writes to.
+// False, with errno set: nothing was changed.
+bool redirectToNull(int descriptor);
+bool redirectToEndOf(const std::string& path, int descriptor);
+bool redirectTo(int target, int descriptor);
+
+// A new file opened for writing bytes; null, with errno set, when `path` exists or cannot be made.
+FileHandle createNew(const std::string& path);
+
+// What was written reaches the disk. False when that fails.
+bool flushToDisk(std::FILE* file);
+
+// Moves a file within its folder and never replaces: false when `to` exists, with errno EEXIST, or on any other error.
+bool moveWithoutReplacing(const std::string& from, const std::string& to);
+
+// The text of errno.
+std::string systemError();
+
+// The folder of the running program; empty when the system does not tell.
+std::string programFolder();
+
+int processNumber();
+
+}  // namespace tovrtool

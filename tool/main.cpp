@@ -1,0 +1,118 @@
+// tovrdb: the command line of the database plug-in. Reads the command line, runs the command that it names and turns
+// its outcome into an exit code.
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <new>
+#include <stdexcept>
+
+#include "tool/CoefCommands.h"
+#include "tool/Command.h"
+#include "tool/CreateCommand.h"
+#include "tool/DataCommands.h"
+#include "tool/InfoCommand.h"
+#include "tool/InspectCommand.h"
+#include "tool/MeasureCommands.h"
+#include "tool/Message.h"
+#include "tool/Platform.h"
+#include "tool/SampleCommand.h"
+#include "tool/ScreenCommands.h"
+#include "tool/ToolError.h"
+
+namespace {
+
+using namespace tovrtool;
+
+constexpr const char* kIntroduction =
+    "tovrdb keeps calibration data of LED screens in encrypted database files.\n\n"
+    "Examples:\n"
+    "  export TOVRDB_KEY='a key of your own'\n"
+    "  tovrdb create wall.db --type 0\n"
+    "  tovrdb screen add wall.db --name left --rect 0,0,1919,1079\n"
+    "  tovrdb sample -o wall.npy --size 1920x1080\n"
+    "  tovrdb coef put wall.db --type 1 --at 0,0 wall.npy\n"
+    "  tovrdb coef get wall.db --type 1 --rect 100,100,163,131 --dtype uint16 -o part.npy\n"
+    "  tovrdb coef list wall.db\n\n"
+    "Rectangles are L,T,R,B in cells from 0; both edges belong to them.\n"
+    "tovrdb COMMAND --help tells more about a command.\n";
+
+constexpr const char* kFooter =
+    "Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).\n"
+    "Exit codes: 0 done; 1 the library refused; 2 the command line is wrong; 3 a file is missing, exists, or cannot\n"
+    "be used; 4 no key, or a key that does not open the file; 5 the plug-in library cannot be loaded.";
+
+void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
+  app.add_option("--plugin", options.plugin, "The plug-in library [found beside the program]")->type_name("FILE");
+  app.add_option("--key-file", options.keyFile, "The key is this file's first line [TOVRDB_KEY, else a prompt]")
+      ->type_name("FILE");
+  CLI::Option* log = app.add_option("--log", options.log, "Append the library's own lines to this file");
+  log->type_name("FILE");
+  app.add_flag("--verbose", options.verbose, "Show the library's own lines on standard error")->excludes(log);
+}
+
+void addCommands(CLI::App& app, Command& chosen) {
+  addInspectCommand(app, chosen);
+  addCreateCommand(app, chosen);
+  addInfoCommand(app, chosen);
+  addScreenCommands(app, chosen);
+  addCoefCommands(app, chosen);
+  addSampleCommand(app, chosen);
+  addDataCommands(app, chosen);
+  addMeasureCommands(app, chosen);
+}
+
+void runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
+  if (!options.log.empty()) output.logLibraryTo(options.log);
+  if (options.verbose) output.showLibrary();
+  Context context{options, output};
+  chosen.run(context);
+  output.finish();
+}
+
+// The outcome of `action` as an exit code, its failure as a message.
+template <class Action>
+int report(const std::string& what, Action action) {
+  const auto failed = [&what](int code, const std::string& text) {
+    message(what.empty() ? text : what + ": " + text);
+    return code;
+  };
+  try {
+    action();
+    return kDone;
+  } catch (const ToolError& error) {
+    return failed(error.code(), error.what());
+  } catch (const std::bad_alloc&) {
+    return failed(kRefused, "out of memory");
+  } catch (const std::exception& error) {
+    return failed(kRefused, error.what());
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  ignoreBrokenPipes();
+  StandardOutput output;
+  GlobalOptions options;
+  Command chosen;
+  CLI::App app(kIntroduction, "tovrdb");
+  app.footer(kFooter);
+  app.set_version_flag("--version", "tovrdb " TOVRDB_VERSION);
+  app.require_subcommand(1)->fallthrough();
+  addGlobalOptions(app, options);
+  addCommands(app, chosen);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& request) {  // --help, --version
+    std::ostringstream text;
+    app.exit(request, text, text);
+    return report("", [&] {
+      output.print(text.str());
+      output.finish();
+    });
+  } catch (const CLI::ParseError& error) {
+    message(std::string(error.what()));
+    message("tovrdb --help shows examples");
+    return kUsage;
+  }
+  return report(chosen.what, [&] { runChosen(options, chosen, output); });
+}
