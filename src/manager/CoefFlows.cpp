@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "manager/RegionCrop.h"
+#include "storage/BlobCipher.h"
 #include "tables/Schema.h"
 
 namespace tovr {
@@ -84,6 +85,12 @@ ScreenInfoData screenFor(const CoefData& record) {
   screen.right = record.right;
   screen.bottom = record.bottom;
   return screen;
+}
+
+bool readRegion(EncipheredBlob& block, const CropPlan& plan, unsigned char* cells) {
+  if (plan.rows == 0) return true;
+  return block.readRows(static_cast<std::size_t>(plan.first), static_cast<std::size_t>(plan.rowBytes),
+                        static_cast<std::size_t>(plan.stride), static_cast<std::size_t>(plan.rows), cells);
 }
 
 }  // namespace
@@ -209,14 +216,26 @@ int CoefFlows::rewriteScreen(const CoefData& record, int screenid) {
   return result == kOk ? operators_.screens.update(&screen) : result;
 }
 
+// Only the cells asked for are deciphered, straight out of the row. A placement whose block's row is missing counts as
+// a block of no bytes.
 int CoefFlows::readArea(CoefData& record, const CoefData& area) {
-  CoefBuffer block;
-  const int result = operators_.coefs.selectCoef(area.coefid, &block);
-  const std::unique_ptr<unsigned char[]> stored(block.data);  // ours, whatever the result
-  if (result != kOk) return result;
+  const Rect stored = rectOf(area);
+  const Rect requested = rectOf(record);
+  CoefBuffer region;
+  CropPlan plan;
   std::unique_ptr<unsigned char[]> cells;
-  const int cropped = cropRegion(block, rectOf(area), rectOf(record), cells);
+  int cropped = planCrop(stored, requested, 0, 0, plan);
+  const int result = operators_.coefs.visitCoef(area.coefid, [&](int cellBytes, EncipheredBlob& block) {
+    region.databitwidth = cellBytes;
+    cropped = planCrop(stored, requested, cellBytes, static_cast<std::int32_t>(block.payloadSize()), plan);
+    if (cropped != kOk || plan.bytes < 0) return true;  // told below, once the row is done with
+    cells = allocateRegion(plan);
+    return readRegion(block, plan, cells.get());
+  });
+  if (result != kOk) return result;
   if (cropped != kOk) return cropped;
+  if (cells == nullptr) cells = allocateRegion(plan);
+  region.datasize = static_cast<std::int32_t>(plan.bytes);
 
   CoefData filled = record;  // what allocates comes before what the caller sees
   filled.id = area.id;
@@ -226,9 +245,8 @@ int CoefFlows::readArea(CoefData& record, const CoefData& area) {
   filled.areaIndex = area.areaIndex;
   filled.multilayersize = area.multilayersize;
   filled.multilayerlist = area.multilayerlist;
-  filled.coefBuffer.databitwidth = block.databitwidth;
-  filled.coefBuffer.datasize = static_cast<std::int32_t>(regionBytes(rectOf(record), block.databitwidth));
-  filled.coefBuffer.data = cells.release();
+  region.data = cells.release();
+  filled.coefBuffer = region;
   record = std::move(filled);
   return kOk;
 }

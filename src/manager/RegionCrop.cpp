@@ -40,38 +40,49 @@ std::int64_t bytesRead(const Rect& stored, const Rect& requested, std::int32_t c
   return cells > kSaturated ? kSaturated : saturatingProduct(cells, cellBytes);
 }
 
-// REQUIRES: bytesRead() bytes at source.data; that also keeps every product below in range.
-void copyRows(const CoefBuffer& source, const Rect& stored, const Rect& requested, unsigned char* out) {
-  const std::int64_t rowBytes = width(requested) * source.databitwidth;
-  const std::int64_t firstColumn = std::int64_t{requested.left} - stored.left;
-  for (std::int64_t row = 0; row < height(requested); ++row) {
-    const std::int64_t rowsAbove = std::int64_t{requested.top} - stored.top + row;
-    const std::int64_t firstCell = rowsAbove * width(stored) + firstColumn;
-    std::memcpy(out + row * rowBytes, source.data + firstCell * source.databitwidth,
-                static_cast<std::size_t>(rowBytes));
-  }
-}
-
-}  // namespace
-
 std::int64_t regionBytes(const Rect& rect, std::int32_t cellBytes) {
   return saturatingProduct(saturatingProduct(height(rect), width(rect)), cellBytes);
 }
 
+}  // namespace
+
+int planCrop(const Rect& stored, const Rect& requested, std::int32_t cellBytes, std::int32_t blockBytes,
+             CropPlan& plan) {
+  if (!holds(stored, requested)) return kRectangleRefused;
+  CropPlan made;
+  made.bytes = regionBytes(requested, cellBytes);
+  if (made.bytes > blockBytes) return kBlockTooSmall;
+  if (made.bytes >= 0 && hasCells(stored, requested, cellBytes)) {
+    if (bytesRead(stored, requested, cellBytes) > blockBytes) return kBlockTooSmall;
+    // What is read lies inside the block, so every product below is in range.
+    const std::int64_t rowsAbove = std::int64_t{requested.top} - stored.top;
+    const std::int64_t cellsBefore = std::int64_t{requested.left} - stored.left;
+    made.rows = height(requested);
+    made.rowBytes = width(requested) * cellBytes;
+    made.first = (rowsAbove * width(stored) + cellsBefore) * cellBytes;
+    made.stride = made.rows > 1 ? width(stored) * cellBytes : made.rowBytes;
+  }
+  plan = made;
+  return kOk;
+}
+
+std::unique_ptr<unsigned char[]> allocateRegion(const CropPlan& plan) {
+  if (plan.bytes < 0) throw std::bad_alloc();
+  const auto size = static_cast<std::size_t>(plan.bytes);
+  if (plan.rows == 0) return std::make_unique<unsigned char[]>(size);  // nothing of the heap reaches the host
+  return std::unique_ptr<unsigned char[]>(new unsigned char[size]);
+}
+
 int cropRegion(const CoefBuffer& source, const Rect& stored, const Rect& requested,
                std::unique_ptr<unsigned char[]>& out) {
-  if (!holds(stored, requested)) return kRectangleRefused;
-  const std::int64_t size = regionBytes(requested, source.databitwidth);
-  if (size > source.datasize) return kBlockTooSmall;
-  if (size < 0) throw std::bad_alloc();
-  const auto bytes = static_cast<std::size_t>(size);
-  if (!hasCells(stored, requested, source.databitwidth)) {
-    out = std::make_unique<unsigned char[]>(bytes);  // zeros: nothing of the heap reaches the host
-    return kOk;
+  CropPlan plan;
+  const int result = planCrop(stored, requested, source.databitwidth, source.datasize, plan);
+  if (result != kOk) return result;
+  std::unique_ptr<unsigned char[]> cells = allocateRegion(plan);
+  for (std::int64_t row = 0; row < plan.rows; ++row) {
+    std::memcpy(cells.get() + row * plan.rowBytes, source.data + plan.first + row * plan.stride,
+                static_cast<std::size_t>(plan.rowBytes));
   }
-  if (bytesRead(stored, requested, source.databitwidth) > source.datasize) return kBlockTooSmall;
-  std::unique_ptr<unsigned char[]> cells(new unsigned char[bytes]);
-  copyRows(source, stored, requested, cells.get());
   out = std::move(cells);
   return kOk;
 }

@@ -2,19 +2,20 @@
 // add zero bytes at the end; the length tells where the payload stops.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 namespace tovr {
 
 constexpr std::size_t kLengthPrefixSize = 4;
 
-// Null data with a length other than 0 gives nothing.
-std::optional<std::vector<unsigned char>> framePayload(const void* data, std::uint32_t length);
+std::array<unsigned char, kLengthPrefixSize> lengthPrefix(std::uint32_t length);
 
-// Where the payload lies in a framed buffer: always right behind the prefix. Nothing when the buffer is shorter than
-// the prefix, or than the prefix says.
-std::optional<std::uint32_t> payloadLength(const std::vector<unsigned char>& framed);
+// The payload's length out of the first bytes of a framed buffer of `framedSize` bytes; `framed` holds as many of them
+// as there are, but no more than a prefix is needed. Nothing when the buffer is shorter than the prefix, or than the
+// prefix says.
+std::optional<std::uint32_t> payloadLength(const unsigned char* framed, std::size_t framedSize);
 
 }  // namespace tovr

@@ -3,19 +3,13 @@
 #include <algorithm>
 #include <climits>
 
-#include "storage/BlobFraming.h"
+#include "storage/BlobCipher.h"
 #include "storage/HostServices.h"
 #include "storage/Log.h"
 #include "storage/NumberText.h"
 #include "storage/ResultTable.h"
 
 namespace tovr {
-namespace {
-
-// Every blob's DES key, which is its initialisation vector too.
-const char* const kBlobKey = "kelptarn";
-
-}  // namespace
 
 DataTableOperateBase::DataTableOperateBase()
     : dbOperate(findOrCreateConnection()), encryption(findOrCreateEncryption()) {}
@@ -103,21 +97,11 @@ int DataTableOperateBase::report(int result) {
 }
 
 bool DataTableOperateBase::encryptData(const void* data, unsigned int length, std::vector<unsigned char>& out) {
-  if (encryption == nullptr) return false;
-  const auto framed = framePayload(data, length);
-  return framed && encryption->encrypt(kBlobKey, kBlobKey, *framed, out);
+  return encryption != nullptr && encipherPayload(*encryption, data, length, out);
 }
 
 bool DataTableOperateBase::decryptData(const void* data, unsigned int length, std::vector<unsigned char>& out) {
-  if (encryption == nullptr || (data == nullptr && length != 0)) return false;
-  const auto* bytes = static_cast<const unsigned char*>(data);
-  std::vector<unsigned char> framed;
-  if (!encryption->decrypt(kBlobKey, kBlobKey, std::vector<unsigned char>(bytes, bytes + length), framed)) return false;
-  const auto payload = payloadLength(framed);
-  if (!payload) return false;
-  const auto first = framed.begin() + kLengthPrefixSize;
-  out.assign(first, first + *payload);
-  return true;
+  return encryption != nullptr && decipherPayload(*encryption, data, length, out);
 }
 
 bool DataTableOperateBase::decryptColumn(int column, std::vector<unsigned char>& out) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "manager/DataRecords.h"
+#include "storage/BlobCipher.h"
 #include "tables/RectangleColumns.h"
 #include "tables/Schema.h"
 
@@ -130,6 +131,19 @@ int CoefDataTableOperate::selectCoef(int id, CoefBuffer* out) {
     out->data = newArrayOf(cells).release();
     out->datasize = static_cast<std::int32_t>(cells.size());
     return kOk;
+  });
+}
+
+int CoefDataTableOperate::visitCoef(int id, const BlockReader& use) {
+  const int prepared = prepare(kSelectCoef + std::to_string(id));
+  if (prepared != kOk) return prepared;
+  return readFirstRow([&](IDBOperate& db) {
+    if (encryption == nullptr) return kCipherFailed;
+    const int databitwidth = db.column_int(2);
+    const void* bytes = db.column_blob(1);
+    const int size = db.column_bytes(1);
+    EncipheredBlob block(*encryption, bytes, size > 0 ? static_cast<std::size_t>(size) : 0);
+    return block.open() && use(databitwidth, block) ? kOk : kCipherFailed;
   });
 }
 

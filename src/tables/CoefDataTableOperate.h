@@ -1,10 +1,13 @@
 // The operator of "Coef", one enciphered block of cells per row, and "Coef_Info", which places a block on a screen.
 #pragma once
 
+#include <functional>
+
 #include "storage/DataTableOperateBase.h"
 
 namespace tovr {
 
+class EncipheredBlob;
 struct CoefBuffer;
 struct CoefData;
 
@@ -27,6 +30,11 @@ class CoefDataTableOperate : public DataTableOperateBase {
   // overwritten, not freed). 0 with `out` untouched when there is no such row; 4106, with only the cell width
   // written, when the block cannot be deciphered.
   int selectCoef(int id, CoefBuffer* out);
+
+  // The same row, read in parts: hands its cell width and its block, still enciphered, to `use`, which answers whether
+  // what it read of the block could be deciphered. The result is selectCoef's.
+  using BlockReader = std::function<bool(int databitwidth, EncipheredBlob& block)>;
+  int visitCoef(int id, const BlockReader& use);
 
  private:
   // Both statements bind the enciphered block and the cell width first; `bindThird` binds what they differ in.

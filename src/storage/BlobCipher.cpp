@@ -1,0 +1,131 @@
+#include "storage/BlobCipher.h"
+
+#include <algorithm>
+#include <string>
+
+#include "storage/BlobFraming.h"
+
+namespace tovr {
+namespace {
+
+using Bytes = IEncryption::Bytes;
+
+constexpr std::size_t kBlock = 8;
+
+// Every blob's DES key, which is its first initialisation vector too.
+const char* const kBlobKey = "kelptarn";
+
+// Small enough to stay in a processor's cache on its way through, large enough that a call costs nothing beside it.
+constexpr std::size_t kPiece = std::size_t{64} * 1024;
+static_assert(kPiece % kBlock == 0);
+
+// The service's answers are 32-bit lengths on Windows.
+constexpr std::size_t kLargestPayload = INT32_MAX - 2 * kBlock;
+
+constexpr std::size_t roundDown(std::size_t size) { return size / kBlock * kBlock; }
+constexpr std::size_t roundUp(std::size_t size) { return roundDown(size + kBlock - 1); }
+
+std::string vectorAt(const unsigned char* block) { return std::string(block, block + kBlock); }
+
+}  // namespace
+
+bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t length, Bytes& out) {
+  if ((data == nullptr && length != 0) || length > kLargestPayload) return false;
+  const auto prefix = lengthPrefix(length);
+  const auto* next = static_cast<const unsigned char*>(data);
+  std::size_t left = length;
+  std::string vector = kBlobKey;
+  Bytes enciphered;
+  enciphered.reserve(roundUp(kLengthPrefixSize + length));
+  Bytes piece(prefix.begin(), prefix.end());
+  Bytes result;
+  do {
+    const std::size_t taken = std::min(left, kPiece - piece.size());
+    if (taken > 0) piece.insert(piece.end(), next, next + taken);
+    next += taken;
+    left -= taken;
+    if (!encryption.encrypt(kBlobKey, vector, piece, result) || result.size() != roundUp(piece.size())) return false;
+    enciphered.insert(enciphered.end(), result.begin(), result.end());
+    vector = vectorAt(enciphered.data() + enciphered.size() - kBlock);
+    piece.clear();
+  } while (left > 0);
+  out = std::move(enciphered);
+  return true;
+}
+
+bool decipherPayload(IEncryption& encryption, const void* blob, std::size_t length, Bytes& out) {
+  if (blob == nullptr && length != 0) return false;
+  const auto* bytes = static_cast<const unsigned char*>(blob);
+  Bytes framed;
+  if (!encryption.decrypt(kBlobKey, kBlobKey, Bytes(bytes, bytes + length), framed)) return false;
+  const auto payload = payloadLength(framed.data(), framed.size());
+  if (!payload) return false;
+  const auto first = framed.begin() + kLengthPrefixSize;
+  out.assign(first, first + *payload);
+  return true;
+}
+
+EncipheredBlob::EncipheredBlob(IEncryption& encryption, const void* bytes, std::size_t size)
+    : encryption_(encryption), bytes_(static_cast<const unsigned char*>(bytes)), size_(size) {}
+
+bool EncipheredBlob::open() {
+  if (bytes_ == nullptr || !decipher(0, std::min(kBlock, size_))) return false;
+  const auto payload = payloadLength(plain_.data(), plain_.size() < kLengthPrefixSize ? plain_.size() : size_);
+  if (!payload) return false;
+  payloadSize_ = *payload;
+  return true;
+}
+
+// A gap is worth deciphering along where that costs less than one more call: a key schedule and a few small copies, as
+// long as some 128 bytes of DES.
+bool EncipheredBlob::readRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
+                              unsigned char* out) {
+  constexpr std::size_t kSmallGap = 128;
+  if (stride == rowSize) return read(offset, rows * rowSize, out);
+  if (stride - rowSize <= kSmallGap && stride <= kPiece / 2) return readAcrossGaps(offset, rowSize, stride, rows, out);
+  for (std::size_t row = 0; row < rows; ++row) {
+    if (!read(offset + row * stride, rowSize, out + row * rowSize)) return false;
+  }
+  return true;
+}
+
+bool EncipheredBlob::read(std::size_t offset, std::size_t size, unsigned char* out) {
+  while (size > 0) {
+    const std::size_t framed = kLengthPrefixSize + offset;
+    const std::size_t begin = roundDown(framed);
+    const std::size_t end = std::min(begin + kPiece, std::min(roundUp(framed + size), size_));
+    if (!decipher(begin, end)) return false;
+    const std::size_t taken = std::min(size, end - framed);
+    std::copy_n(plain_.data() + (framed - begin), taken, out);
+    offset += taken;
+    size -= taken;
+    out += taken;
+  }
+  return true;
+}
+
+// Several rows in one run, and their gaps with them.
+bool EncipheredBlob::readAcrossGaps(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
+                                    unsigned char* out) {
+  const std::size_t rowsAtOnce = (kPiece - 2 * kBlock) / stride;
+  for (std::size_t row = 0; row < rows; row += rowsAtOnce) {
+    const std::size_t count = std::min(rowsAtOnce, rows - row);
+    const std::size_t framed = kLengthPrefixSize + offset + row * stride;
+    const std::size_t begin = roundDown(framed);
+    const std::size_t last = framed + (count - 1) * stride + rowSize;
+    if (!decipher(begin, std::min(roundUp(last), size_))) return false;
+    for (std::size_t i = 0; i < count; ++i, out += rowSize) {
+      std::copy_n(plain_.data() + (framed - begin) + i * stride, rowSize, out);
+    }
+  }
+  return true;
+}
+
+// Deciphers the bytes from `begin`, the start of a cipher block, to `end` into plain_.
+bool EncipheredBlob::decipher(std::size_t begin, std::size_t end) {
+  piece_.assign(bytes_ + begin, bytes_ + end);
+  const std::string vector = begin == 0 ? kBlobKey : vectorAt(bytes_ + begin - kBlock);
+  return encryption_.decrypt(kBlobKey, vector, piece_, plain_) && plain_.size() == piece_.size();
+}
+
+}  // namespace tovr

@@ -1,0 +1,51 @@
+// Payloads to their stored form and back, through the host's encryption service, a piece at a time: no copy of a whole
+// block is made besides the result, and a part of a blob is deciphered without the rest.
+//
+// In CBC mode any run of whole cipher blocks deciphers by itself with the cipher block before it as its initialisation
+// vector, and enciphering goes on with the last cipher block written (FIPS 81).
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "crypto/IEncryption.h"
+
+namespace tovr {
+
+// The length prefix and the payload, enciphered as a whole. False, with `out` untouched, where the service fails, for
+// null data with a length, and for a payload of 2 GiB or more.
+bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t length, IEncryption::Bytes& out);
+
+// The payload of a stored blob. False, with `out` untouched, where it does not decipher to a whole frame.
+bool decipherPayload(IEncryption& encryption, const void* blob, std::size_t length, IEncryption::Bytes& out);
+
+// A stored blob that is read in parts. Borrows the service and the bytes.
+class EncipheredBlob {
+ public:
+  EncipheredBlob(IEncryption& encryption, const void* bytes, std::size_t size);
+
+  // Deciphers the length prefix. False where decipherPayload would fail on it.
+  bool open();
+
+  // Bytes of the payload. REQUIRES: open() succeeded.
+  std::uint32_t payloadSize() const { return payloadSize_; }
+
+  // `rows` runs of `rowSize` payload bytes, the first at `offset`, each `stride` behind the one before, copied to `out`
+  // without gaps. False where the service fails. REQUIRES: all of them lie inside the payload; stride >= rowSize.
+  bool readRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows, unsigned char* out);
+
+ private:
+  bool read(std::size_t offset, std::size_t size, unsigned char* out);
+  bool readAcrossGaps(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
+                      unsigned char* out);
+  bool decipher(std::size_t begin, std::size_t end);
+
+  IEncryption& encryption_;
+  const unsigned char* bytes_;
+  std::size_t size_;
+  std::uint32_t payloadSize_ = 0;
+  IEncryption::Bytes piece_;  // cipher blocks on their way to the service
+  IEncryption::Bytes plain_;  // and what came back
+};
+
+}  // namespace tovr
