@@ -18,9 +18,10 @@ screens=(main left right)
 declare -A rect=([main]=0,0,1919,1079 [left]=1920,0,2559,359 [right]=1920,360,2559,719)
 region=600,400,855,527  # 256 x 128 cells in the middle of the main screen
 
-sample() {  # what it says about its model goes to a file
-  "$tovrdb" sample --size 2560x1080 "$@" 2>>"$out/sample.log" || { cat "$out/sample.log"; exit 1; }
+db() {  # its messages go to a file, and are shown when it fails
+  "$tovrdb" "$@" 2>>"$out/messages.log" || { cat "$out/messages.log"; exit 1; }
 }
+sample() { db sample --size 2560x1080 "$@"; }
 
 echo "A wall of three screens, each cell a 3x3 matrix of 16-bit numbers: 18 bytes."
 for screen in "${screens[@]}"; do
@@ -38,29 +39,29 @@ for type in 0 1; do
   file=$out/wall-type$type.db
   echo
   echo "A database of type $type: screens are found by $([ $type = 0 ] && echo rectangle || echo name)."
-  "$tovrdb" create "$file" --type $type --name wall
+  db create "$file" --type $type --name wall
   for screen in "${screens[@]}"; do
     named=()
     if [ $type = 0 ]; then
-      "$tovrdb" screen add "$file" --name "$screen" --rect "${rect[$screen]}"
+      db screen add "$file" --name "$screen" --rect "${rect[$screen]}"
     else
       named=(--screen "$screen")  # storing a block makes the screen
     fi
-    "$tovrdb" coef put "$file" --type 1 --rect "${rect[$screen]}" "${named[@]}" "$out/$screen.npy"
+    db coef put "$file" --type 1 --rect "${rect[$screen]}" "${named[@]}" "$out/$screen.npy"
   done
   named=()
   [ $type = 0 ] || named=(--screen main)
-  "$tovrdb" coef get "$file" --type 1 --rect "$region" "${named[@]}" --raw -o "$out/region.bin" --force
+  db coef get "$file" --type 1 --rect "$region" "${named[@]}" --raw -o "$out/region.bin" --force
   compare "$out/region.bin" "$out/expected.bin" "rectangle $region of screen main"
-  "$tovrdb" coef get "$file" --type 1 --rect "${rect[main]}" "${named[@]}" --dtype uint16 -o "$out/whole.npy" --force
+  db coef get "$file" --type 1 --rect "${rect[main]}" "${named[@]}" --dtype uint16 -o "$out/whole.npy" --force
   cmp -s <(tail -c 37324800 "$out/whole.npy") <(tail -c 37324800 "$out/main.npy") || { echo "  screen main DIFFERS"; exit 1; }
   echo "  the whole of screen main: exact to the byte (37324800 bytes)"
 
   head -c 5000 /dev/urandom | base64 >"$out/config.txt"
-  "$tovrdb" data put "$file" --type 3 "$out/config.txt"
-  "$tovrdb" data get "$file" --type 3 -o "$out/config.back" --force
+  db data put "$file" --type 3 "$out/config.txt"
+  db data get "$file" --type 3 -o "$out/config.back" --force
   compare "$out/config.back" "$out/config.txt" "a configuration blob"
 done
 
 echo
-"$tovrdb" info "$out/wall-type0.db"
+db info "$out/wall-type0.db"

@@ -5,7 +5,6 @@
 
 #include "tool/Arguments.h"
 #include "tool/ByteOutput.h"
-#include "tool/CodeText.h"
 #include "tool/FileInput.h"
 #include "tool/Message.h"
 #include "tool/Session.h"

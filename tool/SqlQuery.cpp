@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "tool/CodeText.h"
+#include "storage/StatusCodes.h"
 #include "tool/ToolError.h"
 
 namespace tovrtool {
@@ -11,7 +11,7 @@ namespace {
 
 void require(tovr::IDBOperate& connection, int code) {
   if (code == 0) return;
-  throw ToolError(kRefused, std::to_string(code) + ": " + codeText(code) + " (" + connection.errMsg() + ")");
+  throw ToolError(kRefused, std::to_string(code) + ": " + tovr::statusText(code) + " (" + connection.errMsg() + ")");
 }
 
 }  // namespace

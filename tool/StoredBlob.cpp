@@ -3,7 +3,6 @@
 #include <cstddef>
 
 #include "storage/StatusCodes.h"
-#include "tool/CodeText.h"
 #include "tool/ToolError.h"
 
 namespace tovrtool {
@@ -26,7 +25,7 @@ std::vector<unsigned char> decipherBlob(tovr::IEncryption& encryption, const std
       return {begin, begin + static_cast<std::ptrdiff_t>(length)};
     }
   }
-  throw ToolError(kRefused, std::to_string(tovr::kCipherFailed) + ": " + codeText(tovr::kCipherFailed));
+  throw ToolError(kRefused, std::to_string(tovr::kCipherFailed) + ": " + tovr::statusText(tovr::kCipherFailed));
 }
 
 }  // namespace tovrtool
