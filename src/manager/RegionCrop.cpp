@@ -40,11 +40,11 @@ std::int64_t bytesRead(const Rect& stored, const Rect& requested, std::int32_t c
   return cells > kSaturated ? kSaturated : saturatingProduct(cells, cellBytes);
 }
 
+}  // namespace
+
 std::int64_t regionBytes(const Rect& rect, std::int32_t cellBytes) {
   return saturatingProduct(saturatingProduct(height(rect), width(rect)), cellBytes);
 }
-
-}  // namespace
 
 int planCrop(const Rect& stored, const Rect& requested, std::int32_t cellBytes, std::int32_t blockBytes,
              CropPlan& plan) {

@@ -8,6 +8,10 @@
 
 namespace tovr {
 
+// Bytes of a region: height * width * cellBytes, exact wherever it fits 32 bits, else a number that does not fit.
+// Negative when one side is inverted by more than one cell, 0 when by exactly one.
+std::int64_t regionBytes(const Rect& rect, std::int32_t cellBytes);
+
 // Where the cells of a rectangle lie in a stored block: `rows` runs of `rowBytes` bytes, the first at `first`, each
 // `stride` behind the one before.
 struct CropPlan {
