@@ -11,6 +11,7 @@ packages=(
   clang-format-14 clang-tidy-14                # the checks of the sources
 )
 [ -z "${TOVR_WITH_BENCH:-}" ] || packages+=(libbenchmark-dev)  # only for those who measure
+[ -z "${TOVR_WITH_DOCS:-}" ] || packages+=(doxygen)          # only for the reference
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 

@@ -36,12 +36,13 @@ class IDBManager {
   virtual DataBase* createData(int type) = 0;  // slot 5
 
   // Fills `record`:
-  //   CoefData              the cells of its rectangle, cut out of the stored area that holds it, in a new buffer
-  //                         made with new[] that the caller owns; the old pointer is overwritten, not freed
-  //   ConfigData            the first blob of its data type, in a new buffer as above
-  //   DBInfo                the first row
-  //   CoefDataResult        every stored area, without blocks
-  //   ScreenInfoDataResult  every screen
+  // - CoefData: the cells of its rectangle, cut out of the stored area that holds it, in a new buffer made with new[]
+  //   that the caller owns; the old pointer is overwritten, not freed
+  // - ConfigData: the first blob of its data type, in a new buffer as above
+  // - DBInfo: the first row
+  // - CoefDataResult: every stored area, without blocks
+  // - ScreenInfoDataResult: every screen
+  //
   // LumChromaData and records of an unknown type: 0, nothing happens. ScreenInfoData: 4096. Null: 4096.
   // A CoefData is unchanged on failure.
   virtual int queryData(DataBase* record) = 0;  // slot 6
