@@ -113,4 +113,33 @@ TEST_F(TableFaultTest, InsertsOfGenericData) {
   }
 }
 
+// A value that could not be bound must never be stored as NULL without a word.
+TEST_F(TableFaultTest, BindsOfEveryInsert) {
+  createFile(0);
+  ASSERT_EQ(addScreen("", kTarget), 0);
+  Bytes cells = pattern(32, 4);
+  const auto store = [&](int type) {
+    const std::unique_ptr<DataBase> record(manager->createData(type));
+    if (type == kCoefData) {
+      CoefData area = coef(kTarget, cells, 2);
+      area.areaid = 5;  // always a new area
+      area.multilayerlist = {1, 2};
+      static_cast<CoefData&>(*record) = area;
+    }
+    if (type == kScreenInfoData) static_cast<ScreenInfoData&>(*record).dbid = 1;
+    return manager->insertData(record.get());
+  };
+  for (const int type : {kCoefData, kLumChromaData, kScreenInfoData, kConfigData, kDBInfo}) {
+    host.connection.failBindAt(0);
+    const int result = store(type);
+    EXPECT_EQ(result, type == kLumChromaData ? 19 : 0);
+    const int binds = host.connection.binds;
+    EXPECT_GT(binds, 4);
+    for (int bind = 1; bind <= binds; ++bind) {
+      host.connection.failBindAt(bind);
+      EXPECT_EQ(store(type), FaultyConnection::kFault) << "type " << type << ", bind " << bind;
+    }
+  }
+}
+
 }  // namespace tovrtest

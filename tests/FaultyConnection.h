@@ -14,13 +14,18 @@ class FaultyConnection final : public tovr::IDBOperate {
 
   explicit FaultyConnection(tovr::IDBOperate& target) : target_(target) {}
 
-  // Counts from here on; 0 never fails. Binds, columns and the close do not count.
+  // Counts from here on; 0 never fails. Columns and the close do not count; binds count by themselves.
   void failAt(int call) {
     calls = 0;
     failAt_ = call;
   }
+  void failBindAt(int bind) {
+    binds = 0;
+    failBindAt_ = bind;
+  }
 
   int calls = 0;
+  int binds = 0;
   std::vector<std::string> statements;
 
   int open(const char* path) override { return fails() ? kFault : target_.open(path); }
@@ -33,14 +38,14 @@ class FaultyConnection final : public tovr::IDBOperate {
     stepFailed_ = false;
     return fails(sql) ? kFault : target_.prepare_v2(sql, length);
   }
-  int bind_int(int index, int value) override { return target_.bind_int(index, value); }
+  int bind_int(int index, int value) override { return bindFails() ? kFault : target_.bind_int(index, value); }
   int bind_int64(int index, std::int64_t value) override { return target_.bind_int64(index, value); }
   int bind_double(int index, double value) override { return target_.bind_double(index, value); }
   int bind_text(int index, const char* text, int length, void (*destructor)(void*)) override {
-    return target_.bind_text(index, text, length, destructor);
+    return bindFails() ? kFault : target_.bind_text(index, text, length, destructor);
   }
   int bind_blob(int index, const void* data, int length, void (*destructor)(void*)) override {
-    return target_.bind_blob(index, data, length, destructor);
+    return bindFails() ? kFault : target_.bind_blob(index, data, length, destructor);
   }
   int bind_null(int index) override { return target_.bind_null(index); }
   int step() override { return (stepFailed_ = fails()) ? kFault : target_.step(); }
@@ -57,6 +62,7 @@ class FaultyConnection final : public tovr::IDBOperate {
   const unsigned char* column_text(int column) override { return target_.column_text(column); }
 
  private:
+  bool bindFails() { return ++binds == failBindAt_; }
   bool fails(const char* sql = nullptr) {
     if (sql != nullptr) statements.emplace_back(sql);
     return ++calls == failAt_;
@@ -70,6 +76,7 @@ class FaultyConnection final : public tovr::IDBOperate {
 
   tovr::IDBOperate& target_;
   int failAt_ = 0;
+  int failBindAt_ = 0;
   bool stepFailed_ = false;
 };
 

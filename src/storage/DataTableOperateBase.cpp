@@ -112,6 +112,11 @@ bool DataTableOperateBase::decryptColumn(int column, std::vector<unsigned char>&
 
 int byteLength(std::size_t size) { return static_cast<int>(std::min<std::size_t>(size, INT_MAX)); }
 
+int firstFailure(std::initializer_list<int> results) {
+  const auto* failure = std::find_if(results.begin(), results.end(), [](int result) { return result != kOk; });
+  return failure != results.end() ? *failure : kOk;
+}
+
 int bindText(IDBOperate& db, int index, const std::string& text) {
   return db.bind_text(index, text.data(), byteLength(text.size()), nullptr);
 }

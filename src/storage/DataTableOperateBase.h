@@ -5,6 +5,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -76,6 +77,9 @@ class DataTableOperateBase {
 // The length of a bound text or blob. The engine's own limit lies below 2 GiB, so a larger one is cut to a length
 // that the engine refuses.
 int byteLength(std::size_t size);
+
+// The first result that is not 0, of binds made in order; 0 when all succeeded.
+int firstFailure(std::initializer_list<int> results);
 
 // Binds a text or a blob without a copy: it must live until the statement is finished.
 int bindText(IDBOperate& db, int index, const std::string& text);

@@ -24,17 +24,13 @@ constexpr char kUpdateCoef[] = "update Coef set data = ?, databitwidth = ? where
 
 // The parameters 1 to 11 of an insert and of an update. The stored table name is always "Coef".
 int bindInfo(IDBOperate& db, const CoefData& coef) {
-  db.bind_int(1, coef.screenid);
-  db.bind_int(2, coef.coefid);
-  db.bind_text(3, table::kCoef, byteLength(std::strlen(table::kCoef)), nullptr);
-  db.bind_int(4, coef.coeftype);
-  db.bind_int(5, coef.areaid);
-  bindRectangle(db, 6, coef);
-  db.bind_int(10, coef.multilayersize);
   const auto& layers = coef.multilayerlist;
-  const void* bytes = layers.empty() ? nullptr : layers.data();
-  db.bind_blob(11, bytes, byteLength(layers.size() * sizeof(std::int32_t)), nullptr);
-  return kOk;
+  const void* layerBytes = layers.empty() ? nullptr : layers.data();
+  return firstFailure({db.bind_int(1, coef.screenid), db.bind_int(2, coef.coefid),
+                       db.bind_text(3, table::kCoef, byteLength(std::strlen(table::kCoef)), nullptr),
+                       db.bind_int(4, coef.coeftype), db.bind_int(5, coef.areaid), bindRectangle(db, 6, coef),
+                       db.bind_int(10, coef.multilayersize),
+                       db.bind_blob(11, layerBytes, byteLength(layers.size() * sizeof(std::int32_t)), nullptr)});
 }
 
 // Whole elements only: another program may have stored a blob whose length is no multiple of 4.
@@ -113,10 +109,7 @@ int CoefDataTableOperate::writeCoef(const char* sql, const CoefData* record, con
   return write(sql, [&](IDBOperate& db) {
     if (block.datasize < 0) return kCipherFailed;
     if (!encryptData(block.data, static_cast<unsigned int>(block.datasize), enciphered)) return kCipherFailed;
-    bindBlob(db, 1, enciphered);
-    db.bind_int(2, block.databitwidth);
-    bindThird(db);
-    return kOk;
+    return firstFailure({bindBlob(db, 1, enciphered), db.bind_int(2, block.databitwidth), bindThird(db)});
   });
 }
 

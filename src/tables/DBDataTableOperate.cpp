@@ -59,21 +59,14 @@ int DBDataTableOperate::insert(DataBase* record) {
 
 int DBDataTableOperate::insertInfo(const DBInfo& info) {
   return write(kInsertInfo, [&](IDBOperate& db) {
-    bindText(db, 1, info.dbname);
-    db.bind_int(2, info.dbtype);
-    bindText(db, 3, info.datastructversion);
-    bindText(db, 4, info.softwareversion);
-    bindText(db, 5, info.softwaretype);
-    bindText(db, 6, info.dbversion);
-    return kOk;
+    return firstFailure({bindText(db, 1, info.dbname), db.bind_int(2, info.dbtype),
+                         bindText(db, 3, info.datastructversion), bindText(db, 4, info.softwareversion),
+                         bindText(db, 5, info.softwaretype), bindText(db, 6, info.dbversion)});
   });
 }
 
 int DBDataTableOperate::insertAttached(const DBInfo& info) {
-  return write(kInsertAttached, [&](IDBOperate& db) {
-    bindText(db, 1, info.dbname);
-    return kOk;
-  });
+  return write(kInsertAttached, [&](IDBOperate& db) { return bindText(db, 1, info.dbname); });
 }
 
 int DBDataTableOperate::deleteAll(DataBase* /*record*/) {

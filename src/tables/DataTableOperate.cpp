@@ -76,16 +76,13 @@ int DataTableOperate::insertDataRow(const ConfigData& record) {
   std::vector<unsigned char> enciphered;
   return write(kInsertData, [&](IDBOperate& db) {
     if (!encryptData(record.data, record.dataSize, enciphered)) return kCipherFailed;
-    bindBlob(db, 1, enciphered);
-    return bindText(db, 2, record.version);
+    return firstFailure({bindBlob(db, 1, enciphered), bindText(db, 2, record.version)});
   });
 }
 
 int DataTableOperate::insertInfoRow(const ConfigData& record, const std::string& screenid, int dataid) {
   return write(kInsertInfo, [&](IDBOperate& db) {
-    bindText(db, 1, screenid);
-    db.bind_int(2, dataid);
-    return db.bind_int(3, record.datatype);
+    return firstFailure({bindText(db, 1, screenid), db.bind_int(2, dataid), db.bind_int(3, record.datatype)});
   });
 }
 

@@ -87,18 +87,15 @@ int LumChromaDataTableOperate::insertBlob(const LumChromaData& record) {
   std::vector<unsigned char> enciphered;
   return write(kInsertBlob, [&](IDBOperate& db) {
     if (!encryptData(record.data, record.dataSize, enciphered)) return kCipherFailed;
-    bindBlob(db, 1, enciphered);
-    return bindText(db, 2, record.version);
+    return firstFailure({bindBlob(db, 1, enciphered), bindText(db, 2, record.version)});
   });
 }
 
 int LumChromaDataTableOperate::insertPlacement(const LumChromaData& record, int dataid) {
   return write(kInsertPlacement, [&](IDBOperate& db) {
-    bindText(db, 1, kScreenId);
-    db.bind_int(2, dataid);
-    bindText(db, 3, kBlobTable);
     // Parameter 4, the data type, stays NULL on purpose: hosts know that the row is rejected and the blob kept.
-    return bindRectangle(db, 5, record);
+    return firstFailure({bindText(db, 1, kScreenId), db.bind_int(2, dataid), bindText(db, 3, kBlobTable),
+                         bindRectangle(db, 5, record)});
   });
 }
 
@@ -112,9 +109,8 @@ int LumChromaDataTableOperate::update(DataBase* record) {
   const auto* measurement = dynamic_cast<const LumChromaData*>(record);
   if (measurement == nullptr) return kInvalidRecord;
   return write(kUpdatePlacement, [&](IDBOperate& db) {
-    bindText(db, 1, kRenamedTable);
     // Parameter 6, the data type, stays NULL on purpose: nothing equals NULL, so no row is ever renamed.
-    return bindRectangle(db, 2, *measurement);
+    return firstFailure({bindText(db, 1, kRenamedTable), bindRectangle(db, 2, *measurement)});
   });
 }
 
