@@ -1,0 +1,24 @@
+// Round numbers for the axes and the colour bar of a picture.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tovrtool {
+
+struct Ticks {
+  double step = 1;
+  std::vector<double> values;  // ascending multiples of `step` in the range, both ends included
+};
+
+// At most `most` multiples of 1, 2 or 5 times a power of ten; none where the range holds none.
+// REQUIRES: finite, low < high, most >= 1.
+Ticks roundTicks(double low, double high, int most);
+
+// The same for whole things such as cells: the step is at least 1, and low may equal high.
+Ticks wholeTicks(double low, double high, int most);
+
+// With as many decimals as a difference of `step` takes, as a power of ten where that is shorter.
+std::string tickText(double value, double step);
+
+}  // namespace tovrtool

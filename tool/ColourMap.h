@@ -1,0 +1,35 @@
+// Colours for numbers: perceptually even scales, so that equal steps of a value look like equal steps.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace tovrtool {
+
+struct Colour {
+  std::uint8_t red = 0;
+  std::uint8_t green = 0;
+  std::uint8_t blue = 0;
+
+  bool operator==(const Colour& other) const { return red == other.red && green == other.green && blue == other.blue; }
+};
+
+// CIE 1976 lightness L* of an sRGB colour, 0 (black) to 100 (white).
+double lightness(const Colour& colour);
+
+enum class Palette {
+  kSequential,  // viridis: for values; lightness rises from end to end
+  kDiverging    // cool to warm: for differences; lightest in the middle, which is to be zero
+};
+
+class ColourMap {
+ public:
+  explicit ColourMap(Palette palette);
+  // 0 is the first colour, 1 the last; what lies beyond gets the end's colour. REQUIRES: a number.
+  const Colour& at(double position) const;
+
+ private:
+  std::vector<Colour> colours_;
+};
+
+}  // namespace tovrtool
