@@ -7,6 +7,8 @@ packages=(
   g++ cmake ninja-build                        # the build
   libsqlcipher-dev libssl-dev                  # the library's two engines
   libcli11-dev libxtensor-dev libeigen3-dev    # the tool
+  libcairo2-dev pkg-config                     # the tool: pictures
+  nlohmann-json3-dev                           # the tool: JSON
   libgtest-dev libsqlite3-dev binutils         # the tests
   clang-format-14 clang-tidy-14                # the checks of the sources
 )

@@ -1,92 +1,14 @@
 // tovrdb as its users run it: a process with arguments, an environment and streams.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <vector>
+
+#include "tests/ToolFixture.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr char kKey[] = "TOVRDB_KEY='the test key' ";
-constexpr char kNoKey[] = "";
-
-struct Outcome {
-  int code = -1;
-  std::string out;
-  std::string err;
-};
-
-struct ToolTest : testing::Test {
-  ToolTest() {
-    std::string pattern = (fs::temp_directory_path() / "tovrdb-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~ToolTest() override { fs::remove_all(folder_); }
-
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-
-  std::string read(const std::string& name) const {
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
-  void write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(path(name), std::ios::binary) << bytes;
-  }
-
-  // Runs the program in the folder; `arguments` may redirect, `input` is what a pipe brings.
-  Outcome run(const std::string& arguments, const std::string& environment = kKey,
-              const std::string& input = "") const {
-    write(".in", input);
-    const std::string command = "cd '" + folder_.string() + "' && unset TOVRDB_KEY && cat .in | " + environment +
-                                "TOVRDB_PLUGIN='" TOVR_PLUGIN_FILE "' '" TOVRDB_PROGRAM "' 2>.err >.out " + arguments;
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"), read(".err")};
-  }
-
-  std::string succeed(const std::string& arguments) const {
-    const Outcome outcome = run(arguments);
-    EXPECT_EQ(outcome.code, 0) << arguments << "\n" << outcome.err;
-    return outcome.out;
-  }
-
-  void expectFailure(int code, const std::string& words, const std::string& arguments,
-                     const std::string& environment = kKey) const {
-    const Outcome outcome = run(arguments, environment);
-    EXPECT_EQ(outcome.code, code) << arguments << "\n" << outcome.err;
-    EXPECT_NE(outcome.err.find(words), std::string::npos) << arguments << "\n" << outcome.err;
-    EXPECT_EQ(outcome.out, "") << arguments;
-  }
-
-  // A database of type 0 with the screen 0,0..7,3.
-  void makeWall() const {
-    succeed("create wall.db --type 0");
-    succeed("screen add wall.db --name left --rect 0,0,7,3");
-  }
-
-  fs::path folder_;
-};
-
-// A .npy file as NumPy writes it.
-std::string npy(const std::string& descr, const std::string& shape, const std::string& payload,
-                const std::string& fortran = "False") {
-  std::string header = "{'descr': '" + descr + "', 'fortran_order': " + fortran + ", 'shape': (" + shape + "), }";
-  header.append(128 - 10 - 1 - header.size(), ' ').push_back('\n');
-  return std::string("\x93NUMPY\x01\x00", 8) + static_cast<char>(header.size()) + '\0' + header + payload;
-}
-
-std::string payload(std::size_t size) {
-  std::string bytes;
-  for (std::size_t i = 0; i < size; ++i) bytes.push_back(static_cast<char>(i * 37 + i / 7));
-  return bytes;
-}
+using namespace tovrtest;
 
 std::string crop(const std::string& cells, std::size_t columns, std::size_t cellBytes, std::size_t left,
                  std::size_t top, std::size_t width, std::size_t height) {
@@ -248,7 +170,7 @@ TEST_F(ToolTest, ResultsAreFreeOfTheLibrarysLinesAndTheLogHasThem) {
   const std::string info = succeed("info wall.db");
   EXPECT_EQ(info.rfind("file               wall.db\ndatabase type      0 ", 0), 0U) << info;
   EXPECT_NE(info.find("name               my wall\n"), std::string::npos) << info;
-  EXPECT_NE(info.find("Screen_Info          1\n"), std::string::npos) << info;
+  EXPECT_NE(info.find("Screen_Info          1  "), std::string::npos) << info;
   const std::string inspected = succeed("inspect");
   for (const char* name : {"dbmanagerplugin", "cpp.DBManager", "cpp.DBOperate", "cpp.Encryption"}) {
     EXPECT_NE(inspected.find(name), std::string::npos) << inspected;
@@ -287,7 +209,7 @@ TEST_F(ToolTest, DataOfATypeIsReplacedByTheNext) {
   EXPECT_EQ(succeed("data get wall.db --type 5 -o -"), "first");
   EXPECT_EQ(run("data put wall.db --type 5 -", kKey, payload(100)).code, 0);
   EXPECT_EQ(succeed("data get wall.db --type 5 -o -"), payload(100));
-  EXPECT_NE(succeed("info wall.db").find("Data                 1\n"), std::string::npos);
+  EXPECT_NE(succeed("info wall.db").find("Data                 1  "), std::string::npos);
   expectFailure(1, "4097", "data get wall.db --type 6 -o -");
 }
 

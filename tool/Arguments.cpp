@@ -1,6 +1,9 @@
 #include "tool/Arguments.h"
 
+#include <charconv>
+#include <cmath>
 #include <stdexcept>
+#include <system_error>
 
 namespace tovrtool {
 namespace {
@@ -19,6 +22,20 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value,
         }
       },
       description);
+}
+
+std::pair<double, double> parseNumberRange(const std::string& text) {
+  const char* const end = text.data() + text.size();
+  double low = 0;
+  double high = 0;
+  const auto first = std::from_chars(text.data(), end, low);
+  const bool parted = first.ec == std::errc() && first.ptr != end && *first.ptr == ',';
+  const auto second = parted ? std::from_chars(first.ptr + 1, end, high) : first;
+  if (!parted || second.ec != std::errc() || second.ptr != end || !std::isfinite(low) || !std::isfinite(high) ||
+      low >= high) {
+    throw std::invalid_argument("'" + text + "' is not of the form LOW,HIGH, two numbers, LOW < HIGH");
+  }
+  return {low, high};
 }
 
 }  // namespace
@@ -41,6 +58,19 @@ CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::st
 CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
                          const std::string& description) {
   return addParsed(command, name, position, parsePosition, description)->type_name("L,T");
+}
+
+CLI::Option* addDtype(CLI::App& command, Dtype& dtype, const std::string& description) {
+  return addParsed(command, "--dtype", dtype, parseDtype, description)->type_name("TYPE");
+}
+
+CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std::string& description) {
+  return addParsed(command, "--dtype", dtype, parseDtype, description)->type_name("TYPE");
+}
+
+CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,
+                            const std::string& description) {
+  return addParsed(command, name, range, parseNumberRange, description)->type_name("LOW,HIGH");
 }
 
 CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description) {

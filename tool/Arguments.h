@@ -4,8 +4,10 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "tool/ByteOutput.h"
+#include "tool/NpyFile.h"
 #include "tool/Rect.h"
 
 namespace tovrtool {
@@ -15,6 +17,12 @@ CLI::Option* addFile(CLI::App& command, std::string& file);
 CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::string& description);
 CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
                          const std::string& description);
+// A type of the numbers in a cell. Dtype or std::optional<Dtype>.
+CLI::Option* addDtype(CLI::App& command, Dtype& dtype, const std::string& description);
+CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std::string& description);
+// Two finite numbers, the first below the second.
+CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,
+                            const std::string& description);
 CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description);
 
 }  // namespace tovrtool

@@ -2,10 +2,11 @@
 
 #include <memory>
 
-#include "storage/StatusCodes.h"
 #include "tool/Arguments.h"
+#include "tool/BulkPut.h"
 #include "tool/ByteOutput.h"
 #include "tool/CellBlock.h"
+#include "tool/CoefArea.h"
 #include "tool/FileInput.h"
 #include "tool/Message.h"
 #include "tool/Session.h"
@@ -16,22 +17,14 @@
 namespace tovrtool {
 namespace {
 
-// Which area: what put and get have in common.
-struct AreaOptions {
-  std::string file;
-  std::int32_t type = 0;
-  std::string screen;
-  std::optional<Rect> rect;
-};
-
 struct PutOptions {
   AreaOptions area;
   std::string array;
   std::string raw;
   std::int32_t cellBytes = 0;
   std::optional<CellPair> position;
-  std::int32_t number = -1;
-  std::string versionText;
+  BlockText text;
+  BulkSource bulk;
   bool update = false;
 };
 
@@ -42,60 +35,10 @@ struct GetOptions {
   bool raw = false;
 };
 
-constexpr std::size_t kMostNamed = 8;  // things that an error text lists
-
 std::vector<tovr::CoefData> areas(Session& session) {
   auto all = session.host().makeRecord<tovr::CoefDataResult>();
   session.require(session.manager().queryData(all.get()));
   return all->coefs;
-}
-
-std::string named(const std::string& title, const std::vector<Row>& rows) {
-  std::string text;
-  for (std::size_t i = 0; i < rows.size() && i < kMostNamed; ++i) {
-    const Row& row = rows[i];
-    text += (i == 0 ? "" : ", ") + row[0] + " (" + row[1] + "," + row[2] + ".." + row[3] + "," + row[4] + ")";
-  }
-  if (rows.size() > kMostNamed) text += " and " + std::to_string(rows.size() - kMostNamed) + " more";
-  return title + ": " + (rows.empty() ? "none" : text);
-}
-
-// What is there instead of what was asked for; empty where that does not help.
-std::string alternatives(Session& session, int code, const AreaOptions& options) {
-  if (code == tovr::kNoScreenForRectangle || code == tovr::kNoSuchScreenName) {
-    return named("screens", queryRows(session.connection(),
-                                      "select ifnull(screenname, ''), left, top, right, bottom from Screen_Info"));
-  }
-  if (code == tovr::kNoMatchingArea) {
-    const std::string type = std::to_string(options.type);
-    return named("areas of type " + type,
-                 queryRows(session.connection(),
-                           "select ifnull(s.screenname, ''), i.left, i.top, i.right, i.bottom from Coef_Info i"
-                           " left join Screen_Info s on s.id = i.screenid where i.coeftype = " +
-                               type));
-  }
-  return {};
-}
-
-// Throws ToolError that tells what was asked for and what there is, unless `code` is 0.
-void requireArea(Session& session, int code, const AreaOptions& options, const Rect& rect) {
-  if (code == 0) return;
-  const std::string instead = alternatives(session, code, options);
-  session.require(code, "asked for " + toText(rect) + (instead.empty() ? "" : "; " + instead));
-}
-
-// Throws ToolError where the options do not suit the database's type.
-void fillArea(Session& session, const AreaOptions& options, const Rect& rect, tovr::CoefData& record) {
-  const int databaseType = session.manager().getDBType();
-  if (databaseType == 1 && options.screen.empty()) {
-    throw ToolError(kUsage, "the database finds screens by name (type 1): say which with --screen");
-  }
-  if (databaseType == 0 && !options.screen.empty()) {
-    throw ToolError(kUsage, "the database finds screens by rectangle (type 0): leave out --screen");
-  }
-  record.coeftype = options.type;
-  record.screenname = options.screen;
-  setRect(record, rect);
 }
 
 CellBlock readBlock(const PutOptions& options) {
@@ -118,22 +61,11 @@ void warnWhenHidden(Session& session, const tovr::CoefData& record) {
   }
 }
 
-// REQUIRES: `block` outlives the record's use.
-std::unique_ptr<tovr::CoefData> recordOf(Session& session, const PutOptions& options, CellBlock& block) {
-  auto record = session.host().makeRecord<tovr::CoefData>();
-  fillArea(session, options.area, block.rect, *record);
-  record->areaid = options.number;
-  record->version = options.versionText;
-  record->coefBuffer.databitwidth = block.cellBytes;
-  record->coefBuffer.data = block.bytes.data();
-  record->coefBuffer.datasize = static_cast<std::int32_t>(block.bytes.size());
-  return record;
-}
-
 void put(Context& context, const PutOptions& options) {
+  if (options.bulk.isGiven()) return putAll(context, options.area.file, options.bulk);
   CellBlock block = readBlock(options);
   Session session = Session::openExisting(context, options.area.file);
-  const auto record = recordOf(session, options, block);
+  const auto record = recordOf(session, options.area, options.text, block);
   const std::string countScreens = "select count(*) from Screen_Info";
   const std::int64_t screens = queryNumber(session.connection(), countScreens);
 
@@ -191,16 +123,32 @@ void list(Context& context, const std::string& file) {
                                  rows));
 }
 
-void addArea(CLI::App& command, AreaOptions& options) {
+CLI::Option* addArea(CLI::App& command, AreaOptions& options) {
   addFile(command, options.file);
-  command.add_option("--type", options.type, "The coefficient type (not 16, which means none)")->required();
   command.add_option("--screen", options.screen, "The screen's name, in databases of type 1");
+  return command.add_option("--type", options.type, "The coefficient type (not 16, which means none)")->required();
+}
+
+// Many blocks at once: what else describes one block is in the manifest, or in the names.
+void addBulk(CLI::App& command, BulkSource& bulk) {
+  CLI::Option* manifest = command.add_option("--manifest", bulk.manifest, "Instead, many blocks: a JSON list of them");
+  CLI::Option* folder = command.add_option("--folder", bulk.folder, "Instead, many blocks: the .npy files of a folder");
+  manifest->type_name("FILE")->excludes(folder);
+  folder->type_name("DIR");
+  for (CLI::Option* option : command.get_options()) {
+    const bool common = option->get_name() == "--help" || option->get_name() == "FILE";
+    if (option == manifest || option == folder || common) continue;
+    manifest->excludes(option);
+    folder->excludes(option);
+  }
+  command.footer(kBulkHelp);
 }
 
 void addPut(CLI::App& group, Command& chosen) {
   auto options = std::make_shared<PutOptions>();
   CLI::App* command = group.add_subcommand("put", "Store a block of cells; the same rectangle and type replaces it");
-  addArea(*command, options->area);
+  CLI::Option* type = addArea(*command, options->area);
+  type->required(false);
   CLI::Option* array =
       command->add_option("BLOCK", options->array, "A .npy array, rows x columns (x values); - is standard input");
   CLI::Option* raw = command->add_option("--raw", options->raw, "Instead, a file of bare cells, row after row");
@@ -211,15 +159,19 @@ void addPut(CLI::App& group, Command& chosen) {
   raw->needs(cellBytes)->needs(rect)->excludes(array);
   cellBytes->needs(raw);
   at->excludes(rect);
-  command->add_option("--area", options->number,
+  command->add_option("--area", options->text.number,
                       "An area number. Blocks with a number are added beside what is there, never in its place");
-  command->add_option("--version-text", options->versionText, "Text kept with the block");
+  command->add_option("--version-text", options->text.version, "Text kept with the block");
   command->add_flag("--update", options->update,
                     "Rewrite what is stored and add nothing. The rectangle is the whole screen's (type 0), or becomes "
                     "the screen's (type 1)");
-  command->callback([&chosen, options] {
-    if (options->array.empty() == options->raw.empty()) throw CLI::RequiredError("BLOCK or --raw");
-    if (!options->area.rect && !options->position) throw CLI::RequiredError("--rect or --at");
+  addBulk(*command, options->bulk);
+  command->callback([&chosen, options, type] {
+    if (!options->bulk.isGiven()) {
+      if (type->count() == 0) throw CLI::RequiredError("--type");
+      if (options->array.empty() == options->raw.empty()) throw CLI::RequiredError("BLOCK or --raw");
+      if (!options->area.rect && !options->position) throw CLI::RequiredError("--rect or --at");
+    }
     chosen = {"coef put " + options->area.file, [options](Context& context) { put(context, *options); }};
   });
 }

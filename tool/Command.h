@@ -13,11 +13,13 @@ struct GlobalOptions {
   std::string keyFile;
   std::string log;
   bool verbose = false;
+  bool quiet = false;  // no messages but those of failures, no progress
 };
 
 struct Context {
   const GlobalOptions& options;
   StandardOutput& output;
+  int code = 0;  // the exit code of a command that has done its work; failures are thrown
 };
 
 // The command that the command line chose: each command's addition to the command line fills it when it is named.

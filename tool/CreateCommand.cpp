@@ -1,13 +1,12 @@
 #include "tool/CreateCommand.h"
 
-#include <cerrno>
 #include <filesystem>
 #include <memory>
 
-#include "tool/FileOutput.h"
 #include "tool/Message.h"
 #include "tool/Session.h"
 #include "tool/ToolError.h"
+#include "tool/UnfinishedFile.h"
 
 namespace tovrtool {
 namespace {
@@ -24,32 +23,6 @@ struct Options {
   std::string databaseVersion = "1";
 };
 
-void refuseExisting() { throw ToolError(kFileProblem, "the file exists already and was not touched"); }
-
-// The file under its temporary name: removed, with what the engine may have left beside it, unless it was moved.
-class UnfinishedFile {
- public:
-  explicit UnfinishedFile(const std::string& finished) : path_(temporaryNameBeside(finished)) {}
-  UnfinishedFile(const UnfinishedFile&) = delete;
-  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
-  ~UnfinishedFile() {
-    std::error_code error;
-    if (!moved_) fs::remove(path_, error);
-    fs::remove(path_ + "-journal", error);
-  }
-  const std::string& path() const { return path_; }
-  void moveTo(const std::string& finished) {
-    moved_ = moveWithoutReplacing(path_, finished);
-    if (moved_) return;
-    if (errno == EEXIST) refuseExisting();
-    throw ToolError(kFileProblem, "the new file cannot be given its name: " + systemError());
-  }
-
- private:
-  std::string path_;
-  bool moved_ = false;
-};
-
 void describe(Session& session, const Options& options) {
   auto info = session.host().makeRecord<tovr::DBInfo>();
   info->dbtype = options.type;
@@ -63,16 +36,15 @@ void describe(Session& session, const Options& options) {
 
 void create(Context& context, const Options& options) {
   std::error_code error;
-  if (fs::exists(fs::symlink_status(options.file, error))) refuseExisting();
-  const fs::path folder = fs::absolute(options.file).parent_path();
-  if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder " + folder.string());
-
-  UnfinishedFile unfinished(options.file);
+  if (fs::exists(fs::symlink_status(options.file, error))) {
+    throw ToolError(kFileProblem, "the file exists already and was not touched");
+  }
+  UnfinishedFile unfinished(options.file, Existing::kRefuse, "-journal");
   Session session = Session::openNew(context, unfinished.path());
   session.require(session.manager().createTables());
   describe(session, options);
   session.close();
-  unfinished.moveTo(options.file);
+  unfinished.finish();
   message("created " + options.file + ", database type " + std::to_string(options.type) + "; next: tovrdb screen add");
 }
 

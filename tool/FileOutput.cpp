@@ -16,8 +16,9 @@ bool isDevice(const std::string& path) {
   return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
 }
 
-// Where a link leads: the file is to be replaced, not the link.
-std::string followed(const std::string& path) {
+}  // namespace
+
+std::string followedLink(const std::string& path) {
   std::error_code error;
   const fs::path target = fs::canonical(path, error);
   return error ? path : target.string();
@@ -27,7 +28,18 @@ void refuseExisting(const std::string& path) {
   throw ToolError(kFileProblem, path + " exists already and was not touched: give another name, or --force to replace");
 }
 
-}  // namespace
+void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing) {
+  if (existing == Existing::kReplace) {
+    std::error_code error;
+    const fs::perms permissions = fs::status(path, error).permissions();
+    if (!error && permissions != fs::perms::unknown) fs::permissions(temporary, permissions, error);
+    fs::rename(temporary, path, error);
+    if (error) throw ToolError(kFileProblem, "cannot replace " + path + ": " + error.message());
+  } else if (!moveWithoutReplacing(temporary, path)) {
+    if (errno == EEXIST) refuseExisting(path);
+    throw ToolError(kFileProblem, "cannot move the new file to " + path + ": " + systemError());
+  }
+}
 
 std::string temporaryNameBeside(const std::string& path) {
   std::string name = path + ".unfinished-" + std::to_string(processNumber());
@@ -37,7 +49,7 @@ std::string temporaryNameBeside(const std::string& path) {
 }
 
 FileOutput::FileOutput(const std::string& path, Existing existing)
-    : path_(followed(path)), existing_(existing), device_(isDevice(path_)) {
+    : path_(followedLink(path)), existing_(existing), device_(isDevice(path_)) {
   std::error_code error;
   const fs::file_status status = fs::status(path_, error);
   if (fs::is_directory(status)) throw ToolError(kFileProblem, path + " is a folder: give a file name");
@@ -46,6 +58,7 @@ FileOutput::FileOutput(const std::string& path, Existing existing)
   } else {
     if (fs::exists(status) && existing == Existing::kRefuse) refuseExisting(path);
     const std::string name = temporaryNameBeside(path_);
+    removed_.emplace(name);
     file_ = createNew(name);
     if (file_ != nullptr) temporary_ = name;
   }
@@ -65,16 +78,7 @@ void FileOutput::commit() {
   if (device_ ? std::fflush(file_.get()) != 0 : !flushToDisk(file_.get())) fail("write");
   if (std::fclose(file_.release()) != 0) fail("write");
   if (device_) return;
-  if (existing_ == Existing::kReplace) {
-    std::error_code error;
-    const fs::perms permissions = fs::status(path_, error).permissions();
-    if (!error && permissions != fs::perms::unknown) fs::permissions(temporary_, permissions, error);
-    fs::rename(temporary_, path_, error);
-    if (error) throw ToolError(kFileProblem, "cannot replace " + path_ + ": " + error.message());
-  } else if (!moveWithoutReplacing(temporary_, path_)) {
-    if (errno == EEXIST) refuseExisting(path_);
-    fail("move into place");
-  }
+  moveIntoPlace(temporary_, path_, existing_);
   temporary_.clear();
 }
 

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
+#include "tool/Interrupt.h"
 #include "tool/Platform.h"
 
 namespace tovrtool {
@@ -13,13 +15,21 @@ enum class Existing { kRefuse, kReplace };
 // A name for an unfinished file beside `path` that nothing else has.
 std::string temporaryNameBeside(const std::string& path);
 
+// Where a link leads, else `path` itself: the file is to be replaced, not the link.
+std::string followedLink(const std::string& path);
+
+[[noreturn]] void refuseExisting(const std::string& path);
+
+// Gives the complete file `temporary` its name, in the same folder. Throws ToolError; `path` is untouched then.
+void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing);
+
 class FileOutput {
  public:
   // Throws ToolError when `path` exists and may not be replaced, and when its folder takes no new file.
   FileOutput(const std::string& path, Existing existing);
   FileOutput(const FileOutput&) = delete;
   FileOutput& operator=(const FileOutput&) = delete;
-  // Removes what was not committed.
+  // Removes what was not committed; so does an interrupt.
   ~FileOutput();
 
   // Throw ToolError when the disk does not take it; what `path` held before is untouched then.
@@ -33,6 +43,7 @@ class FileOutput {
   Existing existing_;
   bool device_;            // a device or pipe: written to directly, there is nothing to replace
   std::string temporary_;  // empty: there is none
+  std::optional<InterruptibleFile> removed_;
   FileHandle file_;
 };
 

@@ -1,4 +1,4 @@
-// Where the page key comes from: a file, the environment, or a prompt. Never the command line, which others can read.
+// Where keys come from: a file, the environment, or a prompt. Never the command line, which others can read.
 #pragma once
 
 #include <string>
@@ -7,8 +7,21 @@ namespace tovrtool {
 
 enum class KeyUse { kOpen, kCreate };
 
-// The first line of `keyFile` if that is not empty, else TOVRDB_KEY, else a prompt on a terminal (for kCreate twice).
-// Throws ToolError without a source, when the file cannot be read, and for an empty key.
-std::string readKey(const std::string& keyFile, KeyUse use);
+// How a key is asked for.
+struct KeyKind {
+  const char* option;
+  const char* variable;
+  const char* prompt;
+};
+constexpr KeyKind kPageKey{"--key-file", "TOVRDB_KEY", "Key"};
+constexpr KeyKind kNewPageKey{"--new-key-file", "TOVRDB_NEW_KEY", "New key"};
+constexpr KeyKind kCipherKey{"--cipher-key-file", "TOVRDB_CIPHER_KEY", "Cipher key"};
+
+// The first line of `keyFile` if that is not empty, else the kind's environment variable, else a prompt on a terminal
+// (for kCreate twice). Throws ToolError without a source, when the file cannot be read, and for an empty key.
+std::string readKey(const std::string& keyFile, KeyUse use, const KeyKind& kind = kPageKey);
+
+// The first line of `path`. Throws ToolError when it cannot be read.
+std::string readKeyFile(const std::string& path);
 
 }  // namespace tovrtool

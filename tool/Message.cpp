@@ -4,7 +4,19 @@
 
 namespace tovrtool {
 
-void message(const std::string& text) { std::fprintf(stderr, "tovrdb: %s\n", printable(text).c_str()); }
+namespace {
+
+bool silent = false;
+
+}  // namespace
+
+void message(const std::string& text) {
+  if (!silent) complain(text);
+}
+
+void silenceMessages() { silent = true; }
+
+void complain(const std::string& text) { std::fprintf(stderr, "tovrdb: %s\n", printable(text).c_str()); }
 
 std::string printable(const std::string& text) {
   std::string shown = text;

@@ -5,8 +5,12 @@
 
 namespace tovrtool {
 
-// "tovrdb: TEXT"
+// "tovrdb: TEXT", unless messages are silenced.
 void message(const std::string& text);
+void silenceMessages();
+
+// "tovrdb: TEXT", always: why the program fails.
+void complain(const std::string& text);
 
 // The text with control characters shown as '?', so that a stored name cannot steer a terminal.
 std::string printable(const std::string& text);

@@ -146,7 +146,10 @@ bool redirectOpened(int opened, int descriptor) {
 
 }  // namespace
 
-void ignoreBrokenPipes() { std::signal(SIGPIPE, SIG_IGN); }
+void ignoreBrokenPipes() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
 
 bool isTerminal(int descriptor) { return isatty(descriptor) == 1; }
 

@@ -16,7 +16,8 @@ constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;
 constexpr int kStandardError = 2;
 
-// A write to a closed pipe becomes an error that the writer sees, instead of ending the process.
+// A write to a closed pipe, or beyond the size that files may have, becomes an error that the writer sees, instead of
+// ending the process.
 void ignoreBrokenPipes();
 
 bool isTerminal(int descriptor);

@@ -37,6 +37,14 @@ void requireDatabaseFile(const std::string& path) {
   }
 }
 
+void requireUsable(const Context& context, const std::string& path) {
+  requireDatabaseFile(path);
+  std::error_code error;
+  if (fs::equivalent(path, context.options.log, error)) {
+    throw ToolError(kUsage, "--log would write into the database: give another file");  // nothing was appended yet
+  }
+}
+
 std::string missingTables(tovr::IDBOperate& connection) {
   const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
   std::string missing;
@@ -63,15 +71,21 @@ std::unique_ptr<tovrhost::PluginHost> loadPlugin(const Context& context) {
 }
 
 Session Session::openExisting(const Context& context, const std::string& path) {
-  requireDatabaseFile(path);
-  std::error_code error;
-  if (fs::equivalent(path, context.options.log, error)) {
-    throw ToolError(kUsage, "--log would write into the database: give another file");  // nothing was appended yet
-  }
-  const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
+  requireUsable(context, path);
+  return openExisting(context, path, readKey(context.options.keyFile, KeyUse::kOpen));
+}
+
+Session Session::openExisting(const Context& context, const std::string& path, const std::string& key) {
+  requireUsable(context, path);
   Session session(loadPlugin(context));
   session.open(path, key);
   session.probe();
+  return session;
+}
+
+Session Session::openMemory(const Context& context) {
+  Session session(loadPlugin(context));
+  session.open(":memory:", "memory");
   return session;
 }
 
@@ -138,6 +152,7 @@ Transaction::~Transaction() {
 }
 
 void Transaction::commit() {
+  interrupt_.check();
   session_.require(session_.connection().exec("COMMIT"));
   committed_ = true;
 }

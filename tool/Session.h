@@ -7,6 +7,7 @@
 
 #include "host/PluginHost.h"
 #include "tool/Command.h"
+#include "tool/Interrupt.h"
 
 namespace tovrtool {
 
@@ -20,8 +21,11 @@ class Session {
  public:
   // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError.
   static Session openExisting(const Context& context, const std::string& path);
+  static Session openExisting(const Context& context, const std::string& path, const std::string& key);
   // Opens a file that does not exist yet; the first write makes it.
   static Session openNew(const Context& context, const std::string& path);
+  // A database that lives in memory only.
+  static Session openMemory(const Context& context);
 
   Session(Session&&) = default;
   Session& operator=(Session&&) = delete;
@@ -54,10 +58,12 @@ class Transaction {
   Transaction& operator=(const Transaction&) = delete;
   // Undoes everything since the beginning unless it was committed.
   ~Transaction();
+  // Throws ToolError where the engine refuses, and after an interrupt.
   void commit();
 
  private:
   Session& session_;
+  DeferredInterrupt interrupt_;
   bool committed_ = false;
 };
 

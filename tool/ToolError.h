@@ -13,7 +13,8 @@ enum ExitCode : int {
   kUsage = 2,         // the command line does not say what to do
   kFileProblem = 3,   // a file is missing, exists already, cannot be read or written, or holds something else
   kKeyProblem = 4,    // no key, or the key does not open the file
-  kPluginProblem = 5  // the plug-in library cannot be loaded
+  kPluginProblem = 5,  // the plug-in library cannot be loaded
+  kInterrupted = 130   // ended by the user, as shells number it; nothing unfinished is left
 };
 
 // `what()` says what failed, on which thing, and what to do. It never holds a key or a payload.

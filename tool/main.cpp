@@ -5,15 +5,25 @@
 #include <new>
 #include <stdexcept>
 
+#include "tool/CheckCommand.h"
+#include "tool/CipherCommands.h"
 #include "tool/CoefCommands.h"
+#include "tool/CoefStatsCommand.h"
 #include "tool/Command.h"
 #include "tool/CreateCommand.h"
 #include "tool/DataCommands.h"
+#include "tool/DiffCommand.h"
+#include "tool/DocCommands.h"
+#include "tool/ExportCommand.h"
+#include "tool/HeatmapCommand.h"
+#include "tool/ImportCommand.h"
 #include "tool/InfoCommand.h"
 #include "tool/InspectCommand.h"
+#include "tool/Interrupt.h"
 #include "tool/MeasureCommands.h"
 #include "tool/Message.h"
 #include "tool/Platform.h"
+#include "tool/RekeyCommand.h"
 #include "tool/SampleCommand.h"
 #include "tool/ScreenCommands.h"
 #include "tool/ToolError.h"
@@ -38,7 +48,8 @@ constexpr const char* kIntroduction =
 constexpr const char* kFooter =
     "Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).\n"
     "Exit codes: 0 done; 1 the library refused; 2 the command line is wrong; 3 a file is missing, exists, or cannot\n"
-    "be used; 4 no key, or a key that does not open the file; 5 the plug-in library cannot be loaded.";
+    "be used; 4 no key, or a key that does not open the file; 5 the plug-in library cannot be loaded;\n"
+    "130 interrupted (nothing unfinished is left).";
 
 void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
   app.add_option("--plugin", options.plugin, "The plug-in library [found beside the program]")->type_name("FILE");
@@ -47,6 +58,7 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
   CLI::Option* log = app.add_option("--log", options.log, "Append the library's own lines to this file");
   log->type_name("FILE");
   app.add_flag("--verbose", options.verbose, "Show the library's own lines on standard error")->excludes(log);
+  app.add_flag("-q,--quiet", options.quiet, "No messages but those of failures, and no progress bar");
 }
 
 void addCommands(CLI::App& app, Command& chosen) {
@@ -55,29 +67,39 @@ void addCommands(CLI::App& app, Command& chosen) {
   addInfoCommand(app, chosen);
   addScreenCommands(app, chosen);
   addCoefCommands(app, chosen);
+  addCoefStatsCommand(app, chosen);
+  addHeatmapCommand(app, chosen);
+  addDiffCommand(app, chosen);
   addSampleCommand(app, chosen);
   addDataCommands(app, chosen);
   addMeasureCommands(app, chosen);
+  addCheckCommand(app, chosen);
+  addExportCommand(app, chosen);
+  addImportCommand(app, chosen);
+  addRekeyCommand(app, chosen);
+  addCipherCommands(app, chosen);
+  addDocCommands(app, chosen);
 }
 
-void runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
+int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
   if (!options.log.empty()) output.logLibraryTo(options.log);
   if (options.verbose) output.showLibrary();
+  if (options.quiet) silenceMessages();
   Context context{options, output};
   chosen.run(context);
   output.finish();
+  return context.code;
 }
 
 // The outcome of `action` as an exit code, its failure as a message.
 template <class Action>
 int report(const std::string& what, Action action) {
   const auto failed = [&what](int code, const std::string& text) {
-    message(what.empty() ? text : what + ": " + text);
+    complain(what.empty() ? text : what + ": " + text);
     return code;
   };
   try {
-    action();
-    return kDone;
+    return action();
   } catch (const ToolError& error) {
     return failed(error.code(), error.what());
   } catch (const std::bad_alloc&) {
@@ -91,6 +113,7 @@ int report(const std::string& what, Action action) {
 
 int main(int argc, char** argv) {
   ignoreBrokenPipes();
+  handleInterrupts();
   StandardOutput output;
   GlobalOptions options;
   Command chosen;
@@ -108,11 +131,12 @@ int main(int argc, char** argv) {
     return report("", [&] {
       output.print(text.str());
       output.finish();
+      return static_cast<int>(kDone);
     });
   } catch (const CLI::ParseError& error) {
-    message(std::string(error.what()));
-    message("tovrdb --help shows examples");
+    complain(std::string(error.what()));
+    complain("tovrdb --help shows examples");
     return kUsage;
   }
-  return report(chosen.what, [&] { runChosen(options, chosen, output); });
+  return report(chosen.what, [&] { return runChosen(options, chosen, output); });
 }

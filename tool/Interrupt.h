@@ -1,0 +1,38 @@
+// What Ctrl-C (and a request to end) does: unfinished files disappear, and the program ends.
+//
+// Two ways. Usually the program ends at once, after the registered files are removed. While a DeferredInterrupt lives
+// the interrupt is only noted, and the work gives up at its next check(), so that transactions are rolled back and
+// whole folders are removed; a second interrupt then ends the program at once.
+#pragma once
+
+#include <string>
+
+namespace tovrtool {
+
+// Call once, before the first file is made.
+void handleInterrupts();
+
+// A file that an interrupt removes, as long as this lives.
+class InterruptibleFile {
+ public:
+  explicit InterruptibleFile(const std::string& path);
+  InterruptibleFile(const InterruptibleFile&) = delete;
+  InterruptibleFile& operator=(const InterruptibleFile&) = delete;
+  ~InterruptibleFile();
+
+ private:
+  int slot_;  // negative: too many at a time, or too long a path; an interrupt then leaves the file
+};
+
+class DeferredInterrupt {
+ public:
+  DeferredInterrupt();
+  DeferredInterrupt(const DeferredInterrupt&) = delete;
+  DeferredInterrupt& operator=(const DeferredInterrupt&) = delete;
+  ~DeferredInterrupt();
+
+  // Throws ToolError after an interrupt.
+  void check() const;
+};
+
+}  // namespace tovrtool
