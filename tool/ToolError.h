@@ -9,10 +9,10 @@ namespace tovrtool {
 // Part of the interface with scripts: append, never renumber. The table in `tovrdb --help` repeats it.
 enum ExitCode : int {
   kDone = 0,
-  kRefused = 1,       // the library answered with a code
-  kUsage = 2,         // the command line does not say what to do
-  kFileProblem = 3,   // a file is missing, exists already, cannot be read or written, or holds something else
-  kKeyProblem = 4,    // no key, or the key does not open the file
+  kRefused = 1,        // the library answered with a code
+  kUsage = 2,          // the command line does not say what to do
+  kFileProblem = 3,    // a file is missing, exists already, cannot be read or written, or holds something else
+  kKeyProblem = 4,     // no key, or the key does not open the file
   kPluginProblem = 5,  // the plug-in library cannot be loaded
   kInterrupted = 130   // ended by the user, as shells number it; nothing unfinished is left
 };
