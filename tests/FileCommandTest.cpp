@@ -234,9 +234,11 @@ TEST_F(FileCommandTest, AnInterruptLeavesNothingUnfinished) {
     execl(TOVRDB_PROGRAM, "tovrdb", "--quiet", "sample", "--size", "20000x20000", "-o", output.c_str(), nullptr);
     _exit(127);
   }
-  while (!anythingUnfinished() && kill(child, 0) == 0) std::this_thread::yield();
-  kill(child, SIGINT);
   int status = 0;
+  pid_t ended = 0;
+  while (!anythingUnfinished() && (ended = waitpid(child, &status, WNOHANG)) == 0) std::this_thread::yield();
+  ASSERT_EQ(ended, 0) << "it has ended by itself: " << status;
+  kill(child, SIGINT);
   waitpid(child, &status, 0);
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
   EXPECT_FALSE(fs::exists(output) || anythingUnfinished());

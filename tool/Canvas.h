@@ -8,8 +8,8 @@
 
 #include "tool/ColourMap.h"
 
-struct _cairo;
-struct _cairo_surface;
+struct _cairo;          // NOLINT(bugprone-reserved-identifier): the names are cairo's
+struct _cairo_surface;  // NOLINT(bugprone-reserved-identifier)
 
 namespace tovrtool {
 

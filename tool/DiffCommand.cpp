@@ -137,7 +137,7 @@ std::string cellsText(const Difference& difference) {
 
 std::string bytesText(const BytesDifference& bytes) {
   const std::string size = std::to_string(bytes.sizeBefore) + " bytes";
-  const std::string sizes =
+  std::string sizes =
       bytes.sizeBefore == bytes.sizeAfter ? size : size + " -> " + std::to_string(bytes.sizeAfter) + " bytes";
   if (bytes.differing == 0) return sizes;
   return sizes + ", " + std::to_string(bytes.differing) + " differ, the first at " + std::to_string(bytes.first);

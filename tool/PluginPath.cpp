@@ -16,6 +16,8 @@ std::string asFile(const std::string& name) {
   return fs::exists(name, error) ? fs::absolute(name, error).string() : name;
 }
 
+constexpr char kLibraryFolder[] = "../" TOVRDB_LIBRARY_FOLDER;
+
 }  // namespace
 
 std::string pluginPath(const std::string& given) {
@@ -24,7 +26,7 @@ std::string pluginPath(const std::string& given) {
   if (named != nullptr && *named != '\0') return asFile(named);
 
   const fs::path folder = programFolder();
-  const char* const places[] = {".", "../lib", "../" TOVRDB_LIBRARY_FOLDER, "../src"};
+  const char* const places[] = {".", "../lib", kLibraryFolder, "../src"};
   for (const char* place : places) {
     std::error_code error;
     const fs::path candidate = folder / place / TOVRDB_PLUGIN_NAME;

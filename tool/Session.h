@@ -27,6 +27,8 @@ class Session {
   // A database that lives in memory only.
   static Session openMemory(const Context& context);
 
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
   Session(Session&&) = default;
   Session& operator=(Session&&) = delete;
   ~Session();
