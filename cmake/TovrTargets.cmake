@@ -15,5 +15,8 @@ function(tovr_target target)
     target_compile_options(${target} PUBLIC -fsanitize=${TOVR_SANITIZE} -fno-sanitize-recover=all
                                             -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=${TOVR_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # sees uninitialised variables of the standard library in such builds
+      target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
+    endif()
   endif()
 endfunction()

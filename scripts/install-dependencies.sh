@@ -9,7 +9,7 @@ packages=(
   libcli11-dev libxtensor-dev libeigen3-dev    # the tool
   libcairo2-dev pkg-config                     # the tool: pictures
   nlohmann-json3-dev                           # the tool: JSON
-  libgtest-dev libsqlite3-dev binutils         # the tests
+  libgtest-dev libsqlite3-dev binutils util-linux bsdutils  # the tests
   clang-format-14 clang-tidy-14                # the checks of the sources
 )
 [ -z "${TOVR_WITH_BENCH:-}" ] || packages+=(libbenchmark-dev)  # only for those who measure
