@@ -44,6 +44,15 @@ TEST_F(ToolTest, BlocksOfEveryKindComeBackToTheByte) {
   }
 }
 
+TEST_F(ToolTest, CellsAsTextKeepEveryDigit) {
+  const float numbers[] = {1.5F, -2, 0.1F, 16777216};
+  makeWall();
+  write("block.npy", npy("<f4", "1, 2, 2", std::string(reinterpret_cast<const char*>(numbers), sizeof numbers)));
+  succeed("coef put wall.db --type 1 --at 3,2 block.npy");
+  EXPECT_EQ(succeed("coef get wall.db --type 1 --rect 3,2,4,2 --csv --dtype float32 -o -"),
+            "column,row,value0,value1\n3,2,1.5,-2\n4,2,0.100000001,16777216\n");
+}
+
 TEST_F(ToolTest, ScreensByNameTakeBareCellsAndAddTheScreen) {
   succeed("create wall.db --type 1");
   const std::string cells = payload(6 * 5);

@@ -6,6 +6,7 @@
 #include "tool/BulkPut.h"
 #include "tool/ByteOutput.h"
 #include "tool/CellBlock.h"
+#include "tool/CellCsv.h"
 #include "tool/CoefArea.h"
 #include "tool/FileInput.h"
 #include "tool/Message.h"
@@ -33,6 +34,7 @@ struct GetOptions {
   OutputOptions output;
   std::string dtype = "uint8";
   bool raw = false;
+  bool csv = false;
 };
 
 std::vector<tovr::CoefData> areas(Session& session) {
@@ -98,8 +100,12 @@ void get(Context& context, const GetOptions& options) {
   if (cellBytes <= 0 || record->coefBuffer.datasize <= 0) {
     throw ToolError(kRefused, "the stored block is damaged: its cells have " + std::to_string(cellBytes) + " bytes");
   }
-  if (!options.raw) output.write(npyHeader(dtype, blockShape(rect, cellBytes, dtype)));
-  output.write(cells.get(), static_cast<std::size_t>(record->coefBuffer.datasize));
+  if (options.csv) {
+    writeCsv(cells.get(), rect, cellBytes, dtype, [&output](const std::string& text) { output.write(text); });
+  } else {
+    if (!options.raw) output.write(npyHeader(dtype, blockShape(rect, cellBytes, dtype)));
+    output.write(cells.get(), static_cast<std::size_t>(record->coefBuffer.datasize));
+  }
   output.commit();
   if (options.raw) message(toText(rect) + ", " + std::to_string(cellBytes) + " bytes per cell");
 }
@@ -193,7 +199,8 @@ void addGet(CLI::App& group, Command& chosen) {
                                return std::string(error.what());
                              }
                            });
-  command->add_flag("--raw", options->raw, "Write the bare cells without a header")->excludes(dtype);
+  CLI::Option* raw = command->add_flag("--raw", options->raw, "Write the bare cells without a header")->excludes(dtype);
+  command->add_flag("--csv", options->csv, "Write text: a line per cell, its column, row and values")->excludes(raw);
   command->callback([&chosen, options] {
     chosen = {"coef get " + options->area.file, [options](Context& context) { get(context, *options); }};
   });
