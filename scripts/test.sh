@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and passes every check: formatting, the tests in the plain build, the tests under
-# AddressSanitizer and UndefinedBehaviorSanitizer, a project that uses the installed package, clang-tidy.
+# AddressSanitizer and UndefinedBehaviorSanitizer, a project that uses the installed package, the
+# reference, clang-tidy.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -25,6 +26,9 @@ cmake --install build/debug --prefix "$PWD/build/installed" >/dev/null
 cmake -S examples/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH="$PWD/build/installed" >/dev/null
 cmake --build build/consumer
 ctest --test-dir build/consumer --output-on-failure
+
+step "the reference, without warnings"
+scripts/reference.sh
 
 step "clang-tidy"
 run-clang-tidy-14 -p build/debug -quiet -j "$(nproc)" '/(src|host|tool|examples)/' >build/clang-tidy.log 2>&1 || {
