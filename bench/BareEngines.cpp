@@ -43,10 +43,10 @@ void BareFile::exec(const char* sql) {
   require(sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql);
 }
 
-void BareFile::insert(const std::vector<unsigned char>& blob) {
+void BareFile::insert(const unsigned char* blob, std::size_t size) {
   sqlite3_stmt* statement = nullptr;
   sqlite3_prepare_v2(connection_.get(), "insert into Coef (data) values (?)", -1, &statement, nullptr);
-  sqlite3_bind_blob(statement, 1, blob.data(), static_cast<int>(blob.size()), SQLITE_STATIC);
+  sqlite3_bind_blob(statement, 1, blob, static_cast<int>(size), SQLITE_STATIC);
   const int result = sqlite3_step(statement);
   sqlite3_finalize(statement);
   require(result == SQLITE_DONE, "insert");

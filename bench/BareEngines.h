@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <memory>
 #include <string>
-#include <vector>
 
 struct sqlite3;
 
@@ -14,7 +13,7 @@ namespace tovrbench {
 class BareFile {
  public:
   BareFile(const std::string& path, const std::string& key);
-  void insert(const std::vector<unsigned char>& blob);
+  void insert(const unsigned char* blob, std::size_t size);
   // The blob of a row, valid inside `use`.
   template <class Use>
   void select(int id, const Use& use);
