@@ -21,6 +21,12 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
   }
 }
 
+double RatioReporter::share(const std::string& work, const std::string& whole) const {
+  const auto part = seconds_.find(work + "/library");
+  const auto all = seconds_.find(whole + "/library");
+  return part != seconds_.end() && all != seconds_.end() ? median(part->second) / median(all->second) : 0;
+}
+
 void RatioReporter::print(std::FILE* out, const std::vector<Bound>& bounds) const {
   std::fprintf(out, "| work | library, ms | floor, ms | ratio | bound |\n|---|---|---|---|---|\n");
   for (const Bound& bound : bounds) {

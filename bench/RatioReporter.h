@@ -22,6 +22,9 @@ class RatioReporter : public benchmark::BenchmarkReporter {
   };
   void print(std::FILE* out, const std::vector<Bound>& bounds) const;
 
+  // The library's median of one piece of work as a share of another's; 0 when one of them did not run.
+  double share(const std::string& work, const std::string& whole) const;
+
  private:
   std::map<std::string, std::vector<double>> seconds_;  // by benchmark, one per repetition
 };

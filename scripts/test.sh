@@ -11,7 +11,7 @@ step "dependencies"
 scripts/install-dependencies.sh
 
 step "formatting"
-find src host tool examples tests -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run --Werror
+find src host tool examples tests bench -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run --Werror
 
 for preset in debug sanitize; do
   step "tests, $preset build"
