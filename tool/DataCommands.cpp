@@ -5,6 +5,7 @@
 #include "storage/StatusCodes.h"
 #include "tool/Arguments.h"
 #include "tool/ByteOutput.h"
+#include "tool/FileCommand.h"
 #include "tool/FileInput.h"
 #include "tool/Message.h"
 #include "tool/Session.h"
@@ -63,18 +64,6 @@ void list(Context& context, const Options& options) {
       textTable({{"type", true}, {"id", true}, {"blob", true}, {"stored bytes", true}, {"version"}}, rows));
 }
 
-using Run = void (*)(Context&, const Options&);
-
-CLI::App* addOne(CLI::App& group, Command& chosen, const std::shared_ptr<Options>& options, const std::string& name,
-                 const std::string& description, Run run) {
-  CLI::App* command = group.add_subcommand(name, description);
-  addFile(*command, options->file);
-  command->callback([&chosen, options, name, run] {
-    chosen = {"data " + name + " " + options->file, [options, run](Context& context) { run(context, *options); }};
-  });
-  return command;
-}
-
 }  // namespace
 
 void addDataCommands(CLI::App& app, Command& chosen) {
@@ -84,16 +73,17 @@ void addDataCommands(CLI::App& app, Command& chosen) {
     command.add_option("--type", options->type, "The data type")->required();
   };
 
-  CLI::App* command = addOne(*group, chosen, options, "put", "Store a file; it replaces what its type held", put);
+  CLI::App* command =
+      addFileCommand(*group, chosen, options, "put", "Store a file; it replaces what its type held", put);
   addType(*command);
   command->add_option("INPUT", options->input, "The file to store; - is standard input")->required();
   command->add_option("--version-text", options->versionText, "Text kept with the data");
 
-  command = addOne(*group, chosen, options, "get", "Read the data of a type", get);
+  command = addFileCommand(*group, chosen, options, "get", "Read the data of a type", get);
   addType(*command);
   addOutput(*command, options->output);
 
-  addOne(*group, chosen, options, "list", "List what is stored", list);
+  addFileCommand(*group, chosen, options, "list", "List what is stored", list);
 }
 
 }  // namespace tovrtool

@@ -5,6 +5,7 @@
 
 #include "tool/Arguments.h"
 #include "tool/ByteOutput.h"
+#include "tool/FileCommand.h"
 #include "tool/FileInput.h"
 #include "tool/Message.h"
 #include "tool/Session.h"
@@ -102,25 +103,13 @@ void clear(Context& context, const Options& options) {
   message("deleted " + std::to_string(count) + " measurements");
 }
 
-using Run = void (*)(Context&, const Options&);
-
-CLI::App* addOne(CLI::App& group, Command& chosen, const std::shared_ptr<Options>& options, const std::string& name,
-                 const std::string& description, Run run) {
-  CLI::App* command = group.add_subcommand(name, description);
-  addFile(*command, options->file);
-  command->callback([&chosen, options, name, run] {
-    chosen = {"measure " + name + " " + options->file, [options, run](Context& context) { run(context, *options); }};
-  });
-  return command;
-}
-
 }  // namespace
 
 void addMeasureCommands(CLI::App& app, Command& chosen) {
   CLI::App* group = app.add_subcommand("measure", "Luminance and chromaticity measurements")->require_subcommand(1);
   auto options = std::make_shared<Options>();
 
-  CLI::App* command = addOne(*group, chosen, options, "put", "Store a measurement and print its key", put);
+  CLI::App* command = addFileCommand(*group, chosen, options, "put", "Store a measurement and print its key", put);
   command->footer(
       "The library keeps the bytes and rejects type and rectangle with code 19. That is its contract: it is told on\n"
       "standard error and is no failure (exit code 0).");
@@ -129,13 +118,13 @@ void addMeasureCommands(CLI::App& app, Command& chosen) {
   command->add_option("INPUT", options->input, "The file to store; - is standard input")->required();
   command->add_option("--version-text", options->versionText, "Text kept with the measurement");
 
-  addOne(*group, chosen, options, "list", "List the measurements", list);
+  addFileCommand(*group, chosen, options, "list", "List the measurements", list);
 
-  command = addOne(*group, chosen, options, "get", "Read a measurement", get);
+  command = addFileCommand(*group, chosen, options, "get", "Read a measurement", get);
   command->add_option("--id", options->id, "Its key")->required();
   addOutput(*command, options->output);
 
-  command = addOne(*group, chosen, options, "clear", "Delete all measurements", clear);
+  command = addFileCommand(*group, chosen, options, "clear", "Delete all measurements", clear);
   command->add_flag("--yes", options->yes, "Do not ask");
 }
 
