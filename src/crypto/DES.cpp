@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 
+#include "crypto/WipedBuffer.h"
 #include "platform/FileSystem.h"
 
 namespace tovr {
@@ -18,14 +19,23 @@ constexpr auto kTextMode = std::ios::openmode{};
 
 Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
+bool cryptCbc(const DESBase& cipher, int direction, const std::string& key, const std::string& iv, const Bytes& input,
+              Bytes& output) {
+  WipedBuffer keyBytes(key.size());
+  keyBytes.bytes.assign(key.begin(), key.end());
+  return cipher.crypt(direction, DESBase::kCbc, bytesOf(iv), input, output, keyBytes.bytes);
+}
+
 std::string temporaryPath(const std::string& destination) { return destination + ".temp"; }
 
 // Runs `convert` (which returns how many bytes of the output count, or a negative number on failure) over every
 // chunk. False where reading, converting or writing failed, or the last bytes could not be handed to the system.
 template <class Convert>
 bool convertChunks(std::ifstream& source, std::ofstream& target, const Convert& convert) {
-  Bytes chunk(kChunkSize);
-  Bytes output;
+  WipedBuffer read(kChunkSize);
+  WipedBuffer converted(kChunkSize);
+  Bytes& chunk = read.bytes;
+  Bytes& output = converted.bytes;
   while (!source.eof()) {
     chunk.resize(kChunkSize);
     source.read(reinterpret_cast<char*>(chunk.data()), static_cast<std::streamsize>(kChunkSize));
@@ -48,11 +58,11 @@ void moveIntoPlace(const std::string& source, const std::string& destination) {
 }  // namespace
 
 bool DES::encrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) const {
-  return crypt(kEncrypt, kCbc, bytesOf(iv), input, output, bytesOf(key));
+  return cryptCbc(*this, kEncrypt, key, iv, input, output);
 }
 
 bool DES::decrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) const {
-  return crypt(kDecrypt, kCbc, bytesOf(iv), input, output, bytesOf(key));
+  return cryptCbc(*this, kDecrypt, key, iv, input, output);
 }
 
 bool DES::encryptKeyPadded(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) const {

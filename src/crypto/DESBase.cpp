@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "crypto/WipedBuffer.h"
+
 namespace tovr {
 namespace {
 
@@ -27,23 +29,30 @@ Block firstBlock(const unsigned char* bytes, std::size_t length) {
   return block;
 }
 
-DES_key_schedule scheduleOf(const Bytes& key) {
-  Block block = firstBlock(key.data(), key.size());
-  DES_key_schedule schedule;
-  DES_set_key_unchecked(&block.bytes, &schedule);
-  return schedule;
-}
+// The round keys, from which the key itself can be told.
+struct KeySchedule {
+  explicit KeySchedule(const Bytes& key) {
+    Block block = firstBlock(key.data(), key.size());
+    DES_set_key_unchecked(&block.bytes, &rounds);
+    wipe(block.bytes, kBlockSize);
+  }
+  KeySchedule(const KeySchedule&) = delete;
+  KeySchedule& operator=(const KeySchedule&) = delete;
+  ~KeySchedule() { wipe(&rounds, sizeof rounds); }
+
+  DES_key_schedule rounds;
+};
 
 // libcrypto advances the initialisation vector, so consecutive calls with the same `iv` continue one chain.
-void cbc(const unsigned char* input, unsigned char* output, std::size_t length, DES_key_schedule& schedule, Block& iv,
+void cbc(const unsigned char* input, unsigned char* output, std::size_t length, KeySchedule& schedule, Block& iv,
          int direction) {
-  DES_ncbc_encrypt(input, output, static_cast<long>(length), &schedule, &iv.bytes, direction);
+  DES_ncbc_encrypt(input, output, static_cast<long>(length), &schedule.rounds, &iv.bytes, direction);
 }
 
-Block ecb(const unsigned char* input, DES_key_schedule& schedule, int direction) {
+Block ecb(const unsigned char* input, KeySchedule& schedule, int direction) {
   Block in = firstBlock(input, kBlockSize);
   Block out{};
-  DES_ecb_encrypt(&in.bytes, &out.bytes, &schedule, direction);
+  DES_ecb_encrypt(&in.bytes, &out.bytes, &schedule.rounds, direction);
   return out;
 }
 
@@ -64,7 +73,7 @@ bool DESBase::crypt(int direction, int mode, const Bytes& iv, const Bytes& input
 
 bool DESBase::cbcEncrypt(const Bytes& iv, const Bytes& input, Bytes& output, const Bytes& key) const {
   if (tooLong(input)) return false;
-  DES_key_schedule schedule = scheduleOf(key);
+  KeySchedule schedule(key);
   Block chain = firstBlock(iv.data(), iv.size());
   const std::size_t length = input.size();
   output.resize(wholeBlocks(length + kBlockSize - 1));
@@ -74,7 +83,7 @@ bool DESBase::cbcEncrypt(const Bytes& iv, const Bytes& input, Bytes& output, con
 
 bool DESBase::cbcDecrypt(const Bytes& iv, const Bytes& input, Bytes& output, const Bytes& key) const {
   if (tooLong(input)) return false;
-  DES_key_schedule schedule = scheduleOf(key);
+  KeySchedule schedule(key);
   Block chain = firstBlock(iv.data(), iv.size());
   const std::size_t length = input.size();
   const std::size_t whole = wholeBlocks(length);
@@ -89,7 +98,7 @@ bool DESBase::cbcDecrypt(const Bytes& iv, const Bytes& input, Bytes& output, con
 
 bool DESBase::ecbEncrypt(const Bytes& /*iv*/, const Bytes& input, Bytes& output, const Bytes& key) const {
   if (tooLong(input)) return false;
-  DES_key_schedule schedule = scheduleOf(key);
+  KeySchedule schedule(key);
   const std::size_t length = input.size();
   const Block tail = firstBlock(input.data() + wholeBlocks(length), length - wholeBlocks(length));
   output.resize(wholeBlocks(length + kBlockSize - 1));
@@ -103,7 +112,7 @@ bool DESBase::ecbEncrypt(const Bytes& /*iv*/, const Bytes& input, Bytes& output,
 
 bool DESBase::ecbDecrypt(const Bytes& /*iv*/, const Bytes& input, Bytes& output, const Bytes& key) const {
   if (tooLong(input) || input.size() % kBlockSize != 0) return false;
-  DES_key_schedule schedule = scheduleOf(key);
+  KeySchedule schedule(key);
   output.resize(input.size());
   for (std::size_t at = 0; at < output.size(); at += kBlockSize) {
     const Block plain = ecb(input.data() + at, schedule, DES_DECRYPT);

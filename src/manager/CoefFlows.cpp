@@ -221,6 +221,9 @@ int CoefFlows::rewriteScreen(const CoefData& record, int screenid) {
 int CoefFlows::readArea(CoefData& record, const CoefData& area) {
   const Rect stored = rectOf(area);
   const Rect requested = rectOf(record);
+  CoefData filled = record;  // what allocates comes before the cells, and before what the caller sees
+  filled.coeftablename = area.coeftablename;
+  filled.multilayerlist = area.multilayerlist;
   CoefBuffer region;
   CropPlan plan;
   std::unique_ptr<unsigned char[]> cells;
@@ -232,19 +235,17 @@ int CoefFlows::readArea(CoefData& record, const CoefData& area) {
     cells = allocateRegion(plan);
     return readRegion(block, plan, cells.get());
   });
+  if (result != kOk && cells != nullptr) wipe(cells.get(), static_cast<std::size_t>(plan.bytes));
   if (result != kOk) return result;
   if (cropped != kOk) return cropped;
   if (cells == nullptr) cells = allocateRegion(plan);
   region.datasize = static_cast<std::int32_t>(plan.bytes);
 
-  CoefData filled = record;  // what allocates comes before what the caller sees
   filled.id = area.id;
   filled.screenid = area.screenid;
   filled.coefid = area.coefid;
-  filled.coeftablename = area.coeftablename;
   filled.areaIndex = area.areaIndex;
   filled.multilayersize = area.multilayersize;
-  filled.multilayerlist = area.multilayerlist;
   region.data = cells.release();
   filled.coefBuffer = region;
   record = std::move(filled);

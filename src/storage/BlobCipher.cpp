@@ -37,7 +37,9 @@ bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t le
   std::string vector = kBlobKey;
   Bytes enciphered;
   enciphered.reserve(roundUp(kLengthPrefixSize + length));
-  Bytes piece(prefix.begin(), prefix.end());
+  WipedBuffer framed(std::min(kPiece, kLengthPrefixSize + length));
+  Bytes& piece = framed.bytes;
+  piece.assign(prefix.begin(), prefix.end());
   Bytes result;
   do {
     const std::size_t taken = std::min(left, kPiece - piece.size());
@@ -56,11 +58,11 @@ bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t le
 bool decipherPayload(IEncryption& encryption, const void* blob, std::size_t length, Bytes& out) {
   if (blob == nullptr && length != 0) return false;
   const auto* bytes = static_cast<const unsigned char*>(blob);
-  Bytes framed;
-  if (!encryption.decrypt(kBlobKey, kBlobKey, Bytes(bytes, bytes + length), framed)) return false;
-  const auto payload = payloadLength(framed.data(), framed.size());
+  WipedBuffer framed(length);
+  if (!encryption.decrypt(kBlobKey, kBlobKey, Bytes(bytes, bytes + length), framed.bytes)) return false;
+  const auto payload = payloadLength(framed.bytes.data(), framed.bytes.size());
   if (!payload) return false;
-  const auto first = framed.begin() + kLengthPrefixSize;
+  const auto first = framed.bytes.begin() + kLengthPrefixSize;
   out.assign(first, first + *payload);
   return true;
 }
@@ -69,8 +71,10 @@ EncipheredBlob::EncipheredBlob(IEncryption& encryption, const void* bytes, std::
     : encryption_(encryption), bytes_(static_cast<const unsigned char*>(bytes)), size_(size) {}
 
 bool EncipheredBlob::open() {
+  plain_.bytes.reserve(std::min(kPiece, size_));
   if (bytes_ == nullptr || !decipher(0, std::min(kBlock, size_))) return false;
-  const auto payload = payloadLength(plain_.data(), plain_.size() < kLengthPrefixSize ? plain_.size() : size_);
+  const std::size_t start = plain_.bytes.size();
+  const auto payload = payloadLength(plain_.bytes.data(), start < kLengthPrefixSize ? start : size_);
   if (!payload) return false;
   payloadSize_ = *payload;
   return true;
@@ -96,7 +100,7 @@ bool EncipheredBlob::read(std::size_t offset, std::size_t size, unsigned char* o
     const std::size_t end = std::min(begin + kPiece, std::min(roundUp(framed + size), size_));
     if (!decipher(begin, end)) return false;
     const std::size_t taken = std::min(size, end - framed);
-    std::copy_n(plain_.data() + (framed - begin), taken, out);
+    std::copy_n(plain_.bytes.data() + (framed - begin), taken, out);
     offset += taken;
     size -= taken;
     out += taken;
@@ -115,7 +119,7 @@ bool EncipheredBlob::readAcrossGaps(std::size_t offset, std::size_t rowSize, std
     const std::size_t last = framed + (count - 1) * stride + rowSize;
     if (!decipher(begin, std::min(roundUp(last), size_))) return false;
     for (std::size_t i = 0; i < count; ++i, out += rowSize) {
-      std::copy_n(plain_.data() + (framed - begin) + i * stride, rowSize, out);
+      std::copy_n(plain_.bytes.data() + (framed - begin) + i * stride, rowSize, out);
     }
   }
   return true;
@@ -125,7 +129,7 @@ bool EncipheredBlob::readAcrossGaps(std::size_t offset, std::size_t rowSize, std
 bool EncipheredBlob::decipher(std::size_t begin, std::size_t end) {
   piece_.assign(bytes_ + begin, bytes_ + end);
   const std::string vector = begin == 0 ? kBlobKey : vectorAt(bytes_ + begin - kBlock);
-  return encryption_.decrypt(kBlobKey, vector, piece_, plain_) && plain_.size() == piece_.size();
+  return encryption_.decrypt(kBlobKey, vector, piece_, plain_.bytes) && plain_.bytes.size() == piece_.size();
 }
 
 }  // namespace tovr

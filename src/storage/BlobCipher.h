@@ -3,12 +3,15 @@
 //
 // In CBC mode any run of whole cipher blocks deciphers by itself with the cipher block before it as its initialisation
 // vector, and enciphering goes on with the last cipher block written (FIPS 81).
+//
+// No plaintext stays behind in memory that is released, but for what the service itself may leave.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
 #include "crypto/IEncryption.h"
+#include "crypto/WipedBuffer.h"
 
 namespace tovr {
 
@@ -45,7 +48,7 @@ class EncipheredBlob {
   std::size_t size_;
   std::uint32_t payloadSize_ = 0;
   IEncryption::Bytes piece_;  // cipher blocks on their way to the service
-  IEncryption::Bytes plain_;  // and what came back
+  WipedBuffer plain_;         // and what came back
 };
 
 }  // namespace tovr

@@ -119,10 +119,10 @@ int CoefDataTableOperate::selectCoef(int id, CoefBuffer* out) {
   if (prepared != kOk) return prepared;
   return readFirstRow([&](IDBOperate& db) {
     out->databitwidth = db.column_int(2);
-    std::vector<unsigned char> cells;
-    if (!decryptColumn(1, cells)) return kCipherFailed;
-    out->data = newArrayOf(cells).release();
-    out->datasize = static_cast<std::int32_t>(cells.size());
+    WipedBuffer cells;
+    if (!decryptColumn(1, cells.bytes)) return kCipherFailed;
+    out->data = newArrayOf(cells.bytes).release();
+    out->datasize = static_cast<std::int32_t>(cells.bytes.size());
     return kOk;
   });
 }

@@ -1,5 +1,6 @@
 #include "tables/DataTableOperate.h"
 
+#include "crypto/WipedBuffer.h"
 #include "manager/DataRecords.h"
 #include "storage/NumberText.h"
 #include "storage/ResultTable.h"
@@ -91,10 +92,10 @@ int DataTableOperate::readDataRow(ConfigData& record) {
   const int prepared = prepare(kSelectData + std::to_string(dataIds.front()));
   if (prepared != kOk) return prepared;
   return readFirstRow([&](IDBOperate&) {
-    std::vector<unsigned char> payload;
-    if (!decryptColumn(1, payload)) return kCipherFailed;
-    record.data = newArrayOf(payload).release();
-    record.dataSize = static_cast<std::uint32_t>(payload.size());
+    WipedBuffer payload;
+    if (!decryptColumn(1, payload.bytes)) return kCipherFailed;
+    record.data = newArrayOf(payload.bytes).release();
+    record.dataSize = static_cast<std::uint32_t>(payload.bytes.size());
     record.dataSizeUpper = 0;
     record.reserved2 = 0;
     return kOk;

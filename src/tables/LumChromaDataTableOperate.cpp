@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "crypto/WipedBuffer.h"
 #include "manager/DataRecords.h"
 #include "storage/ResultTable.h"
 #include "tables/RectangleColumns.h"
@@ -67,8 +68,8 @@ int LumChromaDataTableOperate::query(DataBase* record) {
 void LumChromaDataTableOperate::dumpFirstBlob() {
   if (prepare(kSelectFirstBlob) != kOk) return;
   readFirstRow([&](IDBOperate&) {
-    std::vector<unsigned char> payload;
-    if (decryptColumn(1, payload)) dump(payload);
+    WipedBuffer payload;
+    if (decryptColumn(1, payload.bytes)) dump(payload.bytes);
     return kOk;
   });
 }
