@@ -14,6 +14,7 @@ Bytes pattern(std::size_t size, unsigned int seed) {
   std::minstd_rand random(seed);
   Bytes bytes(size);
   for (auto& byte : bytes) byte = static_cast<unsigned char>(random() >> 8);
+  rememberPayload(bytes);
   return bytes;
 }
 
@@ -22,7 +23,9 @@ Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end());
 std::string printedBy(const std::function<void()>& operation) {
   testing::internal::CaptureStdout();
   operation();
-  return testing::internal::GetCapturedStdout();
+  const std::string printed = testing::internal::GetCapturedStdout();
+  expectNoSecrets(printed, "standard output");
+  return printed;
 }
 
 std::string fieldsOf(const CoefData& r) {
@@ -40,6 +43,7 @@ FolderTest::FolderTest()
 }
 
 FolderTest::~FolderTest() {
+  expectNoSecretsIn(folder_);
   std::error_code ignored;
   std::filesystem::remove_all(folder_, ignored);
 }

@@ -16,7 +16,8 @@
 #include "plugin/IPluginHost.h"
 #include "storage/DBOperate.h"
 #include "storage/StatusCodes.h"
-#include "tests/FaultyConnection.h"
+#include "tests/FaultyServices.h"
+#include "tests/SecretWatch.h"
 
 namespace tovrtest {
 
@@ -24,13 +25,11 @@ using namespace tovr;
 
 using Bytes = std::vector<unsigned char>;
 
-// A raw page key: opening a file with it derives nothing and is fast.
-constexpr char kRawKey[] = "x'000102030405060708090A0B0C0D0E0F101112131415161718191A1B1C1D1E1F'";
-
+// Bytes that only the seed tells: a payload, which SecretWatch remembers.
 Bytes pattern(std::size_t size, unsigned int seed);
 Bytes bytesOf(const std::string& text);
 
-// What the operation writes to standard output, whoever writes it.
+// What the operation writes to standard output, whoever writes it: no secrets.
 std::string printedBy(const std::function<void()>& operation);
 
 template <class Record>
@@ -65,9 +64,11 @@ class TestHost final : public IPluginHost {
   void reserved2() override { calls.emplace_back("reserved2"); }
   void* findObject(const char* objectName) override;
 
+  FaultPoints points;  // of both services
   DBOperate engine;
-  FaultyConnection connection{engine};
-  Encryption encryption;
+  FaultyConnection connection{engine, points};
+  Encryption cipher;
+  FaultyEncryption encryption{cipher, points};
   bool served = true;   // findObject finds the services
   bool creates = true;  // createObject hands them out, and they are served from then on
   std::vector<std::string> calls;

@@ -42,7 +42,7 @@ TEST_F(ManagerTest, NullRecordsAreRefusedAndUnroutedTypesSucceedSilently) {
   silent(&IDBManager::insertData, {5, 6, 7, -1});
   silent(&IDBManager::updateData, {1, 3, 4, 6, 7, -1});
   silent(&IDBManager::deleteData, {3});
-  EXPECT_EQ(host.connection.calls, 0);
+  EXPECT_EQ(host.points.passed, 0);
   for (const int type : {7, -1, INT_MAX}) {
     DBInfo record;
     record.type = type;
@@ -66,11 +66,11 @@ TEST_F(ManagerTest, OpenRunsItsFourStepsAndStopsAtTheFirstThatFails) {
   ASSERT_EQ(manager->openDB(path("a.db"), kRawKey), 0);
   const std::vector<std::string> pragmas = {"PRAGMA foreign_keys = ON", "PRAGMA synchronous = OFF"};
   EXPECT_EQ(host.connection.statements, pragmas);
-  EXPECT_EQ(host.connection.calls, 4);
+  EXPECT_EQ(host.points.passed, 4);
   for (int call = 1; call <= 4; ++call) {
-    host.connection.failAt(call);
+    host.points.arm(call);
     EXPECT_EQ(manager->openDB(path("a.db"), kRawKey), FaultyConnection::kFault);
-    EXPECT_EQ(host.connection.calls, call);
+    EXPECT_EQ(host.points.passed, call);
   }
   EXPECT_EQ(manager->openDB(path("no folder/a.db"), kRawKey), 14);
   EXPECT_STREQ(manager->errMsg(), "unable to open database file");

@@ -85,11 +85,11 @@ TEST_F(SchemaTest, TheFileHoldsExactlyTheNineTablesInOrder) {
 TEST_F(SchemaTest, CreationStopsAtTheFirstFailure) {
   ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
   for (int statement = 1; statement <= 9; ++statement) {
-    host.connection.failAt(statement);
+    host.points.arm(statement);
     int code = 0;
     const std::string printed = printedBy([&] { code = manager->createTables(); });
     EXPECT_EQ(code, FaultyConnection::kFault) << statement;
-    EXPECT_EQ(host.connection.calls, statement);
+    EXPECT_EQ(host.points.passed, statement);
     for (int group = 0; group < 5; ++group) {
       EXPECT_EQ(printed.find(kProgress[group]) != std::string::npos, group <= kGroupOf[statement - 1]) << statement;
     }

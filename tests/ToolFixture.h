@@ -9,7 +9,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
+
+#include "tests/SecretWatch.h"
 
 namespace tovrtest {
 
@@ -17,6 +20,12 @@ namespace fs = std::filesystem;
 
 constexpr char kKey[] = "TOVRDB_KEY='the test key' ";
 constexpr char kNoKey[] = "";
+
+inline std::string payload(std::size_t size) {
+  std::string bytes;
+  for (std::size_t i = 0; i < size; ++i) bytes.push_back(static_cast<char>(i * 37 + i / 7));
+  return bytes;
+}
 
 struct Outcome {
   int code = -1;
@@ -28,8 +37,13 @@ struct ToolTest : testing::Test {
   ToolTest() {
     std::string pattern = (fs::temp_directory_path() / "tovrdb-XXXXXX").string();
     folder_ = mkdtemp(pattern.data());
+    const std::string stored = payload(16);
+    rememberPayload({stored.begin(), stored.end()});
   }
-  ~ToolTest() override { fs::remove_all(folder_); }
+  ~ToolTest() override {
+    expectNoSecretsIn(folder_, written_);
+    fs::remove_all(folder_);
+  }
 
   std::string path(const std::string& name) const { return (folder_ / name).string(); }
 
@@ -39,6 +53,7 @@ struct ToolTest : testing::Test {
   }
 
   void write(const std::string& name, const std::string& bytes) const {
+    written_.insert(name);
     std::ofstream(path(name), std::ios::binary) << bytes;
   }
 
@@ -49,7 +64,10 @@ struct ToolTest : testing::Test {
     const std::string command = "cd '" + folder_.string() + "' && unset TOVRDB_KEY && cat .in | " + environment +
                                 "TOVRDB_PLUGIN='" TOVR_PLUGIN_FILE "' '" TOVRDB_PROGRAM "' 2>.err >.out " + arguments;
     const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"), read(".err")};
+    const Outcome outcome = {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"), read(".err")};
+    expectNoSecrets(outcome.out, "the output of " + arguments, Payload::kAskedFor);
+    expectNoSecrets(outcome.err, "the messages of " + arguments);
+    return outcome;
   }
 
   std::string succeed(const std::string& arguments) const {
@@ -73,6 +91,7 @@ struct ToolTest : testing::Test {
   }
 
   fs::path folder_;
+  mutable std::set<std::string> written_;
 };
 
 // A .npy file as NumPy writes it.
@@ -81,12 +100,6 @@ inline std::string npy(const std::string& descr, const std::string& shape, const
   std::string header = "{'descr': '" + descr + "', 'fortran_order': " + fortran + ", 'shape': (" + shape + "), }";
   header.append(128 - 10 - 1 - header.size(), ' ').push_back('\n');
   return std::string("\x93NUMPY\x01\x00", 8) + static_cast<char>(header.size()) + '\0' + header + payload;
-}
-
-inline std::string payload(std::size_t size) {
-  std::string bytes;
-  for (std::size_t i = 0; i < size; ++i) bytes.push_back(static_cast<char>(i * 37 + i / 7));
-  return bytes;
 }
 
 }  // namespace tovrtest
