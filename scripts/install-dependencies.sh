@@ -9,10 +9,12 @@ packages=(
   libcli11-dev libxtensor-dev libeigen3-dev    # the tool
   libcairo2-dev pkg-config                     # the tool: pictures
   nlohmann-json3-dev                           # the tool: JSON
-  libgtest-dev libsqlite3-dev binutils util-linux bsdutils  # the tests
+  libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils  # the tests
+  valgrind                                     # the tests under memcheck
   clang-format-14 clang-tidy-14                # the checks of the sources
 )
 [ -z "${TOVR_WITH_BENCH:-}" ] || packages+=(libbenchmark-dev)  # only for those who measure
+[ -z "${TOVR_WITH_FUZZ:-}" ] || packages+=(clang-14 libclang-rt-14-dev llvm-14)  # only for those who fuzz
 [ -z "${TOVR_WITH_DOCS:-}" ] || packages+=(doxygen)          # only for the reference
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }

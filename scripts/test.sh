@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and passes every check: formatting, the tests in the plain build, the tests under
-# AddressSanitizer and UndefinedBehaviorSanitizer, a project that uses the installed package, the
-# reference, clang-tidy.
+# AddressSanitizer and UndefinedBehaviorSanitizer, what they leave behind, memcheck, a project that uses the installed
+# package, the reference, clang-tidy.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -11,14 +11,28 @@ step "dependencies"
 scripts/install-dependencies.sh
 
 step "formatting"
-find src host tool examples tests bench -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run --Werror
+find src host tool examples tests bench fuzz -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run --Werror
 
 for preset in debug sanitize; do
   step "tests, $preset build"
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"
-  ctest --preset "$preset" -j "$(nproc)"
+  left="$PWD/build/$preset/left-behind"
+  rm -rf "$left"
+  mkdir -p "$left"
+  TMPDIR="$left" ctest --preset "$preset" -j "$(nproc)"
+  scripts/find-secrets.sh "build/$preset" "$left"
 done
+
+# The tests that repeat themselves thousands of times would take hours.
+step "the library's tests under memcheck"
+valgrind -q --error-exitcode=9 --leak-check=full --show-leak-kinds=definite,possible \
+  --errors-for-leak-kinds=definite,possible --child-silent-after-fork=yes \
+  build/debug/tests/tovr_tests --gtest_brief=1 --gtest_filter='-*Fault*:Kill*:BlobCipher*:RegionCrop*' >build/memcheck.log 2>&1 || {
+  tail -n 60 build/memcheck.log
+  exit 1
+}
+echo "memcheck finds nothing"
 
 step "the installed package, used by a project of its own"
 rm -rf build/installed build/consumer
