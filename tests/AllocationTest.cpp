@@ -11,7 +11,7 @@ namespace tovrtest {
 class AllocationFaults final : public FaultSource {
  public:
   void arm(const Operation& operation, int point, Failing how) override {
-    setEngineFails(!operation.derivesKey);  // SQLCipher 3.4.1 frees twice where it finds no memory for a key
+    setEngineFails(!operation.derivesKey);  // SQLCipher crashes where it finds no memory for a key
     allocations().arm(point, how);
   }
   bool disarm() override {

@@ -33,21 +33,6 @@ TEST(PluginTest, DescriptorNamesItselfAndItsThreeClasses) {
 
 using PluginFileTest = FolderTest;
 
-TEST_F(PluginFileTest, LoadsWorksAndUnloadsAgainAndAgain) {
-  for (int round = 0; round < 3; ++round) {
-    tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
-    ASSERT_EQ(host.manager().openDB(path("a.db"), kRawKey), 0);
-    ASSERT_EQ(host.manager().createTables(), 0);
-    auto info = host.makeRecord<DBInfo>();
-    ASSERT_EQ(host.manager().queryData(info.get()), 0);
-    EXPECT_EQ(info->dbname, round == 0 ? "" : "kept");
-    info->dbname = "kept";
-    if (round == 0) {
-      EXPECT_EQ(host.manager().insertData(info.get()), 0);
-    }
-  }  // the file is still open: the connection closes it
-}
-
 TEST_F(PluginFileTest, WithoutAHostNothingCrashesAndTheConnectionIsMissing) {
   pluginit(nullptr);
   DBManager manager;
