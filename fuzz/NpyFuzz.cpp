@@ -1,0 +1,62 @@
+// The reader of .npy files: what it takes has as many bytes as its shape and type say, and is written back the same.
+#include <optional>
+
+#include "fuzz/Choices.h"
+#include "fuzz/Target.h"
+#include "tool/CellBlock.h"
+#include "tool/NpyFile.h"
+#include "tool/ToolError.h"
+
+namespace tovrfuzz {
+namespace {
+
+std::optional<tovrtool::NpyArray> parsed(const Bytes& file) {
+  try {
+    return tovrtool::parseNpy(file, "input");
+  } catch (const tovrtool::ToolError&) {
+    return std::nullopt;
+  }
+}
+
+Bytes fileOf(const tovrtool::NpyArray& array) {
+  const std::string header = tovrtool::npyHeader(array.dtype, array.shape);
+  Bytes file(header.begin(), header.end());
+  file.insert(file.end(), array.bytes.begin(), array.bytes.end());
+  return file;
+}
+
+bool hasItsSize(const tovrtool::NpyArray& array) {
+  std::size_t left = array.bytes.size();
+  if (left == 0) return std::count(array.shape.begin(), array.shape.end(), std::size_t{0}) > 0;
+  for (const std::size_t extent : array.shape) {
+    if (extent == 0 || left % extent != 0) return false;
+    left /= extent;
+  }
+  return left == array.dtype.itemSize;
+}
+
+void testBlock(const tovrtool::NpyArray& array) {
+  try {
+    const tovrtool::CellBlock block = tovrtool::blockFromArray(array, std::nullopt, tovrtool::CellPair{});
+    require(block.rect.rows() > 0 && block.rect.columns() > 0 && block.bytes == array.bytes, "a block of other cells");
+    require(block.rect.rows() * block.rect.columns() * block.cellBytes == static_cast<std::int64_t>(array.bytes.size()),
+            "the cells do not fill their rectangle");
+  } catch (const tovrtool::ToolError&) {  // no block has that shape
+  }
+}
+
+}  // namespace
+}  // namespace tovrfuzz
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace tovrfuzz;
+  const auto array = parsed(Bytes(data, data + size));
+  if (!array) return 0;
+  require(hasItsSize(*array), "an array is not as large as it says");
+  const auto again = parsed(fileOf(*array));
+  require(
+      again && again->shape == array->shape && again->dtype.descr == array->dtype.descr && again->bytes == array->bytes,
+      "an array does not come back");
+  testBlock(*array);
+  return 0;
+}
