@@ -15,6 +15,7 @@ packages=(
 )
 [ -z "${TOVR_WITH_BENCH:-}" ] || packages+=(libbenchmark-dev)  # only for those who measure
 [ -z "${TOVR_WITH_FUZZ:-}" ] || packages+=(clang-14 libclang-rt-14-dev llvm-14)  # only for those who fuzz
+[ -z "${TOVR_WITH_SOURCES:-}" ] || packages+=(dpkg-dev debian-archive-keyring gcc make tcl)  # to build engines from source
 [ -z "${TOVR_WITH_DOCS:-}" ] || packages+=(doxygen)          # only for the reference
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
