@@ -15,7 +15,9 @@ packages=(
 )
 [ -z "${TOVR_WITH_BENCH:-}" ] || packages+=(libbenchmark-dev)  # only for those who measure
 [ -z "${TOVR_WITH_FUZZ:-}" ] || packages+=(clang-14 libclang-rt-14-dev llvm-14)  # only for those who fuzz
-[ -z "${TOVR_WITH_SOURCES:-}" ] || packages+=(dpkg-dev debian-archive-keyring gcc make tcl)  # to build engines from source
+sources=(dpkg-dev debian-archive-keyring gcc make tcl)  # to build an engine from its source
+[ -z "${TOVR_WITH_SOURCES:-}" ] || packages+=("${sources[@]}")
+[ -z "${TOVR_WITH_WINDOWS:-}" ] || packages+=("${sources[@]}" g++-mingw-w64-x86-64-posix googletest wine64)
 [ -z "${TOVR_WITH_DOCS:-}" ] || packages+=(doxygen)          # only for the reference
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
