@@ -12,5 +12,9 @@ if(SQLCipher_FOUND AND NOT TARGET SQLCipher::SQLCipher)
     SQLCipher::SQLCipher
     PROPERTIES IMPORTED_LOCATION ${SQLCipher_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${SQLCipher_INCLUDE_DIR}
                INTERFACE_COMPILE_DEFINITIONS SQLITE_HAS_CODEC)
+  if(SQLCipher_LIBRARY MATCHES "\\.a$")  # a static one brings nothing of its own along
+    find_package(OpenSSL 1.1 REQUIRED COMPONENTS Crypto)
+    set_target_properties(SQLCipher::SQLCipher PROPERTIES INTERFACE_LINK_LIBRARIES OpenSSL::Crypto)
+  endif()
 endif()
 mark_as_advanced(SQLCipher_INCLUDE_DIR SQLCipher_LIBRARY)

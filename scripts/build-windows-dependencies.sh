@@ -13,13 +13,21 @@ prefix=$cache/windows
 buildOpenssl() {  # libcrypto only: what SQLCipher 3 calls (AES, SHA-1, HMAC) and DES by its old functions
   scripts/fetch-source.sh bookworm openssl "$openssl" "$prefix/source/openssl"
   cd "$prefix/source/openssl"
+  # libcrypto wants to clean up when its own module goes. That is what atexit means here; _onexit waits for the end of
+  # the process, and would then run code of a plug-in that was unloaded long before.
+  cat >module_onexit.c <<'C'
+#include <stdlib.h>
+_onexit_t module_onexit(_onexit_t function) { return atexit((void (*)(void))function) == 0 ? function : NULL; }
+C
+  logged $target-gcc-posix -O2 -c module_onexit.c
   # No configuration file of the machine is to change what a plug-in does in its host: no-autoload-config.
   logged ./Configure mingw64 --cross-compile-prefix=$target- --prefix=/ --libdir=lib no-shared no-tests no-module \
-    no-engine no-dso no-legacy no-autoload-config no-autoerrinit no-filenames no-ui-console no-comp no-ssl no-tls \
+    no-engine no-dso no-legacy no-autoload-config no-autoerrinit no-filenames no-ui-console no-sock no-comp no-ssl no-tls \
     no-dtls no-ct no-cms no-cmp no-ocsp no-ts no-srp no-psk no-ec no-dh no-dsa no-sm2 no-sm3 no-sm4 no-aria no-bf \
     no-blake2 no-camellia no-cast no-chacha no-gost no-idea no-md4 no-mdc2 no-poly1305 no-rc2 no-rc4 no-rmd160 no-scrypt \
-    no-seed no-siphash no-siv no-ocb no-whirlpool
+    no-seed no-siphash no-siv no-ocb no-whirlpool -D_onexit=module_onexit
   logged make -j"$(nproc)" build_generated libcrypto.a
+  $target-ar rs libcrypto.a module_onexit.o
   cp libcrypto.a "$prefix/lib/"
   cp -r include/openssl "$prefix/include/"
   cd - >/dev/null

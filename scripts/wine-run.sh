@@ -5,16 +5,15 @@ source "$(dirname "$0")/cache.sh"
 
 export WINEPREFIX=$cache/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8
 unset DISPLAY
-run() { timeout --kill-after=10 "${TOVR_WINE_SECONDS:-120}" "$(command -v wine64 || echo /usr/lib/wine/wine64)" "$@"; }
+PATH=$PATH:/usr/lib/wine
+run() { timeout --kill-after=10 "${TOVR_WINE_SECONDS:-120}" wine64 "$@"; }
 
-if [ ! -e "$WINEPREFIX/complete" ]; then  # tests start side by side: one of them makes the prefix
-  exec 9>"$cache/wine.lock"
+# Wine's own processes start beforehand, once for all programs that run side by side: they would hold the output of
+# the program that started them open.
+(
   flock 9
-  if [ ! -e "$WINEPREFIX/complete" ]; then
-    rm -rf "$WINEPREFIX"
-    run wineboot --init >/dev/null 2>&1 9>&-
-    touch "$WINEPREFIX/complete"
-  fi
-  exec 9>&-
-fi
+  wineserver64 --persistent=10 9>&- || exit 0  # one is running
+  run wineboot --init 9>&-
+) 9>"$cache/wine.lock" >/dev/null 2>&1
+
 run "$@"
