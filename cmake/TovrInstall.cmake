@@ -26,6 +26,10 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/tovrdatabaseserviceConfig
 install(FILES ${PROJECT_BINARY_DIR}/tovrdatabaseserviceConfig.cmake
               ${PROJECT_BINARY_DIR}/tovrdatabaseserviceConfigVersion.cmake DESTINATION ${TOVR_INSTALLED_PACKAGE})
 
+set(TOVR_PLUGIN_INSTALLED ${CMAKE_INSTALL_LIBDIR}/libtovrdatabaseservice${CMAKE_SHARED_LIBRARY_SUFFIX})
+if(WIN32)
+  set(TOVR_PLUGIN_INSTALLED ${CMAKE_INSTALL_BINDIR}/tovrdatabaseservice.dll)
+endif()
 list(TRANSFORM CMAKE_DL_LIBS PREPEND -l OUTPUT_VARIABLE CMAKE_DL_LIBS_FLAG)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/tovrdatabaseservice.pc.in ${PROJECT_BINARY_DIR}/tovrdatabaseservice.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tovrdatabaseservice.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -3,6 +3,9 @@ function(tovr_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
                         VISIBILITY_INLINES_HIDDEN ON POSITION_INDEPENDENT_CODE ON)
+  if(WIN32)  # <windows.h> without its min and max; MSVC without its objections to the C library
+    target_compile_definitions(${target} PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN _CRT_SECURE_NO_WARNINGS)
+  endif()
   if(MSVC)
     target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 $<$<BOOL:${TOVR_WARNINGS_AS_ERRORS}>:/WX>)
   else()

@@ -46,26 +46,33 @@ Keys readKeys(const Options& options, KeyUse use) {
   return keys;
 }
 
-// The bytes that would not come back: deciphering ends a piece of 512 bytes at its first zero byte, and where files
-// have a text mode that mode changes line ends and stops at Ctrl-Z.
-bool isCut(unsigned char byte) {
+// Which bytes end a text: deciphering cuts a piece of 512 bytes at its first zero byte, and where files have a text
+// mode Ctrl-Z is the end of the file, and CR LF is read as one byte and written as two again.
 #if defined(_WIN32)
-  return byte == 0 || byte == '\r' || byte == 0x1A;
-#else
-  return byte == 0;
-#endif
-}
+bool endsText(unsigned char byte) { return byte == 0 || byte == 0x1A; }
 
+std::uintmax_t bytesRead(const std::vector<unsigned char>& text) {
+  std::uintmax_t pairs = 0;
+  for (std::size_t i = 1; i < text.size(); ++i) pairs += text[i - 1] == '\r' && text[i] == '\n' ? 1U : 0U;
+  return text.size() - pairs;
+}
+#else
+bool endsText(unsigned char byte) { return byte == 0; }
+
+std::uintmax_t bytesRead(const std::vector<unsigned char>& text) { return text.size(); }
+#endif
+
+// How many bytes of the file the service will read: all of a text.
 std::uintmax_t requireText(const std::string& path) {
   const auto bytes = readWholeFile(path);
-  const auto found = std::find_if(bytes.begin(), bytes.end(), isCut);
+  const auto found = std::find_if(bytes.begin(), bytes.end(), endsText);
   if (found != bytes.end()) {
     throw ToolError(kFileProblem, path + " is no text: its byte " + std::to_string(found - bytes.begin() + 1) + " is " +
                                       std::to_string(int{*found}) +
                                       ", and the format, which is made for texts, would lose what follows. Keep binary "
                                       "data in a database (tovrdb data put)");
   }
-  return bytes.size();
+  return bytesRead(bytes);
 }
 
 std::uintmax_t sizeOf(const std::string& path) {

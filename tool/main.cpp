@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <new>
+#include <sstream>
 #include <stdexcept>
 
 #include "tool/CheckCommand.h"
