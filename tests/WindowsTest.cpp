@@ -1,6 +1,8 @@
 // What only Windows does: text files with CR LF, two narrow encodings of paths, files held open, modules that unload.
 #include <windows.h>
 
+#include <stdexcept>
+
 #include "crypto/Encryption.h"
 #include "host/PluginHost.h"
 #include "tests/Fixture.h"
@@ -90,12 +92,24 @@ TEST_F(WindowsTest, DatabasePathsAreUtf8AndTextPathsOfTheAnsiCodePage) {
   EXPECT_TRUE(exists(name + L".txt"));
 }
 
+TEST_F(WindowsTest, ExceptionsOfTheLibraryAreCaughtByTheHostThoughEachHasItsOwnRuntime) {
+  tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
+  ASSERT_EQ(host.manager().openDB(path("a.db"), kRawKey), 0);
+  ASSERT_EQ(host.connection().exec("create table Screen_Info(id, dbid, screenname, top, left, bottom, right);"
+                                   "insert into Screen_Info values(1, 1, 'a', 'no number', 0, 0, 0)"),
+            0);
+  const auto screens = host.makeRecord<ScreenInfoDataResult>();
+  EXPECT_THROW(host.manager().queryData(screens.get()), std::invalid_argument);
+  EXPECT_EQ(host.manager().closeDB(), 0);
+}
+
 TEST_F(WindowsTest, NothingOfTheLibraryStaysOnceItIsUnloaded) {
   for (int round = 0; round < 2; ++round) {
     {
       tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
+      Bytes output;
       EXPECT_EQ(host.manager().openDB(path("a.db"), kRawKey), 0);  // both engines are at work
-      EXPECT_TRUE(host.encryption().encryptKeyPadded(kKey, kKey, Bytes(8), *std::make_unique<Bytes>()));
+      EXPECT_TRUE(host.encryption().encrypt(kKey, kKey, Bytes(8), output));
       EXPECT_NE(GetModuleHandleA("tovrdatabaseservice.dll"), nullptr);
     }
     EXPECT_EQ(GetModuleHandleA("tovrdatabaseservice.dll"), nullptr);
