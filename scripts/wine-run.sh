@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Runs a Windows program under Wine, in a Wine prefix of the project's own, for at most TOVR_WINE_SECONDS (120).
+# Runs a Windows program under Wine, in a Wine prefix of the project's own, for at most TOVR_WINE_SECONDS (300).
 set -euo pipefail
 source "$(dirname "$0")/cache.sh"
 
 export WINEPREFIX=$cache/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8
 unset DISPLAY
 PATH=$PATH:/usr/lib/wine
-run() { timeout --kill-after=10 "${TOVR_WINE_SECONDS:-120}" wine64 "$@"; }
+run() { timeout --kill-after=10 "${TOVR_WINE_SECONDS:-300}" wine64 "$@"; }
 
 # Wine's own processes start beforehand, once for all programs that run side by side: they would hold the output of
 # the program that started them open.

@@ -97,7 +97,8 @@ bool OperationSweep::meetsFault(const Operation& operation, FaultSource& source,
 void OperationSweep::openFresh() {
   manager->closeDB();
   fs::remove(path("file.db-journal"));
-  fs::copy_file(path("template.db"), path("file.db"), fs::copy_options::overwrite_existing);
+  fs::remove(path("file.db"));  // where MinGW's library copies, it does not overwrite
+  fs::copy_file(path("template.db"), path("file.db"));
   ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
 }
 
