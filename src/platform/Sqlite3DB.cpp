@@ -16,6 +16,12 @@ constexpr char kWrongEngineText[] =
 // the file in plain without any error.
 bool engineHasPageEncryption() { return sqlite3_compileoption_used("HAS_CODEC") != 0; }
 
+// SQLCipher 4 changed the page size, the key derivation and the checksums that files have by default; it reads those of
+// 3.x when told to. It grew out of SQLite 3.25, the last 3.x out of 3.20.
+bool engineKnowsTwoGenerations() { return sqlite3_libversion_number() >= 3025000; }
+
+constexpr int kPatienceMilliseconds = 5000;  // with another program that is writing just now
+
 }  // namespace
 
 void Sqlite3DB::CloseConnection::operator()(sqlite3* connection) const { sqlite3_close(connection); }
@@ -35,15 +41,47 @@ int Sqlite3DB::open(const char* path) {
     openResult_ = SQLITE_ERROR;
     return openResult_;
   }
+  path_ = path;
+  return connect();
+}
+
+int Sqlite3DB::connect() {
   sqlite3* connection = nullptr;
-  openResult_ = sqlite3_open(path, &connection);
+  openResult_ = sqlite3_open(path_.c_str(), &connection);
   connection_.reset(connection);  // a failed open hands back a handle too: it holds the error text
   return openResult_;
 }
 
 int Sqlite3DB::setKey(const char* key, unsigned int length) {
   if (!isOpen() || length > INT_MAX) return SQLITE_MISUSE;
-  return sqlite3_key(connection_.get(), key, static_cast<int>(length));
+  const int result = keyConnection(key, static_cast<int>(length));
+  if (result != SQLITE_OK || !engineKnowsTwoGenerations() || opensWithKey()) return result;
+  return keyOlderFile(key, static_cast<int>(length));
+}
+
+int Sqlite3DB::keyConnection(const char* key, int length) { return sqlite3_key(connection_.get(), key, length); }
+
+// False only where the first page makes no sense: another failure will come again, and is for the caller to see. The
+// engine, which logs to standard error, is silent meanwhile.
+bool Sqlite3DB::opensWithKey() {
+  exec("PRAGMA cipher_log_level = NONE");
+  sqlite3_busy_timeout(connection_.get(), kPatienceMilliseconds);
+  const int result = exec("select count(*) from sqlite_master");
+  sqlite3_busy_timeout(connection_.get(), 0);
+  exec("PRAGMA cipher_log_level = ERROR");
+  return result != SQLITE_NOTADB;
+}
+
+// A connection that has failed to read with a key stays unusable: every attempt takes a fresh one. Where the file is
+// not of the older generation either, it is keyed as if nothing had been tried, and the first read fails.
+int Sqlite3DB::keyOlderFile(const char* key, int length) {
+  statement_.reset();
+  int result = connect();
+  if (result == SQLITE_OK) result = keyConnection(key, length);
+  if (result == SQLITE_OK) result = exec("PRAGMA cipher_compatibility = 3");
+  if (result != SQLITE_OK || opensWithKey()) return result;
+  result = connect();
+  return result == SQLITE_OK ? keyConnection(key, length) : result;
 }
 
 int Sqlite3DB::close() {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -22,6 +23,8 @@ class Sqlite3DB {
   // Closes what is open first. On failure errMsg() tells why, and nothing else works until the next open. Fails with
   // 1, and creates no file, where the process has bound sqlite3_* to a library without page encryption.
   int open(const char* path);
+  // Succeeds with any key; a wrong one fails at the first read, with 26. On SQLCipher 4.x the file is read here
+  // already, and one that 3.x wrote is then read and written as 3.x does.
   int setKey(const char* key, unsigned int length);
   int close();  // finalizes the current statement first
 
@@ -58,10 +61,15 @@ class Sqlite3DB {
   };
 
   bool isOpen() const;
+  int connect();
+  int keyConnection(const char* key, int length);
+  bool opensWithKey();
+  int keyOlderFile(const char* key, int length);
 
   std::unique_ptr<sqlite3, CloseConnection> connection_;
   std::unique_ptr<sqlite3_stmt, FinalizeStatement> statement_;  // destroyed before its connection
   int openResult_;                                              // of the last open; 21 while closed
+  std::string path_;                                            // of the last open
 };
 
 }  // namespace tovr
