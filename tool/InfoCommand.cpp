@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "tool/Arguments.h"
+#include "tool/FileGeneration.h"
 #include "tool/JsonText.h"
 #include "tool/Session.h"
 #include "tool/SqlQuery.h"
@@ -76,7 +77,7 @@ std::vector<Fact> engine(Session& session) {
       {"pages", "pages", "pragma page_count"},
       {"free pages", "freePages", "pragma freelist_count"},
   };
-  std::vector<Fact> facts;
+  std::vector<Fact> facts = {{"generation", "generation", generationText(fileGeneration(session))}};
   for (const Question& question : kQuestions) {
     const auto rows = queryRows(session.connection(), question.sql);
     if (!rows.empty() && !rows[0][0].empty()) facts.push_back({question.label, question.name, rows[0][0]});

@@ -28,6 +28,7 @@
 #include "tool/SampleCommand.h"
 #include "tool/ScreenCommands.h"
 #include "tool/ToolError.h"
+#include "tool/UpgradeCommand.h"
 
 namespace {
 
@@ -78,6 +79,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addExportCommand(app, chosen);
   addImportCommand(app, chosen);
   addRekeyCommand(app, chosen);
+  addUpgradeCommand(app, chosen);
   addCipherCommands(app, chosen);
   addDocCommands(app, chosen);
 }
