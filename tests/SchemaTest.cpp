@@ -1,59 +1,9 @@
 // The file format: the nine tables' texts, their order, and what the engine makes of them.
+#include <fstream>
+
 #include "tests/Fixture.h"
 
 namespace tovrtest {
-
-struct Statement {
-  const char* table;
-  const char* columns;
-};
-
-constexpr Statement kStatements[] = {
-    {"DB_Info",
-     "(    id INTEGER PRIMARY KEY     AUTOINCREMENT,    dbname   VCHAR(60)      NOT NULL,    dbtype   INTEGER        "
-     "NOT NULL,    datastructversion   VCHAR(60)      NOT NULL,    softwareversion   VCHAR(60)      NOT NULL,    "
-     "softwaretype   VCHAR(60)      NOT NULL,    dbversion   VCHAR(60)      NOT NULL,    ctime   TimeStamp NOT NULL "
-     "DEFAULT (datetime('now', 'localtime')),    mtime   TimeStamp NOT NULL DEFAULT (datetime('now', 'localtime')))"},
-    {"Attach_DB_List",
-     "(    id INTEGER PRIMARY KEY     AUTOINCREMENT,    dbname   VCHAR(60)      NOT NULL,    ctime    TimeStamp NOT "
-     "NULL DEFAULT (datetime('now', 'localtime')),    mtime    TimeStamp NOT NULL DEFAULT (datetime('now', "
-     "'localtime')))"},
-    {"Screen_Info",
-     "(    id INTEGER PRIMARY KEY     AUTOINCREMENT,    dbid         INTEGER      NOT NULL,    screenname   "
-     "VCHAR(60),    top            INTEGER      NOT NULL,    left           INTEGER      NOT NULL,    bottom         "
-     "INTEGER      NOT NULL,    right          INTEGER      NOT NULL,    ctime TimeStamp NOT NULL DEFAULT "
-     "(datetime('now','localtime')),    mtime TimeStamp NOT NULL DEFAULT (datetime('now','localtime')),    foreign "
-     "key (dbid)  references Attach_DB_List(id))"},
-    {"Coef",
-     " (id INTEGER PRIMARY KEY AUTOINCREMENT,    data BLOB NOT NULL,    databitwidth INTEGER NOT NULL,    version "
-     "VCHAR(60) NOT NULL)"},
-    {"Coef_Info",
-     "(    id INTEGER PRIMARY KEY      AUTOINCREMENT,    screenid        INTEGER      NOT NULL,    coefid          "
-     "INTEGER      NOT NULL,    coeftablename   VCHAR(60) NOT NULL,    coeftype        INTEGER      NOT NULL,    "
-     "areaid          INTEGER      NOT NULL,    top             INTEGER      NOT NULL,    left            INTEGER      "
-     "NOT NULL,    bottom          INTEGER      NOT NULL,    right           INTEGER      NOT NULL,    "
-     "multilayersize  INTEGER      ,    multilayerlist  BLOB         ,    ctime TimeStamp NOT NULL DEFAULT "
-     "(datetime('now','localtime')),    mtime TimeStamp NOT NULL DEFAULT (datetime('now','localtime')),    foreign "
-     "key(screenid)  references Screen_Info(id),     foreign key(coefid)  references Coef(id))"},
-    {"LumChromData",
-     "(    id INTEGER PRIMARY KEY     AUTOINCREMENT,    data          BLOB     NOT NULL,    version  VCHAR(60)     "
-     "NOT NULL)"},
-    {"LumChromDataInfo",
-     "(    id INTEGER PRIMARY KEY     AUTOINCREMENT,    screenid VCHAR(60)      NOT NULL,    dataid         INTEGER    "
-     "  NOT NULL,    datatablename VCHAR(60) NOT NULL,    datatype       INTEGER      NOT NULL,    top            "
-     "INTEGER      NOT NULL,    left           INTEGER      NOT NULL,    bottom         INTEGER      NOT NULL,    "
-     "right          INTEGER      NOT NULL,    ctime TimeStamp NOT NULL DEFAULT (datetime('now','localtime')),    "
-     "mtime TimeStamp NOT NULL DEFAULT (datetime('now','localtime')),    foreign key(screenid)  references "
-     "Screen_Info(id),     foreign key(dataid)  references LumChromData(id))"},
-    {"Data",
-     " (    id INTEGER PRIMARY KEY     AUTOINCREMENT,    data          BLOB     NOT NULL,    version  VCHAR(60)     "
-     "NOT NULL)"},
-    {"DataInfo",
-     "(    id INTEGER PRIMARY KEY     AUTOINCREMENT,    screenid VCHAR(60)      NOT NULL,    dataid         INTEGER    "
-     "  NOT NULL,    datatype       INTEGER      NOT NULL,    ctime      TimeStamp NOT NULL DEFAULT (datetime('now', "
-     "'localtime')),    mtime      TimeStamp NOT NULL DEFAULT (datetime('now', 'localtime')),    foreign key(screenid) "
-     " references Screen_Info(id),     foreign key(dataid)  references Data(id))"},
-};
 
 constexpr const char* kProgress[] = {"start create DB Table\n", "start create Screen_Info Table\n",
                                      "start create Coef_Info Table\n", "start create LumChromDataInfo Table\n",
@@ -62,13 +12,23 @@ constexpr int kGroupOf[] = {0, 0, 1, 2, 2, 3, 3, 4, 4};
 
 using SchemaTest = DatabaseTest;
 
+// The nine tables with their columns, to the blank.
+std::vector<std::string> statements() {
+  std::ifstream file(TOVR_TEST_DATA "/schema.txt");
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(file, line);) lines.push_back(line);
+  EXPECT_EQ(lines.size(), 9U);
+  return lines;
+}
+
 TEST_F(SchemaTest, TheFileHoldsExactlyTheNineTablesInOrder) {
+  const std::vector<std::string> expected = statements();
   std::string logged;
   std::string held;
   int group = -1;
   for (int i = 0; i < 9; ++i) {
     if (kGroupOf[i] != group) logged += kProgress[group = kGroupOf[i]];
-    const std::string text = std::string(kStatements[i].table) + kStatements[i].columns;
+    const std::string text = expected.at(static_cast<std::size_t>(i));
     logged += "DataTableOperateBase::exec sql :create table if not exists " + text + "\n";
     held += "CREATE TABLE " + text + "\n";
   }
