@@ -5,13 +5,13 @@
 #include "fuzz/Choices.h"
 #include "fuzz/ScratchFolder.h"
 #include "fuzz/Target.h"
-#include "tool/ExportFormat.h"
-#include "tool/FolderImport.h"
-#include "tool/NpyFile.h"
-#include "tool/SqlQuery.h"
-#include "tool/StoredBlob.h"
-#include "tool/StoredRows.h"
-#include "tool/ToolError.h"
+#include "tool/database/ExportFormat.h"
+#include "tool/database/FolderImport.h"
+#include "tool/database/SqlQuery.h"
+#include "tool/database/StoredBlob.h"
+#include "tool/database/StoredRows.h"
+#include "tool/forms/NpyFile.h"
+#include "tool/system/ToolError.h"
 
 namespace tovrfuzz {
 namespace {

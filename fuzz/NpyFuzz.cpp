@@ -3,9 +3,9 @@
 
 #include "fuzz/Choices.h"
 #include "fuzz/Target.h"
-#include "tool/CellBlock.h"
-#include "tool/NpyFile.h"
-#include "tool/ToolError.h"
+#include "tool/forms/CellBlock.h"
+#include "tool/forms/NpyFile.h"
+#include "tool/system/ToolError.h"
 
 namespace tovrfuzz {
 namespace {

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "tests/ToolFixture.h"
-#include "tool/AxisTicks.h"
-#include "tool/BlockDifference.h"
-#include "tool/ColourMap.h"
-#include "tool/Statistics.h"
+#include "tool/pictures/AxisTicks.h"
+#include "tool/pictures/BlockDifference.h"
+#include "tool/pictures/ColourMap.h"
+#include "tool/pictures/Statistics.h"
 
 namespace {
 

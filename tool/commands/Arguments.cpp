@@ -1,0 +1,80 @@
+#include "tool/commands/Arguments.h"
+
+#include <charconv>
+#include <cmath>
+#include <stdexcept>
+#include <system_error>
+
+namespace tovrtool {
+namespace {
+
+// An option whose text `parse` turns into the value; its complaint becomes the command line's.
+template <class Value, class Parse>
+CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value, Parse parse,
+                       const std::string& description) {
+  return command.add_option_function<std::string>(
+      name,
+      [&value, parse, name](const std::string& text) {
+        try {
+          value = parse(text);
+        } catch (const std::invalid_argument& error) {
+          throw CLI::ValidationError(name, error.what());
+        }
+      },
+      description);
+}
+
+std::pair<double, double> parseNumberRange(const std::string& text) {
+  const char* const end = text.data() + text.size();
+  double low = 0;
+  double high = 0;
+  const auto first = std::from_chars(text.data(), end, low);
+  const bool parted = first.ec == std::errc() && first.ptr != end && *first.ptr == ',';
+  const auto second = parted ? std::from_chars(first.ptr + 1, end, high) : first;
+  if (!parted || second.ec != std::errc() || second.ptr != end || !std::isfinite(low) || !std::isfinite(high) ||
+      low >= high) {
+    throw std::invalid_argument("'" + text + "' is not of the form LOW,HIGH, two numbers, LOW < HIGH");
+  }
+  return {low, high};
+}
+
+}  // namespace
+
+void addOutput(CLI::App& command, OutputOptions& options) {
+  command.add_option("-o,--output", options.path, "The file to write; - is standard output")
+      ->required()
+      ->type_name("FILE");
+  command.add_flag("--force", options.force, "Replace the output file if it exists");
+}
+
+CLI::Option* addFile(CLI::App& command, std::string& file) {
+  return command.add_option("FILE", file, "The database file")->required();
+}
+
+CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::string& description) {
+  return addParsed(command, "--rect", rect, parseRect, description)->type_name("L,T,R,B");
+}
+
+CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
+                         const std::string& description) {
+  return addParsed(command, name, position, parsePosition, description)->type_name("L,T");
+}
+
+CLI::Option* addDtype(CLI::App& command, Dtype& dtype, const std::string& description) {
+  return addParsed(command, "--dtype", dtype, parseDtype, description)->type_name("TYPE");
+}
+
+CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std::string& description) {
+  return addParsed(command, "--dtype", dtype, parseDtype, description)->type_name("TYPE");
+}
+
+CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,
+                            const std::string& description) {
+  return addParsed(command, name, range, parseNumberRange, description)->type_name("LOW,HIGH");
+}
+
+CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description) {
+  return addParsed(command, name, size, parseSize, description)->type_name("COLUMNSxROWS");
+}
+
+}  // namespace tovrtool

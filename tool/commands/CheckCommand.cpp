@@ -1,0 +1,119 @@
+#include "tool/commands/CheckCommand.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+#include "tool/commands/Arguments.h"
+#include "tool/database/DatabaseChecks.h"
+#include "tool/database/FileDiagnosis.h"
+#include "tool/files/KeySource.h"
+#include "tool/files/Message.h"
+#include "tool/forms/JsonText.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+struct Options {
+  std::string file;
+  bool json = false;
+};
+
+constexpr std::size_t kMostShown = 8;  // faults of one check, in text
+
+std::string asText(const std::vector<Verdict>& verdicts) {
+  std::string text;
+  for (const Verdict& verdict : verdicts) {
+    text += (verdict.ok() ? "ok      " : "failed  ") + verdict.name +
+            (verdict.detail.empty() ? "" : ": " + verdict.detail) + "\n";
+    for (std::size_t i = 0; i < std::min(verdict.faults.size(), kMostShown); ++i) {
+      text += "        " + printable(verdict.faults[i]) + "\n";
+    }
+    if (verdict.faults.size() > kMostShown) {
+      text += "        and " + std::to_string(verdict.faults.size() - kMostShown) + " more\n";
+    }
+  }
+  return text;
+}
+
+bool isOk(const Verdict& verdict) { return verdict.ok(); }
+
+std::string asJson(const std::string& file, const std::vector<Verdict>& verdicts) {
+  Json checks = Json::array();
+  for (const Verdict& verdict : verdicts) {
+    checks.push_back(
+        {{"check", verdict.name}, {"ok", verdict.ok()}, {"detail", verdict.detail}, {"faults", verdict.faults}});
+  }
+  const bool ok = std::all_of(verdicts.begin(), verdicts.end(), isOk);
+  return jsonText({{"file", file}, {"ok", ok}, {"checks", checks}});
+}
+
+void print(Context& context, const Options& options, const std::vector<Verdict>& verdicts) {
+  context.output.print(options.json ? asJson(options.file, verdicts) : asText(verdicts));
+}
+
+std::int64_t enginePageSize(const Context& context) {
+  Session session = Session::openMemory(context);
+  return queryNumber(session.connection(), "pragma cipher_page_size");
+}
+
+// The open file, or the reason for which it is none.
+std::optional<Session> open(Context& context, const Options& options, const std::string& key) {
+  try {
+    return Session::openExisting(context, options.file, key);
+  } catch (const ToolError& error) {
+    ToolError reason = error;
+    if (error.code() == kKeyProblem) {
+      reason = diagnoseUnreadable(options.file, enginePageSize(context));
+    } else if (error.code() == kRefused) {
+      const ToolError diagnosis = diagnoseDamaged(options.file, enginePageSize(context));
+      reason = ToolError(diagnosis.code(), std::string(error.what()) + "; " + diagnosis.what());
+    } else if (error.code() != kFileProblem) {
+      throw;
+    }
+    Verdict verdict;
+    verdict.name = "opens with this key";
+    verdict.faults.emplace_back(reason.what());
+    print(context, options, {verdict});
+    context.output.finish();
+    throw ToolError(reason.code(), "it cannot be opened; the verdict tells why");
+  }
+}
+
+void check(Context& context, const Options& options) {
+  const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
+  const auto schema = expectedSchema(context);
+  auto session = open(context, options, key);
+  std::vector<Verdict> verdicts(1);
+  verdicts[0].name = "opens with this key";
+  {
+    Progress progress(context, "check", bytesToCheck(*session));
+    for (Verdict& verdict : checkDatabase(*session, schema, progress)) verdicts.push_back(std::move(verdict));
+  }
+  print(context, options, verdicts);
+  const auto failed =
+      static_cast<std::ptrdiff_t>(verdicts.size()) - std::count_if(verdicts.begin(), verdicts.end(), isOk);
+  if (failed == 0) return;
+  context.output.finish();
+  throw ToolError(kRefused, std::to_string(failed) + " of " + std::to_string(verdicts.size()) +
+                                " checks failed; if a copy is whole, restore it");
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("check", "Tell whether a database file is whole; reads every byte of it");
+  command->footer(
+      "Exit codes: 0 all is well, 1 a check failed, 3 the file is damaged beyond opening or no database, 4 the key "
+      "does\n"
+      "not open it.");
+  addFile(*command, options->file);
+  command->add_flag("--json", options->json, "Print the verdicts as JSON");
+  command->callback([&chosen, options] {
+    chosen = {"check " + options->file, [options](Context& context) { check(context, *options); }};
+  });
+}
+
+}  // namespace tovrtool

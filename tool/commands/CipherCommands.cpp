@@ -1,0 +1,157 @@
+#include "tool/commands/CipherCommands.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include "tool/database/Session.h"
+#include "tool/files/FileInput.h"
+#include "tool/files/KeySource.h"
+#include "tool/files/Message.h"
+#include "tool/files/UnfinishedFile.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kKeyLength = 8;
+constexpr std::uintmax_t kCipherBlock = 8;
+
+struct Options {
+  std::string input;
+  std::string output;
+  std::string keyFile;
+  std::string vectorFile;
+  bool force = false;
+};
+
+struct Keys {
+  std::string key;
+  std::string vector;
+};
+
+void requireLength(const std::string& key, const char* what) {
+  if (key.size() == kKeyLength) return;
+  throw ToolError(kKeyProblem, std::string(what) + " has " + std::to_string(key.size()) + " characters, not 8");
+}
+
+Keys readKeys(const Options& options, KeyUse use) {
+  Keys keys;
+  keys.key = readKey(options.keyFile, use, kCipherKey);
+  requireLength(keys.key, "the cipher key");
+  keys.vector = options.vectorFile.empty() ? keys.key : readKeyFile(options.vectorFile);
+  requireLength(keys.vector, "the initialisation vector");
+  return keys;
+}
+
+// Which bytes end a text: deciphering cuts a piece of 512 bytes at its first zero byte, and where files have a text
+// mode Ctrl-Z is the end of the file, and CR LF is read as one byte and written as two again.
+#if defined(_WIN32)
+bool endsText(unsigned char byte) { return byte == 0 || byte == 0x1A; }
+
+std::uintmax_t bytesRead(const std::vector<unsigned char>& text) {
+  std::uintmax_t pairs = 0;
+  for (std::size_t i = 1; i < text.size(); ++i) pairs += text[i - 1] == '\r' && text[i] == '\n' ? 1U : 0U;
+  return text.size() - pairs;
+}
+#else
+bool endsText(unsigned char byte) { return byte == 0; }
+
+std::uintmax_t bytesRead(const std::vector<unsigned char>& text) { return text.size(); }
+#endif
+
+// How many bytes of the file the service will read: all of a text.
+std::uintmax_t requireText(const std::string& path) {
+  const auto bytes = readWholeFile(path);
+  const auto found = std::find_if(bytes.begin(), bytes.end(), endsText);
+  if (found != bytes.end()) {
+    throw ToolError(kFileProblem, path + " is no text: its byte " + std::to_string(found - bytes.begin() + 1) + " is " +
+                                      std::to_string(int{*found}) +
+                                      ", and the format, which is made for texts, would lose what follows. Keep binary "
+                                      "data in a database (tovrdb data put)");
+  }
+  return bytesRead(bytes);
+}
+
+std::uintmax_t sizeOf(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = fs::file_size(path, error);
+  return error ? 0 : size;
+}
+
+void requireDone(bool done, const std::string& path) {
+  std::error_code error;
+  if (!done || !fs::exists(path, error)) {
+    throw ToolError(kFileProblem,
+                    "the encryption service could not read the one file or write the other; is the disk full?");
+  }
+}
+
+void encrypt(Context& context, const Options& options) {
+  const Keys keys = readKeys(options, KeyUse::kCreate);
+  const std::uintmax_t size = requireText(options.input);
+  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
+  const auto host = loadPlugin(context);
+  requireDone(host->encryption().encryptFile(keys.key, keys.vector, options.input, unfinished.path()),
+              unfinished.path());
+  if (sizeOf(unfinished.path()) != (size + kCipherBlock - 1) / kCipherBlock * kCipherBlock) {
+    throw ToolError(kFileProblem, "the encrypted file is incomplete; is the disk full?");
+  }
+  unfinished.finish();
+}
+
+void decrypt(Context& context, const Options& options) {
+  const Keys keys = readKeys(options, KeyUse::kOpen);
+  const std::uintmax_t size = readWholeFile(options.input).size();
+  if (size % kCipherBlock != 0) {
+    throw ToolError(kFileProblem, options.input + " is no encrypted file, or truncated: its " + std::to_string(size) +
+                                      " bytes are no multiple of 8");
+  }
+  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
+  const auto host = loadPlugin(context);
+  requireDone(host->encryption().decryptFile(keys.key, keys.vector, options.input, unfinished.path()),
+              unfinished.path());
+  // Only the last block of a text is filled up with zeros, by less than its length.
+  if (sizeOf(unfinished.path()) + kCipherBlock <= size) {
+    throw ToolError(kKeyProblem,
+                    "the key or the vector is wrong, or the file never was a text: zero bytes cut it short");
+  }
+  unfinished.finish();
+}
+
+using Run = void (*)(Context&, const Options&);
+
+void addOne(CLI::App& app, Command& chosen, const std::string& name, const std::string& description, Run run) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand(name, description);
+  command->footer(
+      "The service's format is DES in CBC mode over pieces of 512 bytes, for text files: no header, no checksum. A "
+      "wrong\n"
+      "key shows only where it yields zero bytes. DES keeps nothing from a determined reader.");
+  command->add_option("IN", options->input, "The file to read")->required();
+  command->add_option("OUT", options->output, "The file to write")->required();
+  command
+      ->add_option("--cipher-key-file", options->keyFile,
+                   "The key, 8 characters, is this file's first line [TOVRDB_CIPHER_KEY, else a prompt]")
+      ->type_name("FILE");
+  command->add_option("--iv-file", options->vectorFile, "So is the initialisation vector [the same as the key]")
+      ->type_name("FILE");
+  command->add_flag("--force", options->force, "Replace the output file if it exists");
+  command->callback([&chosen, options, name, run] {
+    chosen = {name + " " + options->input, [options, run](Context& context) {
+                run(context, *options);
+                message("wrote " + options->output);
+              }};
+  });
+}
+
+}  // namespace
+
+void addCipherCommands(CLI::App& app, Command& chosen) {
+  addOne(app, chosen, "encrypt", "Encrypt a text file with the encryption service", encrypt);
+  addOne(app, chosen, "decrypt", "Decrypt such a file", decrypt);
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,73 @@
+#include "tool/commands/CreateCommand.h"
+
+#include <filesystem>
+#include <memory>
+
+#include "tool/database/Session.h"
+#include "tool/files/Message.h"
+#include "tool/files/UnfinishedFile.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Options {
+  std::string file;
+  int type = 0;
+  std::string name;
+  std::string structureVersion = "1";
+  std::string softwareVersion = "0.1.0";
+  std::string softwareType = "tovrdb";
+  std::string databaseVersion = "1";
+};
+
+void describe(Session& session, const Options& options) {
+  auto info = session.host().makeRecord<tovr::DBInfo>();
+  info->dbtype = options.type;
+  info->dbname = options.name.empty() ? fs::path(options.file).stem().string() : options.name;
+  info->datastructversion = options.structureVersion;
+  info->softwareversion = options.softwareVersion;
+  info->softwaretype = options.softwareType;
+  info->dbversion = options.databaseVersion;
+  session.require(session.manager().insertData(info.get()));
+}
+
+void create(Context& context, const Options& options) {
+  std::error_code error;
+  if (fs::exists(fs::symlink_status(options.file, error))) {
+    throw ToolError(kFileProblem, "the file exists already and was not touched");
+  }
+  UnfinishedFile unfinished(options.file, Existing::kRefuse, "-journal");
+  Session session = Session::openNew(context, unfinished.path());
+  session.require(session.manager().createTables());
+  describe(session, options);
+  session.close();
+  unfinished.finish();
+  message("created " + options.file + ", database type " + std::to_string(options.type) + "; next: tovrdb screen add");
+}
+
+}  // namespace
+
+void addCreateCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("create", "Make a new database file with its tables and its description");
+  command->add_option("FILE", options->file, "The database file, which must not exist yet")->required();
+  command->add_option("--type", options->type, "0: screens are found by rectangle; 1: by name")
+      ->required()
+      ->check(CLI::IsMember({0, 1}));
+  command->add_option("--name", options->name, "The database's name [the file's]");
+  command->add_option("--structure-version", options->structureVersion, "Version of the stored structures")
+      ->capture_default_str();
+  command->add_option("--software-version", options->softwareVersion, "Version of the software that writes the file")
+      ->capture_default_str();
+  command->add_option("--software-type", options->softwareType, "Kind of that software")->capture_default_str();
+  command->add_option("--database-version", options->databaseVersion, "Version of the database layout")
+      ->capture_default_str();
+  command->callback([&chosen, options] {
+    chosen = {"create " + options->file, [options](Context& context) { create(context, *options); }};
+  });
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,289 @@
+#include "tool/commands/DiffCommand.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "tool/commands/Arguments.h"
+#include "tool/database/FileDifference.h"
+#include "tool/files/ByteOutput.h"
+#include "tool/files/KeySource.h"
+#include "tool/files/Message.h"
+#include "tool/forms/CellNumbers.h"
+#include "tool/pictures/GatheredNumbers.h"
+#include "tool/pictures/HeatmapPicture.h"
+#include "tool/pictures/HeatmapWords.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// As of the program that compares texts, which scripts know.
+constexpr int kDifferent = 1;
+constexpr ExitCode kTrouble = kUsage;  // 2
+
+constexpr double kPicturedPercent = 99;  // of the differences other than zero
+
+struct Options {
+  std::string before;
+  std::string after;
+  std::string keyFileAfter;
+  std::optional<double> absolute;
+  std::optional<double> relative;
+  std::optional<Dtype> dtype;
+  OutputOptions picture;
+  std::optional<std::int32_t> type;
+  std::string screen;
+  std::size_t component = 0;
+  std::string unit;
+  bool json = false;
+};
+
+// The picture of the differences of one number of every cell.
+class DifferencePicture {
+ public:
+  DifferencePicture(Context& context, const Options& options, const FileComparison& files)
+      : options_(options),
+        output_(context.output, options.picture, options.before),
+        type_(typeOf(options, files)),
+        numbers_(regionOf(files), Merge::kFarthestFromZero) {}
+
+  void add(const StoredArea& area, std::int32_t cellBytes, const unsigned char* before, const unsigned char* after) {
+    if (!drawn(area)) return;
+    const auto bytes = static_cast<std::size_t>(cellBytes);
+    const Dtype& dtype = *options_.dtype;
+    if (bytes % dtype.itemSize != 0 || options_.component >= bytes / dtype.itemSize) {
+      throw ToolError(kUsage, "cells of " + std::to_string(bytes) + " bytes have no component " +
+                                  std::to_string(options_.component) + " of type " + dtype.descr);
+    }
+    const auto columns = static_cast<std::size_t>(area.rect.columns());
+    std::vector<double> minuend(columns);
+    numbers_.add(area.rect, [&](std::int32_t y, double* row) {
+      std::fill(row, row + columns, 0.0);
+      if (before == nullptr) return;
+      const std::size_t offset =
+          static_cast<std::size_t>(y - area.rect.top) * columns * bytes + options_.component * dtype.itemSize;
+      readNumbers(dtype, before + offset, bytes, columns, row);
+      readNumbers(dtype, after + offset, bytes, columns, minuend.data());
+      std::transform(minuend.begin(), minuend.end(), row, row, std::minus<>());
+    });
+  }
+
+  void write() {
+    Heatmap heatmap;
+    heatmap.palette = Palette::kDiverging;
+    heatmap.title = nameOf(options_.after) + " - " + nameOf(options_.before) + ": type " + std::to_string(type_) +
+                    ", component " + std::to_string(options_.component);
+    heatmap.label = options_.unit.empty() ? "difference" : options_.unit;
+    heatmap.outlines = outlines_;
+    setColours(numbers_, numbers_.balancedRange(kPicturedPercent), heatmap);
+    heatmap.notes = {"Colours span the percentile " + numberText(kPicturedPercent) + " of differences other than 0.",
+                     scaleNote(numbers_.raster().scale(), Merge::kFarthestFromZero)};
+    const auto png = drawHeatmap(numbers_.raster(), heatmap);
+    output_.write(png.data(), png.size());
+    output_.commit();
+  }
+
+ private:
+  static std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+
+  static std::int32_t typeOf(const Options& options, const FileComparison& files) {
+    if (options.type) return *options.type;
+    std::set<std::int32_t> types;
+    for (const StoredArea& area : files.commonAreas()) types.insert(area.type);
+    if (types.size() == 1) return *types.begin();
+    std::string text;
+    for (const std::int32_t type : types) text += (text.empty() ? "" : ", ") + std::to_string(type);
+    throw ToolError(kUsage, types.empty() ? "the files have no block in common that could be drawn"
+                                          : "say which blocks to draw with --type: both files have types " + text);
+  }
+
+  bool drawn(const StoredArea& area) const {
+    return area.type == type_ && (options_.screen.empty() || area.screen == options_.screen);
+  }
+
+  Rect regionOf(const FileComparison& files) {
+    std::optional<Rect> region;
+    std::set<std::string> named;  // each screen once
+    for (const StoredArea& area : files.commonAreas()) {
+      if (!drawn(area)) continue;
+      region = region ? united(*region, area.rect) : area.rect;
+      outlines_.push_back({area.rect, named.insert(area.screen).second ? area.screen : "", true});
+    }
+    if (region) return *region;
+    throw ToolError(kUsage, "the files have no block of type " + std::to_string(type_) + " in common to draw");
+  }
+
+  const Options& options_;
+  ByteOutput output_;
+  std::int32_t type_;
+  std::vector<Outline> outlines_;
+  GatheredNumbers numbers_;
+};
+
+std::string cellsText(const Difference& difference) {
+  const BlockDifference& cells = difference.cells;
+  const std::string at = std::to_string(cells.at.x) + "," + std::to_string(cells.at.y);
+  const std::string text = std::to_string(cells.differing) + " of " + std::to_string(cells.cells) + " cells differ, ";
+  if (!difference.numbers) return text + "the first at " + at;
+  return text + "most at " + at + ", component " + std::to_string(cells.component) + ": " + numberText(cells.before) +
+         " -> " + numberText(cells.after);
+}
+
+std::string bytesText(const BytesDifference& bytes) {
+  const std::string size = std::to_string(bytes.sizeBefore) + " bytes";
+  std::string sizes =
+      bytes.sizeBefore == bytes.sizeAfter ? size : size + " -> " + std::to_string(bytes.sizeAfter) + " bytes";
+  if (bytes.differing == 0) return sizes;
+  return sizes + ", " + std::to_string(bytes.differing) + " differ, the first at " + std::to_string(bytes.first);
+}
+
+std::string lineOf(const Difference& difference, const Options& options) {
+  const auto only = [&](const std::string& file, const std::string& summary) {
+    return "only in " + file + ": " + difference.item + (summary.empty() ? "" : " (" + summary + ")");
+  };
+  switch (difference.kind) {
+    case Difference::Kind::kOnlyBefore:
+      return only(options.before, difference.before);
+    case Difference::Kind::kOnlyAfter:
+      return only(options.after, difference.after);
+    case Difference::Kind::kField:
+      return difference.item + ": " + difference.field + ": '" + difference.before + "' -> '" + difference.after + "'";
+    case Difference::Kind::kCells:
+      return difference.item + ": " + cellsText(difference);
+    case Difference::Kind::kBytes:
+      break;
+  }
+  return difference.item + ": " + bytesText(difference.bytes);
+}
+
+Json jsonOf(const Difference& difference) {
+  Json json{{"item", difference.item}};
+  switch (difference.kind) {
+    case Difference::Kind::kOnlyBefore:
+      json["only_in"] = "a";
+      break;
+    case Difference::Kind::kOnlyAfter:
+      json["only_in"] = "b";
+      break;
+    case Difference::Kind::kField:
+      json.update({{"field", difference.field}, {"a", difference.before}, {"b", difference.after}});
+      break;
+    case Difference::Kind::kCells: {
+      const BlockDifference& cells = difference.cells;
+      json.update({{"cells", cells.cells}, {"differing", cells.differing}, {"at", {cells.at.x, cells.at.y}}});
+      if (difference.numbers) {
+        json.update(
+            {{"component", cells.component}, {"a", cells.before}, {"b", cells.after}, {"largest", cells.largest}});
+      }
+      break;
+    }
+    case Difference::Kind::kBytes:
+      json.update({{"bytes_a", difference.bytes.sizeBefore},
+                   {"bytes_b", difference.bytes.sizeAfter},
+                   {"differing", difference.bytes.differing}});
+      break;
+  }
+  return json;
+}
+
+std::string report(const std::vector<Difference>& differences, const Options& options) {
+  if (!options.json) {
+    std::string text;
+    for (const Difference& difference : differences) text += printable(lineOf(difference, options)) + "\n";
+    return text;
+  }
+  Json json{{"a", options.before}, {"b", options.after}, {"same", differences.empty()}, {"differences", Json::array()}};
+  for (const Difference& difference : differences) json["differences"].push_back(jsonOf(difference));
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+void refuseReplacing(const Options& options) {
+  std::error_code error;
+  if (options.picture.path != "-" && std::filesystem::equivalent(options.picture.path, options.after, error)) {
+    throw ToolError(kTrouble, "the picture would replace " + options.after);
+  }
+}
+
+void diff(Context& context, const Options& options) {
+  refuseReplacing(options);
+  const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
+  const std::string keyAfter = options.keyFileAfter.empty() ? key : readKey(options.keyFileAfter, KeyUse::kOpen);
+  FileComparison files(context, {options.before, key}, {options.after, keyAfter});
+  std::optional<DifferencePicture> picture;
+  if (!options.picture.path.empty()) picture.emplace(context, options, files);
+
+  Comparing how{options.dtype, std::nullopt};
+  if (options.absolute || options.relative)
+    how.tolerance = Tolerance{options.absolute.value_or(0), options.relative.value_or(0)};
+  const auto differences = files.compare(how, [&](const StoredArea& area, std::int32_t cellBytes,
+                                                  const unsigned char* before, const unsigned char* after) {
+    if (picture) picture->add(area, cellBytes, before, after);
+  });
+  if (picture) picture->write();
+  context.output.print(report(differences, options));
+  context.output.finish();
+  context.code = differences.empty() ? kDone : kDifferent;
+}
+
+// Every failure is trouble, so that 1 means "different" and nothing else.
+void diffOrTrouble(Context& context, const Options& options) {
+  try {
+    diff(context, options);
+  } catch (const std::bad_alloc&) {
+    throw ToolError(kTrouble, "out of memory");
+  } catch (const std::exception& error) {
+    throw ToolError(kTrouble, error.what());
+  }
+}
+
+void addPictureOptions(CLI::App& command, Options& options) {
+  CLI::Option* picture =
+      command.add_option("--heatmap", options.picture.path, "Draw the differences of one number of every cell (PNG)")
+          ->type_name("FILE");
+  command.add_flag("--force", options.picture.force, "Replace the picture if it exists")->needs(picture);
+  command.add_option("--type", options.type, "Of the blocks to draw, when there are several")->needs(picture);
+  command.add_option("--screen", options.screen, "Draw only this screen")->needs(picture);
+  command.add_option("--component", options.component, "Which number of each cell to draw, from 0")
+      ->capture_default_str()
+      ->needs(picture);
+  command.add_option("--unit", options.unit, "Text beside the picture's colour bar")->type_name("TEXT")->needs(picture);
+}
+
+}  // namespace
+
+void addDiffCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("diff", "What differs between two database files");
+  command->footer(
+      "Exit codes of this command: 0 the same, 1 different, 2 trouble of any kind.\n\n"
+      "Compared are metadata, screens, blocks (found by screen, type and rectangle), generic data and measurements;\n"
+      "not the times and the keys of rows. Without a tolerance cells differ when a bit does.\n"
+      "The picture shows B - A in cool to warm colours, zero in the middle. Regions of more than 1280 x 800 cells are\n"
+      "made smaller: a pixel then shows the largest difference of its cells.");
+  command->add_option("A", options->before, "The first database file")->required();
+  command->add_option("B", options->after, "The second database file")->required();
+  command->add_option("--key-file-b", options->keyFileAfter, "The key of B is this file's first line [as for A]")
+      ->type_name("FILE");
+  CLI::Option* dtype = addDtype(*command, options->dtype, "Type of the numbers in a cell (uint16, float32, ...)");
+  CLI::Option* absolute = command->add_option("--atol", options->absolute, "Numbers this far apart count as equal");
+  absolute->check(CLI::NonNegativeNumber)->needs(dtype);
+  command->add_option("--rtol", options->relative, "The same, as a share of the larger of the two")
+      ->check(CLI::NonNegativeNumber)
+      ->needs(dtype)
+      ->excludes(absolute);
+  addPictureOptions(*command, *options);
+  command->get_option("--heatmap")->needs(dtype);
+  command->add_flag("--json", options->json, "Write JSON");
+  command->callback([&chosen, options] {
+    chosen = {"diff " + options->before + " " + options->after,
+              [options](Context& context) { diffOrTrouble(context, *options); }};
+  });
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,23 @@
+// The checks of an open database file, from its pages to the sense of its rows.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tool/database/Session.h"
+#include "tool/database/SqlQuery.h"
+#include "tool/database/Verdict.h"
+#include "tool/files/Progress.h"
+
+namespace tovrtool {
+
+// Name and create statement of every table, as the library makes them.
+std::vector<Row> expectedSchema(const Context& context);
+
+// Bytes that checkDatabase reads, as it reports them to `progress`.
+std::uint64_t bytesToCheck(Session& session);
+
+// One verdict per check; a check that the file's damage ends reports that as a fault.
+std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress);
+
+}  // namespace tovrtool

@@ -1,0 +1,176 @@
+#include "tool/database/FileDifference.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "tool/database/SqlQuery.h"
+#include "tool/database/StoredBlob.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+constexpr std::int64_t kBatchBytes = std::int64_t{256} << 20;
+
+// What `action` throws, with the file's name: two are at work.
+template <class Action>
+auto naming(const std::string& file, Action action) {
+  try {
+    return action();
+  } catch (const ToolError& error) {
+    throw ToolError(error.code(), file + ": " + error.what());
+  }
+}
+
+Bytes storedBytes(Session& session, const Item& item) {
+  const auto blob = queryBlob(session.connection(),
+                              "select data from " + item.blob->table + " where id = " + std::to_string(item.blob->id));
+  return blob.value_or(Bytes());
+}
+
+Bytes payload(Session& session, const std::string& file, const Item& item, const Bytes& stored) {
+  return naming(file + ": " + item.name, [&] { return decipherBlob(session.host().encryption(), stored); });
+}
+
+std::string summary(const Item& item) {
+  std::string text;
+  for (const auto& [field, value] : item.fields) {
+    if (!value.empty()) text += (text.empty() ? "" : ", ") + field + " " + value;
+  }
+  return text;
+}
+
+BytesDifference compareBytes(const Bytes& before, const Bytes& after) {
+  BytesDifference result{before.size(), after.size(), 0, 0};
+  for (std::size_t i = 0; i < std::min(before.size(), after.size()); ++i) {
+    if (before[i] == after[i]) continue;
+    if (result.differing++ == 0) result.first = i;
+  }
+  return result;
+}
+
+bool isBlockOf(const Item& item, const Bytes& bytes) {
+  if (!item.area || item.area->cellBytes <= 0) return false;
+  const std::int64_t rowBytes = item.area->rect.columns() * item.area->cellBytes;  // below 2^62
+  const auto size = static_cast<std::int64_t>(bytes.size());
+  return size % rowBytes == 0 && size / rowBytes == item.area->rect.rows();
+}
+
+bool sameShape(const Item& before, const Item& after) {
+  return before.area && after.area && before.area->cellBytes == after.area->cellBytes;
+}
+
+}  // namespace
+
+FileComparison::FileComparison(const Context& context, FileAndKey before, FileAndKey after)
+    : context_(context), before_(std::move(before)), after_(std::move(after)) {
+  itemsBefore_ = inventory(before_);
+  itemsAfter_ = inventory(after_);
+  pairItems();
+}
+
+std::vector<Item> FileComparison::inventory(const FileAndKey& file) const {
+  return naming(file.path, [&] {
+    Session session = Session::openExisting(context_, file.path, file.key);
+    std::vector<Item> items = takeInventory(session);
+    session.close();
+    return items;
+  });
+}
+
+// Finds what one file lacks, and the fields that differ.
+void FileComparison::pairItems() {
+  std::map<std::string, const Item*> after;
+  for (const Item& item : itemsAfter_) after[item.name] = &item;
+  for (const Item& item : itemsBefore_) {
+    const auto found = after.find(item.name);
+    if (found == after.end()) {
+      differences_.push_back({item.name, Difference::Kind::kOnlyBefore, "", summary(item), "", {}, false, {}});
+      continue;
+    }
+    const Item& other = *found->second;
+    after.erase(found);
+    for (std::size_t i = 0; i < item.fields.size(); ++i) {
+      const auto& [field, text] = item.fields[i];
+      if (text == other.fields[i].second) continue;
+      differences_.push_back({item.name, Difference::Kind::kField, field, text, other.fields[i].second, {}, false, {}});
+    }
+    if (item.blob) blobs_.push_back({&item, &other});
+  }
+  for (const Item& item : itemsAfter_) {
+    if (after.count(item.name) == 0) continue;
+    differences_.push_back({item.name, Difference::Kind::kOnlyAfter, "", "", summary(item), {}, false, {}});
+  }
+}
+
+std::vector<StoredArea> FileComparison::commonAreas() const {
+  std::vector<StoredArea> areas;
+  for (const Pair& pair : blobs_) {
+    if (sameShape(*pair.before, *pair.after)) areas.push_back(*pair.before->area);
+  }
+  return areas;
+}
+
+std::vector<Difference> FileComparison::compare(const Comparing& how, const VisitBlock& visit) {
+  std::size_t from = 0;
+  while (from < blobs_.size()) {
+    std::size_t to = from;
+    for (std::int64_t bytes = 0; to < blobs_.size() && (to == from || bytes < kBatchBytes); ++to) {
+      bytes += blobs_[to].before->blob->bytes;
+    }
+    compareBatch(from, to, how, visit);
+    from = to;
+  }
+  return std::move(differences_);
+}
+
+void FileComparison::compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit) {
+  std::vector<Bytes> stored;
+  naming(before_.path, [&] {
+    Session session = Session::openExisting(context_, before_.path, before_.key);
+    for (std::size_t i = from; i < to; ++i) stored.push_back(storedBytes(session, *blobs_[i].before));
+    session.close();
+  });
+  Session session = naming(after_.path, [&] { return Session::openExisting(context_, after_.path, after_.key); });
+  for (std::size_t i = from; i < to; ++i) {
+    compareBlobs(session, blobs_[i], stored[i - from], how, visit);
+    stored[i - from] = Bytes();
+  }
+  naming(after_.path, [&] { session.close(); });
+}
+
+// Payloads are enciphered alike in every file, so equal ones need not be deciphered.
+void FileComparison::compareBlobs(Session& session, const Pair& pair, const Bytes& storedBefore, const Comparing& how,
+                                  const VisitBlock& visit) {
+  const Bytes storedAfter = naming(after_.path, [&] { return storedBytes(session, *pair.after); });
+  const bool shaped = sameShape(*pair.before, *pair.after);
+  if (storedBefore == storedAfter) {
+    if (shaped) visit(*pair.before->area, pair.before->area->cellBytes, nullptr, nullptr);
+    return;
+  }
+  const Bytes before = payload(session, before_.path, *pair.before, storedBefore);
+  const Bytes after = payload(session, after_.path, *pair.after, storedAfter);
+  if (shaped && isBlockOf(*pair.before, before) && isBlockOf(*pair.after, after)) {
+    visit(*pair.before->area, pair.before->area->cellBytes, before.data(), after.data());
+    addCells(pair, before, after, how);
+    return;
+  }
+  const BytesDifference bytes = compareBytes(before, after);
+  if (bytes.differing == 0 && bytes.sizeBefore == bytes.sizeAfter) return;  // only the padding of the cipher
+  differences_.push_back({pair.before->name, Difference::Kind::kBytes, "", "", "", {}, false, bytes});
+}
+
+void FileComparison::addCells(const Pair& pair, const Bytes& before, const Bytes& after, const Comparing& how) {
+  const StoredArea& area = *pair.before->area;
+  const bool numbers = how.dtype && static_cast<std::size_t>(area.cellBytes) % how.dtype->itemSize == 0;
+  const BlockDifference cells =
+      compareBlocks(before.data(), after.data(), area.rect, area.cellBytes, numbers ? how.dtype : std::nullopt,
+                    numbers ? how.tolerance : std::nullopt);
+  if (cells.differing == 0) return;
+  differences_.push_back({pair.before->name, Difference::Kind::kCells, "", "", "", cells, numbers, {}});
+}
+
+}  // namespace tovrtool

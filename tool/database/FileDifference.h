@@ -1,0 +1,85 @@
+// What differs between two database files: found here, shown by the command.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tool/database/Inventory.h"
+#include "tool/pictures/BlockDifference.h"
+#include "tool/system/Command.h"
+
+namespace tovrtool {
+
+struct FileAndKey {
+  std::string path;
+  std::string key;
+};
+
+struct BytesDifference {
+  std::size_t sizeBefore = 0;
+  std::size_t sizeAfter = 0;
+  std::size_t differing = 0;  // of those that both have
+  std::size_t first = 0;      // the first of them
+};
+
+struct Difference {
+  enum class Kind { kOnlyBefore, kOnlyAfter, kField, kCells, kBytes };
+  std::string item;
+  Kind kind;
+  // kField: of what, and its texts. Items that one file lacks: field and text of the whole.
+  std::string field;
+  std::string before;
+  std::string after;
+  BlockDifference cells;
+  bool numbers = false;  // `cells` compares numbers
+  BytesDifference bytes;
+};
+
+// Blocks that both files hold: null pointers when they are equal in every byte, and else the cells of both.
+using VisitBlock = std::function<void(const StoredArea& area, std::int32_t cellBytes, const unsigned char* before,
+                                      const unsigned char* after)>;
+
+struct Comparing {
+  std::optional<Dtype> dtype;  // blocks whose cells are no whole number of these are compared to the bit
+  std::optional<Tolerance> tolerance;
+};
+
+class FileComparison {
+ public:
+  // Reads what both files hold, but no payloads. Throws ToolError, which names the file.
+  FileComparison(const Context& context, FileAndKey before, FileAndKey after);
+
+  // Areas of blocks that both hold in the same shape, in the order of the first file.
+  std::vector<StoredArea> commonAreas() const;
+
+  // Compares everything. Only one file can be open at a time, so payloads are read in turns, some hundred megabytes of
+  // the first file and then the same ones of the second.
+  std::vector<Difference> compare(const Comparing& how, const VisitBlock& visit);
+
+ private:
+  struct Pair {
+    const Item* before;
+    const Item* after;
+  };
+  using Bytes = std::vector<unsigned char>;
+
+  std::vector<Item> inventory(const FileAndKey& file) const;
+  void pairItems();
+  void compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit);
+  void compareBlobs(Session& session, const Pair& pair, const Bytes& before, const Comparing& how,
+                    const VisitBlock& visit);
+  void addCells(const Pair& pair, const Bytes& before, const Bytes& after, const Comparing& how);
+
+  const Context& context_;
+  FileAndKey before_;
+  FileAndKey after_;
+  std::vector<Item> itemsBefore_;
+  std::vector<Item> itemsAfter_;
+  std::vector<Pair> blobs_;
+  std::vector<Difference> differences_;
+};
+
+}  // namespace tovrtool

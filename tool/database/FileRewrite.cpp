@@ -1,0 +1,115 @@
+#include "tool/database/FileRewrite.h"
+
+#include <filesystem>
+
+#include "tool/database/Session.h"
+#include "tool/database/SqlQuery.h"
+#include "tool/database/StoredRows.h"
+#include "tool/files/Progress.h"
+#include "tool/files/UnfinishedFile.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// What tells whether somebody wrote to a file.
+struct FileState {
+  explicit FileState(const std::string& path) : size(fs::file_size(path)), time(fs::last_write_time(path)) {}
+  bool operator==(const FileState& other) const { return size == other.size && time == other.time; }
+
+  std::uintmax_t size;
+  fs::file_time_type time;
+};
+
+// The key is bound, not written into the statement: no text that the engine may show holds it.
+void attach(Session& session, const std::string& path, const std::string& key) {
+  constexpr char kSql[] = "attach database ? as rewritten key ?";
+  tovr::IDBOperate& connection = session.connection();
+  session.require(connection.prepare_v2(kSql, static_cast<int>(sizeof kSql - 1)));
+  session.require(connection.bind_text(1, path.data(), static_cast<int>(path.size()), nullptr));
+  session.require(connection.bind_text(2, key.data(), static_cast<int>(key.size()), nullptr));
+  connection.step();
+  session.require(connection.finalize(), "the new file cannot be made");
+}
+
+void requireSame(Session& session, const std::string& what, const std::string& countDifferences) {
+  if (queryNumber(session.connection(), countDifferences) == 0) return;
+  throw ToolError(kRefused, "the new file differs in " + what + " from the old one, which was left as it is");
+}
+
+// Rows of `one` that `other` lacks, of a small table.
+std::string lacking(const std::string& columns, const std::string& table, const std::string& one,
+                    const std::string& other) {
+  return "(select count(*) from (select " + columns + " from " + one + "." + table + " except select " + columns +
+         " from " + other + "." + table + "))";
+}
+
+void requireSameSmall(Session& session, const std::string& columns, const std::string& table) {
+  requireSame(
+      session, table,
+      "select " + lacking(columns, table, "main", "rewritten") + " + " + lacking(columns, table, "rewritten", "main"));
+}
+
+// Row by row, so that no more than two blobs are held at a time.
+void requireSameRows(Session& session, const std::string& table) {
+  std::string differs = "b.id is null";
+  for (const std::string& column : columnNames(session.connection(), table)) {
+    differs += " or a." + column + " is not b." + column;
+  }
+  requireSame(session, table,
+              "select (select count(*) from main." + table + " a left join rewritten." + table +
+                  " b on b.id = a.id where " + differs + ") + abs((select count(*) from main." + table +
+                  ") - (select count(*) from rewritten." + table + "))");
+}
+
+void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
+  // Nobody else writes to the old file while it is copied.
+  session.require(session.connection().exec("begin exclusive"));
+  const std::string version = std::to_string(queryNumber(session.connection(), "pragma main.user_version"));
+  session.require(session.connection().exec("select sqlcipher_export('rewritten')"));
+  session.require(session.connection().exec(("pragma rewritten.user_version = " + version).c_str()));
+  progress.advance(bytes);
+  requireSameSmall(session, "type, name, tbl_name, sql", "sqlite_master");
+  requireSameSmall(session, "name, seq", "sqlite_sequence");
+  for (const std::string& table : kTables) {
+    requireSameRows(session, table);
+    progress.advance(bytes / kTables.size());
+  }
+}
+
+// Reads every page from the disk with the new key.
+void requireWhole(const Context& context, const std::string& path, const std::string& key) {
+  Session session = Session::openExisting(context, path, key);
+  const auto rows = queryRows(session.connection(), "pragma integrity_check");
+  if (rows.size() != 1 || rows[0][0] != "ok") {
+    throw ToolError(kRefused, "the new file is damaged; the old one was left as it is");
+  }
+  session.close();
+}
+
+}  // namespace
+
+void rewriteFile(Context& context, const std::string& file, const std::string& key, const std::string& newKey,
+                 const std::string& verb) {
+  UnfinishedFile unfinished(file, Existing::kReplace, "-journal");
+  const FileState before(file);
+  Progress progress(context, verb, before.size * 3);
+  {
+    Session session = Session::openExisting(context, file, key);
+    attach(session, unfinished.path(), newKey);
+    copyAll(session, progress, before.size);
+    session.require(session.connection().exec("commit"));
+    session.require(session.connection().exec("detach database rewritten"));
+    session.close();
+  }
+  requireWhole(context, unfinished.path(), newKey);
+  progress.advance(0);
+  if (!(FileState(file) == before)) {
+    throw ToolError(kRefused, "another program wrote to the file meanwhile; it was left as it is: try again");
+  }
+  unfinished.finish();
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,160 @@
+#include "tool/database/Session.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "storage/StatusCodes.h"
+#include "tool/database/SqlQuery.h"
+#include "tool/files/KeySource.h"
+#include "tool/system/PluginPath.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kNotADatabase = 26;
+
+// What can be told without the key. Opening a missing file would make it.
+void requireDatabaseFile(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::exists(status)) {
+    throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
+  }
+  if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
+  constexpr std::size_t kMagicLength = 15;
+  std::string start(kMagicLength, '\0');
+  file.read(start.data(), kMagicLength);
+  if (file.gcount() == 0) throw ToolError(kFileProblem, "the file is empty (0 bytes); it never was a database");
+  if (start == "SQLite format 3") {
+    throw ToolError(kFileProblem, "it is an SQLite database, but not an encrypted one");
+  }
+}
+
+void requireUsable(const Context& context, const std::string& path) {
+  requireDatabaseFile(path);
+  std::error_code error;
+  if (fs::equivalent(path, context.options.log, error)) {
+    throw ToolError(kUsage, "--log would write into the database: give another file");  // nothing was appended yet
+  }
+}
+
+std::string missingTables(tovr::IDBOperate& connection) {
+  const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
+  std::string missing;
+  std::size_t count = 0;
+  for (const std::string& table : kTables) {
+    if (std::any_of(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == table; })) continue;
+    missing += (missing.empty() ? "" : ", ") + table;
+    ++count;
+  }
+  return count == kTables.size() ? "all nine of them" : missing;
+}
+
+}  // namespace
+
+const std::vector<std::string> kTables = {"DB_Info",      "Attach_DB_List",   "Screen_Info", "Coef",    "Coef_Info",
+                                          "LumChromData", "LumChromDataInfo", "Data",        "DataInfo"};
+
+std::unique_ptr<tovrhost::PluginHost> loadPlugin(const Context& context) {
+  try {
+    return std::make_unique<tovrhost::PluginHost>(pluginPath(context.options.plugin));
+  } catch (const std::runtime_error& error) {
+    throw ToolError(kPluginProblem, std::string(error.what()) + "; say where it is with --plugin or TOVRDB_PLUGIN");
+  }
+}
+
+Session Session::openExisting(const Context& context, const std::string& path) {
+  requireUsable(context, path);
+  return openExisting(context, path, readKey(context.options.keyFile, KeyUse::kOpen));
+}
+
+Session Session::openExisting(const Context& context, const std::string& path, const std::string& key) {
+  requireUsable(context, path);
+  Session session(loadPlugin(context));
+  session.open(path, key);
+  session.probe();
+  return session;
+}
+
+Session Session::openMemory(const Context& context) {
+  Session session(loadPlugin(context));
+  session.open(":memory:", "memory");
+  return session;
+}
+
+Session Session::openNew(const Context& context, const std::string& path) {
+  const std::string key = readKey(context.options.keyFile, KeyUse::kCreate);
+  Session session(loadPlugin(context));
+  session.open(path, key);
+  return session;
+}
+
+Session::~Session() {
+  if (host_ != nullptr && open_) host_->manager().closeDB();
+}
+
+void Session::open(const std::string& path, const std::string& key) {
+  const int code = manager().openDB(path, key);
+  open_ = true;  // also when it failed half-way
+  requireRightKey(code);
+}
+
+void Session::requireRightKey(int code) {
+  if (code == kNotADatabase) {
+    throw ToolError(kKeyProblem, "26: the key is wrong, or the file is not a database (encrypted, the two look alike)");
+  }
+  require(code);
+}
+
+// The first read: only now does a wrong key show.
+void Session::probe() {
+  const std::string sql = "select count(*) from sqlite_master";
+  int code = connection().prepare_v2(sql.c_str(), static_cast<int>(sql.size()));
+  if (code == 0) {
+    connection().step();
+    code = connection().finalize();
+  }
+  requireRightKey(code);
+  const std::string missing = missingTables(connection());
+  if (!missing.empty()) {
+    throw ToolError(kFileProblem, "the key opens it, but it is no calibration database; it lacks tables: " + missing);
+  }
+}
+
+void Session::require(int code, const std::string& detail) {
+  if (code == 0) return;
+  std::string text = std::to_string(code) + ": " + tovr::statusText(code);
+  // Codes of the library's own say it all; for those of the engine its own words help.
+  const char* words = code < 4096 ? manager().errMsg() : nullptr;
+  if (words != nullptr && *words != '\0') text += std::string(" (") + words + ")";
+  if (!detail.empty()) text += "; " + detail;
+  throw ToolError(kRefused, text);
+}
+
+void Session::close() {
+  open_ = false;
+  require(manager().closeDB());
+}
+
+Transaction::Transaction(Session& session) : session_(session) {
+  session_.require(session_.connection().exec("BEGIN IMMEDIATE"));
+}
+
+Transaction::~Transaction() {
+  if (!committed_) session_.connection().exec("ROLLBACK");
+}
+
+void Transaction::commit() {
+  interrupt_.check();
+  session_.require(session_.connection().exec("COMMIT"));
+  committed_ = true;
+}
+
+}  // namespace tovrtool

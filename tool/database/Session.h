@@ -1,0 +1,72 @@
+// The plug-in with one database file open in it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/PluginHost.h"
+#include "tool/system/Command.h"
+#include "tool/system/Interrupt.h"
+
+namespace tovrtool {
+
+// The nine tables of a database file.
+extern const std::vector<std::string> kTables;
+
+// Loads the plug-in. Throws ToolError when there is none.
+std::unique_ptr<tovrhost::PluginHost> loadPlugin(const Context& context);
+
+class Session {
+ public:
+  // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError.
+  static Session openExisting(const Context& context, const std::string& path);
+  static Session openExisting(const Context& context, const std::string& path, const std::string& key);
+  // Opens a file that does not exist yet; the first write makes it.
+  static Session openNew(const Context& context, const std::string& path);
+  // A database that lives in memory only.
+  static Session openMemory(const Context& context);
+
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  Session(Session&&) = default;
+  Session& operator=(Session&&) = delete;
+  ~Session();
+
+  tovrhost::PluginHost& host() { return *host_; }
+  tovr::IDBManager& manager() { return host_->manager(); }
+  tovr::IDBOperate& connection() { return host_->connection(); }
+
+  // Throws ToolError with the code, its meaning, the engine's words and `detail` unless `code` is 0.
+  void require(int code, const std::string& detail = "");
+  // The file is complete and closed. Throws ToolError where the library says otherwise.
+  void close();
+
+ private:
+  explicit Session(std::unique_ptr<tovrhost::PluginHost> host) : host_(std::move(host)) {}
+  void open(const std::string& path, const std::string& key);
+  void probe();
+  void requireRightKey(int code);
+
+  std::unique_ptr<tovrhost::PluginHost> host_;
+  bool open_ = false;
+};
+
+// Several statements that are kept together or not at all: the library itself rolls nothing back.
+class Transaction {
+ public:
+  explicit Transaction(Session& session);
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  // Undoes everything since the beginning unless it was committed.
+  ~Transaction();
+  // Throws ToolError where the engine refuses, and after an interrupt.
+  void commit();
+
+ private:
+  Session& session_;
+  DeferredInterrupt interrupt_;
+  bool committed_ = false;
+};
+
+}  // namespace tovrtool

@@ -1,0 +1,62 @@
+#include "tool/pictures/AxisTicks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+namespace tovrtool {
+namespace {
+
+constexpr double kPowerFrom = 1e7;  // numbers from here on, and steps below the next, are written as powers
+constexpr double kPowerBelow = 1e-5;
+
+// The least of 1, 2, 5, 10, 20, ... (and 0.5, 0.2, ...) that is not below `step`.
+double roundStep(double step) {
+  const double power = std::pow(10.0, std::floor(std::log10(step)));
+  for (const double factor : {1.0, 2.0, 5.0}) {
+    if (factor * power >= step * (1.0 - 1e-9)) return factor * power;
+  }
+  return 10.0 * power;
+}
+
+Ticks multiples(double low, double high, int most, double step) {
+  Ticks ticks{step, {}};
+  const double slack = 1e-9;  // of a step: 0.3 is a multiple of 0.1
+  const double first = std::ceil(low / step - slack);
+  const double last = std::floor(high / step + slack);
+  for (int i = 0; i < most && first + i <= last; ++i) ticks.values.push_back((first + i) * step);
+  return ticks;
+}
+
+Ticks ticksOfStepFrom(double low, double high, int most, double least) {
+  double step = roundStep(std::max({(high - low) / most, least, std::numeric_limits<double>::min()}));
+  const auto count = [&] { return std::floor(high / step + 1e-9) - std::ceil(low / step - 1e-9) + 1; };
+  while (count() > most) step = roundStep(step * 1.5);
+  return multiples(low, high, most, step);
+}
+
+}  // namespace
+
+Ticks roundTicks(double low, double high, int most) {
+  // Below this numbers of that size do not differ any more.
+  const double least = std::max(std::abs(low), std::abs(high)) * 1e-14;
+  return ticksOfStepFrom(low, high, most, least);
+}
+
+Ticks wholeTicks(double low, double high, int most) { return ticksOfStepFrom(low, high, most, 1.0); }
+
+std::string tickText(double value, double step) {
+  const double size = std::max(std::abs(value), step);
+  char text[64];
+  if (value != 0 && (size >= kPowerFrom || step < kPowerBelow)) {
+    const int digits = static_cast<int>(std::lround(std::floor(std::log10(size)) - std::floor(std::log10(step)))) + 1;
+    std::snprintf(text, sizeof text, "%.*g", std::clamp(digits, 1, 15), value);
+  } else {
+    const int decimals = std::clamp(static_cast<int>(-std::floor(std::log10(step) + 1e-9)), 0, 15);
+    std::snprintf(text, sizeof text, "%.*f", decimals, value == 0 ? 0.0 : value);
+  }
+  return text;
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,38 @@
+// A raster of numbers as a picture: colours, axes in cells, colour bar, outlines, words.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tool/forms/Rect.h"
+#include "tool/pictures/ColourMap.h"
+#include "tool/pictures/Raster.h"
+
+namespace tovrtool {
+
+struct Outline {
+  Rect rect;
+  std::string name;
+  bool area = false;  // of a screen otherwise
+};
+
+struct Heatmap {
+  std::string title;
+  std::string label;               // beside the colour bar
+  std::vector<std::string> notes;  // below
+  Palette palette = Palette::kSequential;
+  double low = 0;  // the numbers of the first and the last colour; low < high
+  double high = 1;
+  double least = 0;  // of all cells; where they lie beyond low or high, the colour bar's end says so
+  double most = 1;
+  std::vector<Outline> outlines;
+};
+
+// What pixels without cells show: a pattern of two greys that no palette has.
+constexpr Colour kMissingGround{242, 242, 242};
+constexpr Colour kMissingStroke{176, 176, 176};
+
+// The bytes of a PNG, the same for the same input. Throws std::runtime_error where the picture cannot be drawn.
+std::vector<unsigned char> drawHeatmap(const Raster& raster, const Heatmap& heatmap);
+
+}  // namespace tovrtool

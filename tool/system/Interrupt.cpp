@@ -1,0 +1,113 @@
+#include "tool/system/Interrupt.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include "tool/system/ToolError.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <unistd.h>
+
+#include <csignal>
+#endif
+
+namespace tovrtool {
+namespace {
+
+constexpr int kSlots = 16;
+constexpr std::size_t kLongestPath = 4096;
+
+// Read by the handler, which may run between any two instructions: a path is complete before its slot is taken.
+struct Slot {
+  std::atomic<bool> taken{false};
+  char path[kLongestPath] = {};
+};
+
+Slot slots[kSlots];
+std::atomic<int> deferrals{0};
+std::atomic<bool> noted{false};
+
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
+              "a handler takes no locks");
+
+void removeFile(const char* path) {
+#if defined(_WIN32)
+  DeleteFileA(path);
+#else
+  unlink(path);  // std::remove is not among what a handler may call
+#endif
+}
+
+// False when the program is to end.
+bool onlyNoted() {
+  if (deferrals > 0 && !noted.exchange(true)) return true;
+  for (const Slot& slot : slots) {
+    if (slot.taken) removeFile(slot.path);
+  }
+  return false;
+}
+
+#if defined(_WIN32)
+
+BOOL WINAPI onConsoleEvent(DWORD) { return onlyNoted() ? TRUE : FALSE; }
+
+#else
+
+void onSignal(int signal) {
+  if (onlyNoted()) return;
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+#endif
+
+}  // namespace
+
+#if defined(_WIN32)
+
+void handleInterrupts() { SetConsoleCtrlHandler(onConsoleEvent, TRUE); }
+
+#else
+
+void handleInterrupts() {
+  struct sigaction action = {};
+  action.sa_handler = onSignal;
+  action.sa_flags = SA_RESTART;
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before = {};
+    sigaction(signal, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);  // as nohup wants it
+  }
+}
+
+#endif
+
+InterruptibleFile::InterruptibleFile(const std::string& path) : slot_(-1) {
+  std::error_code error;
+  const std::string whole = std::filesystem::absolute(path, error).string();
+  if (error || whole.size() >= kLongestPath) return;
+  for (int i = 0; i < kSlots && slot_ < 0; ++i) {
+    if (slots[i].taken) continue;
+    std::memcpy(slots[i].path, whole.c_str(), whole.size() + 1);
+    slots[i].taken = true;
+    slot_ = i;
+  }
+}
+
+InterruptibleFile::~InterruptibleFile() {
+  if (slot_ >= 0) slots[slot_].taken = false;
+}
+
+DeferredInterrupt::DeferredInterrupt() { ++deferrals; }
+
+DeferredInterrupt::~DeferredInterrupt() { --deferrals; }
+
+void DeferredInterrupt::check() const {
+  if (noted) throw ToolError(kInterrupted, "interrupted: nothing unfinished is left");
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,218 @@
+#include "tool/system/Platform.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#include <process.h>
+#include <share.h>
+#include <sys/stat.h>
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <csignal>
+#endif
+
+namespace tovrtool {
+
+std::string systemError() { return std::strerror(errno); }
+
+#if defined(_WIN32)
+
+namespace {
+
+bool redirectOpened(int opened, int descriptor) {
+  if (opened < 0) return false;
+  if (opened == descriptor) return true;
+  const bool done = _dup2(opened, descriptor) == 0;
+  _close(opened);
+  return done;
+}
+
+}  // namespace
+
+void ignoreBrokenPipes() {}
+
+bool isTerminal(int descriptor) { return _isatty(descriptor) != 0; }
+
+std::string readWithoutEcho(const std::string& prompt) {
+  const HANDLE console = GetStdHandle(STD_INPUT_HANDLE);
+  DWORD mode = 0;
+  GetConsoleMode(console, &mode);
+  std::fputs(prompt.c_str(), stderr);
+  SetConsoleMode(console, mode & ~static_cast<DWORD>(ENABLE_ECHO_INPUT));
+  std::string line;
+  int character = std::getchar();
+  for (; character != EOF && character != '\n'; character = std::getchar())
+    line.push_back(static_cast<char>(character));
+  SetConsoleMode(console, mode);
+  std::fputs("\n", stderr);
+  if (character == EOF) throw std::runtime_error("the prompt was cancelled");
+  return line;
+}
+
+std::FILE* binaryStandardInput() {
+  _setmode(kStandardInput, _O_BINARY);
+  return stdin;
+}
+
+FileHandle duplicateAsStream(int descriptor) {
+  const int copy = _dup(descriptor);
+  if (copy < 0) return nullptr;
+  _setmode(copy, _O_BINARY);
+  return FileHandle(_fdopen(copy, "wb"));
+}
+
+bool redirectToNull(int descriptor) { return redirectOpened(_open("NUL", _O_WRONLY), descriptor); }
+
+bool redirectToEndOf(const std::string& path, int descriptor) {
+  return redirectOpened(_open(path.c_str(), _O_WRONLY | _O_CREAT | _O_APPEND, _S_IREAD | _S_IWRITE), descriptor);
+}
+
+bool redirectTo(int target, int descriptor) { return _dup2(target, descriptor) == 0; }
+
+FileHandle createNew(const std::string& path) {
+  const int opened = _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
+  return FileHandle(opened < 0 ? nullptr : _fdopen(opened, "wb"));
+}
+
+bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
+
+bool moveWithoutReplacing(const std::string& from, const std::string& to) {
+  if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0) return true;
+  const DWORD code = GetLastError();
+  errno = code == ERROR_ALREADY_EXISTS || code == ERROR_FILE_EXISTS ? EEXIST : EACCES;
+  return false;
+}
+
+std::string programFolder() {
+  char path[MAX_PATH] = {};
+  const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
+  if (length == 0 || length == MAX_PATH) return {};
+  return std::filesystem::path(path).parent_path().string();
+}
+
+int processNumber() { return _getpid(); }
+
+#else
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void noteInterrupt(int) { interrupted = 1; }
+
+// While it lives, the terminal shows nothing of what is typed and an interrupt only ends a read.
+class SilentTerminal {
+ public:
+  SilentTerminal() {
+    struct sigaction action = {};
+    action.sa_handler = noteInterrupt;  // without SA_RESTART: read() comes back with EINTR
+    for (int i = 0; i < 2; ++i) sigaction(kSignals[i], &action, &before_[i]);
+    tcgetattr(kStandardInput, &shown_);
+    termios hidden = shown_;
+    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    tcsetattr(kStandardInput, TCSAFLUSH, &hidden);
+  }
+  SilentTerminal(const SilentTerminal&) = delete;
+  SilentTerminal& operator=(const SilentTerminal&) = delete;
+  ~SilentTerminal() {
+    tcsetattr(kStandardInput, TCSAFLUSH, &shown_);
+    for (int i = 0; i < 2; ++i) sigaction(kSignals[i], &before_[i], nullptr);
+  }
+
+ private:
+  static constexpr int kSignals[2] = {SIGINT, SIGTERM};
+  struct sigaction before_[2] = {};
+  termios shown_ = {};
+};
+
+bool redirectOpened(int opened, int descriptor) {
+  if (opened < 0) return false;
+  if (opened == descriptor) return true;  // it was closed, and the lowest free number went to the file
+  const bool done = dup2(opened, descriptor) >= 0;
+  close(opened);
+  return done;
+}
+
+}  // namespace
+
+void ignoreBrokenPipes() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+bool isTerminal(int descriptor) { return isatty(descriptor) == 1; }
+
+std::string readWithoutEcho(const std::string& prompt) {
+  std::fputs(prompt.c_str(), stderr);
+  std::string line;
+  char character = 0;
+  ssize_t count = 0;
+  interrupted = 0;
+  {
+    const SilentTerminal silent;
+    while (interrupted == 0 && (count = read(kStandardInput, &character, 1)) == 1 && character != '\n') {
+      line.push_back(character);
+    }
+  }
+  std::fputs("\n", stderr);
+  if (interrupted != 0 || count != 1) throw std::runtime_error("the prompt was cancelled");
+  return line;
+}
+
+std::FILE* binaryStandardInput() { return stdin; }
+
+FileHandle duplicateAsStream(int descriptor) {
+  const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, kStandardError + 1);
+  return FileHandle(copy < 0 ? nullptr : fdopen(copy, "wb"));
+}
+
+bool redirectToNull(int descriptor) { return redirectOpened(open("/dev/null", O_WRONLY), descriptor); }
+
+bool redirectToEndOf(const std::string& path, int descriptor) {
+  return redirectOpened(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666), descriptor);
+}
+
+bool redirectTo(int target, int descriptor) { return dup2(target, descriptor) >= 0; }
+
+FileHandle createNew(const std::string& path) {
+  const int opened = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  return FileHandle(opened < 0 ? nullptr : fdopen(opened, "wb"));
+}
+
+bool flushToDisk(std::FILE* file) {
+  return std::fflush(file) == 0 && (fsync(fileno(file)) == 0 || errno == EINVAL);  // EINVAL: not that kind of file
+}
+
+bool moveWithoutReplacing(const std::string& from, const std::string& to) {
+  if (link(from.c_str(), to.c_str()) == 0) return unlink(from.c_str()) == 0;  // link() is atomic and never replaces
+  if (errno != EPERM && errno != ENOTSUP && errno != ENOSYS) return false;
+  struct stat present;  // a file system without hard links: the best it offers
+  if (lstat(to.c_str(), &present) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+std::string programFolder() {
+  std::error_code error;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+  return error ? std::string() : program.parent_path().string();
+}
+
+int processNumber() { return getpid(); }
+
+#endif
+
+}  // namespace tovrtool
