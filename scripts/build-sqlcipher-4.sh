@@ -14,8 +14,9 @@ if ! isBuiltFrom "$prefix" "${inputs[@]}"; then
   mkdir -p "$prefix/include/sqlcipher" "$prefix/lib"
   scripts/fetch-sqlcipher.sh trixie "$version" "$prefix/source"
   cp "$prefix/source/sqlite3.h" "$prefix/include/sqlcipher/"
-  logged cc -O2 -fPIC -shared -Wl,-soname,libsqlcipher.so -DNDEBUG -DSQLITE_HAS_CODEC -DSQLITE_TEMP_STORE=2 \
-    "$prefix/source/sqlite3.c" -o "$prefix/lib/libsqlcipher.so" -lcrypto -ldl -lpthread -lm
+  logged cc -O2 -fPIC -shared -Wl,-soname,libsqlcipher.so.0 -DNDEBUG -DSQLITE_HAS_CODEC -DSQLITE_TEMP_STORE=2 \
+    "$prefix/source/sqlite3.c" -o "$prefix/lib/libsqlcipher.so.0" -lcrypto -ldl -lpthread -lm
+  ln -s libsqlcipher.so.0 "$prefix/lib/libsqlcipher.so"
   rm -rf "$prefix/source"
   stampOf "${inputs[@]}" >"$prefix/stamp"
 fi
