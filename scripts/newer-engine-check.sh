@@ -10,7 +10,9 @@ engine=$(scripts/build-sqlcipher-4.sh) || {
   printf '\n######## Check on SQLCipher 4 not run: its source cannot be fetched\n' >&2
   exit 77
 }
-requireEngine() { ldd "$1" | grep -qF "$engine/lib/" || { echo "$1 runs on another engine" >&2; exit 1; }; }
+requireEngine() {
+  [[ $(ldd "$1") == *"$engine/lib/"* ]] || { echo "$1 runs on another engine" >&2; exit 1; }
+}
 
 cmake -S . -B build/sqlcipher4 -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$engine" -DTOVR_BUILD_TOOL=OFF \
   -DTOVR_BUILD_EXAMPLES=OFF >/dev/null
