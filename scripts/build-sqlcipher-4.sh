@@ -9,7 +9,7 @@ version=4.6.1-2
 prefix=$cache/sqlcipher-$version
 inputs=(scripts/build-sqlcipher-4.sh scripts/fetch-sqlcipher.sh)
 if ! isBuiltFrom "$prefix" "${inputs[@]}"; then
-  TOVR_WITH_SOURCES=1 scripts/install-dependencies.sh
+  TOVR_WITH_SOURCES=1 scripts/install-dependencies.sh || exit 77
   rm -rf "$prefix"
   mkdir -p "$prefix/include/sqlcipher" "$prefix/lib"
   scripts/fetch-sqlcipher.sh trixie "$version" "$prefix/source"
