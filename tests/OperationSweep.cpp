@@ -93,7 +93,7 @@ bool OperationSweep::meetsFault(const Operation& operation, FaultSource& source,
   return true;
 }
 
-// Deletes nothing but what it copies over: a journal beside the file would be played back into it.
+// A journal that a fault has left beside the file would be played back into its successor.
 void OperationSweep::openFresh() {
   manager->closeDB();
   fs::remove(path("file.db-journal"));
@@ -239,10 +239,8 @@ std::vector<Operation> OperationSweep::tableOperations() {
         "queryData of type " + std::to_string(type), &IDBManager::queryData,
         [=] { return std::shared_ptr<DataBase>(manager->createData(type)); }, "", "");
   }
-  add(
-      "queryData of generic data", &IDBManager::queryData,
-      [] { return recordWith<ConfigData>([](auto& r) { r.datatype = 1; }); }, "", "");
-  made.back().prepare = [this] {
+  Operation generic{"queryData of generic data", 0, {}, {}, ""};
+  generic.prepare = [this] {
     auto record = recordWith<ConfigData>([](auto& r) { r.datatype = 1; });
     Attempt attempt = onRecord(record, &IDBManager::queryData);
     attempt.verify = [this, record](int code) {
@@ -251,6 +249,7 @@ std::vector<Operation> OperationSweep::tableOperations() {
     };
     return attempt;
   };
+  made.push_back(generic);
   const struct {
     DataType type;
     const char* table;
