@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # After a run of CTest in the build folder $1 with TMPDIR=$2: fails where anything that was printed holds a key of the
 # tests, or anything is left in the folder for temporary files. (What the tests find in the files while they are there,
-# and payloads, they look for themselves: tests/SecretWatch.h.)
+# and payloads, they look for themselves: tests/support/SecretWatch.h.)
 set -euo pipefail
 log="$1/Testing/Temporary/LastTest.log"
 left="$2"

@@ -1,0 +1,89 @@
+// Every allocation fails, in the library and in the engine: see OperationSweep. And what is released holds no payload.
+#include <set>
+
+#include "tables/CoefDataTableOperate.h"
+#include "tables/LumChromaDataTableOperate.h"
+#include "tests/faults/FaultyAllocator.h"
+#include "tests/faults/OperationSweep.h"
+
+namespace tovrtest {
+
+class AllocationFaults final : public FaultSource {
+ public:
+  void arm(const Operation& operation, int point, Failing how) override {
+    setEngineFails(!operation.derivesKey);  // SQLCipher crashes where it finds no memory for a key
+    allocations().arm(point, how);
+  }
+  bool disarm() override {
+    allocations().disarm();
+    return allocations().met;
+  }
+  // The engine passes over some; then the operation has done its work, which the sweep has looked at.
+  void expectCode(const Operation& operation, int code) override {
+    const std::set<int> documented = {operation.success, kThrown, 2, 7, 4106, 4111, -2};
+    EXPECT_TRUE(documented.count(code) == 1) << code;
+  }
+};
+
+class AllocationTest : public OperationSweep {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(engineAllocatesHere());
+    OperationSweep::SetUp();
+  }
+};
+
+TEST_P(AllocationTest, EveryAllocationOfEveryOperation) {
+  AllocationFaults faults;
+  sweep(faults);
+}
+
+INSTANTIATE_TEST_SUITE_P(DatabaseTypes, AllocationTest, testing::Values(0, 1));
+
+// Payloads pass through buffers of the library on their way; what it gives back to the allocator holds none of them.
+// The buffers of the caller, and those that are the caller's from then on, live until the end.
+using ReleasedMemoryTest = DatabaseTest;
+
+TEST_F(ReleasedMemoryTest, HoldsNoPayload) {
+  createFile(0);
+  ASSERT_EQ(addScreen("wall", {0, 0, 299, 99}), 0);
+  Bytes cells = pattern(300 * 100 * 4, 9);
+  const auto row = cells.begin() + 90 * 300 * 4;  // of the last piece that is enciphered: nothing overwrites it
+  const std::string secret(row + 16, row + 32);
+  CoefData area = coef({0, 0, 299, 99}, cells, 4, "wall");
+  ConfigData data;
+  data.datatype = 1;
+  data.data = cells.data();
+  data.dataSize = static_cast<std::uint32_t>(cells.size());
+  CoefData whole = coef(rectOf(area), cells, 0, "wall");
+  CoefData window = coef({2, 90, 20, 90}, cells, 0, "wall");
+  ConfigData read;
+  read.datatype = 1;
+  CoefBuffer block;
+  CoefDataTableOperate operate;
+  LumChromaDataTableOperate measurements;
+  LumChromaData measurement;
+  measurement.data = &*row;
+  measurement.dataSize = 256;
+
+  const auto released = [](const std::string& watched, const std::function<int()>& operation) {
+    watchReleases(watched);
+    EXPECT_EQ(operation(), 0);
+    const int seen = releasesSeen();
+    watchReleases("");
+    return seen;
+  };
+  EXPECT_EQ(released(secret, [&] { return manager->insertData(&area); }), 0);
+  EXPECT_EQ(released(secret, [&] { return manager->queryData(&whole); }), 0);
+  EXPECT_EQ(released(secret, [&] { return manager->queryData(&window); }), 0);
+  EXPECT_EQ(released(secret, [&] { return operate.selectCoef(area.coefid, &block); }), 0);
+  EXPECT_EQ(released(secret, [&] { return manager->insertData(&data); }), 0);
+  EXPECT_EQ(released(secret, [&] { return manager->queryData(&read); }), 0);
+  EXPECT_EQ(released(secret, [&] { return manager->insertData(&measurement) - 19; }), 0);
+  EXPECT_EQ(released(secret, [&] { return measurements.query(&measurement); }), 0);
+  EXPECT_GT(released(secret, [&] { return delete new std::string(secret + secret), 0; }), 0) << "the watch is blind";
+  for (const unsigned char* made : {whole.coefBuffer.data, window.coefBuffer.data, read.data, block.data})
+    delete[] made;
+}
+
+}  // namespace tovrtest

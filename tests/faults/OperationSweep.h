@@ -1,0 +1,63 @@
+// Every operation of the manager on a prepared database, with something below it failing at point 1, 2, 3 and so on,
+// until it passes: once at that point only, once from there on. After each: what the caller was told is so, nothing
+// stored before is lost, and the next operation works.
+#pragma once
+
+#include "tests/support/Fixture.h"
+
+namespace tovrtest {
+
+// One call of the manager: what it needs is made before faults are armed, what it left is looked at after.
+struct Attempt {
+  std::function<int(IDBManager&)> act;
+  std::function<void(int code)> verify;  // the record; the code is kThrown where std::bad_alloc came
+};
+
+struct Operation {
+  std::string name;
+  int success = 0;  // its code where nothing fails
+  std::function<Attempt()> prepare;
+  std::function<std::string()> effect;  // what a success has changed, as text
+  std::string effectWanted;
+  bool leavesFile = false;   // another file is open afterwards, or none
+  bool derivesKey = false;   // gives a file its page key
+  bool hidesBlocks = false;  // deletes what it takes to read them
+};
+
+// Where faults come from.
+class FaultSource {
+ public:
+  virtual ~FaultSource() = default;
+  virtual void arm(const Operation& operation, int point, Failing how) = 0;
+  virtual bool disarm() = 0;  // whether any has come
+  // Expects the code that the operation is to answer to the faults that came.
+  virtual void expectCode(const Operation& operation, int code) = 0;
+};
+
+constexpr int kThrown = -1;
+
+class OperationSweep : public DatabaseTest, public testing::WithParamInterface<int> {  // by database type
+ protected:
+  void SetUp() override;
+  void sweep(FaultSource& source);
+
+ private:
+  std::vector<Operation> operations();
+  std::vector<Operation> fileOperations();
+  std::vector<Operation> blockOperations();
+  std::vector<Operation> tableOperations();
+  int sweepOne(const Operation& operation, FaultSource& source, Failing how);
+  bool meetsFault(const Operation& operation, FaultSource& source, int point, Failing how);
+  Attempt onRecord(std::shared_ptr<DataBase> record, int (IDBManager::*call)(DataBase*));
+  Operation storing(const std::string& name, int (IDBManager::*call)(DataBase*), const Rect& rect,
+                    const std::string& screen, int areaid);
+  void openFresh();
+  void reopen();
+  void expectWhole(bool blocksHidden);
+
+  Bytes kept_ = pattern(32, 1);
+  Bytes old_ = pattern(32, 2);
+  Bytes new_ = pattern(32, 3);
+};
+
+}  // namespace tovrtest

@@ -1,0 +1,157 @@
+// The interfaces called as hosts call them: by slot number, on the objects that the loaded plug-in made.
+#include "host/PluginHost.h"
+#include "tests/support/Fixture.h"
+
+namespace tovrtest {
+
+#if defined(_MSC_VER)
+constexpr std::size_t kDestructorEntries = 1;
+#else
+constexpr std::size_t kDestructorEntries = 2;  // this ABI keeps a complete and a deleting destructor
+#endif
+
+// Calls entry `entry` of the object's table.
+template <class Result, class... Arguments>
+Result callEntry(void* object, std::size_t entry, Arguments... arguments) {
+  void** table = *static_cast<void***>(object);
+  return reinterpret_cast<Result (*)(void*, Arguments...)>(table[entry])(object, static_cast<Arguments>(arguments)...);
+}
+
+// Calls slot `slot` of an interface whose slot 0 is the destructor.
+template <class Result, class... Arguments>
+Result call(void* object, std::size_t slot, Arguments... arguments) {
+  return callEntry<Result, Arguments...>(object, slot - 1 + kDestructorEntries, static_cast<Arguments>(arguments)...);
+}
+
+class SlotTest : public FolderTest {
+ protected:
+  tovrhost::PluginHost host{TOVR_PLUGIN_FILE};
+};
+
+TEST_F(SlotTest, ManagerHasItsElevenOperationsInOrder) {
+  void* manager = &host.manager();
+  const auto onRecord = [&](std::size_t slot, DataBase* record) { return call<int, DataBase*>(manager, slot, record); };
+  EXPECT_EQ((call<int, std::string, std::string>(manager, 1, path("a.db"), kRawKey)), 0);
+  EXPECT_EQ(call<int>(manager, 4), 2);
+  EXPECT_STREQ(call<const char*>(manager, 10), "no such table: DB_Info");
+  EXPECT_EQ(call<int>(manager, 3), 0);
+  const std::unique_ptr<DataBase> record(call<DataBase*, int>(manager, 5, 4));
+  auto& info = dynamic_cast<DBInfo&>(*record);
+  info.dbtype = 1;
+  info.dbname = "stored";
+  EXPECT_EQ(onRecord(7, &info), 0);
+  EXPECT_EQ(call<int>(manager, 4), 1);
+  info.dbname = "overwritten by the query";
+  EXPECT_EQ(onRecord(9, &info), 0);
+  EXPECT_EQ(onRecord(6, &info), 0);
+  EXPECT_EQ(info.dbname, "stored");
+  EXPECT_EQ(onRecord(8, &info), 0);
+  EXPECT_EQ(call<int>(manager, 4), 2);
+  CoefDataResult result;
+  EXPECT_EQ(onRecord(9, &result), 4096);  // of the four, only the update refuses this record
+  EXPECT_EQ(call<int>(manager, 2), 0);
+  EXPECT_EQ(call<int>(manager, 2), 21);
+  EXPECT_FALSE((call<bool, std::string>(manager, 11, path("a.db"))));
+}
+
+TEST_F(SlotTest, ConnectionHasItsTwentyThreeOperationsInOrder) {
+  void* db = &host.connection();
+  const auto prepare = [&](const char* sql) { return call<int, const char*, int>(db, 7, sql, -1); };
+  using Destructor = void (*)(void*);
+  EXPECT_EQ((call<int, const char*>(db, 1, path("a.db").c_str())), 0);
+  EXPECT_EQ((call<int, const char*, unsigned int>(db, 3, kRawKey, sizeof kRawKey - 1)), 0);
+  EXPECT_EQ((call<int, const char*>(db, 4, "create table t(i, l, d, x, b, n default 7)")), 0);
+  ASSERT_EQ(prepare("insert into t values(?,?,?,?,?,?)"), 0);
+  EXPECT_EQ((call<int, int, int>(db, 8, 1, -5)), 0);
+  EXPECT_EQ((call<int, int, std::int64_t>(db, 9, 2, std::int64_t{1} << 40)), 0);
+  EXPECT_EQ((call<int, int, double>(db, 10, 3, 0.5)), 0);
+  EXPECT_EQ((call<int, int, const char*, int, Destructor>(db, 11, 4, "text", 4, nullptr)), 0);
+  EXPECT_EQ((call<int, int, const void*, int, Destructor>(db, 12, 5, "bl\0b", 4, nullptr)), 0);
+  for (int expected : {101, 0}) EXPECT_EQ(call<int>(db, expected == 0 ? 15 : 14), expected);
+  EXPECT_EQ((call<int, int>(db, 13, 1)), 0);  // the other parameters are still bound
+  EXPECT_EQ(call<int>(db, 14), 101);
+  EXPECT_EQ(call<int>(db, 16), 0);
+  EXPECT_EQ(call<int>(db, 14), 21);
+
+  ASSERT_EQ(prepare("select i, d, x, b from t where i = -5"), 0);
+  ASSERT_EQ(call<int>(db, 14), 100);
+  EXPECT_EQ((call<int, int>(db, 21, 0)), -5);
+  EXPECT_EQ((call<double, int>(db, 22, 1)), 0.5);
+  EXPECT_STREQ(reinterpret_cast<const char*>(call<const unsigned char*, int>(db, 23, 2)), "text");
+  EXPECT_EQ((call<int, int>(db, 20, 3)), 4);
+  EXPECT_EQ((std::string(static_cast<const char*>(call<const void*, int>(db, 19, 3)), 4)), std::string("bl\0b", 4));
+
+  char** cells = nullptr;
+  int rows = 0;
+  int columns = 0;
+  const char* query = "select l, n, typeof(i) from t";
+  ASSERT_EQ((call<int, const char*, char***, int*, int*>(db, 17, query, &cells, &rows, &columns)), 0);
+  ASSERT_EQ(rows * 10 + columns, 23);
+  EXPECT_TRUE(cells[3] == std::string("1099511627776") && cells[4] == nullptr && cells[8] == std::string("null"));
+  call<void, char**>(db, 18, cells);
+  EXPECT_EQ(prepare("nonsense"), 1);
+  EXPECT_EQ(call<int>(db, 5), 1);
+  EXPECT_STREQ(call<const char*>(db, 6), "near \"nonsense\": syntax error");
+  EXPECT_EQ(call<int>(db, 2), 0);
+}
+
+TEST_F(SlotTest, EncryptionHasItsEightOperationsInOrder) {
+  void* service = &host.encryption();
+  using Text = const std::string&;
+  const std::string key = "kelptarn";
+  const std::string a = path("a");
+  const Bytes plain = bytesOf("thirteen byte");
+  const auto onBuffer = [&](std::size_t slot, const Bytes& input) {
+    Bytes output;
+    EXPECT_TRUE((call<bool, Text, Text, const Bytes&, Bytes&>(service, slot, key, key, input, output)));
+    return output;
+  };
+  const auto inPlace = [&](std::size_t slot) {
+    EXPECT_TRUE((call<bool, Text, Text, Text>(service, slot, key, key, a)));
+    return contentOf(a);
+  };
+  const auto toFile = [&](std::size_t slot, const std::string& destination) {
+    EXPECT_TRUE((call<bool, Text, Text, Text, Text>(service, slot, key, key, a, destination)));
+    return contentOf(destination);
+  };
+  const Bytes cipher = onBuffer(1, plain);
+  Bytes padded = plain;
+  padded.resize(16);
+  EXPECT_NE(cipher, padded);
+  EXPECT_EQ(onBuffer(2, cipher), padded);
+  EXPECT_EQ(onBuffer(3, plain), cipher);
+  EXPECT_EQ(onBuffer(4, cipher), padded);
+  writeFile(a, plain);
+  EXPECT_EQ(toFile(6, path("b")), cipher);
+  EXPECT_EQ(inPlace(5), cipher);
+  EXPECT_EQ(toFile(8, path("c")), plain);
+  EXPECT_EQ(inPlace(7), plain);
+}
+
+struct CountingMessage final : lmx::IMessage {
+  void reserved0() override { ADD_FAILURE(); }
+  void reserved1() override { ADD_FAILURE(); }
+  int handBack() override { return ++handedBack; }  // must not become the handler's result
+  int handedBack = 0;
+};
+
+TEST_F(SlotTest, MessagesAndHostsAreCalledAtTheirSlots) {
+  host.manager();
+  CountingMessage message;
+  void* asMessage = static_cast<lmx::IMessage*>(&message);
+  EXPECT_EQ(callEntry<int>(asMessage, 2), 1);
+  for (const char* name : {"DBOperate", "Encryption"}) {
+    EXPECT_EQ((call<int, void*>(host.handler(name), 1, asMessage)), 0) << name;
+  }
+  EXPECT_EQ(message.handedBack, 3);
+
+  TestHost testHost;
+  testHost.served = false;
+  void* asHost = static_cast<IPluginHost*>(&testHost);
+  void* made = callEntry<void*, const char*, const char*, void*, void*, void*, std::int32_t>(
+      asHost, 0, "cpp.Encryption", "Encryption", nullptr, nullptr, nullptr, 0);
+  EXPECT_EQ(made, static_cast<IEncryption*>(&testHost.encryption));
+  EXPECT_EQ((callEntry<void*, const char*>(asHost, 3, "Encryption")), made);
+}
+
+}  // namespace tovrtest
