@@ -54,7 +54,7 @@ void print(Context& context, const Options& options, const std::vector<Verdict>&
 }
 
 std::int64_t enginePageSize(const Context& context) {
-  Session session = Session::openMemory(context.options.plugin);
+  Session session = Session::openMemory(context.options.access.plugin);
   return queryNumber(session.connection(), "pragma cipher_page_size");
 }
 
@@ -83,7 +83,7 @@ std::optional<Session> open(Context& context, const Options& options, const std:
 
 void check(Context& context, const Options& options) {
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
-  const auto schema = expectedSchema(context.options.plugin);
+  const auto schema = expectedSchema(context.options.access.plugin);
   auto session = open(context, options, key);
   std::vector<Verdict> verdicts(1);
   verdicts[0].name = "opens with this key";
