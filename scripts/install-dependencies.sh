@@ -24,6 +24,7 @@ packages=(
 sources=(dpkg-dev debian-archive-keyring gcc make tcl)  # to build an engine from its source
 [ -z "${TOVR_WITH_SOURCES:-}" ] || packages+=("${sources[@]}")
 [ -z "${TOVR_WITH_WINDOWS:-}" ] || packages+=("${sources[@]}" g++-mingw-w64-x86-64-posix googletest wine64)
+[ -z "${TOVR_WITH_LAYOUT:-}" ] || packages+=(clang python3)
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 

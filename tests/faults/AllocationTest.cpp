@@ -1,6 +1,7 @@
 // Every allocation fails, in the library and in the engine: see OperationSweep. And what is released holds no payload.
 #include <set>
 
+#include "storage/BlobCipher.h"
 #include "tables/CoefDataTableOperate.h"
 #include "tables/LumChromaDataTableOperate.h"
 #include "tests/faults/FaultyAllocator.h"
@@ -29,6 +30,7 @@ class AllocationTest : public OperationSweep {
  protected:
   void SetUp() override {
     ASSERT_TRUE(engineAllocatesHere());
+    serveEncryption(host.cipher);  // the library's own, which works in pieces
     OperationSweep::SetUp();
   }
 };
@@ -42,9 +44,10 @@ INSTANTIATE_TEST_SUITE_P(DatabaseTypes, AllocationTest, testing::Values(0, 1));
 
 // Payloads pass through buffers of the library on their way; what it gives back to the allocator holds none of them.
 // The buffers of the caller, and those that are the caller's from then on, live until the end.
-using ReleasedMemoryTest = DatabaseTest;
+class ReleasedMemoryTest : public DatabaseTest, public testing::WithParamInterface<bool> {};
 
-TEST_F(ReleasedMemoryTest, HoldsNoPayload) {
+TEST_P(ReleasedMemoryTest, HoldsNoPayload) {
+  if (GetParam()) serveEncryption(host.cipher);
   createFile(0);
   ASSERT_EQ(addScreen("wall", {0, 0, 299, 99}), 0);
   Bytes cells = pattern(300 * 100 * 4, 9);
@@ -84,6 +87,36 @@ TEST_F(ReleasedMemoryTest, HoldsNoPayload) {
   EXPECT_GT(released(secret, [&] { return delete new std::string(secret + secret), 0; }), 0) << "the watch is blind";
   for (const unsigned char* made : {whole.coefBuffer.data, window.coefBuffer.data, read.data, block.data})
     delete[] made;
+}
+
+INSTANTIATE_TEST_SUITE_P(ServiceOfTheLibrary, ReleasedMemoryTest, testing::Bool());
+
+TEST(BlobAllocationTest, ABlockOfSeveralPiecesIsDoneWholeOrNotAtAll) {
+  Encryption encryption;
+  const Bytes payload = pattern(200000, 5);
+  Bytes blob;
+  ASSERT_TRUE(encipherPayload(encryption, payload.data(), 200000, blob));
+  const auto everyAllocation = [](const std::function<void()>& operation, const std::function<void()>& afterFailure) {
+    for (int point = 1;; ++point) {
+      allocations().arm(point);
+      try {
+        operation();
+        allocations().disarm();
+        return point - 1;
+      } catch (const std::bad_alloc&) {
+        allocations().disarm();
+        afterFailure();
+      }
+    }
+  };
+  Bytes stored = {9};
+  const auto encipher = [&] { EXPECT_TRUE(encipherPayload(encryption, payload.data(), 200000, stored)); };
+  EXPECT_GT(everyAllocation(encipher, [&] { EXPECT_EQ(stored, Bytes{9}); }), 10);
+  EXPECT_TRUE(stored == blob);
+  Bytes read = {9};
+  const auto decipher = [&] { EXPECT_TRUE(decipherPayload(encryption, blob.data(), blob.size(), read)); };
+  EXPECT_GT(everyAllocation(decipher, [&] { EXPECT_EQ(read, Bytes{9}); }), 3);
+  EXPECT_TRUE(read == payload);
 }
 
 }  // namespace tovrtest

@@ -73,7 +73,7 @@ void* TestHost::findObject(const char* objectName) {
   calls.push_back(std::string("find ") + objectName);
   if (!served) return nullptr;
   if (std::string(objectName) == "DBOperate") return static_cast<IDBOperate*>(&connection);
-  if (std::string(objectName) == "Encryption") return static_cast<IEncryption*>(&encryption);
+  if (std::string(objectName) == "Encryption") return servedEncryption;
   return nullptr;
 }
 
@@ -85,6 +85,11 @@ ManagerTest::ManagerTest() {
 ManagerTest::~ManagerTest() {
   manager.reset();
   pluginit(nullptr);
+}
+
+void ManagerTest::serveEncryption(IEncryption& service) {
+  host.servedEncryption = &service;
+  manager = std::make_unique<DBManager>();
 }
 
 void DatabaseTest::createFile(int dbtype) {

@@ -69,6 +69,7 @@ class TestHost final : public IPluginHost {
   FaultyConnection connection{engine, points};
   Encryption cipher;
   FaultyEncryption encryption{cipher, points};
+  IEncryption* servedEncryption = &encryption;
   bool served = true;   // findObject finds the services
   bool creates = true;  // createObject hands them out, and they are served from then on
   std::vector<std::string> calls;
@@ -79,6 +80,8 @@ class ManagerTest : public FolderTest {
  protected:
   ManagerTest();
   ~ManagerTest() override;
+  // From here on the host keeps that service under "Encryption".
+  void serveEncryption(IEncryption& service);
 
   TestHost host;
   std::unique_ptr<IDBManager> manager;
