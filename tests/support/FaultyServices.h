@@ -6,7 +6,7 @@
 
 #include "crypto/IEncryption.h"
 #include "storage/IDBOperate.h"
-#include "tests/faults/FaultPoints.h"
+#include "tests/support/FaultPoints.h"
 
 namespace tovrtest {
 
