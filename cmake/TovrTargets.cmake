@@ -13,6 +13,10 @@ function(tovr_target target)
       ${target}
       PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual -Wformat=2
               -Wundef -Woverloaded-virtual $<$<BOOL:${TOVR_WARNINGS_AS_ERRORS}>:-Werror>)
+    # From 13 on, GCC takes a temporary text for messages for what the returned reference refers to.
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 13)
+      target_compile_options(${target} PRIVATE -Wno-dangling-reference)
+    endif()
   endif()
   if(TOVR_SANITIZE)
     target_compile_options(${target} PUBLIC -fsanitize=${TOVR_SANITIZE} -fno-sanitize-recover=all

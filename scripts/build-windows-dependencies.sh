@@ -3,6 +3,7 @@
 # CMake takes as -DCMAKE_FIND_ROOT_PATH. Exit code 77: the sources cannot be had here.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/failures.sh
 source scripts/cache.sh
 
 openssl=3.0.20-1~deb12u2
@@ -19,14 +20,14 @@ buildOpenssl() {  # libcrypto only: what SQLCipher 3 calls (AES, SHA-1, HMAC) an
 #include <stdlib.h>
 _onexit_t module_onexit(_onexit_t function) { return atexit((void (*)(void))function) == 0 ? function : NULL; }
 C
-  logged $target-gcc-posix -O2 -c module_onexit.c
+  quietly nice $target-gcc-posix -O2 -c module_onexit.c
   # No configuration file of the machine is to change what a plug-in does in its host: no-autoload-config.
-  logged ./Configure mingw64 --cross-compile-prefix=$target- --prefix=/ --libdir=lib no-shared no-tests no-module \
+  quietly nice ./Configure mingw64 --cross-compile-prefix=$target- --prefix=/ --libdir=lib no-shared no-tests no-module \
     no-engine no-dso no-legacy no-autoload-config no-autoerrinit no-filenames no-ui-console no-sock no-comp no-ssl no-tls \
     no-dtls no-ct no-cms no-cmp no-ocsp no-ts no-srp no-psk no-ec no-dh no-dsa no-sm2 no-sm3 no-sm4 no-aria no-bf \
     no-blake2 no-camellia no-cast no-chacha no-gost no-idea no-md4 no-mdc2 no-poly1305 no-rc2 no-rc4 no-rmd160 no-scrypt \
     no-seed no-siphash no-siv no-ocb no-whirlpool -D_onexit=module_onexit
-  logged make -j"$(nproc)" build_generated libcrypto.a
+  quietly nice make -j"$(nproc)" build_generated libcrypto.a
   $target-ar rs libcrypto.a module_onexit.o
   cp libcrypto.a "$prefix/lib/"
   cp -r include/openssl "$prefix/include/"
@@ -36,7 +37,7 @@ C
 buildSqlcipher() {
   scripts/fetch-sqlcipher.sh bookworm "$sqlcipher" "$prefix/source/sqlcipher"
   cd "$prefix/source/sqlcipher"
-  logged $target-gcc-posix -O2 -DNDEBUG -DSQLITE_HAS_CODEC -DSQLITE_TEMP_STORE=2 "-I$prefix/include" -c sqlite3.c
+  quietly nice $target-gcc-posix -O2 -DNDEBUG -DSQLITE_HAS_CODEC -DSQLITE_TEMP_STORE=2 "-I$prefix/include" -c sqlite3.c
   $target-ar crs "$prefix/lib/libsqlcipher.a" sqlite3.o
   mkdir "$prefix/include/sqlcipher"
   cp sqlite3.h "$prefix/include/sqlcipher/"
@@ -45,9 +46,9 @@ buildSqlcipher() {
 
 buildGoogletest() {
   local build=$prefix/source/googletest
-  logged cmake -S /usr/src/googletest -B "$build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/mingw-w64.cmake" \
+  quietly nice cmake -S /usr/src/googletest -B "$build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/mingw-w64.cmake" \
     -DCMAKE_BUILD_TYPE=Release -DBUILD_GMOCK=OFF -DCMAKE_INSTALL_PREFIX="$prefix"
-  logged cmake --build "$build" --target install
+  quietly nice cmake --build "$build" --target install
 }
 
 # The tool's libraries of headers, away from the folder that holds those of this machine's own C library.

@@ -3,10 +3,11 @@
 # both types, and rectangles are read back and compared to the byte. Leaves its files in demo-output/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/failures.sh
 
 scripts/install-dependencies.sh
-cmake --preset release -DTOVR_BUILD_TESTS=OFF >/dev/null
-cmake --build --preset release >build/demo-build.log || { cat build/demo-build.log; exit 1; }
+quietly cmake --preset release -DTOVR_BUILD_TESTS=OFF
+quietly cmake --build --preset release
 
 tovrdb=$PWD/build/release/tool/tovrdb
 out=demo-output
@@ -19,7 +20,7 @@ declare -A rect=([main]=0,0,1919,1079 [left]=1920,0,2559,359 [right]=1920,360,25
 region=600,400,855,527  # 256 x 128 cells in the middle of the main screen
 
 db() {  # its messages go to a file, and are shown when it fails
-  "$tovrdb" "$@" 2>>"$out/messages.log" || { cat "$out/messages.log"; exit 1; }
+  "$tovrdb" "$@" 2>>"$out/messages.log" || { echo "exit code $? from: tovrdb $*"; cat "$out/messages.log"; exit 1; } >&2
 }
 sample() { db sample --size 2560x1080 "$@"; }
 

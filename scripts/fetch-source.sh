@@ -3,6 +3,8 @@
 # mirror is the one this machine is set up with; apt checks the signatures; the machine's own configuration stays as it
 # is. Exit code 77: the source cannot be had here.
 set -euo pipefail
+source "$(dirname "$0")/failures.sh"
+scripts=$(cd "$(dirname "$0")" && pwd)
 [ $# -eq 4 ] || { echo "usage: $0 SUITE PACKAGE VERSION FOLDER" >&2; exit 2; }
 suite=$1 package=$2 version=$3 folder=$4
 keyring=/usr/share/keyrings/debian-archive-keyring.gpg
@@ -11,9 +13,7 @@ cannot() { echo "cannot fetch $package $version of $suite: $*" >&2; exit 77; }
 
 [ -r "$keyring" ] || cannot "no $keyring (package debian-archive-keyring)"
 command -v dpkg-source >/dev/null || cannot "no dpkg-source (package dpkg-dev)"
-mirror=$(apt-get indextargets --format '$(CODENAME) $(REPO_URI)' 'Created-By: Packages' |
-  sed -n 's/^bookworm //p' | sort -u | head -n 1)
-[ -n "$mirror" ] || cannot "this machine has no mirror of Debian bookworm configured"
+mirror=$("$scripts/debian-mirror.sh") || cannot "no mirror"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -37,4 +37,4 @@ apt source --download-only "$package=$version" || cannot "no such version, or an
 
 rm -rf "$folder"
 mkdir -p "$(dirname "$folder")"
-dpkg-source --no-check -x "$package"_*.dsc "$folder" >/dev/null  # apt has checked its hashes against the signed list
+quietly dpkg-source --no-check -x "$package"_*.dsc "$folder"  # apt has checked its hashes against the signed list

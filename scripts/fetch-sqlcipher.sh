@@ -4,9 +4,9 @@
 set -euo pipefail
 [ $# -eq 3 ] || { echo "usage: $0 SUITE VERSION FOLDER" >&2; exit 2; }
 scripts=$(cd "$(dirname "$0")" && pwd)
-source "$scripts/cache.sh"
+source "$scripts/failures.sh"
 
 "$scripts/fetch-source.sh" "$1" sqlcipher "$2" "$3"
 cd "$3"
-logged ./configure --disable-tcl --enable-tempstore=yes CFLAGS=-DSQLITE_HAS_CODEC LIBS=-lcrypto
-logged make sqlite3.c
+quietly nice ./configure --disable-tcl --enable-tempstore=yes CFLAGS=-DSQLITE_HAS_CODEC LIBS=-lcrypto
+quietly nice make sqlite3.c

@@ -3,6 +3,7 @@
 # tests, or anything is left in the folder for temporary files. (What the tests find in the files while they are there,
 # and payloads, they look for themselves: tests/support/SecretWatch.h.)
 set -euo pipefail
+source "$(dirname "$0")/failures.sh"
 log="$1/Testing/Temporary/LastTest.log"
 left="$2"
 

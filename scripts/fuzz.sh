@@ -5,14 +5,15 @@
 # A finding stays in build/fuzz/findings; replay it with build/fuzz/fuzz/<Target>Fuzz FILE.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/failures.sh
 
 runs=${1:-10000}
 targets=("${@:2}")
 [ ${#targets[@]} -gt 0 ] || targets=(Blob Crop Window FileCipher Npy Manifest Database)
 
 TOVR_WITH_FUZZ=1 scripts/install-dependencies.sh
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz >build/fuzz-build.log || { cat build/fuzz-build.log; exit 1; }
+quietly cmake --preset fuzz
+quietly cmake --build --preset fuzz
 
 findings=0
 for target in "${targets[@]}"; do
@@ -22,7 +23,8 @@ for target in "${targets[@]}"; do
   result="no findings"
   "build/fuzz/fuzz/${target}Fuzz" "$found" "fuzz/corpus/$target" -runs="$runs" -max_len=2048 -len_control=0 \
     -malloc_limit_mb=256 -print_final_stats=1 -artifact_prefix="build/fuzz/findings/$target-" >"$log" 2>&1 || {
-    result="a FINDING, see $log"
+    result="a FINDING (exit code $?), see $log"
+    tail -n 60 "$log" >&2
     findings=$((findings + 1))
   }
   echo "$target: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") runs, $result"

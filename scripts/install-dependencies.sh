@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Installs what the build, the tool and the tests need, from Debian's (or Ubuntu's) packages; nothing when all is there.
-# The same list, with the reasons, stands in docs/dependencies.md.
+# Installs, from Debian's packages, what the library and the tool need to be built, and what the named steps need besides
+# (TOVR_WITH_TESTS=1 and so on); nothing when all is there. The same list, with the reasons, stands in
+# docs/dependencies.md.
 set -euo pipefail
+source "$(dirname "$0")/failures.sh"
 
 packages=(
   g++ cmake ninja-build                        # the build
@@ -9,16 +11,20 @@ packages=(
   libcli11-dev libxtensor-dev libeigen3-dev    # the tool
   libcairo2-dev pkg-config                     # the tool: pictures
   nlohmann-json3-dev                           # the tool: JSON
-  libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils  # the tests
-  valgrind                                     # the tests under memcheck
-  clang-format-14 clang-tidy-14                # the checks of the sources
 )
-[ -z "${TOVR_WITH_BENCH:-}" ] || packages+=(libbenchmark-dev)  # only for those who measure
-[ -z "${TOVR_WITH_FUZZ:-}" ] || packages+=(clang-14 libclang-rt-14-dev llvm-14)  # only for those who fuzz
+[ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils)
+[ -z "${TOVR_WITH_MEMCHECK:-}" ] || packages+=(valgrind)
+[ -z "${TOVR_WITH_FORMAT:-}" ] || packages+=(clang-format-14)
+[ -z "${TOVR_WITH_TIDY:-}" ] || packages+=(clang-tidy-14)
+[ -z "${TOVR_WITH_FUZZ:-}" ] || packages+=(clang-14 libclang-rt-14-dev llvm-14)
+[ -z "${TOVR_WITH_BENCH:-}" ] || packages+=(libbenchmark-dev)
+[ -z "${TOVR_WITH_DOCS:-}" ] || packages+=(doxygen)
+[ -z "${TOVR_WITH_CCACHE:-}" ] || packages+=(ccache)
+[ -z "${TOVR_WITH_FRESH:-}" ] || packages+=(mmdebstrap debian-archive-keyring git util-linux)  # to make a fresh system
 sources=(dpkg-dev debian-archive-keyring gcc make tcl)  # to build an engine from its source
 [ -z "${TOVR_WITH_SOURCES:-}" ] || packages+=("${sources[@]}")
 [ -z "${TOVR_WITH_WINDOWS:-}" ] || packages+=("${sources[@]}" g++-mingw-w64-x86-64-posix googletest wine64)
-[ -z "${TOVR_WITH_DOCS:-}" ] || packages+=(doxygen)          # only for the reference
+[ -z "${TOVR_WITH_LAYOUT:-}" ] || packages+=(clang python3)
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
@@ -26,8 +32,8 @@ missing=()
 for package in "${packages[@]}"; do installed "$package" || missing+=("$package"); done
 [ ${#missing[@]} -gt 0 ] || exit 0
 
-as_root=()
-[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+as_root=(env)
+[ "$(id -u)" -eq 0 ] || as_root=(sudo env)
 echo "installing ${missing[*]}" >&2
 "${as_root[@]}" apt-get update -qq
-DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+"${as_root[@]}" DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2

@@ -3,6 +3,7 @@
 # that of the release build.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/failures.sh
 
 tovrdb=${TOVRDB:-$PWD/build/release/tool/tovrdb}
 [ -x "$tovrdb" ] || { echo "build the tool first: scripts/demo.sh" >&2; exit 1; }

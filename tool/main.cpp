@@ -6,26 +6,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tool/commands/CheckCommand.h"
-#include "tool/commands/CipherCommands.h"
-#include "tool/commands/CoefCommands.h"
-#include "tool/commands/CoefStatsCommand.h"
-#include "tool/commands/CreateCommand.h"
-#include "tool/commands/DataCommands.h"
-#include "tool/commands/DiffCommand.h"
-#include "tool/commands/DocCommands.h"
-#include "tool/commands/ExportCommand.h"
-#include "tool/commands/HeatmapCommand.h"
-#include "tool/commands/ImportCommand.h"
-#include "tool/commands/InfoCommand.h"
-#include "tool/commands/InspectCommand.h"
-#include "tool/commands/MeasureCommands.h"
-#include "tool/commands/RekeyCommand.h"
-#include "tool/commands/SampleCommand.h"
-#include "tool/commands/ScreenCommands.h"
-#include "tool/commands/UpgradeCommand.h"
-#include "tool/files/Message.h"
-#include "tool/system/Command.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/io/Message.h"
 #include "tool/system/Interrupt.h"
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
@@ -63,25 +46,22 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
   app.add_flag("-q,--quiet", options.quiet, "No messages but those of failures, and no progress bar");
 }
 
-void addCommands(CLI::App& app, Command& chosen) {
-  addInspectCommand(app, chosen);
-  addCreateCommand(app, chosen);
-  addInfoCommand(app, chosen);
-  addScreenCommands(app, chosen);
-  addCoefCommands(app, chosen);
-  addCoefStatsCommand(app, chosen);
-  addHeatmapCommand(app, chosen);
-  addDiffCommand(app, chosen);
-  addSampleCommand(app, chosen);
-  addDataCommands(app, chosen);
-  addMeasureCommands(app, chosen);
-  addCheckCommand(app, chosen);
-  addExportCommand(app, chosen);
-  addImportCommand(app, chosen);
-  addRekeyCommand(app, chosen);
-  addUpgradeCommand(app, chosen);
-  addCipherCommands(app, chosen);
-  addDocCommands(app, chosen);
+void addCommands(CommandGroup program) {
+  addInspectCommand(program);
+  addCreateCommand(program);
+  addInfoCommand(program);
+  addScreenCommands(program);
+  addCoefCommands(program);
+  addHeatmapCommand(program);
+  addDiffCommand(program);
+  addSampleCommand(program);
+  addDataCommands(program);
+  addMeasureCommands(program);
+  addCheckCommand(program);
+  addExportCommands(program);
+  addRewriteCommands(program);
+  addCipherCommands(program);
+  addDocCommands(program);
 }
 
 int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
@@ -125,7 +105,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "tovrdb " TOVRDB_VERSION);
   app.require_subcommand(1)->fallthrough();
   addGlobalOptions(app, options);
-  addCommands(app, chosen);
+  addCommands({app, chosen});
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // --help, --version

@@ -1,10 +1,28 @@
 #include "crypto/Encryption.h"
 
+#include <cstring>
+
 #include "plugin/MessageReply.h"
 
 namespace tovr {
+namespace {
+
+// The first word of an object with virtual functions, on every supported compiler: the address of their table, which
+// no two classes share.
+const void* tableOf(const IEncryption& service) {
+  const void* table = nullptr;
+  std::memcpy(&table, static_cast<const void*>(&service), sizeof table);
+  return table;
+}
+
+}  // namespace
 
 Encryption::Encryption() : des_(std::make_unique<DES>()) {}
+
+Encryption* Encryption::own(IEncryption& service) {
+  static const void* const ownTable = tableOf(Encryption());
+  return tableOf(service) == ownTable ? static_cast<Encryption*>(&service) : nullptr;
+}
 
 bool Encryption::encrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) {
   return des_->encrypt(key, iv, input, output);

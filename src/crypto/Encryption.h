@@ -15,6 +15,10 @@ class Encryption final : public IEncryption, public lmx::IMessageHandler {
 
   Encryption();
 
+  // The object behind `service` where this library made it; null for any other, a host's own or another copy of the
+  // library's. Safe with every object: asks for no type information, which one of another compiler may lack.
+  static Encryption* own(IEncryption& service);
+
   bool encrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
   bool decrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
   bool encryptKeyPadded(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "crypto/Encryption.h"
 #include "storage/BlobFraming.h"
 
 namespace tovr {
@@ -27,15 +28,19 @@ constexpr std::size_t roundUp(std::size_t size) { return roundDown(size + kBlock
 
 std::string vectorAt(const unsigned char* block) { return std::string(block, block + kBlock); }
 
-}  // namespace
+bool encipherWhole(IEncryption& encryption, const unsigned char* payload, std::size_t length, Bytes& enciphered) {
+  const auto prefix = lengthPrefix(static_cast<std::uint32_t>(length));
+  WipedBuffer framed(kLengthPrefixSize + length);
+  framed.bytes.assign(prefix.begin(), prefix.end());
+  framed.bytes.insert(framed.bytes.end(), payload, payload + length);
+  return encryption.encrypt(kBlobKey, kBlobKey, framed.bytes, enciphered);
+}
 
-bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t length, Bytes& out) {
-  if ((data == nullptr && length != 0) || length > kLargestPayload) return false;
-  const auto prefix = lengthPrefix(length);
-  const auto* next = static_cast<const unsigned char*>(data);
+// REQUIRES: the service is the library's own.
+bool encipherInPieces(IEncryption& encryption, const unsigned char* payload, std::size_t length, Bytes& enciphered) {
+  const auto prefix = lengthPrefix(static_cast<std::uint32_t>(length));
   std::size_t left = length;
   std::string vector = kBlobKey;
-  Bytes enciphered;
   enciphered.reserve(roundUp(kLengthPrefixSize + length));
   WipedBuffer framed(std::min(kPiece, kLengthPrefixSize + length));
   Bytes& piece = framed.bytes;
@@ -43,23 +48,37 @@ bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t le
   Bytes result;
   do {
     const std::size_t taken = std::min(left, kPiece - piece.size());
-    if (taken > 0) piece.insert(piece.end(), next, next + taken);
-    next += taken;
+    piece.insert(piece.end(), payload, payload + taken);
+    payload += taken;
     left -= taken;
-    if (!encryption.encrypt(kBlobKey, vector, piece, result) || result.size() != roundUp(piece.size())) return false;
+    if (!encryption.encrypt(kBlobKey, vector, piece, result)) return false;
     enciphered.insert(enciphered.end(), result.begin(), result.end());
     vector = vectorAt(enciphered.data() + enciphered.size() - kBlock);
     piece.clear();
   } while (left > 0);
-  out = std::move(enciphered);
   return true;
+}
+
+bool decipherWhole(IEncryption& encryption, const unsigned char* blob, std::size_t length, Bytes& framed) {
+  return encryption.decrypt(kBlobKey, kBlobKey, Bytes(blob, blob + length), framed);
+}
+
+}  // namespace
+
+bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t length, Bytes& out) {
+  if ((data == nullptr && length != 0) || length > kLargestPayload) return false;
+  const auto* payload = static_cast<const unsigned char*>(data);
+  Bytes enciphered;
+  const bool done = Encryption::own(encryption) != nullptr ? encipherInPieces(encryption, payload, length, enciphered)
+                                                           : encipherWhole(encryption, payload, length, enciphered);
+  if (done) out = std::move(enciphered);
+  return done;
 }
 
 bool decipherPayload(IEncryption& encryption, const void* blob, std::size_t length, Bytes& out) {
   if (blob == nullptr && length != 0) return false;
-  const auto* bytes = static_cast<const unsigned char*>(blob);
   WipedBuffer framed(length);
-  if (!encryption.decrypt(kBlobKey, kBlobKey, Bytes(bytes, bytes + length), framed.bytes)) return false;
+  if (!decipherWhole(encryption, static_cast<const unsigned char*>(blob), length, framed.bytes)) return false;
   const auto payload = payloadLength(framed.bytes.data(), framed.bytes.size());
   if (!payload) return false;
   const auto first = framed.bytes.begin() + kLengthPrefixSize;
@@ -68,16 +87,22 @@ bool decipherPayload(IEncryption& encryption, const void* blob, std::size_t leng
 }
 
 EncipheredBlob::EncipheredBlob(IEncryption& encryption, const void* bytes, std::size_t size)
-    : encryption_(encryption), bytes_(static_cast<const unsigned char*>(bytes)), size_(size) {}
+    : encryption_(encryption),
+      inPieces_(Encryption::own(encryption) != nullptr),
+      bytes_(static_cast<const unsigned char*>(bytes)),
+      size_(size) {}
 
 bool EncipheredBlob::open() {
-  plain_.bytes.reserve(std::min(kPiece, size_));
-  if (bytes_ == nullptr || !decipher(0, std::min(kBlock, size_))) return false;
-  const std::size_t start = plain_.bytes.size();
-  const auto payload = payloadLength(plain_.bytes.data(), start < kLengthPrefixSize ? start : size_);
+  if (bytes_ == nullptr || !decipherFrame()) return false;
+  const auto payload = payloadLength(plain_.bytes.data(), inPieces_ ? size_ : plain_.bytes.size());
   if (!payload) return false;
   payloadSize_ = *payload;
   return true;
+}
+
+bool EncipheredBlob::decipherFrame() {
+  plain_.bytes.reserve(inPieces_ ? std::min(kPiece, size_) : size_);
+  return inPieces_ ? decipher(0, std::min(kBlock, size_)) : decipherWhole(encryption_, bytes_, size_, plain_.bytes);
 }
 
 // A gap is worth deciphering along where that costs less than one more call: a key schedule and a few small copies, as
@@ -85,12 +110,22 @@ bool EncipheredBlob::open() {
 bool EncipheredBlob::readRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
                               unsigned char* out) {
   constexpr std::size_t kSmallGap = 128;
+  if (!inPieces_) {
+    copyRows(offset, rowSize, stride, rows, out);
+    return true;
+  }
   if (stride == rowSize) return read(offset, rows * rowSize, out);
   if (stride - rowSize <= kSmallGap && stride <= kPiece / 2) return readAcrossGaps(offset, rowSize, stride, rows, out);
   for (std::size_t row = 0; row < rows; ++row) {
     if (!read(offset + row * stride, rowSize, out + row * rowSize)) return false;
   }
   return true;
+}
+
+void EncipheredBlob::copyRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
+                              unsigned char* out) const {
+  const unsigned char* first = plain_.bytes.data() + kLengthPrefixSize + offset;
+  for (std::size_t row = 0; row < rows; ++row) std::copy_n(first + row * stride, rowSize, out + row * rowSize);
 }
 
 bool EncipheredBlob::read(std::size_t offset, std::size_t size, unsigned char* out) {

@@ -1,8 +1,10 @@
-// Payloads to their stored form and back, through the host's encryption service, a piece at a time: no copy of a whole
-// block is made besides the result, and a part of a blob is deciphered without the rest.
+// Payloads to their stored form and back, through the service that the host keeps under "Encryption".
 //
-// In CBC mode any run of whole cipher blocks deciphers by itself with the cipher block before it as its initialisation
-// vector, and enciphering goes on with the last cipher block written (FIPS 81).
+// A host's own service may be any cipher: it gets the whole framed buffer in one call, with the blobs' key as key and
+// as initialisation vector. The library's own is known to be DES in CBC mode, where any run of whole cipher blocks
+// deciphers by itself with the cipher block before it as its initialisation vector, and enciphering goes on with the
+// last cipher block written (FIPS 81). So it gets a piece at a time: no copy of a whole block is made besides the
+// result, and a part of a blob is deciphered without the rest.
 //
 // No plaintext stays behind in memory that is released, but for what the service itself may leave.
 #pragma once
@@ -15,8 +17,8 @@
 
 namespace tovr {
 
-// The length prefix and the payload, enciphered as a whole. False, with `out` untouched, where the service fails, for
-// null data with a length, and for a payload of 2 GiB or more.
+// The length prefix and the payload, enciphered. False, with `out` untouched, where the service fails, for null data with
+// a length, and for a payload of 2 GiB or more.
 bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t length, IEncryption::Bytes& out);
 
 // The payload of a stored blob. False, with `out` untouched, where it does not decipher to a whole frame.
@@ -27,7 +29,7 @@ class EncipheredBlob {
  public:
   EncipheredBlob(IEncryption& encryption, const void* bytes, std::size_t size);
 
-  // Deciphers the length prefix. False where decipherPayload would fail on it.
+  // Deciphers the length prefix, with a host's own service everything. False where decipherPayload would fail.
   bool open();
 
   // Bytes of the payload. REQUIRES: open() succeeded.
@@ -38,17 +40,21 @@ class EncipheredBlob {
   bool readRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows, unsigned char* out);
 
  private:
+  bool decipherFrame();
+  void copyRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
+                unsigned char* out) const;
   bool read(std::size_t offset, std::size_t size, unsigned char* out);
   bool readAcrossGaps(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
                       unsigned char* out);
   bool decipher(std::size_t begin, std::size_t end);
 
   IEncryption& encryption_;
+  const bool inPieces_;  // whether the service is the library's own
   const unsigned char* bytes_;
   std::size_t size_;
   std::uint32_t payloadSize_ = 0;
   IEncryption::Bytes piece_;  // cipher blocks on their way to the service
-  WipedBuffer plain_;         // and what came back
+  WipedBuffer plain_;         // what came back: of that piece, or the whole frame
 };
 
 }  // namespace tovr

@@ -1,6 +1,7 @@
 // Every allocation fails, in the library and in the engine: see OperationSweep. And what is released holds no payload.
 #include <set>
 
+#include "storage/BlobCipher.h"
 #include "tables/CoefDataTableOperate.h"
 #include "tables/LumChromaDataTableOperate.h"
 #include "tests/faults/FaultyAllocator.h"
@@ -30,6 +31,7 @@ class AllocationTest : public OperationSweep {
  protected:
   void SetUp() override {
     ASSERT_TRUE(engineAllocatesHere());
+    serveEncryption(host.cipher);  // the library's own, which works in pieces
     OperationSweep::SetUp();
   }
 };
@@ -41,73 +43,96 @@ TEST_P(AllocationTest, EveryAllocationOfEveryOperation) {
 
 INSTANTIATE_TEST_SUITE_P(DatabaseTypes, AllocationTest, testing::Values(kByRectangle, kByName));
 
-// Payloads pass through buffers of the library on their way; what it gives back to the allocator holds none of them.
-// The buffers of the caller, and those that are the caller's from then on, live until the watch has ended.
-class ReleasedMemoryTest : public DatabaseTest {
+// Payloads pass through buffers of the library on their way; what it gives back to the allocator holds none of them,
+// with the library's own cipher and with another. The buffers of the caller, and those that are the caller's from then
+// on, live until the watch has ended.
+class ReleasedMemoryTest : public DatabaseTest, public testing::WithParamInterface<bool> {
  protected:
   static constexpr Rect kScreen{0, 0, 299, 99};
 
   void SetUp() override {
+    if (GetParam()) serveEncryption(host.cipher);
     createFile(kByRectangle);
-    ASSERT_EQ(addScreen("wall", kScreen), kOk);
+    ASSERT_EQ(addScreen("", kScreen), kOk);
   }
   int secretsReleasedBy(const std::function<void()>& operation) {
-    watchReleases(std::string(secretRow_ + 16, secretRow_ + 32));
+    watchReleases(secret);
     operation();
     const int seen = releasesSeen();
     watchReleases("");
     return seen;
   }
-  // Queries a part of the stored block.
-  int secretsReleasedByQuery(const Rect& rect) {
-    CoefData record = coef(rect, cells_, 0);
-    const int seen = secretsReleasedBy([&] { EXPECT_EQ(manager->queryData(&record), kOk); });
-    delete[] record.coefBuffer.data;
-    return seen;
-  }
-  template <class Record>
-  Record over(unsigned char* bytes, std::size_t size) {
-    Record record;
-    record.data = bytes;
-    record.dataSize = static_cast<std::uint32_t>(size);
-    return record;
-  }
 
-  Bytes cells_ = pattern(300 * 100 * 4, 9);
-  // Of the last piece that is enciphered: nothing overwrites it.
-  const Bytes::iterator secretRow_ = cells_.begin() + 90 * 300 * 4;
+  Bytes cells = pattern(300 * 100 * 4, 9);
+  unsigned char* const row = &cells[90 * 300 * 4];  // of the last piece that is enciphered: nothing overwrites it
+  const std::string secret{row + 16, row + 32};
 };
 
-TEST_F(ReleasedMemoryTest, IsWatched) {
-  const std::string secret(secretRow_, secretRow_ + 64);
+INSTANTIATE_TEST_SUITE_P(OwnCipher, ReleasedMemoryTest, testing::Bool());
+
+TEST_P(ReleasedMemoryTest, IsWatched) {
   EXPECT_GT(secretsReleasedBy([&] { delete new std::string(secret + secret); }), 0);
 }
 
-TEST_F(ReleasedMemoryTest, HoldsNoCellsOfBlocks) {
-  CoefData area = coef(kScreen, cells_, 4);
+TEST_P(ReleasedMemoryTest, HoldsNoCellsOfBlocks) {
+  CoefData area = coef(kScreen, cells, 4);
   EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->insertData(&area), kOk); }), 0);
-  EXPECT_EQ(secretsReleasedByQuery(kScreen), 0);
-  EXPECT_EQ(secretsReleasedByQuery({2, 90, 20, 90}), 0);
+  for (const Rect& part : {kScreen, Rect{2, 90, 20, 90}}) {
+    CoefData record = coef(part, cells, 0);
+    EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->queryData(&record), kOk); }), 0);
+    delete[] record.coefBuffer.data;
+  }
   CoefDataTableOperate table;
   CoefBuffer block;
   EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(table.selectCoef(area.coefid, &block), kOk); }), 0);
   delete[] block.data;
 }
 
-TEST_F(ReleasedMemoryTest, HoldsNoGenericData) {
-  auto data = over<ConfigData>(cells_.data(), cells_.size());
+TEST_P(ReleasedMemoryTest, HoldsNoGenericData) {
+  ConfigData data;
   data.datatype = 1;
+  data.data = cells.data();
+  data.dataSize = static_cast<std::uint32_t>(cells.size());
   EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->insertData(&data), kOk); }), 0);
-  data.data = nullptr;
   EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->queryData(&data), kOk); }), 0);
   delete[] data.data;
 }
 
-TEST_F(ReleasedMemoryTest, HoldsNoMeasurements) {
-  auto measurement = over<LumChromaData>(&*secretRow_, 256);
+TEST_P(ReleasedMemoryTest, HoldsNoMeasurements) {
+  LumChromaData measurement;
+  measurement.data = row;
+  measurement.dataSize = 256;
   EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->insertData(&measurement), SQLITE_CONSTRAINT); }), 0);
   LumChromaDataTableOperate table;
   EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(table.query(&measurement), kOk); }), 0);
+}
+
+TEST(BlobAllocationTest, ABlockOfSeveralPiecesIsDoneWholeOrNotAtAll) {
+  Encryption encryption;
+  const Bytes payload = pattern(200000, 5);
+  Bytes blob;
+  ASSERT_TRUE(encipherPayload(encryption, payload.data(), 200000, blob));
+  const auto everyAllocation = [](const std::function<void()>& operation, const std::function<void()>& afterFailure) {
+    for (int point = 1;; ++point) {
+      allocations().arm(point);
+      try {
+        operation();
+        allocations().disarm();
+        return point - 1;
+      } catch (const std::bad_alloc&) {
+        allocations().disarm();
+        afterFailure();
+      }
+    }
+  };
+  Bytes stored = {9};
+  const auto encipher = [&] { EXPECT_TRUE(encipherPayload(encryption, payload.data(), 200000, stored)); };
+  EXPECT_GT(everyAllocation(encipher, [&] { EXPECT_EQ(stored, Bytes{9}); }), 10);
+  EXPECT_TRUE(stored == blob);
+  Bytes read = {9};
+  const auto decipher = [&] { EXPECT_TRUE(decipherPayload(encryption, blob.data(), blob.size(), read)); };
+  EXPECT_GT(everyAllocation(decipher, [&] { EXPECT_EQ(read, Bytes{9}); }), 3);
+  EXPECT_TRUE(read == payload);
 }
 
 }  // namespace tovrtest

@@ -74,7 +74,8 @@ class FaultyConnection final : public tovr::IDBOperate {
   bool stepFailed_ = false;
 };
 
-// Every enciphering and deciphering of a buffer is a point named "cipher".
+// Every enciphering and deciphering of a buffer is a point named "cipher". A service of the host's own: one call a
+// blob.
 class FaultyEncryption final : public tovr::IEncryption {
  public:
   using Text = std::string;

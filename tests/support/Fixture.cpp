@@ -29,6 +29,11 @@ ManagerTest::~ManagerTest() {
   pluginit(nullptr);
 }
 
+void ManagerTest::serveEncryption(IEncryption& service) {
+  host.servedEncryption = &service;
+  manager = std::make_unique<DBManager>();
+}
+
 void DatabaseTest::createFile(int dbtype) {
   createFileWithoutType();
   insertInfo(dbtype);

@@ -48,6 +48,8 @@ class ManagerTest : public FolderTest {
  protected:
   ManagerTest();
   ~ManagerTest() override;
+  // From here on the host keeps that service under "Encryption".
+  void serveEncryption(IEncryption& service);
 
   std::string lastStatement() const { return host.connection.statements.back(); }
 

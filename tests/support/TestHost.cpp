@@ -17,7 +17,7 @@ void* TestHost::findObject(const char* objectName) {
 
 void* TestHost::serviceOf(const std::string& objectName) {
   if (objectName == "DBOperate") return static_cast<tovr::IDBOperate*>(&connection);
-  if (objectName == "Encryption") return static_cast<tovr::IEncryption*>(&encryption);
+  if (objectName == "Encryption") return servedEncryption;
   return nullptr;
 }
 

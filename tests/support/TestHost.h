@@ -26,6 +26,7 @@ class TestHost final : public tovr::IPluginHost {
   FaultyConnection connection{engine, points};
   tovr::Encryption cipher;
   FaultyEncryption encryption{cipher, points};
+  tovr::IEncryption* servedEncryption = &encryption;
   bool served = true;              // findObject finds the services
   bool creates = true;             // createObject hands them out, and they are served from then on
   std::vector<std::string> calls;  // "find DBOperate", "create cpp.DBOperate DBOperate"

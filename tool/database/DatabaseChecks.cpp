@@ -7,9 +7,9 @@
 #include <tuple>
 #include <utility>
 
+#include "tool/cells/Rect.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/StoredRows.h"
-#include "tool/forms/Rect.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -230,8 +230,8 @@ void checkCounters(Session& session, Verdict& verdict) {
 
 }  // namespace
 
-std::vector<Row> expectedSchema(const Context& context) {
-  Session session = Session::openMemory(context);
+std::vector<Row> expectedSchema(const std::string& plugin) {
+  Session session = Session::openMemory(plugin);
   session.require(session.manager().createTables());
   return queryRows(session.connection(), kTableSchema);
 }

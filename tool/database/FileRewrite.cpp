@@ -5,8 +5,8 @@
 #include "tool/database/Session.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredRows.h"
-#include "tool/files/Progress.h"
-#include "tool/files/UnfinishedFile.h"
+#include "tool/io/Progress.h"
+#include "tool/io/UnfinishedFile.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -80,8 +80,8 @@ void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
 }
 
 // Reads every page from the disk with the new key.
-void requireWhole(const Context& context, const std::string& path, const std::string& key) {
-  Session session = Session::openExisting(context, path, key);
+void requireWhole(const std::string& plugin, const std::string& path, const std::string& key) {
+  Session session = Session::openExisting(plugin, path, key);
   const auto rows = queryRows(session.connection(), "pragma integrity_check");
   if (rows.size() != 1 || rows[0][0] != "ok") {
     throw ToolError(kRefused, "the new file is damaged; the old one was left as it is");
@@ -91,20 +91,20 @@ void requireWhole(const Context& context, const std::string& path, const std::st
 
 }  // namespace
 
-void rewriteFile(Context& context, const std::string& file, const std::string& key, const std::string& newKey,
+void rewriteFile(const std::string& plugin, const std::string& file, const std::string& key, const std::string& newKey,
                  const std::string& verb) {
   UnfinishedFile unfinished(file, Existing::kReplace, "-journal");
   const FileState before(file);
-  Progress progress(context, verb, before.size * 3);
+  Progress progress(verb, before.size * 3);
   {
-    Session session = Session::openExisting(context, file, key);
+    Session session = Session::openExisting(plugin, file, key);
     attach(session, unfinished.path(), newKey);
     copyAll(session, progress, before.size);
     session.require(session.connection().exec("commit"));
     session.require(session.connection().exec("detach database rewritten"));
     session.close();
   }
-  requireWhole(context, unfinished.path(), newKey);
+  requireWhole(plugin, unfinished.path(), newKey);
   progress.advance(0);
   if (!(FileState(file) == before)) {
     throw ToolError(kRefused, "another program wrote to the file meanwhile; it was left as it is: try again");

@@ -7,7 +7,6 @@
 
 #include "storage/StatusCodes.h"
 #include "tool/database/SqlQuery.h"
-#include "tool/files/KeySource.h"
 #include "tool/system/PluginPath.h"
 #include "tool/system/ToolError.h"
 
@@ -17,33 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kNotADatabase = 26;
-
-// What can be told without the key. Opening a missing file would make it.
-void requireDatabaseFile(const std::string& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) {
-    throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
-  }
-  if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
-  constexpr std::size_t kMagicLength = 15;
-  std::string start(kMagicLength, '\0');
-  file.read(start.data(), kMagicLength);
-  if (file.gcount() == 0) throw ToolError(kFileProblem, "the file is empty (0 bytes); it never was a database");
-  if (start == "SQLite format 3") {
-    throw ToolError(kFileProblem, "it is an SQLite database, but not an encrypted one");
-  }
-}
-
-void requireUsable(const Context& context, const std::string& path) {
-  requireDatabaseFile(path);
-  std::error_code error;
-  if (fs::equivalent(path, context.options.log, error)) {
-    throw ToolError(kUsage, "--log would write into the database: give another file");  // nothing was appended yet
-  }
-}
 
 std::string missingTables(tovr::IDBOperate& connection) {
   const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
@@ -62,36 +34,48 @@ std::string missingTables(tovr::IDBOperate& connection) {
 const std::vector<std::string> kTables = {"DB_Info",      "Attach_DB_List",   "Screen_Info", "Coef",    "Coef_Info",
                                           "LumChromData", "LumChromDataInfo", "Data",        "DataInfo"};
 
-std::unique_ptr<tovrhost::PluginHost> loadPlugin(const Context& context) {
+void requireDatabaseFile(const std::string& path) {
+  std::error_code error;  // opening a missing file would make it
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::exists(status)) {
+    throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
+  }
+  if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
+  constexpr std::size_t kMagicLength = 15;
+  std::string start(kMagicLength, '\0');
+  file.read(start.data(), kMagicLength);
+  if (file.gcount() == 0) throw ToolError(kFileProblem, "the file is empty (0 bytes); it never was a database");
+  if (start == "SQLite format 3") {
+    throw ToolError(kFileProblem, "it is an SQLite database, but not an encrypted one");
+  }
+}
+
+std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin) {
   try {
-    return std::make_unique<tovrhost::PluginHost>(pluginPath(context.options.plugin));
+    return std::make_unique<tovrhost::PluginHost>(pluginPath(plugin));
   } catch (const std::runtime_error& error) {
     throw ToolError(kPluginProblem, std::string(error.what()) + "; say where it is with --plugin or TOVRDB_PLUGIN");
   }
 }
 
-Session Session::openExisting(const Context& context, const std::string& path) {
-  requireUsable(context, path);
-  return openExisting(context, path, readKey(context.options.keyFile, KeyUse::kOpen));
-}
-
-Session Session::openExisting(const Context& context, const std::string& path, const std::string& key) {
-  requireUsable(context, path);
-  Session session(loadPlugin(context));
+Session Session::openExisting(const std::string& plugin, const std::string& path, const std::string& key) {
+  requireDatabaseFile(path);
+  Session session(loadPlugin(plugin));
   session.open(path, key);
   session.probe();
   return session;
 }
 
-Session Session::openMemory(const Context& context) {
-  Session session(loadPlugin(context));
+Session Session::openMemory(const std::string& plugin) {
+  Session session(loadPlugin(plugin));
   session.open(":memory:", "memory");
   return session;
 }
 
-Session Session::openNew(const Context& context, const std::string& path) {
-  const std::string key = readKey(context.options.keyFile, KeyUse::kCreate);
-  Session session(loadPlugin(context));
+Session Session::openNew(const std::string& plugin, const std::string& path, const std::string& key) {
+  Session session(loadPlugin(plugin));
   session.open(path, key);
   return session;
 }

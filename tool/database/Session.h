@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "host/PluginHost.h"
-#include "tool/system/Command.h"
 #include "tool/system/Interrupt.h"
 
 namespace tovrtool {
@@ -14,18 +13,21 @@ namespace tovrtool {
 // The nine tables of a database file.
 extern const std::vector<std::string> kTables;
 
-// Loads the plug-in. Throws ToolError when there is none.
-std::unique_ptr<tovrhost::PluginHost> loadPlugin(const Context& context);
+// Loads the plug-in from `plugin`, or from where it usually lies when that is empty. Throws ToolError when there is
+// none.
+std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin);
+
+// What can be told without the key. Throws ToolError where `path` is no file that could be a database.
+void requireDatabaseFile(const std::string& path);
 
 class Session {
  public:
   // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError.
-  static Session openExisting(const Context& context, const std::string& path);
-  static Session openExisting(const Context& context, const std::string& path, const std::string& key);
+  static Session openExisting(const std::string& plugin, const std::string& path, const std::string& key);
   // Opens a file that does not exist yet; the first write makes it.
-  static Session openNew(const Context& context, const std::string& path);
+  static Session openNew(const std::string& plugin, const std::string& path, const std::string& key);
   // A database that lives in memory only.
-  static Session openMemory(const Context& context);
+  static Session openMemory(const std::string& plugin);
 
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

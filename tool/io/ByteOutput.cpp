@@ -1,0 +1,34 @@
+#include "tool/io/ByteOutput.h"
+
+#include <filesystem>
+
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+
+ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source)
+    : standard_(standard) {
+  std::error_code error;
+  if (std::filesystem::equivalent(options.path, source, error)) {
+    throw ToolError(kUsage, "the output would replace the database that it is read from");
+  }
+  if (options.path == "-") {
+    standard_.refuseTerminal();
+  } else {
+    file_.emplace(options.path, options.force ? Existing::kReplace : Existing::kRefuse);
+  }
+}
+
+void ByteOutput::write(const void* bytes, std::size_t size) {
+  if (file_) {
+    file_->write(bytes, size);
+  } else {
+    standard_.write(bytes, size);
+  }
+}
+
+void ByteOutput::commit() {
+  if (file_) file_->commit();
+}
+
+}  // namespace tovrtool
