@@ -223,4 +223,12 @@ TEST_F(CoefFlowTest, FailedQueriesLeaveTheRecordAsItWas) {
   EXPECT_EQ(read({0, 0, 0, 0}), (Read{0, {}}));  // no block: its cells have no bytes
 }
 
+TEST_F(CoefFlowTest, RectanglesWithoutCellsAreReadAllTheSame) {
+  createFile(0);
+  ASSERT_EQ(addScreen("", {-9, 0, 9, 9}), 0);
+  ASSERT_EQ(insert(block({-3, 0, 3, 3})), 0);
+  EXPECT_EQ(read({2, 0, 1, 3}), (Read{0, {}}));           // inverted by one cell
+  EXPECT_EQ(read({0, 0, 1, 0}), (Read{0, Bytes(4, 0)}));  // of an area that reaches from negative to positive
+}
+
 }  // namespace tovrtest

@@ -71,4 +71,15 @@ TEST_F(GenericDataTest, WhatCannotBeReadLeavesTheRecordAlone) {
   EXPECT_EQ(record.dataSize * 100 + record.data[0], 104U);
 }
 
+TEST_F(GenericDataTest, ABlobThatDoesNotDecipherLeavesTheFileToOtherPrograms) {
+  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
+  ASSERT_EQ(insertData(5, pattern(9, 1)), 0);
+  run("update Data set data = x'00'");
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(readData(5).first, kCipherFailed); }), "");
+  Sqlite3DB other;
+  ASSERT_EQ(other.open(path("file.db").c_str()), 0);
+  ASSERT_EQ(other.setKey(kRawKey, sizeof kRawKey - 1), 0);
+  EXPECT_EQ(other.exec("insert into Data(data, version) values(x'01', '')"), 0);
+}
+
 }  // namespace tovrtest

@@ -104,4 +104,15 @@ TEST_F(LumChromaTest, UpdatesChangeNothingAndClearingSpellsItsStatementsDifferen
             "1|0\n");
 }
 
+TEST_F(LumChromaTest, TheRowsAreFreedBeforeTheDumpAndBeforeTheErrorText) {
+  using Calls = std::vector<std::string>;
+  host.connection.tableCalls.clear();
+  EXPECT_EQ(table->query(&record), 0);
+  EXPECT_EQ(host.connection.tableCalls, (Calls{"get_table", "free_table", "prepare_v2"}));
+  run("drop table LumChromDataInfo");
+  host.connection.tableCalls.clear();
+  EXPECT_EQ(table->query(&record), 1);
+  EXPECT_EQ(host.connection.tableCalls, (Calls{"get_table", "free_table", "errMsg"}));
+}
+
 }  // namespace tovrtest

@@ -83,7 +83,7 @@ TEST_F(ManagerTest, CheckWantsTheBuiltInKeyAndThePlacementTable) {
   ASSERT_EQ(manager->openDB(path("a.db"), "brimstoquelvard"), 0);
   ASSERT_EQ(manager->createTables(), 0);
   EXPECT_TRUE(manager->checkDB(path("a.db")));
-  EXPECT_EQ(manager->closeDB(), 21);  // the check has closed the file, statement and all
+  EXPECT_STREQ(manager->errMsg(), "no database file is open");  // the check has closed it, statement and all
   ASSERT_EQ(manager->openDB(path("b.db"), kRawKey), 0);
   ASSERT_EQ(manager->createTables(), 0);
   EXPECT_FALSE(manager->checkDB(path("b.db")));
@@ -108,6 +108,14 @@ TEST_F(DatabaseTest, WrongKeyShowsAtTheFirstReadAndLeavesTheFileAlone) {
   EXPECT_EQ(contentOf(path("file.db")), before);
   ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
   EXPECT_EQ(manager->getDBType(), 0);
+}
+
+TEST_F(ManagerTest, ClosingTwiceAndClosingWhatCouldNotBeOpenedSucceeds) {
+  ASSERT_EQ(manager->openDB(path("a.db"), kRawKey), 0);
+  EXPECT_EQ(manager->closeDB(), 0);
+  EXPECT_EQ(manager->closeDB(), 0);
+  EXPECT_EQ(manager->openDB(path("no folder/a.db"), kRawKey), 14);
+  EXPECT_EQ(manager->closeDB(), 0);
 }
 
 }  // namespace tovrtest

@@ -90,4 +90,17 @@ TEST_F(OperatorBaseTest, HostileErrorTextsArePrintedAndNeverReadArguments) {
   EXPECT_EQ(probe.insertCoef(&record), 0);
 }
 
+TEST_F(OperatorBaseTest, TablesAreFreedBeforeTheErrorTextIsAskedFor) {
+  createFile(0);
+  host.connection.tableCalls.clear();
+  int sequence = 0;
+  EXPECT_EQ(probe.getSequence("'", &sequence), 1);
+  const std::vector<std::string> failed = {"get_table", "free_table", "errMsg"};
+  EXPECT_EQ(host.connection.tableCalls, failed);
+  run("drop table DataInfo");
+  host.connection.tableCalls.clear();
+  EXPECT_EQ(readData(5).first, 1);
+  EXPECT_EQ(host.connection.tableCalls, failed);
+}
+
 }  // namespace tovrtest

@@ -71,4 +71,23 @@ TEST_F(ScreenTest, CellsOfOtherProgramsAreReadSafely) {
   for (const auto& [values, expected] : cases) EXPECT_EQ(query(values), expected) << values;
 }
 
+// Points of an update: prepare, the name, then top, left, bottom and right.
+TEST_F(ScreenTest, AnUpdateBindsEveryEdgeWhateverTheBindsAnswer) {
+  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
+  run("create table Screen_Info(id, screenname, top, left, bottom, right)");
+  ScreenInfoData screen;
+  screen.id = 1;
+  screen.screenname = "wall";
+  setRect(screen, {10, 20, 30, 40});
+  const char* const stored[] = {"null|20|10|40|30\n", "wall|null|10|40|30\n", "wall|20|null|40|30\n",
+                                "wall|20|10|null|30\n", "wall|20|10|40|null\n"};
+  for (int parameter = 1; parameter <= 5; ++parameter) {
+    run("delete from Screen_Info; insert into Screen_Info(id) values(1)");
+    host.points.arm(1 + parameter);
+    EXPECT_EQ(manager->updateData(&screen), 0);
+    host.points.disarm();
+    EXPECT_EQ(rows("select screenname, top, left, bottom, right from Screen_Info"), stored[parameter - 1]);
+  }
+}
+
 }  // namespace tovrtest

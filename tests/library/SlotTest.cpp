@@ -50,7 +50,7 @@ TEST_F(SlotTest, ManagerHasItsElevenOperationsInOrder) {
   CoefDataResult result;
   EXPECT_EQ(onRecord(9, &result), 4096);  // of the four, only the update refuses this record
   EXPECT_EQ(call<int>(manager, 2), 0);
-  EXPECT_EQ(call<int>(manager, 2), 21);
+  EXPECT_STREQ(call<const char*>(manager, 10), "no database file is open");
   EXPECT_FALSE((call<bool, std::string>(manager, 11, path("a.db"))));
 }
 
@@ -93,6 +93,7 @@ TEST_F(SlotTest, ConnectionHasItsTwentyThreeOperationsInOrder) {
   EXPECT_EQ(call<int>(db, 5), 1);
   EXPECT_STREQ(call<const char*>(db, 6), "near \"nonsense\": syntax error");
   EXPECT_EQ(call<int>(db, 2), 0);
+  EXPECT_STREQ(call<const char*>(db, 6), "no database file is open");
 }
 
 TEST_F(SlotTest, EncryptionHasItsEightOperationsInOrder) {

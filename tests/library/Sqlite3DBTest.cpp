@@ -16,10 +16,10 @@ class Sqlite3DBTest : public FolderTest {
                          db.bind_text(1, "a", 1, nullptr),
                          db.bind_null(1),
                          db.bind_blob(1, "a", 1, nullptr),
-                         db.step(),
-                         db.reset(),
-                         db.finalize()};
+                         db.step()};
     for (const int code : codes) EXPECT_EQ(code, 21);
+    EXPECT_EQ(db.reset(), 0);
+    EXPECT_EQ(db.finalize(), 0);
     EXPECT_TRUE(db.column_blob(0) == nullptr && db.column_text(0) == nullptr);
     EXPECT_EQ(db.column_bytes(0) + db.column_int(0) + db.column_double(0), 0);
   }
@@ -43,7 +43,7 @@ TEST_F(Sqlite3DBTest, HeaderAndLibraryAgree) {
 
 TEST_F(Sqlite3DBTest, WhileClosedEverythingAnswersAndAFailedOpenKeepsItsReason) {
   expectClosed(db);
-  EXPECT_EQ(db.close(), 21);
+  EXPECT_EQ(db.close(), 0);
   EXPECT_STREQ(db.errMsg(), "no database file is open");
   EXPECT_EQ(db.open(nullptr), 21);
   EXPECT_EQ(db.open(path("no folder/a.db").c_str()), 14);
@@ -101,6 +101,100 @@ TEST_F(Sqlite3DBTest, DestructorsOfBoundDataRunAndFullOrLockedFilesAnswerTheirCo
   EXPECT_EQ(db.exec("insert into t values(0, 0)"), 5);
   ASSERT_EQ(other.exec("rollback"), 0);
   EXPECT_EQ(db.exec("insert into t values(0, 0)"), 0);
+}
+
+TEST_F(Sqlite3DBTest, AfterCloseNothingIsLeftOfTheLastResult) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), 0);
+  EXPECT_EQ(db.exec("nonsense"), 1);
+  EXPECT_EQ(db.errCode(), 1);
+  EXPECT_EQ(db.close(), 0);
+  EXPECT_EQ(db.errCode(), 21);
+  EXPECT_STREQ(db.errMsg(), "no database file is open");
+  EXPECT_EQ(db.open(path("no folder/a.db").c_str()), 14);
+  EXPECT_EQ(db.errCode(), 14);
+  EXPECT_EQ(db.close(), 0);
+  EXPECT_EQ(db.errCode(), 21);
+  EXPECT_EQ(db.close(), 0);
+}
+
+TEST_F(Sqlite3DBTest, TablesWriteEveryOutputThatThereIs) {
+  static char cell[] = "not null";
+  static char* row[] = {cell};
+  char** cells = row;
+  int rows = 7;
+  int columns = 7;
+  const auto get = [&](const char* sql, char*** result, int* rowCount, int* columnCount) {
+    cells = row;
+    rows = columns = 7;
+    return db.get_table(sql, result, rowCount, columnCount);
+  };
+  const auto expectNothing = [&] {
+    EXPECT_EQ(cells, nullptr);
+    EXPECT_EQ(rows, 0);
+    EXPECT_EQ(columns, 0);
+    db.free_table(cells);
+  };
+  EXPECT_EQ(get("select 1", &cells, &rows, &columns), 21);
+  expectNothing();
+  ASSERT_EQ(db.open(path("a.db").c_str()), 0);
+  EXPECT_EQ(get("nonsense", &cells, &rows, &columns), 1);
+  expectNothing();
+  EXPECT_EQ(get(nullptr, &cells, &rows, &columns), 21);
+  expectNothing();
+  EXPECT_EQ(get("select 1", nullptr, &rows, &columns), 21);
+  EXPECT_EQ(rows, 0);
+  EXPECT_EQ(columns, 0);
+  EXPECT_EQ(get("select 1", &cells, nullptr, &columns), 0);
+  EXPECT_EQ(columns, 1);
+  EXPECT_STREQ(cells[1], "1");
+  db.free_table(cells);
+  EXPECT_EQ(get("select 1", &cells, &rows, nullptr), 0);
+  EXPECT_EQ(rows, 1);
+  db.free_table(cells);
+  EXPECT_EQ(get("select 1", nullptr, nullptr, nullptr), 21);
+}
+
+// The engine counts the memory of its connections and statements.
+TEST_F(Sqlite3DBTest, NothingOfAFileStaysWhenAnotherFollows) {
+  const auto useWithoutEnd = [&](const char* name) {
+    EXPECT_EQ(db.open(path(name).c_str()), 0);
+    EXPECT_EQ(setKey(db), 0);
+    EXPECT_EQ(db.exec("create table if not exists t(a); insert into t values(1)"), 0);
+    EXPECT_EQ(db.prepare_v2("select a from t", -1), 0);
+    EXPECT_EQ(db.step(), 100);
+  };
+  const auto failToOpen = [&] { EXPECT_EQ(db.open(path("no folder/a.db").c_str()), 14); };
+  const auto keyWrongly = [&] {  // with a live statement
+    EXPECT_EQ(db.open(path("a.db").c_str()), 0);
+    EXPECT_EQ(db.prepare_v2("select 1", -1), 0);
+    EXPECT_EQ(db.step(), 100);
+    EXPECT_EQ(db.setKey("wrong", 5), 0);
+    EXPECT_EQ(db.exec("select * from t"), 26);
+  };
+  const std::pair<const char*, std::function<void()>> ways[] = {
+      {"closed", [&] { useWithoutEnd("a.db"); }},
+      {"followed by another", [&] { useWithoutEnd("a.db"), useWithoutEnd("b.db"); }},
+      {"followed by one that cannot be opened", [&] { useWithoutEnd("a.db"), failToOpen(); }},
+      {"that cannot be opened, followed by another", [&] { failToOpen(), useWithoutEnd("a.db"); }},
+      {"keyed wrongly", keyWrongly}};
+  useWithoutEnd("a.db");  // what the engine keeps for good, it has then
+  ASSERT_EQ(db.close(), 0);
+  const sqlite3_int64 before = sqlite3_memory_used();
+  for (const auto& [name, way] : ways) {
+    way();
+    EXPECT_EQ(db.close(), 0) << name;
+    EXPECT_EQ(sqlite3_memory_used(), before) << "a file " << name;
+  }
+}
+
+TEST_F(Sqlite3DBTest, AFailedStatementDoesNotHideWhyTheNextIsRefused) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), 0);
+  ASSERT_EQ(db.exec("create table t(a not null)"), 0);
+  ASSERT_EQ(db.prepare_v2("insert into t values(null)", -1), 0);
+  EXPECT_EQ(db.step(), 19);
+  EXPECT_EQ(db.prepare_v2("nonsense", -1), 1);
+  EXPECT_EQ(db.errCode(), 1);
+  EXPECT_STREQ(db.errMsg(), "near \"nonsense\": syntax error");
 }
 
 }  // namespace tovrtest
