@@ -26,19 +26,29 @@ class CoefFlows {
  public:
   explicit CoefFlows(const CoefOperators& operators) : operators_(operators) {}
 
-  // Writes the record's block and placement; sets the record's id (of an area that is taken over), screenid and
-  // coefid to what was found or made. 4109, 4110 and 4111: the record does not say enough. 4116: no screen.
-  int insertByRectangle(CoefData& record);
-  int insertByName(CoefData& record);       // makes the screen when there is none of that name
-  int updateByRectangle(CoefData& record);  // 4113: no such area
-  int updateByName(CoefData& record);       // 4112: no such screen; 4113: no such area; moves the screen's rectangle
+  // `dbtype`: the database's type. Where that cannot be read (2): 4111; where it is one that places no areas: 0,
+  // nothing happens. 4109, 4110 and 4111: the record does not say enough.
+
+  // Write the record's block and placement; set the record's id (of an area that is taken over), screenid and coefid to
+  // what was found or made. insert, by rectangle: 4116 where no screen holds it; by name: makes the missing screen.
+  // update, by rectangle: 4116 where it is no screen's; by name: moves the screen's rectangle, 4112 where there is none
+  // of that name. Both: 4113 where there is no such area.
+  int insert(CoefData& record, int dbtype);
+  int update(CoefData& record, int dbtype);
 
   // Gives the record the cells of its rectangle, in a new array that the caller owns, and the area's identity.
   // Unchanged on failure. 4112, 4113: nothing holds the rectangle; 4109, 4110: the cut-out fails.
-  int queryByRectangle(CoefData& record);
-  int queryByName(CoefData& record);
+  int query(CoefData& record, int dbtype);
 
  private:
+  int insertByRectangle(CoefData& record, const std::vector<ScreenInfoData>& screens);
+  int insertByName(CoefData& record, const std::vector<ScreenInfoData>& screens);
+  int updateByRectangle(CoefData& record, const std::vector<ScreenInfoData>& screens);
+  int updateByName(CoefData& record, const std::vector<ScreenInfoData>& screens);
+  int queryByRectangle(CoefData& record, const std::vector<ScreenInfoData>& screens);
+  int queryByName(CoefData& record, const std::vector<ScreenInfoData>& screens);
+  int updateArea(CoefData& record, int screenid);
+  int queryArea(CoefData& record, int screenid);
   int takeOver(CoefData& record, const CoefData& area, int screenid);
   int addArea(CoefData& record, int screenid);
   int addScreenAndArea(CoefData& record);

@@ -17,8 +17,8 @@
 
 namespace tovr {
 
-// The length prefix and the payload, enciphered. False, with `out` untouched, where the service fails, for null data with
-// a length, and for a payload of 2 GiB or more.
+// The length prefix and the payload, enciphered. False, with `out` untouched, where the service fails, for null data
+// with a length, and for a payload of 2 GiB or more.
 bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t length, IEncryption::Bytes& out);
 
 // The payload of a stored blob. False, with `out` untouched, where it does not decipher to a whole frame.

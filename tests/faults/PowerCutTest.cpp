@@ -75,7 +75,7 @@ class PowerCutTest : public DatabaseTest {
   }
 
   void patch(const Rect& rect) {
-    Bytes bytes = read(rect).second;
+    Bytes bytes = cellsAt(rect);
     const Bytes cells = pattern(600, ++seed_);
     std::copy(cells.begin(), cells.end(), bytes.begin() + 1000);
     CoefData record = coef(rect, bytes, kCellBytes);
@@ -83,15 +83,19 @@ class PowerCutTest : public DatabaseTest {
   }
 
   void remove(const std::string& which) {
-    const std::string block = rows("select coefid from Coef_Info where " + which);
+    const std::string block = value("select coefid from Coef_Info where " + which);
     run("delete from Coef_Info where " + which);
     run("delete from Coef where id = " + block);
   }
 
-  std::string content() {
-    return rows("select quote(name), quote(seq) from sqlite_sequence") +
-           rows("select id, quote(data) from Coef order by id") +
-           rows("select id, coefid, coeftype, left, top, right, bottom from Coef_Info order by id");
+  Rows content() {
+    Rows all = rows("select quote(name), quote(seq) from sqlite_sequence");
+    for (const char* sql : {"select id, quote(data) from Coef order by id",
+                            "select id, coefid, coeftype, left, top, right, bottom from Coef_Info order by id"}) {
+      const Rows more = rows(sql);
+      all.insert(all.end(), more.begin(), more.end());
+    }
+    return all;
   }
 
   void change(const std::function<void()>& act) {
@@ -100,7 +104,7 @@ class PowerCutTest : public DatabaseTest {
     open();
     run("BEGIN IMMEDIATE");
     act();
-    const std::string after = content();
+    const Rows after = content();
     run("COMMIT");
     vfs_.beforeSync = nullptr;
     std::set<DiskImage> committed;
@@ -165,7 +169,7 @@ class PowerCutTest : public DatabaseTest {
 
   PowerCutVfs vfs_;
   std::string synchronous_ = "OFF";
-  std::vector<std::string> history_;  // the contents of the file, change by change
+  std::vector<Rows> history_;  // the contents of the file, change by change
   std::mt19937 random_{20261123};
   unsigned int seed_ = 0;
   Tally tally_;

@@ -329,4 +329,12 @@ TEST_F(FailedCoefQueryTest, DoesNotHappenWhereThePlacementHasLostItsBlock) {
   EXPECT_EQ(cellsAt({0, 0, 0, 0}), Bytes{}) << "no block: its cells have no bytes";
 }
 
+TEST_F(CoefFlowTest, RectanglesWithoutCellsAreReadAllTheSame) {
+  createFile(kByRectangle);
+  ASSERT_EQ(addScreen("", {-9, 0, 9, 9}), kOk);
+  ASSERT_EQ(insert(block({-3, 0, 3, 3})), kOk);
+  EXPECT_EQ(cellsAt({2, 0, 1, 3}), Bytes{}) << "inverted by one cell";
+  EXPECT_EQ(cellsAt({0, 0, 1, 0}), Bytes(4, 0)) << "of an area that reaches from negative to positive";
+}
+
 }  // namespace tovrtest

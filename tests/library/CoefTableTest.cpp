@@ -179,4 +179,16 @@ TEST_F(CoefTableTest, ClearingTakesPlacementsBeforeBlocksAndRestartsTheKeys) {
   EXPECT_EQ(storedAreas().at(0).coefid, 1);
 }
 
+TEST_F(CoefTableTest, ABlockThatDoesNotDecipherLeavesTheBufferButForTheCellWidth) {
+  Bytes cells = pattern(21, 1);
+  const CoefData record = coef({0, 0, 1, 1}, cells, 7);
+  ASSERT_EQ(table.insertCoef(&record), kOk);
+  run("update Coef set data = x'0102030405060708'");
+  CoefBuffer read{77, cells.data(), 66};
+  EXPECT_EQ(table.selectCoef(1, &read), kCipherFailed);
+  EXPECT_EQ(read.databitwidth, 7);
+  EXPECT_EQ(read.data, cells.data());
+  EXPECT_EQ(read.datasize, 66);
+}
+
 }  // namespace tovrtest

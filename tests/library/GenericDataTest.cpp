@@ -115,4 +115,15 @@ TEST_F(DataQueryTest, ASizeWithoutBytesIsNotStoredAndDoesNotHinderTheNextCall) {
   EXPECT_EQ(readData(5).bytes, Bytes{4});
 }
 
+TEST_F(GenericDataTest, ABlobThatDoesNotDecipherLeavesTheFileToOtherPrograms) {
+  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
+  ASSERT_EQ(insertData(5, pattern(9, 1)), 0);
+  run("update Data set data = x'00'");
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(readData(5).code, kCipherFailed); }), "");
+  Sqlite3DB other;
+  ASSERT_EQ(other.open(path("file.db").c_str()), 0);
+  ASSERT_EQ(other.setKey(kRawKey, sizeof kRawKey - 1), 0);
+  EXPECT_EQ(other.exec("insert into Data(data, version) values(x'01', '')"), 0);
+}
+
 }  // namespace tovrtest

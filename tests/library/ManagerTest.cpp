@@ -113,7 +113,7 @@ TEST_F(ManagerTest, CheckWantsTheBuiltInKeyAndThePlacementTable) {
   ASSERT_EQ(manager->openDB(path("a.db"), "brimstoquelvard"), kOk);
   ASSERT_EQ(manager->createTables(), kOk);
   EXPECT_TRUE(manager->checkDB(path("a.db")));
-  EXPECT_EQ(manager->closeDB(), SQLITE_MISUSE) << "the check has closed the file, statement and all";
+  EXPECT_STREQ(manager->errMsg(), "no database file is open") << "the check has closed the file, statement and all";
 }
 
 class WrongKeyTest : public DatabaseTest {
@@ -148,6 +148,14 @@ TEST_F(WrongKeyTest, LeavesTheFileAlone) {
   EXPECT_EQ(contentOf(path("file.db")), before);
   ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), kOk);
   EXPECT_EQ(manager->getDBType(), kByRectangle);
+}
+
+TEST_F(ManagerTest, ClosingTwiceAndClosingWhatCouldNotBeOpenedSucceeds) {
+  ASSERT_EQ(manager->openDB(path("a.db"), kRawKey), kOk);
+  EXPECT_EQ(manager->closeDB(), kOk);
+  EXPECT_EQ(manager->closeDB(), kOk);
+  EXPECT_EQ(manager->openDB(path("no folder/a.db"), kRawKey), SQLITE_CANTOPEN);
+  EXPECT_EQ(manager->closeDB(), kOk);
 }
 
 }  // namespace tovrtest

@@ -91,4 +91,17 @@ TEST_F(OperatorBaseTest, AnErrorTextOfTheFileIsPrintedLikeAnyOther) {
   EXPECT_EQ(probe.insertCoef(&record), kOk);
 }
 
+TEST_F(OperatorBaseTest, TablesAreFreedBeforeTheErrorTextIsAskedFor) {
+  createFile(0);
+  host.connection.tableCalls.clear();
+  int sequence = 0;
+  EXPECT_EQ(probe.getSequence("'", &sequence), SQLITE_ERROR);
+  const std::vector<std::string> failed = {"get_table", "free_table", "errMsg"};
+  EXPECT_EQ(host.connection.tableCalls, failed);
+  run("drop table DataInfo");
+  host.connection.tableCalls.clear();
+  EXPECT_EQ(readData(5).code, SQLITE_ERROR);
+  EXPECT_EQ(host.connection.tableCalls, failed);
+}
+
 }  // namespace tovrtest

@@ -75,4 +75,18 @@ TEST_F(RegionCropTest, InvertedRectanglesHaveTheSizeOfTheirProduct) {
   EXPECT_EQ(cells, Bytes(4));
 }
 
+TEST_F(RegionCropTest, APlanTellsWhereTheCellsLie) {
+  CropPlan plan;
+  ASSERT_EQ(planCrop({10, 20, 19, 29}, {13, 22, 15, 24}, 2, 200, plan), kOk);
+  EXPECT_EQ(plan.bytes, 18);
+  EXPECT_EQ(plan.rows, 3);
+  EXPECT_EQ(plan.rowBytes, 6);
+  EXPECT_EQ(plan.first, 46);
+  EXPECT_EQ(plan.stride, 20);
+  ASSERT_EQ(planCrop({10, 20, 19, 29}, {13, 22, 12, 24}, 2, 200, plan), kOk);
+  EXPECT_EQ(plan.bytes, 0);
+  EXPECT_EQ(plan.rows, 0);
+  EXPECT_EQ(plan.first, 0);
+}
+
 }  // namespace tovrtest

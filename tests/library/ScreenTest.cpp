@@ -123,4 +123,23 @@ TEST_F(ForeignScreenTest, WhatIsNoNumberIsThrownWithTheSameTextOnEveryPlatform) 
   EXPECT_EQ(queryRow("1, 1, 'well again', 5, 0, 0, 0").top, 5);
 }
 
+// Points of an update: prepare, the name, then top, left, bottom and right.
+TEST_F(ScreenTest, AnUpdateBindsEveryEdgeWhateverTheBindsAnswer) {
+  run("PRAGMA foreign_keys = OFF; drop table Screen_Info; create table Screen_Info(id, screenname, top, left, bottom, "
+      "right)");
+  ScreenInfoData screen;
+  screen.id = 1;
+  screen.screenname = "wall";
+  setRect(screen, {10, 20, 30, 40});
+  for (std::size_t failing = 0; failing < 5; ++failing) {
+    run("delete from Screen_Info; insert into Screen_Info(id) values(1)");
+    host.points.arm(2 + static_cast<int>(failing));
+    EXPECT_EQ(manager->updateData(&screen), kOk);
+    host.points.disarm();
+    Rows stored = {{"wall", "20", "10", "40", "30"}};
+    stored[0][failing] = "null";
+    EXPECT_EQ(rows("select screenname, top, left, bottom, right from Screen_Info"), stored);
+  }
+}
+
 }  // namespace tovrtest
