@@ -37,7 +37,7 @@ int readScreens(DataTableOperateBase& list, Screens& screens) {
 }
 
 // What comes before every flow: a look at the record, and all screens. The flow's result where it ends here.
-std::optional<int> begin(const CoefData& record, int dbtype, DataTableOperateBase& list, Screens& screens) {
+std::optional<int> beginFlow(const CoefData& record, int dbtype, DataTableOperateBase& list, Screens& screens) {
   if (dbtype == kUnknownDatabaseType) return kTypeNotGiven;
   if (dbtype != kByRectangle && dbtype != kByName) return kOk;
   int result = checkRecord(record, dbtype);
@@ -109,19 +109,19 @@ bool readRegion(EncipheredBlob& block, const CropPlan& plan, unsigned char* cell
 
 int CoefFlows::insert(CoefData& record, int dbtype) {
   Screens screens;
-  if (const auto ended = begin(record, dbtype, operators_.screenList, screens)) return *ended;
+  if (const auto ended = beginFlow(record, dbtype, operators_.screenList, screens)) return *ended;
   return dbtype == kByName ? insertByName(record, screens) : insertByRectangle(record, screens);
 }
 
 int CoefFlows::update(CoefData& record, int dbtype) {
   Screens screens;
-  if (const auto ended = begin(record, dbtype, operators_.screenList, screens)) return *ended;
+  if (const auto ended = beginFlow(record, dbtype, operators_.screenList, screens)) return *ended;
   return dbtype == kByName ? updateByName(record, screens) : updateByRectangle(record, screens);
 }
 
 int CoefFlows::query(CoefData& record, int dbtype) {
   Screens screens;
-  if (const auto ended = begin(record, dbtype, operators_.screens, screens)) return *ended;
+  if (const auto ended = beginFlow(record, dbtype, operators_.screens, screens)) return *ended;
   return dbtype == kByName ? queryByName(record, screens) : queryByRectangle(record, screens);
 }
 

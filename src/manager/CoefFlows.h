@@ -26,13 +26,14 @@ class CoefFlows {
  public:
   explicit CoefFlows(const CoefOperators& operators) : operators_(operators) {}
 
-  // `dbtype`: the database's type. Where that cannot be read (2): 4111; where it is one that places no areas: 0,
-  // nothing happens. 4109, 4110 and 4111: the record does not say enough.
+  // `dbtype` is the database's type: 0 or 1; with 2, which means unknown, the result is 4111; with any other nothing
+  // happens and it is 0. A record that does not say enough gives 4109, 4110 or 4111.
 
-  // Write the record's block and placement; set the record's id (of an area that is taken over), screenid and coefid to
-  // what was found or made. insert, by rectangle: 4116 where no screen holds it; by name: makes the missing screen.
-  // update, by rectangle: 4116 where it is no screen's; by name: moves the screen's rectangle, 4112 where there is none
-  // of that name. Both: 4113 where there is no such area.
+  // Write the record's block and placement, and set its id (of an area that is taken over), screenid and coefid to what
+  // was found or made.
+  // - insert: by rectangle 4116 where no screen holds it; by name the missing screen is made.
+  // - update: by rectangle 4116 where it is no screen's; by name 4112 where there is no such screen, else the screen's
+  //   rectangle becomes the record's. 4113 where the screen has no area of the type.
   int insert(CoefData& record, int dbtype);
   int update(CoefData& record, int dbtype);
 
