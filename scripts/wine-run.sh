@@ -14,11 +14,11 @@ flock --shared 8
 # Wine's own processes start beforehand, once for all programs that run side by side: they would hold the output of
 # the program that started them open.
 startServer() {
-  local code=0
-  wineserver64 --persistent || code=$?
+  local code=0 log=$cache/wineserver.log
+  wineserver64 --persistent >"$log" 2>&1 || code=$?
   [ $code -ne 2 ] || return 0  # one is running
-  [ $code -eq 0 ] || return $code
-  quietly runWine wineboot --init
+  [ $code -eq 0 ] || { cat "$log" >&2; return $code; }
+  quietly runWine wineboot --init || { code=$?; wineserver64 --kill; return $code; }
 }
 (
   flock 9
