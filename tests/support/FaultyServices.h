@@ -6,7 +6,7 @@
 
 #include "crypto/IEncryption.h"
 #include "storage/IDBOperate.h"
-#include "tests/faults/FaultPoints.h"
+#include "tests/support/FaultPoints.h"
 
 namespace tovrtest {
 
@@ -74,7 +74,8 @@ class FaultyConnection final : public tovr::IDBOperate {
   bool stepFailed_ = false;
 };
 
-// Every enciphering and deciphering of a buffer is a point named "cipher". A service of the host's own: one call a blob.
+// Every enciphering and deciphering of a buffer is a point named "cipher". A service of the host's own: one call a
+// blob.
 class FaultyEncryption final : public tovr::IEncryption {
  public:
   using Text = std::string;
