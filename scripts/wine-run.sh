@@ -8,7 +8,7 @@ source "$(dirname "$0")/failures.sh"
 source "$(dirname "$0")/wine.sh"
 
 # The server is not ended while a program runs, and none starts while it ends.
-exec 8>"$cache/wine-use.lock"
+exec 8>"${cache:?}/wine-use.lock"
 flock --shared 8
 
 # Wine's own processes start beforehand, once for all programs that run side by side: they would hold the output of
