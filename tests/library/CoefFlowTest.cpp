@@ -41,10 +41,11 @@ class CoefFlowTest : public DatabaseTest {
   void expectRefused(int code, const Rect& rect, const std::string& screen, int type) {
     CoefData record = coef(rect, cells, 1, screen);
     record.coeftype = type;
+    host.connection.statements.clear();
     EXPECT_EQ(manager->queryData(&record), code) << testing::PrintToString(rect) << screen;
     EXPECT_EQ(manager->insertData(&record), code) << testing::PrintToString(rect) << screen;
     EXPECT_EQ(manager->updateData(&record), code) << testing::PrintToString(rect) << screen;
-    EXPECT_EQ(lastStatement(), "select dbtype from DB_Info");
+    EXPECT_EQ(host.connection.statements, std::vector<std::string>(3, "select dbtype from DB_Info"));
   }
 
   Bytes cells;
