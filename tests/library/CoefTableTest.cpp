@@ -87,7 +87,7 @@ TEST_F(CoefTableTest, AnUpdateRewritesThePlacementAndTheTimeOfItsLastChange) {
   EXPECT_EQ(countOf("Coef_Info"), 1);
 }
 
-TEST_F(CoefTableTest, PlacementsWithoutLayersOrOnUnknownScreens) {
+TEST_F(CoefTableTest, WithoutLayersTheListIsNullAndAnUnknownScreenIsRefused) {
   CoefData record = placement();
   record.multilayerlist.clear();
   EXPECT_EQ(table.insert(&record), kOk);
