@@ -47,6 +47,7 @@ TEST_F(RegionCropTest, CellsAreCopiedFromWhereverTheStoredRectangleStarts) {
 }
 
 TEST_F(RegionCropTest, MoreThanTheBlockHoldsIsRefusedHoweverLargeItIs) {
+  EXPECT_EQ(crop(kPositive, {0, 0, 4, 0}, 1), kBlockTooSmall) << "one byte too many";
   EXPECT_EQ(crop(kEverywhere, kEverywhere, 1), kBlockTooSmall) << "2^64 bytes";
   EXPECT_EQ(crop(kEverywhere, {0, 0, 65535, 65535}, 1), kBlockTooSmall) << "2^32 bytes: 0 in 32 bits";
   EXPECT_EQ(crop(kEverywhere, {0, 0, 0, 0}, INT_MAX), kBlockTooSmall);

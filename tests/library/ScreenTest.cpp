@@ -51,10 +51,10 @@ TEST_F(ScreenTest, AnUpdateRewritesNameAndEdgesOfItsKey) {
   changed.screenname = "moved";
   setRect(changed, {10, 20, 30, 40});
   EXPECT_EQ(manager->updateData(&changed), kOk);
-  EXPECT_EQ(storedScreens()[1].screenname, "moved");
-  EXPECT_EQ(storedScreens()[1].dbid, 1) << "not rewritten";
-  EXPECT_EQ(rectOf(storedScreens()[1]), (Rect{10, 20, 30, 40}));
-  EXPECT_EQ(rectOf(storedScreens()[0]), kFirst);
+  EXPECT_EQ(screens()[1].screenname, "moved");
+  EXPECT_EQ(screens()[1].dbid, 1) << "not rewritten";
+  EXPECT_EQ(rectOf(screens()[1]), (Rect{10, 20, 30, 40}));
+  EXPECT_EQ(rectOf(screens()[0]), kFirst);
   changed.id = -3;
   EXPECT_EQ(manager->updateData(&changed), kOk) << "there is no such row";
   EXPECT_EQ(lastStatement(),
