@@ -99,10 +99,10 @@ ScreenInfoData screenFor(const CoefData& record) {
   return screen;
 }
 
-bool readRegion(EncipheredBlob& block, const CropPlan& plan, unsigned char* cells) {
-  if (plan.rows == 0) return true;
-  return block.readRows(static_cast<std::size_t>(plan.first), static_cast<std::size_t>(plan.rowBytes),
-                        static_cast<std::size_t>(plan.stride), static_cast<std::size_t>(plan.rows), cells);
+void readRegion(EncipheredBlob& block, const CropPlan& plan, unsigned char* cells) {
+  if (plan.rows == 0) return;
+  block.readRows(static_cast<std::size_t>(plan.first), static_cast<std::size_t>(plan.rowBytes),
+                 static_cast<std::size_t>(plan.stride), static_cast<std::size_t>(plan.rows), cells);
 }
 
 }  // namespace
@@ -235,9 +235,9 @@ int CoefFlows::readArea(CoefData& record, const CoefData& area) {
   const int result = operators_.coefs.visitCoef(area.coefid, [&](int cellBytes, EncipheredBlob& block) {
     region.databitwidth = cellBytes;
     cropped = planCrop(stored, requested, cellBytes, static_cast<std::int32_t>(block.payloadSize()), plan);
-    if (cropped != kOk || plan.bytes < 0) return true;  // told below, once the row is done with
+    if (cropped != kOk || plan.bytes < 0) return;  // told below, once the row is done with
     cells = allocateRegion(plan);
-    return readRegion(block, plan, cells.get());
+    readRegion(block, plan, cells.get());
   });
   if (result != kOk && cells != nullptr) wipe(cells.get(), static_cast<std::size_t>(plan.bytes));
   if (result != kOk) return result;

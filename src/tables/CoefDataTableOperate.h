@@ -31,9 +31,9 @@ class CoefDataTableOperate : public DataTableOperateBase {
   // written, when the block cannot be deciphered. No flow calls it: they read by visitCoef, which is tested against it.
   int selectCoef(int id, CoefBuffer* out);
 
-  // The same row, read in parts: hands its cell width and its block, still enciphered, to `use`, which answers whether
-  // what it read of the block could be deciphered. The result is selectCoef's.
-  using BlockReader = std::function<bool(int databitwidth, EncipheredBlob& block)>;
+  // The same row, read in parts: hands its cell width and its block, still enciphered, to `use`. The result is
+  // selectCoef's.
+  using BlockReader = std::function<void(int databitwidth, EncipheredBlob& block)>;
   int visitCoef(int id, const BlockReader& use);
 
  private:
