@@ -194,7 +194,7 @@ TEST_F(PowerCutTest, UndoesAtMostTheLastChangeWhereItIsNot) {
 }
 
 TEST_F(PowerCutTest, LeavesDamagedFilesWhereNothingIsFlushed) {
-  const Tally tally = cutDuringChanges("OFF", 1);
+  const Tally tally = cutDuringChanges("OFF", 2);
   EXPECT_GT(tally.damaged, 0);
   EXPECT_GT(tally.mixed, 0);
   EXPECT_GT(tally.undoneFurther, 0);
