@@ -10,6 +10,7 @@ void addBackupCommand(CommandGroup& program);
 void addCheckCommand(CommandGroup& program);
 void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
 void addCoefCommands(CommandGroup& program);    // coef put, get, list, stats
+void addCoefPutCommand(CommandGroup& coef);
 void addCoefStatsCommand(CommandGroup& coef);
 void addCreateCommand(CommandGroup& program);
 void addDataCommands(CommandGroup& program);  // data put, get, list

@@ -1,6 +1,6 @@
 #include "tool/database/EngineError.h"
 
-#include "storage/StatusCodes.h"
+#include "host/StatusText.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -27,8 +27,8 @@ void requireOk(tovr::IDBOperate& connection, int code, const std::string& where,
     throw ToolError(kBusy, begin + std::to_string(code) +
                                ": another program is using the file; try again, or wait longer with --wait SECONDS");
   }
-  throw ToolError(kRefused, begin + std::to_string(code) + ": " + tovr::statusText(code) + wordsOf(connection, code) +
-                                (advice.empty() ? "" : "; " + advice));
+  throw ToolError(kRefused, begin + std::to_string(code) + ": " + tovrhost::statusText(code) +
+                                wordsOf(connection, code) + (advice.empty() ? "" : "; " + advice));
 }
 
 }  // namespace tovrtool

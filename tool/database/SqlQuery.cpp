@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <memory>
 
-#include "storage/StatusCodes.h"
 #include "tool/database/EngineError.h"
 
 namespace tovrtool {

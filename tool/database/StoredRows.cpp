@@ -3,7 +3,6 @@
 #include <climits>
 #include <cstdlib>
 
-#include "storage/StatusCodes.h"
 #include "tool/database/EngineError.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/system/ToolError.h"
