@@ -20,10 +20,29 @@ int attempt(const Attempt& made, IDBManager& manager) {
   }
 }
 
+std::shared_ptr<DataBase> addedScreen() {
+  auto screen = std::make_shared<ScreenInfoData>();
+  screen->dbid = 1;
+  screen->screenname = "added";
+  return screen;
+}
+
+std::shared_ptr<DataBase> targetScreen() {
+  auto screen = std::make_shared<ScreenInfoData>();
+  screen->id = 2;
+  screen->screenname = "target";
+  setRect(*screen, kTarget);
+  return screen;
+}
+
+// Of generic data or of a measurement.
 template <class Record>
-std::shared_ptr<Record> recordWith(const std::function<void(Record&)>& fill) {
+std::shared_ptr<Record> recordOver(Bytes& bytes) {
   auto record = std::make_shared<Record>();
-  fill(*record);
+  record->datatype = 1;
+  record->version = "new";
+  record->data = bytes.data();
+  record->dataSize = static_cast<std::uint32_t>(bytes.size());
   return record;
 }
 
@@ -218,7 +237,7 @@ Operation OperationSweep::readingAWindow() {
   const auto at = [this](std::ptrdiff_t cell) { return kept_.begin() + cell * 2; };
   Bytes wanted(at(5), at(7));
   wanted.insert(wanted.end(), at(9), at(11));
-  return {"queryData, a window", [this, wanted] {
+  return {"queryData, a window", [wanted] {
             Bytes none;
             auto record = std::make_shared<CoefData>(coef({1, 1, 2, 2}, none, 0, "kept"));
             return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); },
@@ -237,7 +256,8 @@ Operation OperationSweep::readingAWindow() {
 
 Operation OperationSweep::readingGenericData() {
   return {"queryData of generic data", [this] {
-            auto record = recordWith<ConfigData>([](auto& r) { r.datatype = 1; });
+            auto record = std::make_shared<ConfigData>();
+            record->datatype = 1;
             return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); },
                            [this, record](int code) {
                              const std::unique_ptr<unsigned char[]> bytes(record->data);
@@ -249,30 +269,17 @@ Operation OperationSweep::readingGenericData() {
 
 std::vector<Operation> OperationSweep::tableOperations() {
   const Call insert = &IDBManager::insertData;
-  std::vector<Operation> made;
-  made.push_back(
-      changing(onRecord("insertData of a screen", insert,
-                        [] { return recordWith<ScreenInfoData>([](auto& r) { r.dbid = 1, r.screenname = "added"; }); }),
-               "select count(*) > 0 from Screen_Info where screenname = 'added'", 1));
-  made.push_back(changing(onRecord("updateData of a screen", &IDBManager::updateData,
-                                   [] {
-                                     return recordWith<ScreenInfoData>(
-                                         [](auto& r) { r.id = 2, r.screenname = "target", setRect(r, kTarget); });
-                                   }),
-                          "select count(*) from Screen_Info where screenname = 'target'", 1));
-  made.push_back(changing(onRecord("insertData of generic data", insert,
-                                   [this] {
-                                     return recordWith<ConfigData>([this](auto& r) {
-                                       r.datatype = 1, r.version = "new", r.data = new_.data(), r.dataSize = 32;
-                                     });
-                                   }),
-                          "select count(*) > 0 from Data where version = 'new'", 1));
-  made.push_back(onRecord("insertData of a measurement", insert, [this] {
-    return recordWith<LumChromaData>([this](auto& r) { r.data = new_.data(), r.dataSize = 32; });
-  }));
+  std::vector<Operation> made = {
+      changing(onRecord("insertData of a screen", insert, addedScreen),
+               "select count(*) > 0 from Screen_Info where screenname = 'added'", 1),
+      changing(onRecord("updateData of a screen", &IDBManager::updateData, targetScreen),
+               "select count(*) from Screen_Info where screenname = 'target'", 1),
+      changing(onRecord("insertData of generic data", insert, [this] { return recordOver<ConfigData>(new_); }),
+               "select count(*) > 0 from Data where version = 'new'", 1),
+      changing(onRecord("insertData of a description", insert, [] { return std::make_shared<DBInfo>(); }),
+               "select count(*) > 1 from DB_Info", 1),
+      onRecord("insertData of a measurement", insert, [this] { return recordOver<LumChromaData>(new_); })};
   made.back().success = SQLITE_CONSTRAINT;  // its placement is refused
-  made.push_back(changing(onRecord("insertData of a description", insert, [] { return std::make_shared<DBInfo>(); }),
-                          "select count(*) > 1 from DB_Info", 1));
   for (const int type : {kDBInfo, kCoefDataResult, kScreenInfoDataResult}) {
     made.push_back(onRecord("queryData of type " + std::to_string(type), &IDBManager::queryData,
                             [=] { return Record(manager->createData(type)); }));

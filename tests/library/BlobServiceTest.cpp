@@ -1,7 +1,6 @@
 // Whatever service the host keeps under "Encryption": blobs are stored and read through it alone.
 #include <utility>
 
-#include "storage/BlobCipher.h"
 #include "tests/support/Fixture.h"
 
 namespace tovrtest {
@@ -100,21 +99,6 @@ TEST_F(BlobServiceTest, AResultOfTheRightSizeDoesNotHideThatTheCipherFailed) {
   mask.fails = false;
   EXPECT_TRUE(cellsAt(row) == kept);
   EXPECT_EQ(countOf("Data"), 0);
-}
-
-// Reading them in parts is fuzz/WindowFuzz's to test.
-TEST_F(BlobServiceTest, ThePiecesThatTheLibrarysOwnCipherGetsChainToOneCipherText) {
-  for (const std::uint32_t size : {0U, 1U, 4U, 65531U, 65532U, 65533U, 131068U, 200001U}) {
-    const Bytes payload = pattern(size, 3);
-    Bytes framed = payload;
-    framed.insert(framed.begin(), {static_cast<unsigned char>(size), static_cast<unsigned char>(size >> 8),
-                                   static_cast<unsigned char>(size >> 16), 0});
-    Bytes whole;
-    Bytes pieces;
-    ASSERT_TRUE(host.cipher.encrypt("kelptarn", "kelptarn", framed, whole));
-    ASSERT_TRUE(encipherPayload(host.cipher, payload.data(), size, pieces));
-    EXPECT_TRUE(pieces == whole) << size << " bytes";
-  }
 }
 
 TEST_F(BlobServiceTest, OnlyObjectsOfThisLibraryCountAsItsOwn) {

@@ -44,15 +44,10 @@ TEST_F(CoefTableTest, APlacementIsWrittenFieldByField) {
             "insert into Coef_Info(screenid, coefid, coeftablename, coeftype, areaid, top, left, bottom,              "
             "right, multilayersize, multilayerlist, ctime, mtime) values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
             "datetime('now','localtime'), datetime('now','localtime'))");
-  const CoefData stored = storedAreas().at(0);
-  EXPECT_EQ(stored.screenid, 1);
-  EXPECT_EQ(stored.coefid, 1);
-  EXPECT_EQ(stored.coeftablename, "Coef");
-  EXPECT_EQ(stored.coeftype, 1);
-  EXPECT_EQ(stored.areaid, 80);
-  EXPECT_EQ(rectOf(stored), (Rect{11, 12, 13, 14}));
-  EXPECT_EQ(stored.multilayersize, 5);
-  EXPECT_EQ(value("select hex(multilayerlist) from Coef_Info"), "01000000FEFFFFFF04030201");
+  EXPECT_EQ(rows("select screenid, coefid, coeftablename, coeftype, areaid, left, top, right, bottom from Coef_Info"),
+            (Rows{{"1", "1", "Coef", "1", "80", "11", "12", "13", "14"}}));
+  EXPECT_EQ(rows("select multilayersize, hex(multilayerlist) from Coef_Info"),
+            (Rows{{"5", "01000000FEFFFFFF04030201"}}));
 }
 
 TEST_F(CoefTableTest, APlacementReadBackHasItsAreaNumberInTheIndex) {
@@ -81,10 +76,10 @@ TEST_F(CoefTableTest, AnUpdateRewritesThePlacementAndTheTimeOfItsLastChange) {
   EXPECT_EQ(lastStatement(),
             "update Coef_Info set screenid=?,coefid=?,coeftablename=?,coeftype=?,areaid=?,top=?,left=?,bottom=?,right=?"
             ",multilayersize=?,multilayerlist=?,mtime=datetime('now','localtime') where id=1");
-  EXPECT_EQ(storedAreas().at(0).areaid, -1) << "written back as it was read, it loses its area number";
-  EXPECT_EQ(rectOf(storedAreas().at(0)), (Rect{11, 12, 13, 14}));
-  EXPECT_EQ(storedAreas().at(0).multilayersize, 0);
-  EXPECT_EQ(value("select hex(multilayerlist) from Coef_Info"), "01000000FEFFFFFF04030201");
+  EXPECT_EQ(number("select areaid from Coef_Info"), -1) << "written back as it was read, it loses its area number";
+  EXPECT_EQ(rows("select left, top, right, bottom from Coef_Info"), (Rows{{"11", "12", "13", "14"}}));
+  EXPECT_EQ(rows("select multilayersize, hex(multilayerlist) from Coef_Info"),
+            (Rows{{"0", "01000000FEFFFFFF04030201"}}));
   EXPECT_EQ(value("select ctime from Coef_Info"), "old");
   EXPECT_NE(value("select mtime from Coef_Info"), "old");
   read.id = 2;
@@ -92,7 +87,7 @@ TEST_F(CoefTableTest, AnUpdateRewritesThePlacementAndTheTimeOfItsLastChange) {
   EXPECT_EQ(countOf("Coef_Info"), 1);
 }
 
-TEST_F(CoefTableTest, PlacementsWithoutLayersOrOnUnknownScreens) {
+TEST_F(CoefTableTest, WithoutLayersTheListIsNullAndAnUnknownScreenIsRefused) {
   CoefData record = placement();
   record.multilayerlist.clear();
   EXPECT_EQ(table.insert(&record), kOk);
@@ -126,7 +121,7 @@ TEST_F(CoefTableTest, LayerListsOfOtherProgramsAreTakenInWholeElements) {
   }
 }
 
-TEST_F(CoefTableTest, BlocksAreStoredRewrittenAndReadBack) {
+TEST_F(CoefTableTest, BlocksAreStoredRewrittenAndReadBackAndMissingOnesLeaveTheBufferAlone) {
   Bytes cells = pattern(21, 1);
   CoefData record = coef({0, 0, 1, 1}, cells, 7);
   record.version = "v1";
@@ -142,9 +137,6 @@ TEST_F(CoefTableTest, BlocksAreStoredRewrittenAndReadBack) {
   const std::unique_ptr<unsigned char[]> owner(read.data);
   EXPECT_EQ(Bytes(read.data, read.data + read.datasize), others);
   EXPECT_EQ(read.databitwidth, 2);
-}
-
-TEST_F(CoefTableTest, AMissingBlockLeavesTheBufferAlone) {
   CoefBuffer missing{77, nullptr, 66};
   EXPECT_EQ(table.selectCoef(-4, &missing), kOk);
   EXPECT_EQ(missing.databitwidth, 77);
@@ -175,8 +167,19 @@ TEST_F(CoefTableTest, ClearingTakesPlacementsBeforeBlocksAndRestartsTheKeys) {
   EXPECT_EQ(countOf("Coef"), 0);
   record.screenid = record.coefid = 0;
   EXPECT_EQ(manager->insertData(&record), kOk);
-  EXPECT_EQ(storedAreas().at(0).id, 1);
-  EXPECT_EQ(storedAreas().at(0).coefid, 1);
+  EXPECT_EQ(rows("select id, coefid from Coef_Info"), (Rows{{"1", "1"}}));
+}
+
+TEST_F(CoefTableTest, ABlockThatDoesNotDecipherLeavesTheBufferButForTheCellWidth) {
+  Bytes cells = pattern(21, 1);
+  const CoefData record = coef({0, 0, 1, 1}, cells, 7);
+  ASSERT_EQ(table.insertCoef(&record), kOk);
+  run("update Coef set data = x'0102030405060708'");
+  CoefBuffer read{77, cells.data(), 66};
+  EXPECT_EQ(table.selectCoef(1, &read), kCipherFailed);
+  EXPECT_EQ(read.databitwidth, 7);
+  EXPECT_EQ(read.data, cells.data());
+  EXPECT_EQ(read.datasize, 66);
 }
 
 }  // namespace tovrtest

@@ -5,25 +5,21 @@ namespace tovrtest {
 
 class GenericDataTest : public DatabaseTest {
  protected:
-  void SetUp() override { createFile(kByRectangle); }
+  void SetUp() override {
+    createFile(kByRectangle);
+    ASSERT_EQ(addScreen("", {0, 0, 9, 9}), kOk);
+  }
   Rows placements() { return rows("select screenid, dataid, datatype from DataInfo order by id"); }
 };
 
-TEST_F(GenericDataTest, WithoutAScreenTheBlobIsStoredButItsPlacementRefused) {
+TEST_F(DatabaseTest, GenericDataWithoutAScreenIsStoredButItsPlacementRefused) {
+  createFile(kByRectangle);
   EXPECT_EQ(insertData(5, {1}), SQLITE_CONSTRAINT);  // on screen "0", as no key was issued
   EXPECT_EQ(countOf("Data"), 1);
   EXPECT_EQ(countOf("DataInfo"), 0);
 }
 
-class PlacedDataTest : public GenericDataTest {
- protected:
-  void SetUp() override {
-    GenericDataTest::SetUp();
-    ASSERT_EQ(addScreen("", {0, 0, 9, 9}), kOk);
-  }
-};
-
-TEST_F(PlacedDataTest, StoringReplacesTheBlobOfItsTypeUnderANewKey) {
+TEST_F(GenericDataTest, StoringReplacesTheBlobOfItsTypeUnderANewKey) {
   ASSERT_EQ(addScreen("", {0, 0, 9, 9}), kOk);
   EXPECT_EQ(insertData(5, pattern(11, 1)), kOk);
   EXPECT_EQ(insertData(-6, {}), kOk);
@@ -32,7 +28,7 @@ TEST_F(PlacedDataTest, StoringReplacesTheBlobOfItsTypeUnderANewKey) {
   EXPECT_EQ(rows("select id, length(data), version from Data"), (Rows{{"2", "8", "v"}, {"3", "24", "v"}}));
 }
 
-TEST_F(PlacedDataTest, BlobsAreReadByTheirType) {
+TEST_F(GenericDataTest, BlobsAreReadByTheirType) {
   ASSERT_EQ(insertData(5, pattern(20, 2)), kOk);
   ASSERT_EQ(insertData(-6, {}), kOk);
   EXPECT_EQ(readData(5).code, kOk);
@@ -42,7 +38,7 @@ TEST_F(PlacedDataTest, BlobsAreReadByTheirType) {
   EXPECT_EQ(readData(6).code, kNoData);
 }
 
-TEST_F(PlacedDataTest, NothingIsClearedAndNothingUpdated) {
+TEST_F(GenericDataTest, NothingIsClearedAndNothingUpdated) {
   ASSERT_EQ(insertData(5, {1}), kOk);
   ConfigData record;
   record.datatype = 5;
@@ -51,7 +47,7 @@ TEST_F(PlacedDataTest, NothingIsClearedAndNothingUpdated) {
   EXPECT_EQ(readData(5).bytes, Bytes{1});
 }
 
-TEST_F(PlacedDataTest, OfSeveralBlobsTheFirstListedIsReadAndAllAreReplaced) {
+TEST_F(GenericDataTest, OfSeveralBlobsTheFirstListedIsReadAndAllAreReplaced) {
   ASSERT_EQ(insertData(1, {1}), kOk);
   ASSERT_EQ(insertData(2, {2}), kOk);
   run("update DataInfo set datatype = 5");
@@ -62,10 +58,10 @@ TEST_F(PlacedDataTest, OfSeveralBlobsTheFirstListedIsReadAndAllAreReplaced) {
 }
 
 // Queries a record that holds a byte of the test's own.
-class DataQueryTest : public PlacedDataTest {
+class DataQueryTest : public GenericDataTest {
  protected:
   void SetUp() override {
-    PlacedDataTest::SetUp();
+    GenericDataTest::SetUp();
     ASSERT_EQ(insertData(5, pattern(9, 1)), kOk);
   }
   int query(int datatype) {
@@ -113,6 +109,17 @@ TEST_F(DataQueryTest, ASizeWithoutBytesIsNotStoredAndDoesNotHinderTheNextCall) {
   EXPECT_EQ(manager->insertData(&broken), kCipherFailed);
   EXPECT_EQ(insertData(5, {4}), kOk);
   EXPECT_EQ(readData(5).bytes, Bytes{4});
+}
+
+TEST_F(GenericDataTest, ABlobThatDoesNotDecipherLeavesTheFileToOtherPrograms) {
+  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
+  ASSERT_EQ(insertData(5, pattern(9, 1)), 0);
+  run("update Data set data = x'00'");
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(readData(5).code, kCipherFailed); }), "");
+  Sqlite3DB other;
+  ASSERT_EQ(other.open(path("file.db").c_str()), 0);
+  ASSERT_EQ(other.setKey(kRawKey, sizeof kRawKey - 1), 0);
+  EXPECT_EQ(other.exec("insert into Data(data, version) values(x'01', '')"), 0);
 }
 
 }  // namespace tovrtest

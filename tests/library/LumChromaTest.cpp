@@ -122,4 +122,15 @@ TEST_F(LumChromaTest, ClearingTakesPlacementsBeforeBlobsAndRestartsTheKeys) {
   EXPECT_EQ(rows("select id from LumChromData"), (Rows{{"1"}}));
 }
 
+TEST_F(LumChromaTest, TheRowsAreFreedBeforeTheDumpAndBeforeTheErrorText) {
+  using Calls = std::vector<std::string>;
+  host.connection.tableCalls.clear();
+  EXPECT_EQ(table->query(&record), 0);
+  EXPECT_EQ(host.connection.tableCalls, (Calls{"get_table", "free_table", "prepare_v2"}));
+  run("drop table LumChromDataInfo");
+  host.connection.tableCalls.clear();
+  EXPECT_EQ(table->query(&record), 1);
+  EXPECT_EQ(host.connection.tableCalls, (Calls{"get_table", "free_table", "errMsg"}));
+}
+
 }  // namespace tovrtest

@@ -25,20 +25,24 @@ class OperatorBaseTest : public DatabaseTest {
   Probe probe;
 };
 
-// Around the sizes at which a payload is enciphered in several pieces, which chain to one cipher text.
+// By the library's own cipher, which gets a large blob in pieces that chain to one cipher text, and by a host's.
 TEST_F(OperatorBaseTest, PayloadsAreFramedLittleEndianEncipheredAndComeBack) {
-  for (const std::size_t size : {0U, 1U, 3U, 4U, 5U, 12U, 258U, 65531U, 65532U, 65533U, 131068U, 200001U}) {
-    SCOPED_TRACE(size);
-    const Bytes payload = size < 100 ? Bytes(size) : pattern(size, 1);  // zeros: only the prefix tells padding apart
-    Bytes framed;
-    for (int i = 0; i < 4; ++i) framed.push_back(static_cast<unsigned char>(size >> (8 * i)));
-    framed.insert(framed.end(), payload.begin(), payload.end());
-    Bytes stored;
-    Bytes back = {9};
-    ASSERT_TRUE(probe.encryptData(payload.data(), static_cast<unsigned int>(size), stored));
-    EXPECT_TRUE(stored == enciphered(framed));
-    EXPECT_TRUE(decrypt(stored, back));
-    EXPECT_TRUE(back == payload);
+  for (IEncryption* service : std::initializer_list<IEncryption*>{&host.cipher, &host.encryption}) {
+    serveEncryption(*service);
+    Probe operators;
+    for (const std::size_t size : {0U, 1U, 3U, 4U, 5U, 12U, 258U, 65531U, 65532U, 65533U, 131068U, 200001U}) {
+      SCOPED_TRACE(size);
+      const Bytes payload = size < 100 ? Bytes(size) : pattern(size, 1);  // zeros: only the prefix tells padding apart
+      Bytes framed;
+      for (int i = 0; i < 4; ++i) framed.push_back(static_cast<unsigned char>(size >> (8 * i)));
+      framed.insert(framed.end(), payload.begin(), payload.end());
+      Bytes stored;
+      ASSERT_TRUE(operators.encryptData(payload.data(), static_cast<unsigned int>(size), stored));
+      EXPECT_TRUE(stored == enciphered(framed));
+      Bytes back = {9};
+      EXPECT_TRUE(operators.decryptData(stored.data(), static_cast<unsigned int>(stored.size()), back));
+      EXPECT_TRUE(back == payload);
+    }
   }
 }
 
@@ -89,6 +93,19 @@ TEST_F(OperatorBaseTest, AnErrorTextOfTheFileIsPrintedLikeAnyOther) {
   EXPECT_EQ(printedBy([&] { EXPECT_EQ(probe.insertCoef(&record), SQLITE_CONSTRAINT); }), "%n %s % %d");
   run("drop trigger t");
   EXPECT_EQ(probe.insertCoef(&record), kOk);
+}
+
+TEST_F(OperatorBaseTest, TablesAreFreedBeforeTheErrorTextIsAskedFor) {
+  createFile(0);
+  host.connection.tableCalls.clear();
+  int sequence = 0;
+  EXPECT_EQ(probe.getSequence("'", &sequence), SQLITE_ERROR);
+  const std::vector<std::string> failed = {"get_table", "free_table", "errMsg"};
+  EXPECT_EQ(host.connection.tableCalls, failed);
+  run("drop table DataInfo");
+  host.connection.tableCalls.clear();
+  EXPECT_EQ(readData(5).code, SQLITE_ERROR);
+  EXPECT_EQ(host.connection.tableCalls, failed);
 }
 
 }  // namespace tovrtest

@@ -47,6 +47,7 @@ TEST_F(RegionCropTest, CellsAreCopiedFromWhereverTheStoredRectangleStarts) {
 }
 
 TEST_F(RegionCropTest, MoreThanTheBlockHoldsIsRefusedHoweverLargeItIs) {
+  EXPECT_EQ(crop(kPositive, {0, 0, 4, 0}, 1), kBlockTooSmall) << "one byte too many";
   EXPECT_EQ(crop(kEverywhere, kEverywhere, 1), kBlockTooSmall) << "2^64 bytes";
   EXPECT_EQ(crop(kEverywhere, {0, 0, 65535, 65535}, 1), kBlockTooSmall) << "2^32 bytes: 0 in 32 bits";
   EXPECT_EQ(crop(kEverywhere, {0, 0, 0, 0}, INT_MAX), kBlockTooSmall);
@@ -73,6 +74,20 @@ TEST_F(RegionCropTest, InvertedRectanglesHaveTheSizeOfTheirProduct) {
   EXPECT_EQ(crop({3, 3, -3, -3}, {3, 3, -3, -3}, 1), kBlockTooSmall) << "25 cells";
   EXPECT_EQ(crop({1, 1, -1, -1}, {1, 1, -1, -1}, 4), kOk) << "one cell by its size, none by its edges";
   EXPECT_EQ(cells, Bytes(4));
+}
+
+TEST_F(RegionCropTest, APlanTellsWhereTheCellsLie) {
+  CropPlan plan;
+  ASSERT_EQ(planCrop({10, 20, 19, 29}, {13, 22, 15, 24}, 2, 200, plan), kOk);
+  EXPECT_EQ(plan.bytes, 18);
+  EXPECT_EQ(plan.rows, 3);
+  EXPECT_EQ(plan.rowBytes, 6);
+  EXPECT_EQ(plan.first, 46);
+  EXPECT_EQ(plan.stride, 20);
+  ASSERT_EQ(planCrop({10, 20, 19, 29}, {13, 22, 12, 24}, 2, 200, plan), kOk);
+  EXPECT_EQ(plan.bytes, 0);
+  EXPECT_EQ(plan.rows, 0);
+  EXPECT_EQ(plan.first, 0);
 }
 
 }  // namespace tovrtest

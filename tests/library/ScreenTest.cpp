@@ -51,10 +51,10 @@ TEST_F(ScreenTest, AnUpdateRewritesNameAndEdgesOfItsKey) {
   changed.screenname = "moved";
   setRect(changed, {10, 20, 30, 40});
   EXPECT_EQ(manager->updateData(&changed), kOk);
-  EXPECT_EQ(storedScreens()[1].screenname, "moved");
-  EXPECT_EQ(storedScreens()[1].dbid, 1) << "not rewritten";
-  EXPECT_EQ(rectOf(storedScreens()[1]), (Rect{10, 20, 30, 40}));
-  EXPECT_EQ(rectOf(storedScreens()[0]), kFirst);
+  EXPECT_EQ(screens()[1].screenname, "moved");
+  EXPECT_EQ(screens()[1].dbid, 1) << "not rewritten";
+  EXPECT_EQ(rectOf(screens()[1]), (Rect{10, 20, 30, 40}));
+  EXPECT_EQ(rectOf(screens()[0]), kFirst);
   changed.id = -3;
   EXPECT_EQ(manager->updateData(&changed), kOk) << "there is no such row";
   EXPECT_EQ(lastStatement(),
@@ -121,6 +121,25 @@ TEST_F(ForeignScreenTest, WhatIsNoNumberIsThrownWithTheSameTextOnEveryPlatform) 
   expectThrown<std::out_of_range>("1, 1, 'a', 0, 0, 2147483648, 0", "stoi argument out of range");
   expectThrown<std::out_of_range>("1, '-99999999999999999999', 'a', 0, 0, 0, 0", "stoi argument out of range");
   EXPECT_EQ(queryRow("1, 1, 'well again', 5, 0, 0, 0").top, 5);
+}
+
+// Points of an update: prepare, the name, then top, left, bottom and right.
+TEST_F(ScreenTest, AnUpdateBindsEveryEdgeWhateverTheBindsAnswer) {
+  run("PRAGMA foreign_keys = OFF; drop table Screen_Info; create table Screen_Info(id, screenname, top, left, bottom, "
+      "right)");
+  ScreenInfoData screen;
+  screen.id = 1;
+  screen.screenname = "wall";
+  setRect(screen, {10, 20, 30, 40});
+  for (std::size_t failing = 0; failing < 5; ++failing) {
+    run("delete from Screen_Info; insert into Screen_Info(id) values(1)");
+    host.points.arm(2 + static_cast<int>(failing));
+    EXPECT_EQ(manager->updateData(&screen), kOk);
+    host.points.disarm();
+    Rows stored = {{"wall", "20", "10", "40", "30"}};
+    stored[0][failing] = "null";
+    EXPECT_EQ(rows("select screenname, top, left, bottom, right from Screen_Info"), stored);
+  }
 }
 
 }  // namespace tovrtest

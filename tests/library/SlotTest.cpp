@@ -41,7 +41,7 @@ TEST_F(ManagerSlotTest, FilesAreOpenedFilledCheckedAndClosed) {
   EXPECT_STREQ(call<const char*>(manager, 10), "no such table: DB_Info");
   EXPECT_EQ(call<int>(manager, 3), kOk);
   EXPECT_EQ(call<int>(manager, 2), kOk);
-  EXPECT_EQ(call<int>(manager, 2), SQLITE_MISUSE);
+  EXPECT_STREQ(call<const char*>(manager, 10), "no database file is open");
   EXPECT_FALSE((call<bool, std::string>(manager, 11, path("a.db"))));
 }
 

@@ -27,8 +27,8 @@ class Sqlite3DBTest : public FolderTest {
     EXPECT_EQ(db.bind_null(1), SQLITE_MISUSE);
     EXPECT_EQ(db.bind_blob(1, "a", 1, nullptr), SQLITE_MISUSE);
     EXPECT_EQ(db.step(), SQLITE_MISUSE);
-    EXPECT_EQ(db.reset(), SQLITE_MISUSE);
-    EXPECT_EQ(db.finalize(), SQLITE_MISUSE);
+    EXPECT_EQ(db.reset(), kOk);
+    EXPECT_EQ(db.finalize(), kOk);
     EXPECT_EQ(db.column_blob(0), nullptr);
     EXPECT_EQ(db.column_text(0), nullptr);
     EXPECT_EQ(db.column_bytes(0), 0);
@@ -52,7 +52,7 @@ class Sqlite3DBTest : public FolderTest {
 
 TEST_F(Sqlite3DBTest, BeforeAFileIsOpenedEverythingAnswers) {
   expectClosed();
-  EXPECT_EQ(db.close(), SQLITE_MISUSE);
+  EXPECT_EQ(db.close(), kOk);
   EXPECT_STREQ(db.errMsg(), "no database file is open");
   EXPECT_EQ(db.open(nullptr), SQLITE_MISUSE);
 }
@@ -133,6 +133,100 @@ TEST_F(OpenSqlite3DBTest, AFileThatAnotherWritesAnswersBusyAndWorksAgainAfterwar
   EXPECT_EQ(db.exec("insert into t values(0, 0)"), SQLITE_BUSY);
   ASSERT_EQ(other.exec("rollback"), kOk);
   EXPECT_EQ(db.exec("insert into t values(0, 0)"), kOk);
+}
+
+TEST_F(Sqlite3DBTest, AfterCloseNothingIsLeftOfTheLastResult) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  EXPECT_EQ(db.exec("nonsense"), SQLITE_ERROR);
+  EXPECT_EQ(db.errCode(), SQLITE_ERROR);
+  EXPECT_EQ(db.close(), kOk);
+  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
+  EXPECT_STREQ(db.errMsg(), "no database file is open");
+  EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN);
+  EXPECT_EQ(db.errCode(), SQLITE_CANTOPEN);
+  EXPECT_EQ(db.close(), kOk);
+  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
+  EXPECT_EQ(db.close(), kOk);
+}
+
+TEST_F(Sqlite3DBTest, TablesWriteEveryOutputThatThereIs) {
+  static char cell[] = "not null";
+  static char* row[] = {cell};
+  char** cells = row;
+  int rows = 7;
+  int columns = 7;
+  const auto get = [&](const char* sql, char*** result, int* rowCount, int* columnCount) {
+    cells = row;
+    rows = columns = 7;
+    return db.get_table(sql, result, rowCount, columnCount);
+  };
+  const auto expectNothing = [&] {
+    EXPECT_EQ(cells, nullptr);
+    EXPECT_EQ(rows, 0);
+    EXPECT_EQ(columns, 0);
+    db.free_table(cells);
+  };
+  EXPECT_EQ(get("select 1", &cells, &rows, &columns), SQLITE_MISUSE);
+  expectNothing();
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  EXPECT_EQ(get("nonsense", &cells, &rows, &columns), SQLITE_ERROR);
+  expectNothing();
+  EXPECT_EQ(get(nullptr, &cells, &rows, &columns), SQLITE_MISUSE);
+  expectNothing();
+  EXPECT_EQ(get("select 1", nullptr, &rows, &columns), SQLITE_MISUSE);
+  EXPECT_EQ(rows, 0);
+  EXPECT_EQ(columns, 0);
+  EXPECT_EQ(get("select 1", &cells, nullptr, &columns), kOk);
+  EXPECT_EQ(columns, 1);
+  EXPECT_STREQ(cells[1], "1");
+  db.free_table(cells);
+  EXPECT_EQ(get("select 1", &cells, &rows, nullptr), kOk);
+  EXPECT_EQ(rows, 1);
+  db.free_table(cells);
+  EXPECT_EQ(get("select 1", nullptr, nullptr, nullptr), SQLITE_MISUSE);
+}
+
+// The engine counts the memory of its connections and statements.
+TEST_F(Sqlite3DBTest, NothingOfAFileStaysWhenAnotherFollows) {
+  const auto useWithoutEnd = [&](const char* name) {
+    EXPECT_EQ(db.open(path(name).c_str()), kOk);
+    EXPECT_EQ(setKey(db), kOk);
+    EXPECT_EQ(db.exec("create table if not exists t(a); insert into t values(1)"), kOk);
+    EXPECT_EQ(db.prepare_v2("select a from t", -1), kOk);
+    EXPECT_EQ(db.step(), kStepRow);
+  };
+  const auto failToOpen = [&] { EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN); };
+  const auto keyWrongly = [&] {  // with a live statement
+    EXPECT_EQ(db.open(path("a.db").c_str()), kOk);
+    EXPECT_EQ(db.prepare_v2("select 1", -1), kOk);
+    EXPECT_EQ(db.step(), kStepRow);
+    EXPECT_EQ(db.setKey("wrong", 5), kOk);
+    EXPECT_EQ(db.exec("select * from t"), SQLITE_NOTADB);
+  };
+  const std::pair<const char*, std::function<void()>> ways[] = {
+      {"closed", [&] { useWithoutEnd("a.db"); }},
+      {"followed by another", [&] { useWithoutEnd("a.db"), useWithoutEnd("b.db"); }},
+      {"followed by one that cannot be opened", [&] { useWithoutEnd("a.db"), failToOpen(); }},
+      {"that cannot be opened, followed by another", [&] { failToOpen(), useWithoutEnd("a.db"); }},
+      {"keyed wrongly", keyWrongly}};
+  useWithoutEnd("a.db");  // what the engine keeps for good, it has then
+  ASSERT_EQ(db.close(), kOk);
+  const sqlite3_int64 before = sqlite3_memory_used();
+  for (const auto& [name, way] : ways) {
+    way();
+    EXPECT_EQ(db.close(), kOk) << name;
+    EXPECT_EQ(sqlite3_memory_used(), before) << "a file " << name;
+  }
+}
+
+TEST_F(Sqlite3DBTest, AFailedStatementDoesNotHideWhyTheNextIsRefused) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  ASSERT_EQ(db.exec("create table t(a not null)"), kOk);
+  ASSERT_EQ(db.prepare_v2("insert into t values(null)", -1), kOk);
+  EXPECT_EQ(db.step(), SQLITE_CONSTRAINT);
+  EXPECT_EQ(db.prepare_v2("nonsense", -1), SQLITE_ERROR);
+  EXPECT_EQ(db.errCode(), SQLITE_ERROR);
+  EXPECT_STREQ(db.errMsg(), "near \"nonsense\": syntax error");
 }
 
 }  // namespace tovrtest

@@ -9,7 +9,7 @@ namespace tovrtest {
 
 using namespace tovr;
 
-TEST(StatusCodesTest, EveryCodeOfOurOwnHasItsNumber) {
+TEST(StatusCodesTest, EveryCodeHasItsNumber) {
   EXPECT_EQ(kOk, 0);
   EXPECT_EQ(kUnknownDatabaseType, 2);
   EXPECT_EQ(kNoConnection, 4096);
@@ -27,22 +27,9 @@ TEST(StatusCodesTest, EveryCodeOfOurOwnHasItsNumber) {
   EXPECT_EQ(kNoScreenForRectangle, 4116);
 }
 
-TEST(StatusCodesTest, TheEnginesCodesHaveTheirs) {
-  EXPECT_EQ(SQLITE_OK, 0);
-  EXPECT_EQ(SQLITE_ERROR, 1);
-  EXPECT_EQ(SQLITE_BUSY, 5);
-  EXPECT_EQ(SQLITE_NOMEM, 7);
-  EXPECT_EQ(SQLITE_IOERR, 10);
-  EXPECT_EQ(SQLITE_FULL, 13);
-  EXPECT_EQ(SQLITE_CANTOPEN, 14);
-  EXPECT_EQ(SQLITE_CONSTRAINT, 19);
-  EXPECT_EQ(SQLITE_MISUSE, 21);
-  EXPECT_EQ(SQLITE_RANGE, 25);
-  EXPECT_EQ(SQLITE_NOTADB, 26);
+TEST(StatusCodesTest, StepsAnswerAsTheEngine) {
   EXPECT_EQ(kStepRow, SQLITE_ROW);
   EXPECT_EQ(kStepDone, SQLITE_DONE);
-  EXPECT_EQ(SQLITE_ROW, 100);
-  EXPECT_EQ(SQLITE_DONE, 101);
 }
 
 }  // namespace tovrtest

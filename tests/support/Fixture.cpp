@@ -3,14 +3,6 @@
 #include "manager/DBManager.h"
 
 namespace tovrtest {
-namespace {
-
-Rect rectFrom(const std::vector<std::string>& row, std::size_t column) {
-  return {std::stoi(row[column]), std::stoi(row[column + 1]), std::stoi(row[column + 2]), std::stoi(row[column + 3])};
-}
-
-}  // namespace
-
 std::string printedBy(const std::function<void()>& operation) {
   testing::internal::CaptureStdout();
   operation();
@@ -83,6 +75,18 @@ Bytes DatabaseTest::cellsAt(const Rect& rect, const std::string& screen) {
   return answer.bytes;
 }
 
+std::vector<CoefData> DatabaseTest::areas() {
+  CoefDataResult list;
+  EXPECT_EQ(manager->queryData(&list), kOk);
+  return list.coefs;
+}
+
+std::vector<ScreenInfoData> DatabaseTest::screens() {
+  ScreenInfoDataResult list;
+  EXPECT_EQ(manager->queryData(&list), kOk);
+  return list.screens;
+}
+
 int DatabaseTest::insertData(int datatype, Bytes bytes) {
   ConfigData record;
   record.datatype = datatype;
@@ -121,34 +125,5 @@ DatabaseTest::Rows DatabaseTest::rows(const std::string& sql) {
 std::string DatabaseTest::value(const std::string& sql) { return rows(sql).at(0).at(0); }
 
 int DatabaseTest::number(const std::string& sql) { return std::stoi(value(sql)); }
-
-std::vector<CoefData> DatabaseTest::storedAreas() {
-  std::vector<CoefData> areas;
-  for (const auto& row : rows("select id, screenid, coefid, coeftype, areaid, left, top, right, bottom, "
-                              "multilayersize, coeftablename from Coef_Info order by id")) {
-    CoefData& area = areas.emplace_back();
-    area.id = std::stoi(row[0]);
-    area.screenid = std::stoi(row[1]);
-    area.coefid = std::stoi(row[2]);
-    area.coeftype = std::stoi(row[3]);
-    area.areaid = std::stoi(row[4]);
-    setRect(area, rectFrom(row, 5));
-    area.multilayersize = std::stoi(row[9]);
-    area.coeftablename = row[10];
-  }
-  return areas;
-}
-
-std::vector<ScreenInfoData> DatabaseTest::storedScreens() {
-  std::vector<ScreenInfoData> screens;
-  for (const auto& row : rows("select id, dbid, left, top, right, bottom, screenname from Screen_Info order by id")) {
-    ScreenInfoData& screen = screens.emplace_back();
-    screen.id = std::stoi(row[0]);
-    screen.dbid = std::stoi(row[1]);
-    setRect(screen, rectFrom(row, 2));
-    screen.screenname = row[6];
-  }
-  return screens;
-}
 
 }  // namespace tovrtest

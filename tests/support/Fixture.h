@@ -76,6 +76,9 @@ class DatabaseTest : public ManagerTest {
   Answer query(const Rect& rect, const std::string& screen = "", int type = 1);
   Bytes cellsAt(const Rect& rect, const std::string& screen = "");  // of a query that succeeds
 
+  std::vector<CoefData> areas();  // as the manager lists them
+  std::vector<ScreenInfoData> screens();
+
   int insertData(int datatype, Bytes bytes);
   Answer readData(int datatype);
 
@@ -86,8 +89,6 @@ class DatabaseTest : public ManagerTest {
   std::string value(const std::string& sql);  // the only one of the result
   int number(const std::string& sql);
   int countOf(const std::string& table) { return number("select count(*) from " + table); }
-  std::vector<CoefData> storedAreas();  // in the order of their keys; areaid as it is stored
-  std::vector<ScreenInfoData> storedScreens();
 };
 
 }  // namespace tovrtest

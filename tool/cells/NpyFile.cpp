@@ -101,6 +101,12 @@ Dtype parseDtype(const std::string& name) {
   throw std::invalid_argument("the type " + name + " is not one of " + names);
 }
 
+std::vector<std::string> dtypeNames() {
+  std::vector<std::string> names;
+  for (const NamedDtype& known : kDtypes) names.emplace_back(known.name);
+  return names;
+}
+
 NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
   const HeaderPlace place = placeHeader(file, name);
   const auto headerBegin = file.begin() + static_cast<std::ptrdiff_t>(place.offset);

@@ -17,6 +17,9 @@ struct Dtype {
 // Takes NumPy's names (uint16, float32, ...) and type strings (<u2). Throws std::invalid_argument for others.
 Dtype parseDtype(const std::string& name);
 
+// Every name that parseDtype knows.
+std::vector<std::string> dtypeNames();
+
 struct NpyArray {
   Dtype dtype;
   std::vector<std::size_t> shape;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "host/StatusText.h"
 #include "storage/StatusCodes.h"
 #include "tool/cells/CellBlock.h"
 #include "tool/cells/CellNumbers.h"
@@ -88,8 +89,9 @@ const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const 
   if (found != screens.end()) return *found;
   std::string names;
   for (const StoredScreen& screen : screens) names += (names.empty() ? "" : ", ") + screen.name;
-  throw ToolError(kRefused, std::to_string(tovr::kNoSuchScreenName) + ": " + tovr::statusText(tovr::kNoSuchScreenName) +
-                                "; asked for " + name + "; screens: " + (names.empty() ? "none" : names));
+  throw ToolError(kRefused, std::to_string(tovr::kNoSuchScreenName) + ": " +
+                                tovrhost::statusText(tovr::kNoSuchScreenName) + "; asked for " + name +
+                                "; screens: " + (names.empty() ? "none" : names));
 }
 
 Rect regionOf(const Options& options, const std::vector<StoredScreen>& screens, const std::vector<StoredArea>& areas) {

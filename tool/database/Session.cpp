@@ -5,7 +5,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "storage/StatusCodes.h"
+#include "host/StatusText.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/system/PluginPath.h"
 #include "tool/system/ToolError.h"
@@ -114,7 +114,7 @@ void Session::probe() {
 
 void Session::require(int code, const std::string& detail) {
   if (code == 0) return;
-  std::string text = std::to_string(code) + ": " + tovr::statusText(code);
+  std::string text = std::to_string(code) + ": " + tovrhost::statusText(code);
   // Codes of the library's own say it all; for those of the engine its own words help.
   const char* words = code < 4096 ? manager().errMsg() : nullptr;
   if (words != nullptr && *words != '\0') text += std::string(" (") + words + ")";

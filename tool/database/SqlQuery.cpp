@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "storage/StatusCodes.h"
+#include "host/StatusText.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -11,7 +11,8 @@ namespace {
 
 void require(tovr::IDBOperate& connection, int code) {
   if (code == 0) return;
-  throw ToolError(kRefused, std::to_string(code) + ": " + tovr::statusText(code) + " (" + connection.errMsg() + ")");
+  throw ToolError(kRefused,
+                  std::to_string(code) + ": " + tovrhost::statusText(code) + " (" + connection.errMsg() + ")");
 }
 
 }  // namespace

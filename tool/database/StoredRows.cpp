@@ -3,7 +3,7 @@
 #include <climits>
 #include <cstdlib>
 
-#include "storage/StatusCodes.h"
+#include "host/StatusText.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/system/ToolError.h"
 
@@ -12,8 +12,8 @@ namespace {
 
 void require(tovr::IDBOperate& connection, int code, const std::string& where) {
   if (code == 0) return;
-  throw ToolError(kRefused, (where.empty() ? "" : where + ": ") + std::to_string(code) + ": " + tovr::statusText(code) +
-                                " (" + connection.errMsg() + ")");
+  throw ToolError(kRefused, (where.empty() ? "" : where + ": ") + std::to_string(code) + ": " +
+                                tovrhost::statusText(code) + " (" + connection.errMsg() + ")");
 }
 
 template <class Container>

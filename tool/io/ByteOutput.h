@@ -11,7 +11,7 @@
 namespace tovrtool {
 
 struct OutputOptions {
-  std::string path;  // "-" is standard output
+  std::string path;  // "-", or a name of it such as "/dev/stdout", is standard output
   bool force = false;
 };
 
@@ -21,6 +21,10 @@ class ByteOutput {
   // (if any): asked before the work, not after.
   ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
 
+  // Throws ToolError where a new file is to hold `bytes` and the disk has no room for them, unless told to replace
+  // whatever there is.
+  void requireRoom(double bytes) const;
+
   void write(const void* bytes, std::size_t size);
   void write(const std::string& bytes) { write(bytes.data(), bytes.size()); }
   // The file appears under its name. Without it, nothing does.
@@ -28,6 +32,7 @@ class ByteOutput {
 
  private:
   StandardOutput& standard_;
+  bool force_;
   std::optional<FileOutput> file_;
 };
 

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <stdexcept>
 
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
@@ -15,17 +14,11 @@ std::string keyFromPrompt(KeyUse use, const KeyKind& kind) {
     throw ToolError(kKeyProblem, std::string("no key: give ") + kind.option + " FILE, set " + kind.variable +
                                      ", or run it on a terminal");
   }
-  try {
-    std::string key = readWithoutEcho(std::string(kind.prompt) + ": ");
-    if (use == KeyUse::kCreate && key != readWithoutEcho(std::string(kind.prompt) + " again: ")) {
-      throw ToolError(kKeyProblem, "the two keys differ: nothing was done");
-    }
-    return key;
-  } catch (const ToolError&) {
-    throw;
-  } catch (const std::runtime_error& error) {
-    throw ToolError(kKeyProblem, error.what());
+  std::string key = readWithoutEcho(std::string(kind.prompt) + ": ");
+  if (use == KeyUse::kCreate && key != readWithoutEcho(std::string(kind.prompt) + " again: ")) {
+    throw ToolError(kKeyProblem, "the two keys differ: nothing was done");
   }
+  return key;
 }
 
 std::string keyFromAnywhere(const std::string& keyFile, KeyUse use, const KeyKind& kind) {

@@ -15,7 +15,7 @@ void requireReplaceable(const std::string& path, Existing existing, const Unfini
   if (!fs::exists(status)) return;
   if (!fs::is_directory(status)) throw ToolError(kFileProblem, path + " exists already and is no folder");
   for (const auto& entry : fs::directory_iterator(path, error)) {
-    if (existing == Existing::kRefuse) refuseExisting(path);
+    if (existing == Existing::kRefuse) refuseExisting(path, existing);
     const std::string name = entry.path().filename().string();
     if (!entry.is_regular_file(error) || entry.is_symlink(error) || !isOurs(name)) {
       throw ToolError(kFileProblem, path + " is not replaced: it holds " + name + ", which no export has written");
