@@ -5,12 +5,13 @@
 #include "fuzz/Choices.h"
 #include "fuzz/ScratchFolder.h"
 #include "fuzz/Target.h"
+#include "tool/cells/NpyFile.h"
 #include "tool/database/ExportFormat.h"
 #include "tool/database/FolderImport.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/StoredRows.h"
-#include "tool/forms/NpyFile.h"
+#include "tool/system/StandardOutput.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrfuzz {
@@ -23,17 +24,8 @@ constexpr char kPayload[] = "payload";
 
 // The tool as `tovrdb import` runs it, with a database in memory.
 struct Tool {
-  tovrtool::GlobalOptions options = quiet();
   tovrtool::StandardOutput output;
-  tovrtool::Context context{options, output};
-  tovrtool::Session session = tovrtool::Session::openMemory(context);
-
-  static tovrtool::GlobalOptions quiet() {
-    tovrtool::GlobalOptions options;
-    options.plugin = TOVR_PLUGIN_FILE;
-    options.quiet = true;
-    return options;
-  }
+  tovrtool::Session session = tovrtool::Session::openMemory(TOVR_PLUGIN_FILE);
 };
 
 Json wildValue(Choices& choices) {
@@ -174,7 +166,7 @@ void test(Tool& tool, const std::string& folder, const Bytes& payload) {
   Json manifest;
   try {
     manifest = tovrtool::readManifest(folder);
-    tovrtool::importFolder(tool.context, session, folder, manifest);
+    tovrtool::importFolder(session, folder, manifest);
   } catch (const tovrtool::ToolError&) {
     session.require(session.manager().createTables());
     for (const std::string& table : tovrtool::kTables) require(rowsIn(session, table) == 0, "half a folder was stored");

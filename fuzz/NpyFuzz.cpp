@@ -3,8 +3,8 @@
 
 #include "fuzz/Choices.h"
 #include "fuzz/Target.h"
-#include "tool/forms/CellBlock.h"
-#include "tool/forms/NpyFile.h"
+#include "tool/cells/CellBlock.h"
+#include "tool/cells/NpyFile.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrfuzz {

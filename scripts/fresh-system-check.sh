@@ -30,7 +30,7 @@ rm -rf --one-file-system "$kept"/root.*
 inputs=(scripts/fresh-system-check.sh scripts/carry-registry-access.sh)
 if ! isBuiltFrom "$kept" "${inputs[@]}"; then
   rm -f "$kept/stamp"
-  quietly nice mmdebstrap --variant=apt --mode=root --include=sudo,passwd,ccache \
+  quietly mmdebstrap --variant=apt --mode=root --dpkgopt=force-unsafe-io --include=sudo,passwd,ccache \
     --setup-hook="'$PWD/scripts/carry-registry-access.sh' \"\$1\"" "$suite" "$kept/base.tar" \
     "deb [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $mirror $suite main" ||
     notRun "its base cannot be made from $mirror"
@@ -51,8 +51,8 @@ if [ "$who" = user ]; then
   chroot "$root" useradd --create-home --uid $id user
   echo 'user ALL=(ALL) NOPASSWD: ALL' >"$root/etc/sudoers.d/user"
 fi
-git clone --quiet --depth 1 "file://$PWD" "$root$home/clone"
-chown -R $id:$id "$root$home/clone"
+git clone --quiet --depth 1 "file://$PWD" "$root/clone"  # the same folder for all, so that they share kept objects
+chown -R $id:$id "$root/clone"
 
 # Its mounts and processes are in namespaces of their own and end with them, however that comes about.
 objects=$cache/fresh-ccache
@@ -74,7 +74,7 @@ mkdir -p build
 : >"$log"
 for command in "${commands[@]}"; do
   echo "-- $suite, as $who: $command"
-  inside "$home/clone/$command" </dev/null 2>&1 | tee -a "$log" || {
+  inside "/clone/$command" </dev/null 2>&1 | tee -a "$log" || {
     echo "exit code ${PIPESTATUS[0]} from: $command, in a fresh system; all it printed is in $log" >&2
     exit 1
   }

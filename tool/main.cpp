@@ -6,26 +6,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tool/commands/CheckCommand.h"
-#include "tool/commands/CipherCommands.h"
-#include "tool/commands/CoefCommands.h"
-#include "tool/commands/CoefStatsCommand.h"
-#include "tool/commands/CreateCommand.h"
-#include "tool/commands/DataCommands.h"
-#include "tool/commands/DiffCommand.h"
-#include "tool/commands/DocCommands.h"
-#include "tool/commands/ExportCommand.h"
-#include "tool/commands/HeatmapCommand.h"
-#include "tool/commands/ImportCommand.h"
-#include "tool/commands/InfoCommand.h"
-#include "tool/commands/InspectCommand.h"
-#include "tool/commands/MeasureCommands.h"
-#include "tool/commands/RekeyCommand.h"
-#include "tool/commands/SampleCommand.h"
-#include "tool/commands/ScreenCommands.h"
-#include "tool/commands/UpgradeCommand.h"
-#include "tool/files/Message.h"
-#include "tool/system/Command.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/io/Message.h"
 #include "tool/system/Interrupt.h"
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
@@ -51,37 +34,60 @@ constexpr const char* kFooter =
     "Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).\n"
     "Exit codes: 0 done; 1 the library refused; 2 the command line is wrong; 3 a file is missing, exists, or cannot\n"
     "be used; 4 no key, or a key that does not open the file; 5 the plug-in library cannot be loaded;\n"
-    "130 interrupted (nothing unfinished is left).";
+    "6 another program is using the file; 130 interrupted (nothing unfinished is left).";
+
+constexpr int kLongestWait = 86400;
 
 void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
-  app.add_option("--plugin", options.plugin, "The plug-in library [found beside the program]")->type_name("FILE");
+  app.add_option("--plugin", options.access.plugin, "The plug-in library [found beside the program]")
+      ->type_name("FILE");
   app.add_option("--key-file", options.keyFile, "The key is this file's first line [TOVRDB_KEY, else a prompt]")
       ->type_name("FILE");
   CLI::Option* log = app.add_option("--log", options.log, "Append the library's own lines to this file");
   log->type_name("FILE");
   app.add_flag("--verbose", options.verbose, "Show the library's own lines on standard error")->excludes(log);
+  app.add_option("--wait", options.access.patience, "How long other programs that use the file are waited for [5]")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0, kLongestWait));
+  app.add_flag("--fast{false}", options.access.flushed, "Do not wait for the disk; a power cut can damage the file");
   app.add_flag("-q,--quiet", options.quiet, "No messages but those of failures, and no progress bar");
 }
 
-void addCommands(CLI::App& app, Command& chosen) {
-  addInspectCommand(app, chosen);
-  addCreateCommand(app, chosen);
-  addInfoCommand(app, chosen);
-  addScreenCommands(app, chosen);
-  addCoefCommands(app, chosen);
-  addCoefStatsCommand(app, chosen);
-  addHeatmapCommand(app, chosen);
-  addDiffCommand(app, chosen);
-  addSampleCommand(app, chosen);
-  addDataCommands(app, chosen);
-  addMeasureCommands(app, chosen);
-  addCheckCommand(app, chosen);
-  addExportCommand(app, chosen);
-  addImportCommand(app, chosen);
-  addRekeyCommand(app, chosen);
-  addUpgradeCommand(app, chosen);
-  addCipherCommands(app, chosen);
-  addDocCommands(app, chosen);
+void addCommands(CommandGroup program) {
+  addInspectCommand(program);
+  addCreateCommand(program);
+  addInfoCommand(program);
+  addScreenCommands(program);
+  addCoefCommands(program);
+  addHeatmapCommand(program);
+  addDiffCommand(program);
+  addSampleCommand(program);
+  addDataCommands(program);
+  addMeasureCommands(program);
+  addCheckCommand(program);
+  addBackupCommand(program);
+  addExportCommands(program);
+  addRewriteCommands(program);
+  addCipherCommands(program);
+  addDocCommands(program);
+}
+
+// What is wrong with a command line, in words that name what can be said instead.
+std::string complaintAbout(const CLI::App& app, const CLI::ParseError& error) {
+  const CLI::App* group = &app;
+  std::string named;
+  while (!group->get_subcommands().empty()) {
+    group = group->get_subcommands().front();
+    named += group->get_name() + " ";
+  }
+  const auto commands = group->get_subcommands([](const CLI::App*) { return true; });
+  const auto rest = app.remaining(true);
+  if (dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || commands.empty()) return error.what();
+  std::string names;
+  for (const CLI::App* command : commands) names += (names.empty() ? "" : ", ") + command->get_name();
+  if (rest.empty()) return "say what to do" + (named.empty() ? ": one of " : ": " + named + "takes one of ") + names;
+  if (rest.front()[0] == '-') return "there is no option " + rest.front();
+  return "there is no command " + named + rest.front() + "; there are " + names;
 }
 
 int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
@@ -125,7 +131,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "tovrdb " TOVRDB_VERSION);
   app.require_subcommand(1)->fallthrough();
   addGlobalOptions(app, options);
-  addCommands(app, chosen);
+  addCommands({app, chosen});
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // --help, --version
@@ -137,7 +143,7 @@ int main(int argc, char** argv) {
       return static_cast<int>(kDone);
     });
   } catch (const CLI::ParseError& error) {
-    complain(std::string(error.what()));
+    complain(complaintAbout(app, error));
     complain("tovrdb --help shows examples");
     return kUsage;
   }

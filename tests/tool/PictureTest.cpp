@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "tests/tool/ToolFixture.h"
+#include "tool/cells/BlockDifference.h"
+#include "tool/cells/Statistics.h"
 #include "tool/pictures/AxisTicks.h"
-#include "tool/pictures/BlockDifference.h"
 #include "tool/pictures/ColourMap.h"
-#include "tool/pictures/Statistics.h"
 
 namespace {
 

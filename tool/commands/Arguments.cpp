@@ -38,6 +38,12 @@ std::pair<double, double> parseNumberRange(const std::string& text) {
   return {low, high};
 }
 
+std::pair<double, double> parsePercentRange(const std::string& text) {
+  const auto range = parseNumberRange(text);
+  if (range.first < 0 || range.second > 100) throw std::invalid_argument("percents lie from 0 to 100");
+  return range;
+}
+
 }  // namespace
 
 void addOutput(CLI::App& command, OutputOptions& options) {
@@ -71,6 +77,11 @@ CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std:
 CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,
                             const std::string& description) {
   return addParsed(command, name, range, parseNumberRange, description)->type_name("LOW,HIGH");
+}
+
+CLI::Option* addPercentRange(CLI::App& command, const std::string& name,
+                             std::optional<std::pair<double, double>>& range, const std::string& description) {
+  return addParsed(command, name, range, parsePercentRange, description)->type_name("LOW,HIGH");
 }
 
 CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description) {

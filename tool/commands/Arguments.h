@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "tool/files/ByteOutput.h"
-#include "tool/forms/NpyFile.h"
-#include "tool/forms/Rect.h"
+#include "tool/cells/NpyFile.h"
+#include "tool/cells/Rect.h"
+#include "tool/io/ByteOutput.h"
 
 namespace tovrtool {
 
@@ -23,6 +23,9 @@ CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std:
 // Two finite numbers, the first below the second.
 CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,
                             const std::string& description);
+// The same, from 0 to 100.
+CLI::Option* addPercentRange(CLI::App& command, const std::string& name,
+                             std::optional<std::pair<double, double>>& range, const std::string& description);
 CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description);
 
 }  // namespace tovrtool

@@ -7,11 +7,12 @@
 #include <stdexcept>
 #include <vector>
 
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/CoefArea.h"
-#include "tool/files/FileInput.h"
-#include "tool/files/Message.h"
-#include "tool/files/Progress.h"
-#include "tool/forms/JsonText.h"
+#include "tool/io/FileInput.h"
+#include "tool/io/JsonText.h"
+#include "tool/io/Message.h"
+#include "tool/io/Progress.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -130,9 +131,9 @@ std::uint64_t put(Session& session, const Entry& entry) {
 void putAll(Context& context, const std::string& file, const BulkSource& source) {
   const auto entries = source.manifest.empty() ? entriesOfFolder(source.folder) : entriesOfManifest(source.manifest);
   if (entries.empty()) throw ToolError(kFileProblem, "there are no blocks to store");
-  Session session = Session::openExisting(context, file);
+  Session session = openDatabase(context, file);
   {
-    Progress progress(context, "coef put", fileBytes(entries));
+    Progress progress("coef put", fileBytes(entries));
     Transaction transaction(session);
     for (const Entry& entry : entries) progress.advance(put(session, entry));
     transaction.commit();

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tool/system/Command.h"
+#include "tool/commands/Command.h"
 
 namespace tovrtool {
 

@@ -1,15 +1,15 @@
-#include "tool/commands/CheckCommand.h"
-
 #include <algorithm>
-#include <memory>
 #include <optional>
 
 #include "tool/commands/Arguments.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/DatabaseChecks.h"
 #include "tool/database/FileDiagnosis.h"
-#include "tool/files/KeySource.h"
-#include "tool/files/Message.h"
-#include "tool/forms/JsonText.h"
+#include "tool/io/JsonText.h"
+#include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -54,14 +54,14 @@ void print(Context& context, const Options& options, const std::vector<Verdict>&
 }
 
 std::int64_t enginePageSize(const Context& context) {
-  Session session = Session::openMemory(context);
+  Session session = Session::openMemory(context.options.access.plugin);
   return queryNumber(session.connection(), "pragma cipher_page_size");
 }
 
 // The open file, or the reason for which it is none.
 std::optional<Session> open(Context& context, const Options& options, const std::string& key) {
   try {
-    return Session::openExisting(context, options.file, key);
+    return openDatabase(context, options.file, key);
   } catch (const ToolError& error) {
     ToolError reason = error;
     if (error.code() == kKeyProblem) {
@@ -83,12 +83,12 @@ std::optional<Session> open(Context& context, const Options& options, const std:
 
 void check(Context& context, const Options& options) {
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
-  const auto schema = expectedSchema(context);
+  const auto schema = expectedSchema(context.options.access.plugin);
   auto session = open(context, options, key);
   std::vector<Verdict> verdicts(1);
   verdicts[0].name = "opens with this key";
   {
-    Progress progress(context, "check", bytesToCheck(*session));
+    Progress progress("check", bytesToCheck(*session));
     for (Verdict& verdict : checkDatabase(*session, schema, progress)) verdicts.push_back(std::move(verdict));
   }
   print(context, options, verdicts);
@@ -102,18 +102,15 @@ void check(Context& context, const Options& options) {
 
 }  // namespace
 
-void addCheckCommand(CLI::App& app, Command& chosen) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("check", "Tell whether a database file is whole; reads every byte of it");
-  command->footer(
+void addCheckCommand(CommandGroup& program) {
+  const auto [command, options] =
+      program.add("check", "Tell whether a database file is whole; reads every byte of it", &Options::file, check);
+  command.footer(
       "Exit codes: 0 all is well, 1 a check failed, 3 the file is damaged beyond opening or no database, 4 the key "
       "does\n"
       "not open it.");
-  addFile(*command, options->file);
-  command->add_flag("--json", options->json, "Print the verdicts as JSON");
-  command->callback([&chosen, options] {
-    chosen = {"check " + options->file, [options](Context& context) { check(context, *options); }};
-  });
+  addFile(command, options.file);
+  command.add_flag("--json", options.json, "Print the verdicts as JSON");
 }
 
 }  // namespace tovrtool

@@ -1,14 +1,13 @@
-#include "tool/commands/CipherCommands.h"
-
 #include <algorithm>
 #include <filesystem>
-#include <memory>
 
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
 #include "tool/database/Session.h"
-#include "tool/files/FileInput.h"
-#include "tool/files/KeySource.h"
-#include "tool/files/Message.h"
-#include "tool/files/UnfinishedFile.h"
+#include "tool/io/FileInput.h"
+#include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
+#include "tool/io/UnfinishedFile.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -93,13 +92,14 @@ void encrypt(Context& context, const Options& options) {
   const Keys keys = readKeys(options, KeyUse::kCreate);
   const std::uintmax_t size = requireText(options.input);
   UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
-  const auto host = loadPlugin(context);
+  const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().encryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
   if (sizeOf(unfinished.path()) != (size + kCipherBlock - 1) / kCipherBlock * kCipherBlock) {
     throw ToolError(kFileProblem, "the encrypted file is incomplete; is the disk full?");
   }
   unfinished.finish();
+  message("wrote " + options.output);
 }
 
 void decrypt(Context& context, const Options& options) {
@@ -110,7 +110,7 @@ void decrypt(Context& context, const Options& options) {
                                       " bytes are no multiple of 8");
   }
   UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
-  const auto host = loadPlugin(context);
+  const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().decryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
   // Only the last block of a text is filled up with zeros, by less than its length.
@@ -119,39 +119,32 @@ void decrypt(Context& context, const Options& options) {
                     "the key or the vector is wrong, or the file never was a text: zero bytes cut it short");
   }
   unfinished.finish();
+  message("wrote " + options.output);
 }
 
-using Run = void (*)(Context&, const Options&);
-
-void addOne(CLI::App& app, Command& chosen, const std::string& name, const std::string& description, Run run) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand(name, description);
-  command->footer(
+void addOne(CommandGroup& program, const std::string& name, const std::string& description,
+            void (*run)(Context&, const Options&)) {
+  const auto [command, options] = program.add(name, description, &Options::input, run);
+  command.footer(
       "The service's format is DES in CBC mode over pieces of 512 bytes, for text files: no header, no checksum. A "
       "wrong\n"
       "key shows only where it yields zero bytes. DES keeps nothing from a determined reader.");
-  command->add_option("IN", options->input, "The file to read")->required();
-  command->add_option("OUT", options->output, "The file to write")->required();
+  command.add_option("IN", options.input, "The file to read")->required();
+  command.add_option("OUT", options.output, "The file to write")->required();
   command
-      ->add_option("--cipher-key-file", options->keyFile,
-                   "The key, 8 characters, is this file's first line [TOVRDB_CIPHER_KEY, else a prompt]")
+      .add_option("--cipher-key-file", options.keyFile,
+                  "The key, 8 characters, is this file's first line [TOVRDB_CIPHER_KEY, else a prompt]")
       ->type_name("FILE");
-  command->add_option("--iv-file", options->vectorFile, "So is the initialisation vector [the same as the key]")
+  command.add_option("--iv-file", options.vectorFile, "So is the initialisation vector [the same as the key]")
       ->type_name("FILE");
-  command->add_flag("--force", options->force, "Replace the output file if it exists");
-  command->callback([&chosen, options, name, run] {
-    chosen = {name + " " + options->input, [options, run](Context& context) {
-                run(context, *options);
-                message("wrote " + options->output);
-              }};
-  });
+  command.add_flag("--force", options.force, "Replace the output file if it exists");
 }
 
 }  // namespace
 
-void addCipherCommands(CLI::App& app, Command& chosen) {
-  addOne(app, chosen, "encrypt", "Encrypt a text file with the encryption service", encrypt);
-  addOne(app, chosen, "decrypt", "Decrypt such a file", decrypt);
+void addCipherCommands(CommandGroup& program) {
+  addOne(program, "encrypt", "Encrypt a text file with the encryption service", encrypt);
+  addOne(program, "decrypt", "Decrypt such a file", decrypt);
 }
 
 }  // namespace tovrtool

@@ -1,17 +1,17 @@
-#include "tool/commands/CoefStatsCommand.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <memory>
 #include <nlohmann/json.hpp>
 
+#include "tool/cells/CellBlock.h"
+#include "tool/cells/CellNumbers.h"
+#include "tool/cells/Statistics.h"
 #include "tool/commands/Arguments.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/StoredArea.h"
-#include "tool/forms/CellBlock.h"
-#include "tool/forms/CellNumbers.h"
-#include "tool/forms/TextTable.h"
-#include "tool/pictures/Statistics.h"
+#include "tool/io/TextTable.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -185,7 +185,7 @@ std::string json(const Subject& subject, const std::vector<Component>& component
 }
 
 void stats(Context& context, const Options& options) {
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   Subject subject;
   subject.area = chooseArea(areasOfType(session, options.type, options.screen), options.rect);
   subject.cells = readCells(session, subject.area, options.rect.value_or(subject.area.rect));
@@ -203,28 +203,24 @@ void stats(Context& context, const Options& options) {
 
 }  // namespace
 
-void addCoefStatsCommand(CLI::App& app, Command& chosen) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.get_subcommand("coef")->add_subcommand("stats", "The numbers of a stored block");
-  command->footer(
+void addCoefStatsCommand(CommandGroup& coef) {
+  const auto [command, options] = coef.add("stats", "The numbers of a stored block", &Options::file, stats);
+  command.footer(
       "Percentiles are linear between the two nearest values; the deviation is divided by the number of cells. The\n"
       "histogram goes from the 1st to the 99th percentile; what lies beyond is counted in a first and a last line.\n"
       "A spread is 1.4826 x the median absolute deviation from the median (where more than half the cells are equal,\n"
       "1.2533 x the mean one): a standard deviation that a few wild cells do not move.");
-  addFile(*command, options->file);
-  command->add_option("--type", options->type, "The coefficient type")->required();
-  command->add_option("--screen", options->screen, "Only areas of this screen");
-  addRect(*command, options->rect, "The cells, both edges inclusive [the whole area, if there is one]");
-  addDtype(*command, options->dtype, "Type of the numbers in a cell (uint16, float32, ...); it is not stored")
+  addFile(command, options.file);
+  command.add_option("--type", options.type, "The coefficient type")->required();
+  command.add_option("--screen", options.screen, "Only areas of this screen");
+  addRect(command, options.rect, "The cells, both edges inclusive [the whole area, if there is one]");
+  addDtype(command, options.dtype, "Type of the numbers in a cell (uint16, float32, ...); it is not stored")
       ->required();
-  command->add_option("--component", options->component, "Only this number of each cell, from 0 [all]");
-  command->add_option("--outliers", options->limit, "Spreads from the median from which cells stand out")
+  command.add_option("--component", options.component, "Only this number of each cell, from 0 [all]");
+  command.add_option("--outliers", options.limit, "Spreads from the median from which cells stand out")
       ->capture_default_str()
       ->check(CLI::NonNegativeNumber);
-  command->add_flag("--json", options->json, "Write JSON");
-  command->callback([&chosen, options] {
-    chosen = {"coef stats " + options->file, [options](Context& context) { stats(context, *options); }};
-  });
+  command.add_flag("--json", options.json, "Write JSON");
 }
 
 }  // namespace tovrtool

@@ -1,11 +1,11 @@
-#include "tool/commands/CreateCommand.h"
-
 #include <filesystem>
-#include <memory>
 
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
 #include "tool/database/Session.h"
-#include "tool/files/Message.h"
-#include "tool/files/UnfinishedFile.h"
+#include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
+#include "tool/io/UnfinishedFile.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -35,12 +35,9 @@ void describe(Session& session, const Options& options) {
 }
 
 void create(Context& context, const Options& options) {
-  std::error_code error;
-  if (fs::exists(fs::symlink_status(options.file, error))) {
-    throw ToolError(kFileProblem, "the file exists already and was not touched");
-  }
-  UnfinishedFile unfinished(options.file, Existing::kRefuse, "-journal");
-  Session session = Session::openNew(context, unfinished.path());
+  UnfinishedFile unfinished(options.file, Existing::kKeep, "-journal");
+  Session session =
+      Session::openNew(context.options.access.plugin, unfinished.path(), readKey(context.options.keyFile, KeyUse::kCreate));
   session.require(session.manager().createTables());
   describe(session, options);
   session.close();
@@ -50,24 +47,21 @@ void create(Context& context, const Options& options) {
 
 }  // namespace
 
-void addCreateCommand(CLI::App& app, Command& chosen) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("create", "Make a new database file with its tables and its description");
-  command->add_option("FILE", options->file, "The database file, which must not exist yet")->required();
-  command->add_option("--type", options->type, "0: screens are found by rectangle; 1: by name")
+void addCreateCommand(CommandGroup& program) {
+  const auto [command, options] =
+      program.add("create", "Make a new database file with its tables and its description", &Options::file, create);
+  command.add_option("FILE", options.file, "The database file, which must not exist yet")->required();
+  command.add_option("--type", options.type, "0: screens are found by rectangle; 1: by name")
       ->required()
       ->check(CLI::IsMember({0, 1}));
-  command->add_option("--name", options->name, "The database's name [the file's]");
-  command->add_option("--structure-version", options->structureVersion, "Version of the stored structures")
+  command.add_option("--name", options.name, "The database's name [the file's]");
+  command.add_option("--structure-version", options.structureVersion, "Version of the stored structures")
       ->capture_default_str();
-  command->add_option("--software-version", options->softwareVersion, "Version of the software that writes the file")
+  command.add_option("--software-version", options.softwareVersion, "Version of the software that writes the file")
       ->capture_default_str();
-  command->add_option("--software-type", options->softwareType, "Kind of that software")->capture_default_str();
-  command->add_option("--database-version", options->databaseVersion, "Version of the database layout")
+  command.add_option("--software-type", options.softwareType, "Kind of that software")->capture_default_str();
+  command.add_option("--database-version", options.databaseVersion, "Version of the database layout")
       ->capture_default_str();
-  command->callback([&chosen, options] {
-    chosen = {"create " + options->file, [options](Context& context) { create(context, *options); }};
-  });
 }
 
 }  // namespace tovrtool

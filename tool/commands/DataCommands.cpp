@@ -1,16 +1,14 @@
-#include "tool/commands/DataCommands.h"
-
-#include <memory>
 
 #include "storage/StatusCodes.h"
 #include "tool/commands/Arguments.h"
-#include "tool/commands/FileCommand.h"
-#include "tool/database/Session.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/SqlQuery.h"
-#include "tool/files/ByteOutput.h"
-#include "tool/files/FileInput.h"
-#include "tool/files/Message.h"
-#include "tool/forms/TextTable.h"
+#include "tool/io/ByteOutput.h"
+#include "tool/io/FileInput.h"
+#include "tool/io/Message.h"
+#include "tool/io/TextTable.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -26,7 +24,7 @@ struct Options {
 
 void put(Context& context, const Options& options) {
   std::vector<unsigned char> payload = readWholeFile(options.input);
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   // The library files every blob under the screen that was added last.
   if (queryNumber(session.connection(), "select count(*) from Screen_Info") == 0) {
     throw ToolError(kRefused, "data belongs to a screen, and the file has none: add one with tovrdb screen add");
@@ -45,7 +43,7 @@ void put(Context& context, const Options& options) {
 
 void get(Context& context, const Options& options) {
   ByteOutput output(context.output, options.output, options.file);
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   auto record = session.host().makeRecord<tovr::ConfigData>();
   record->datatype = options.type;
   const int code = session.manager().queryData(record.get());
@@ -56,7 +54,7 @@ void get(Context& context, const Options& options) {
 }
 
 void list(Context& context, const Options& options) {
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   const auto rows = queryRows(session.connection(),
                               "select i.datatype, i.id, i.dataid, length(d.data), d.version from DataInfo i"
                               " left join Data d on d.id = i.dataid order by i.id");
@@ -64,26 +62,32 @@ void list(Context& context, const Options& options) {
       textTable({{"type", true}, {"id", true}, {"blob", true}, {"stored bytes", true}, {"version"}}, rows));
 }
 
+void addType(CLI::App& command, Options& options) {
+  command.add_option("--type", options.type, "The data type")->required();
+}
+
 }  // namespace
 
-void addDataCommands(CLI::App& app, Command& chosen) {
-  CLI::App* group = app.add_subcommand("data", "Generic data, one blob per data type")->require_subcommand(1);
-  auto options = std::make_shared<Options>();
-  const auto addType = [options](CLI::App& command) {
-    command.add_option("--type", options->type, "The data type")->required();
-  };
-
-  CLI::App* command =
-      addFileCommand(*group, chosen, options, "put", "Store a file; it replaces what its type held", put);
-  addType(*command);
-  command->add_option("INPUT", options->input, "The file to store; - is standard input")->required();
-  command->add_option("--version-text", options->versionText, "Text kept with the data");
-
-  command = addFileCommand(*group, chosen, options, "get", "Read the data of a type", get);
-  addType(*command);
-  addOutput(*command, options->output);
-
-  addFileCommand(*group, chosen, options, "list", "List what is stored", list);
+void addDataCommands(CommandGroup& program) {
+  CommandGroup group = program.addGroup("data", "Generic data, one blob per data type");
+  {
+    const auto [command, options] =
+        group.add("put", "Store a file; it replaces what its type held", &Options::file, put);
+    addFile(command, options.file);
+    addType(command, options);
+    command.add_option("INPUT", options.input, "The file to store; - is standard input")->required();
+    command.add_option("--version-text", options.versionText, "Text kept with the data");
+  }
+  {
+    const auto [command, options] = group.add("get", "Read the data of a type", &Options::file, get);
+    addFile(command, options.file);
+    addType(command, options);
+    addOutput(command, options.output);
+  }
+  {
+    const auto [command, options] = group.add("list", "List what is stored", &Options::file, list);
+    addFile(command, options.file);
+  }
 }
 
 }  // namespace tovrtool

@@ -1,18 +1,18 @@
-#include "tool/commands/DiffCommand.h"
-
 #include <algorithm>
 #include <filesystem>
-#include <memory>
 #include <new>
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "tool/cells/CellNumbers.h"
 #include "tool/commands/Arguments.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/FileDifference.h"
-#include "tool/files/ByteOutput.h"
-#include "tool/files/KeySource.h"
-#include "tool/files/Message.h"
-#include "tool/forms/CellNumbers.h"
+#include "tool/io/ByteOutput.h"
+#include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 #include "tool/pictures/HeatmapWords.h"
@@ -214,7 +214,8 @@ void diff(Context& context, const Options& options) {
   refuseReplacing(options);
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
   const std::string keyAfter = options.keyFileAfter.empty() ? key : readKey(options.keyFileAfter, KeyUse::kOpen);
-  FileComparison files(context, {options.before, key}, {options.after, keyAfter});
+  for (const std::string& file : {options.before, options.after}) requireOtherThanLog(context, file);
+  FileComparison files(context.options.access, {options.before, key}, {options.after, keyAfter});
   std::optional<DifferencePicture> picture;
   if (!options.picture.path.empty()) picture.emplace(context, options, files);
 
@@ -242,6 +243,8 @@ void diffOrTrouble(Context& context, const Options& options) {
   }
 }
 
+std::string bothFiles(const Options& options) { return options.before + " " + options.after; }
+
 void addPictureOptions(CLI::App& command, Options& options) {
   CLI::Option* picture =
       command.add_option("--heatmap", options.picture.path, "Draw the differences of one number of every cell (PNG)")
@@ -257,33 +260,29 @@ void addPictureOptions(CLI::App& command, Options& options) {
 
 }  // namespace
 
-void addDiffCommand(CLI::App& app, Command& chosen) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("diff", "What differs between two database files");
-  command->footer(
+void addDiffCommand(CommandGroup& program) {
+  const auto [command, options] =
+      program.add("diff", "What differs between two database files", bothFiles, diffOrTrouble);
+  command.footer(
       "Exit codes of this command: 0 the same, 1 different, 2 trouble of any kind.\n\n"
       "Compared are metadata, screens, blocks (found by screen, type and rectangle), generic data and measurements;\n"
       "not the times and the keys of rows. Without a tolerance cells differ when a bit does.\n"
       "The picture shows B - A in cool to warm colours, zero in the middle. Regions of more than 1280 x 800 cells are\n"
       "made smaller: a pixel then shows the largest difference of its cells.");
-  command->add_option("A", options->before, "The first database file")->required();
-  command->add_option("B", options->after, "The second database file")->required();
-  command->add_option("--key-file-b", options->keyFileAfter, "The key of B is this file's first line [as for A]")
+  command.add_option("A", options.before, "The first database file")->required();
+  command.add_option("B", options.after, "The second database file")->required();
+  command.add_option("--key-file-b", options.keyFileAfter, "The key of B is this file's first line [as for A]")
       ->type_name("FILE");
-  CLI::Option* dtype = addDtype(*command, options->dtype, "Type of the numbers in a cell (uint16, float32, ...)");
-  CLI::Option* absolute = command->add_option("--atol", options->absolute, "Numbers this far apart count as equal");
+  CLI::Option* dtype = addDtype(command, options.dtype, "Type of the numbers in a cell (uint16, float32, ...)");
+  CLI::Option* absolute = command.add_option("--atol", options.absolute, "Numbers this far apart count as equal");
   absolute->check(CLI::NonNegativeNumber)->needs(dtype);
-  command->add_option("--rtol", options->relative, "The same, as a share of the larger of the two")
+  command.add_option("--rtol", options.relative, "The same, as a share of the larger of the two")
       ->check(CLI::NonNegativeNumber)
       ->needs(dtype)
       ->excludes(absolute);
-  addPictureOptions(*command, *options);
-  command->get_option("--heatmap")->needs(dtype);
-  command->add_flag("--json", options->json, "Write JSON");
-  command->callback([&chosen, options] {
-    chosen = {"diff " + options->before + " " + options->after,
-              [options](Context& context) { diffOrTrouble(context, *options); }};
-  });
+  addPictureOptions(command, options);
+  command.get_option("--heatmap")->needs(dtype);
+  command.add_flag("--json", options.json, "Write JSON");
 }
 
 }  // namespace tovrtool

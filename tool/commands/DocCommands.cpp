@@ -1,37 +1,41 @@
-#include "tool/commands/DocCommands.h"
-
 #include <CLI/CLI.hpp>
-#include <memory>
 
-#include "tool/manual/CommandTree.h"
-#include "tool/manual/Completion.h"
-#include "tool/manual/ManualPage.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/CommandTree.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/Completion.h"
+#include "tool/commands/ManualPage.h"
 
 namespace tovrtool {
 namespace {
 
-std::string completionFor(const std::string& shell, const std::vector<CommandPage>& pages) {
-  if (shell == "bash") return bashCompletion(pages);
-  return shell == "zsh" ? zshCompletion(pages) : fishCompletion(pages);
+struct Options {
+  const CLI::App* program = nullptr;
+  std::string shell;
+};
+
+void manual(Context& context, const Options& options) {
+  context.output.print(manualPage(commandPages(*options.program)));
+}
+
+void completion(Context& context, const Options& options) {
+  const auto pages = commandPages(*options.program);
+  const auto script = options.shell == "bash"  ? bashCompletion
+                      : options.shell == "zsh" ? zshCompletion
+                                               : fishCompletion;
+  context.output.print(script(pages));
 }
 
 }  // namespace
 
-void addDocCommands(CLI::App& app, Command& chosen) {
-  CLI::App* manual = app.add_subcommand("manual", "The manual page, for man: tovrdb manual | man -l -");
-  manual->callback([&app, &chosen] {
-    chosen = {"manual", [&app](Context& context) { context.output.print(manualPage(commandPages(app))); }};
-  });
+void addDocCommands(CommandGroup& program) {
+  program.add("manual", "The manual page, for man: tovrdb manual | man -l -", manual).options.program = &program.app();
 
-  CLI::App* completion = app.add_subcommand("completion", "A shell's completion script");
-  const auto shell = std::make_shared<std::string>();
-  completion->add_option("SHELL", *shell, "bash, zsh or fish")
+  const auto [command, options] = program.add("completion", "A shell's completion script", completion);
+  options.program = &program.app();
+  command.add_option("SHELL", options.shell, "bash, zsh or fish")
       ->required()
       ->check(CLI::IsMember({"bash", "zsh", "fish"}));
-  completion->callback([&app, &chosen, shell] {
-    chosen = {"completion",
-              [&app, shell](Context& context) { context.output.print(completionFor(*shell, commandPages(app))); }};
-  });
 }
 
 }  // namespace tovrtool

@@ -1,19 +1,20 @@
-#include "tool/commands/HeatmapCommand.h"
-
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 
+#include "host/StatusText.h"
 #include "storage/StatusCodes.h"
+#include "tool/cells/CellBlock.h"
+#include "tool/cells/CellNumbers.h"
 #include "tool/commands/Arguments.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/StoredArea.h"
-#include "tool/files/ByteOutput.h"
-#include "tool/files/FileInput.h"
-#include "tool/files/Message.h"
-#include "tool/forms/CellBlock.h"
-#include "tool/forms/CellNumbers.h"
+#include "tool/io/ByteOutput.h"
+#include "tool/io/FileInput.h"
+#include "tool/io/Message.h"
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 #include "tool/pictures/HeatmapWords.h"
@@ -88,8 +89,9 @@ const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const 
   if (found != screens.end()) return *found;
   std::string names;
   for (const StoredScreen& screen : screens) names += (names.empty() ? "" : ", ") + screen.name;
-  throw ToolError(kRefused, std::to_string(tovr::kNoSuchScreenName) + ": " + tovr::statusText(tovr::kNoSuchScreenName) +
-                                "; asked for " + name + "; screens: " + (names.empty() ? "none" : names));
+  throw ToolError(kRefused, std::to_string(tovr::kNoSuchScreenName) + ": " +
+                                tovrhost::statusText(tovr::kNoSuchScreenName) + "; asked for " + name +
+                                "; screens: " + (names.empty() ? "none" : names));
 }
 
 Rect regionOf(const Options& options, const std::vector<StoredScreen>& screens, const std::vector<StoredArea>& areas) {
@@ -123,7 +125,7 @@ GatheredNumbers fromDatabase(Context& context, const Options& options, Heatmap& 
   if (!options.type || !options.dtype) {
     throw ToolError(kUsage, "a database takes --type and --dtype: it does not tell the type of its numbers");
   }
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   const auto screens = storedScreens(session);
   if (!options.screen.empty()) screenNamed(screens, options.screen);
   const auto areas = areasOfType(session, *options.type, options.screen);
@@ -169,10 +171,10 @@ void heatmap(Context& context, const Options& options) {
 
 }  // namespace
 
-void addHeatmapCommand(CLI::App& app, Command& chosen) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("heatmap", "Draw one number of every cell as a PNG picture");
-  command->footer(
+void addHeatmapCommand(CommandGroup& program) {
+  const auto [command, options] =
+      program.add("heatmap", "Draw one number of every cell as a PNG picture", &Options::file, heatmap);
+  command.footer(
       "Examples:\n"
       "  tovrdb heatmap wall.db -o wall.png --type 1 --dtype uint16 --wall --unit 'gain of red (1/16384)'\n"
       "  tovrdb heatmap block.npy -o block.png --component 4 --range 0,16384\n\n"
@@ -181,26 +183,20 @@ void addHeatmapCommand(CLI::App& app, Command& chosen) {
       "go; hatched grey means no cells. Regions of more than 1280 x 800 cells are made smaller: a pixel then shows "
       "the\n"
       "mean of its cells.");
-  command->add_option("FILE", options->file, "The database file, or a .npy array")->required();
-  addOutput(*command, options->output);
-  command->add_option("--type", options->type, "The coefficient type, in databases");
-  addDtype(*command, options->dtype, "Type of the numbers in a cell, in databases (uint16, float32, ...)");
-  command->add_option("--component", options->component, "Which number of each cell, from 0")->capture_default_str();
-  CLI::Option* rect = addRect(*command, options->rect, "Only these cells, both edges inclusive");
-  CLI::Option* screen = command->add_option("--screen", options->screen, "Only this screen");
-  command->add_flag("--wall", options->wall, "All screens in their places")->excludes(rect)->excludes(screen);
-  CLI::Option* range = addNumberRange(*command, "--range", options->range, "The numbers of the first and last colour");
-  addNumberRange(*command, "--percentile", options->percentiles, "Instead, the percents of cells below them [1,99]")
+  command.add_option("FILE", options.file, "The database file, or a .npy array")->required();
+  addOutput(command, options.output);
+  command.add_option("--type", options.type, "The coefficient type, in databases");
+  addDtype(command, options.dtype, "Type of the numbers in a cell, in databases (uint16, float32, ...)");
+  command.add_option("--component", options.component, "Which number of each cell, from 0")->capture_default_str();
+  CLI::Option* rect = addRect(command, options.rect, "Only these cells, both edges inclusive");
+  CLI::Option* screen = command.add_option("--screen", options.screen, "Only this screen");
+  command.add_flag("--wall", options.wall, "All screens in their places")->excludes(rect)->excludes(screen);
+  CLI::Option* range = addNumberRange(command, "--range", options.range, "The numbers of the first and last colour");
+  addPercentRange(command, "--percentile", options.percentiles, "Instead, the percents of cells below them [1,99]")
       ->excludes(range);
-  command->add_option("--unit", options->unit, "Text beside the colour bar")->type_name("TEXT");
-  command->add_option("--title", options->title, "Text above the picture [the file and what is drawn]")
+  command.add_option("--unit", options.unit, "Text beside the colour bar")->type_name("TEXT");
+  command.add_option("--title", options.title, "Text above the picture [the file and what is drawn]")
       ->type_name("TEXT");
-  command->callback([&chosen, options] {
-    if (options->percentiles && (options->percentiles->first < 0 || options->percentiles->second > 100)) {
-      throw CLI::ValidationError("--percentile", "percents lie from 0 to 100");
-    }
-    chosen = {"heatmap " + options->file, [options](Context& context) { heatmap(context, *options); }};
-  });
 }
 
 }  // namespace tovrtool

@@ -1,14 +1,13 @@
-#include "tool/commands/InfoCommand.h"
-
-#include <memory>
 
 #include "tool/commands/Arguments.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/FileGeneration.h"
-#include "tool/database/Session.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredRows.h"
-#include "tool/forms/JsonText.h"
-#include "tool/forms/TextTable.h"
+#include "tool/io/JsonText.h"
+#include "tool/io/TextTable.h"
 
 namespace tovrtool {
 namespace {
@@ -173,21 +172,17 @@ std::string asJson(const std::string& file, const Facts& facts) {
 }
 
 void info(Context& context, const Options& options) {
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   const Facts facts = factsOf(session);
   context.output.print(options.json ? asJson(options.file, facts) : asText(options.file, facts));
 }
 
 }  // namespace
 
-void addInfoCommand(CLI::App& app, Command& chosen) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("info", "What a database file holds");
-  addFile(*command, options->file);
-  command->add_flag("--json", options->json, "Print it as JSON");
-  command->callback([&chosen, options] {
-    chosen = {"info " + options->file, [options](Context& context) { info(context, *options); }};
-  });
+void addInfoCommand(CommandGroup& program) {
+  const auto [command, options] = program.add("info", "What a database file holds", &Options::file, info);
+  addFile(command, options.file);
+  command.add_flag("--json", options.json, "Print it as JSON");
 }
 
 }  // namespace tovrtool

@@ -1,13 +1,16 @@
-#include "tool/commands/InspectCommand.h"
 
-#include <memory>
-
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
 #include "tool/database/Session.h"
-#include "tool/forms/JsonText.h"
-#include "tool/forms/TextTable.h"
+#include "tool/io/JsonText.h"
+#include "tool/io/TextTable.h"
 
 namespace tovrtool {
 namespace {
+
+struct Options {
+  bool json = false;
+};
 
 // "cpp.DBManager" is kept under "DBManager", as the library itself asks for it.
 std::string objectName(const std::string& className) { return className.substr(className.find('.') + 1); }
@@ -56,19 +59,18 @@ std::string asJson(const tovr::PluginInfo& info, const std::vector<ClassFacts>& 
                    {"classes", list}});
 }
 
-void inspect(Context& context, bool json) {
-  const auto host = loadPlugin(context);
+void inspect(Context& context, const Options& options) {
+  const auto host = loadPlugin(context.options.access.plugin);
   const auto facts = classes(*host);
-  context.output.print(json ? asJson(host->info(), facts) : asText(host->info(), facts));
+  context.output.print(options.json ? asJson(host->info(), facts) : asText(host->info(), facts));
 }
 
 }  // namespace
 
-void addInspectCommand(CLI::App& app, Command& chosen) {
-  auto json = std::make_shared<bool>(false);
-  CLI::App* command = app.add_subcommand("inspect", "What the plug-in says about itself; needs no database");
-  command->add_flag("--json", *json, "Print it as JSON");
-  command->callback([&chosen, json] { chosen = {"inspect", [json](Context& context) { inspect(context, *json); }}; });
+void addInspectCommand(CommandGroup& program) {
+  const auto [command, options] =
+      program.add("inspect", "What the plug-in says about itself; needs no database", inspect);
+  command.add_flag("--json", options.json, "Print it as JSON");
 }
 
 }  // namespace tovrtool

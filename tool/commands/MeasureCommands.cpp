@@ -1,17 +1,15 @@
-#include "tool/commands/MeasureCommands.h"
-
 #include <iostream>
-#include <memory>
 
 #include "tool/commands/Arguments.h"
-#include "tool/commands/FileCommand.h"
-#include "tool/database/Session.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredBlob.h"
-#include "tool/files/ByteOutput.h"
-#include "tool/files/FileInput.h"
-#include "tool/files/Message.h"
-#include "tool/forms/TextTable.h"
+#include "tool/io/ByteOutput.h"
+#include "tool/io/FileInput.h"
+#include "tool/io/Message.h"
+#include "tool/io/TextTable.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -36,7 +34,7 @@ std::int64_t lastKey(Session& session) {
 
 void put(Context& context, const Options& options) {
   std::vector<unsigned char> payload = readWholeFile(options.input);
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   const std::int64_t before = lastKey(session);
   auto record = session.host().makeRecord<tovr::LumChromaData>();
   record->datatype = options.type;
@@ -60,7 +58,7 @@ void put(Context& context, const Options& options) {
 }
 
 void list(Context& context, const Options& options) {
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   const auto rows = queryRows(
       session.connection(),
       "select d.id, length(d.data), d.version, i.datatype, i.left || ',' || i.top || '..' || i.right || ',' || i.bottom"
@@ -71,7 +69,7 @@ void list(Context& context, const Options& options) {
 
 void get(Context& context, const Options& options) {
   ByteOutput output(context.output, options.output, options.file);
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   const std::string id = std::to_string(options.id);
   const auto blob = queryBlob(session.connection(), "select data from LumChromData where id = " + id);
   if (!blob) throw ToolError(kRefused, "no measurement has the key " + id + "; tovrdb measure list shows them");
@@ -92,7 +90,7 @@ void confirm(const Options& options, std::int64_t count) {
 }
 
 void clear(Context& context, const Options& options) {
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   const std::int64_t count = queryNumber(session.connection(), "select count(*) from LumChromData");
   confirm(options, count);
   auto record = session.host().makeRecord<tovr::LumChromaData>();
@@ -103,29 +101,38 @@ void clear(Context& context, const Options& options) {
   message("deleted " + std::to_string(count) + " measurements");
 }
 
-}  // namespace
-
-void addMeasureCommands(CLI::App& app, Command& chosen) {
-  CLI::App* group = app.add_subcommand("measure", "Luminance and chromaticity measurements")->require_subcommand(1);
-  auto options = std::make_shared<Options>();
-
-  CLI::App* command = addFileCommand(*group, chosen, options, "put", "Store a measurement and print its key", put);
-  command->footer(
+void addPut(CommandGroup& group) {
+  const auto [command, options] = group.add("put", "Store a measurement and print its key", &Options::file, put);
+  command.footer(
       "The library keeps the bytes and rejects type and rectangle with code 19. That is its contract: it is told on\n"
       "standard error and is no failure (exit code 0).");
-  command->add_option("--type", options->type, "The measurement's type")->required();
-  addRect(*command, options->rect, "The cells that were measured")->required();
-  command->add_option("INPUT", options->input, "The file to store; - is standard input")->required();
-  command->add_option("--version-text", options->versionText, "Text kept with the measurement");
+  addFile(command, options.file);
+  command.add_option("--type", options.type, "The measurement's type")->required();
+  addRect(command, options.rect, "The cells that were measured")->required();
+  command.add_option("INPUT", options.input, "The file to store; - is standard input")->required();
+  command.add_option("--version-text", options.versionText, "Text kept with the measurement");
+}
 
-  addFileCommand(*group, chosen, options, "list", "List the measurements", list);
+}  // namespace
 
-  command = addFileCommand(*group, chosen, options, "get", "Read a measurement", get);
-  command->add_option("--id", options->id, "Its key")->required();
-  addOutput(*command, options->output);
-
-  command = addFileCommand(*group, chosen, options, "clear", "Delete all measurements", clear);
-  command->add_flag("--yes", options->yes, "Do not ask");
+void addMeasureCommands(CommandGroup& program) {
+  CommandGroup group = program.addGroup("measure", "Luminance and chromaticity measurements");
+  addPut(group);
+  {
+    const auto [command, options] = group.add("list", "List the measurements", &Options::file, list);
+    addFile(command, options.file);
+  }
+  {
+    const auto [command, options] = group.add("get", "Read a measurement", &Options::file, get);
+    addFile(command, options.file);
+    command.add_option("--id", options.id, "Its key")->required();
+    addOutput(command, options.output);
+  }
+  {
+    const auto [command, options] = group.add("clear", "Delete all measurements", &Options::file, clear);
+    addFile(command, options.file);
+    command.add_flag("--yes", options.yes, "Do not ask");
+  }
 }
 
 }  // namespace tovrtool

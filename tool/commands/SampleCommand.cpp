@@ -1,19 +1,20 @@
-#include "tool/commands/SampleCommand.h"
-
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <vector>
 
+#include "tool/cells/NpyFile.h"
+#include "tool/cells/WallModel.h"
 #include "tool/commands/Arguments.h"
-#include "tool/files/ByteOutput.h"
-#include "tool/files/Message.h"
-#include "tool/forms/NpyFile.h"
-#include "tool/pictures/WallModel.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/io/ByteOutput.h"
+#include "tool/io/Message.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
+
+constexpr int kCellBytes = 18;
 
 struct Options {
   CellPair size{1920, 1080};
@@ -73,6 +74,7 @@ void sample(Context& context, const Options& options) {
     throw ToolError(kUsage, "the rectangle " + toText(rect) + " lies outside the wall, " + toText(wall));
   }
   ByteOutput output(context.output, options.output, "");
+  output.requireRoom(static_cast<double>(rect.rows()) * static_cast<double>(rect.columns()) * kCellBytes);
   if (!options.raw) {
     output.write(npyHeader(parseDtype("uint16"),
                            {static_cast<std::size_t>(rect.rows()), static_cast<std::size_t>(rect.columns()), 9}));
@@ -98,21 +100,20 @@ void sample(Context& context, const Options& options) {
 
 }  // namespace
 
-void addSampleCommand(CLI::App& app, Command& chosen) {
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("sample", "Compute SYNTHETIC correction coefficients of an LED wall");
-  command->footer(
+void addSampleCommand(CommandGroup& program) {
+  const auto [command, options] =
+      program.add("sample", "Compute SYNTHETIC correction coefficients of an LED wall", sample);
+  command.footer(
       "The array: uint16, rows x columns x 9, a row-major 3x3 matrix per cell in unsigned Q2.14 (16384 is 1.0).\n"
       "Row i says how much of the target's red, green and blue the cell's LED i gives. Nothing was measured.");
-  addOutput(*command, options->output);
-  addSize(*command, "--size", options->size, "The wall's cells [1920x1080]");
-  addRect(*command, options->rect, "Only this part of the wall, the same to the byte as cut out of the whole");
-  addSize(*command, "--cabinet", options->cabinet, "The cells of a cabinet [160x180]");
-  command->add_option("--seed", options->seed, "Another number gives another wall")->capture_default_str();
-  command->add_flag("--raw", options->raw, "Write the bare cells without a header");
-  command->callback([&chosen, options] {
-    chosen = {"sample", [options](Context& context) { sample(context, *options); }};
-  });
+  addOutput(command, options.output);
+  addSize(command, "--size", options.size, "The wall's cells [1920x1080]");
+  addRect(command, options.rect, "Only this part of the wall, the same to the byte as cut out of the whole");
+  addSize(command, "--cabinet", options.cabinet, "The cells of a cabinet [160x180]");
+  command.add_option("--seed", options.seed, "Another number gives another wall")
+      ->check([](const std::string& text) { return text.rfind('-', 0) == 0 ? text + " is below 0" : std::string(); })
+      ->capture_default_str();
+  command.add_flag("--raw", options.raw, "Write the bare cells without a header");
 }
 
 }  // namespace tovrtool

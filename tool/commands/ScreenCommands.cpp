@@ -1,13 +1,12 @@
-#include "tool/commands/ScreenCommands.h"
-
 #include <algorithm>
-#include <memory>
 
 #include "tool/commands/Arguments.h"
-#include "tool/database/Session.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/OpenDatabase.h"
 #include "tool/database/SqlQuery.h"
-#include "tool/files/Message.h"
-#include "tool/forms/TextTable.h"
+#include "tool/io/Message.h"
+#include "tool/io/TextTable.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -19,6 +18,10 @@ struct AddOptions {
   std::optional<Rect> rect;
 };
 
+struct ListOptions {
+  std::string file;
+};
+
 std::vector<tovr::ScreenInfoData> screens(Session& session) {
   auto all = session.host().makeRecord<tovr::ScreenInfoDataResult>();
   session.require(session.manager().queryData(all.get()));
@@ -26,7 +29,7 @@ std::vector<tovr::ScreenInfoData> screens(Session& session) {
 }
 
 void add(Context& context, const AddOptions& options) {
-  Session session = Session::openExisting(context, options.file);
+  Session session = openDatabase(context, options.file);
   Transaction transaction(session);
   const auto present = screens(session);
   if (std::any_of(present.begin(), present.end(),
@@ -44,8 +47,8 @@ void add(Context& context, const AddOptions& options) {
   message("added the screen " + options.name + " (" + toText(*options.rect) + ")");
 }
 
-void list(Context& context, const std::string& file) {
-  Session session = Session::openExisting(context, file);
+void list(Context& context, const ListOptions& options) {
+  Session session = openDatabase(context, options.file);
   std::vector<Row> rows;
   for (const auto& screen : screens(session)) {
     const Rect rect = rectOf(screen);
@@ -55,28 +58,22 @@ void list(Context& context, const std::string& file) {
   context.output.print(textTable({{"id", true}, {"name"}, {"rectangle"}, {"columns", true}, {"rows", true}}, rows));
 }
 
+std::string nameFault(const std::string& name) { return name.empty() ? "must not be empty" : ""; }
+
 }  // namespace
 
-void addScreenCommands(CLI::App& app, Command& chosen) {
-  CLI::App* group = app.add_subcommand("screen", "The screens of a database file")->require_subcommand(1);
-
-  auto options = std::make_shared<AddOptions>();
-  CLI::App* command = group->add_subcommand("add", "Add a screen");
-  addFile(*command, options->file);
-  command->add_option("--name", options->name, "The screen's name, unique in the file")
-      ->required()
-      ->check([](const std::string& name) { return name.empty() ? "must not be empty" : std::string(); });
-  addRect(*command, options->rect, "The cells that it covers, both edges inclusive")->required();
-  command->callback([&chosen, options] {
-    chosen = {"screen add " + options->file, [options](Context& context) { add(context, *options); }};
-  });
-
-  auto file = std::make_shared<std::string>();
-  command = group->add_subcommand("list", "List the screens");
-  addFile(*command, *file);
-  command->callback([&chosen, file] {
-    chosen = {"screen list " + *file, [file](Context& context) { list(context, *file); }};
-  });
+void addScreenCommands(CommandGroup& program) {
+  CommandGroup group = program.addGroup("screen", "The screens of a database file");
+  {
+    const auto [command, options] = group.add("add", "Add a screen", &AddOptions::file, add);
+    addFile(command, options.file);
+    command.add_option("--name", options.name, "The screen's name, unique in the file")->required()->check(nameFault);
+    addRect(command, options.rect, "The cells that it covers, both edges inclusive")->required();
+  }
+  {
+    const auto [command, options] = group.add("list", "List the screens", &ListOptions::file, list);
+    addFile(command, options.file);
+  }
 }
 
 }  // namespace tovrtool

@@ -6,14 +6,13 @@
 #include <optional>
 #include <string>
 
+#include "tool/cells/CellBlock.h"
 #include "tool/database/Session.h"
-#include "tool/forms/CellBlock.h"
 
 namespace tovrtool {
 
 // Which area: what put and get have in common.
 struct AreaOptions {
-  std::string file;
   std::int32_t type = 0;
   std::string screen;
   std::optional<Rect> rect;

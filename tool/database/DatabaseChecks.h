@@ -7,15 +7,18 @@
 #include "tool/database/Session.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/Verdict.h"
-#include "tool/files/Progress.h"
+#include "tool/io/Progress.h"
 
 namespace tovrtool {
 
 // Name and create statement of every table, as the library makes them.
-std::vector<Row> expectedSchema(const Context& context);
+std::vector<Row> expectedSchema(const std::string& plugin);
 
 // Bytes that checkDatabase reads, as it reports them to `progress`.
 std::uint64_t bytesToCheck(Session& session);
+
+// What is wrong with the pages of an open file: nothing where it is whole.
+std::vector<std::string> pageFaults(Session& session);
 
 // One verdict per check; a check that the file's damage ends reports that as a fault.
 std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress);

@@ -7,9 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tool/cells/BlockDifference.h"
 #include "tool/database/Inventory.h"
-#include "tool/pictures/BlockDifference.h"
-#include "tool/system/Command.h"
 
 namespace tovrtool {
 
@@ -50,7 +49,7 @@ struct Comparing {
 class FileComparison {
  public:
   // Reads what both files hold, but no payloads. Throws ToolError, which names the file.
-  FileComparison(const Context& context, FileAndKey before, FileAndKey after);
+  FileComparison(const Access& access, FileAndKey before, FileAndKey after);
 
   // Areas of blocks that both hold in the same shape, in the order of the first file.
   std::vector<StoredArea> commonAreas() const;
@@ -73,7 +72,7 @@ class FileComparison {
                     const VisitBlock& visit);
   void addCells(const Pair& pair, const Bytes& before, const Bytes& after, const Comparing& how);
 
-  const Context& context_;
+  Access access_;
   FileAndKey before_;
   FileAndKey after_;
   std::vector<Item> itemsBefore_;

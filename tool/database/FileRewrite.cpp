@@ -2,11 +2,12 @@
 
 #include <filesystem>
 
+#include "tool/database/DatabaseChecks.h"
 #include "tool/database/Session.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredRows.h"
-#include "tool/files/Progress.h"
-#include "tool/files/UnfinishedFile.h"
+#include "tool/io/Progress.h"
+#include "tool/io/UnfinishedFile.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -66,7 +67,7 @@ void requireSameRows(Session& session, const std::string& table) {
 
 void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
   // Nobody else writes to the old file while it is copied.
-  session.require(session.connection().exec("begin exclusive"));
+  session.require(session.execPatiently("begin exclusive"));
   const std::string version = std::to_string(queryNumber(session.connection(), "pragma main.user_version"));
   session.require(session.connection().exec("select sqlcipher_export('rewritten')"));
   session.require(session.connection().exec(("pragma rewritten.user_version = " + version).c_str()));
@@ -80,10 +81,9 @@ void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
 }
 
 // Reads every page from the disk with the new key.
-void requireWhole(const Context& context, const std::string& path, const std::string& key) {
-  Session session = Session::openExisting(context, path, key);
-  const auto rows = queryRows(session.connection(), "pragma integrity_check");
-  if (rows.size() != 1 || rows[0][0] != "ok") {
+void requireWhole(const Access& access, const std::string& path, const std::string& key) {
+  Session session = Session::openExisting(access, path, key);
+  if (!pageFaults(session).empty()) {
     throw ToolError(kRefused, "the new file is damaged; the old one was left as it is");
   }
   session.close();
@@ -91,20 +91,20 @@ void requireWhole(const Context& context, const std::string& path, const std::st
 
 }  // namespace
 
-void rewriteFile(Context& context, const std::string& file, const std::string& key, const std::string& newKey,
+void rewriteFile(const Access& access, const std::string& file, const std::string& key, const std::string& newKey,
                  const std::string& verb) {
   UnfinishedFile unfinished(file, Existing::kReplace, "-journal");
   const FileState before(file);
-  Progress progress(context, verb, before.size * 3);
+  Progress progress(verb, before.size * 3);
   {
-    Session session = Session::openExisting(context, file, key);
+    Session session = Session::openExisting(access, file, key);
     attach(session, unfinished.path(), newKey);
     copyAll(session, progress, before.size);
     session.require(session.connection().exec("commit"));
     session.require(session.connection().exec("detach database rewritten"));
     session.close();
   }
-  requireWhole(context, unfinished.path(), newKey);
+  requireWhole(access, unfinished.path(), newKey);
   progress.advance(0);
   if (!(FileState(file) == before)) {
     throw ToolError(kRefused, "another program wrote to the file meanwhile; it was left as it is: try again");

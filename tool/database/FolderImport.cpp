@@ -4,12 +4,12 @@
 #include <filesystem>
 #include <map>
 
+#include "tool/cells/CellBlock.h"
 #include "tool/database/ExportFormat.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/StoredRows.h"
-#include "tool/files/FileInput.h"
-#include "tool/files/Progress.h"
-#include "tool/forms/CellBlock.h"
+#include "tool/io/FileInput.h"
+#include "tool/io/Progress.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -29,8 +29,8 @@ std::uint64_t bytesIn(const std::string& folder) {
 
 class Importer {
  public:
-  Importer(const Context& context, Session& session, const std::string& folder, const Json& manifest)
-      : session_(session), folder_(folder), tables_(manifest["tables"]), progress_(context, "import", bytesIn(folder)) {
+  Importer(Session& session, const std::string& folder, const Json& manifest)
+      : session_(session), folder_(folder), tables_(manifest["tables"]), progress_("import", bytesIn(folder)) {
     for (const Json& area : tables_["Coef_Info"]) areas_.emplace(wholeNumber(member(area, "coefid", "an area")), &area);
   }
 
@@ -116,10 +116,10 @@ Json readManifest(const std::string& folder) {
   return manifest;
 }
 
-void importFolder(const Context& context, Session& session, const std::string& folder, const Json& manifest) {
+void importFolder(Session& session, const std::string& folder, const Json& manifest) {
   session.require(session.manager().createTables());
   Transaction transaction(session);
-  Importer importer(context, session, folder, manifest);
+  Importer importer(session, folder, manifest);
   for (const std::string& table : kTables) importer.rows(table);
   setSequence(session, member(manifest, "sequence", kManifestName));
   transaction.commit();

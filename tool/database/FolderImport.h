@@ -4,8 +4,7 @@
 #include <string>
 
 #include "tool/database/Session.h"
-#include "tool/forms/JsonText.h"
-#include "tool/system/Command.h"
+#include "tool/io/JsonText.h"
 
 namespace tovrtool {
 
@@ -14,6 +13,6 @@ Json readManifest(const std::string& folder);
 
 // Makes the nine tables, and fills them with the rows of the manifest and the payloads of its folder. Throws ToolError;
 // no row is stored then. REQUIRES: `manifest` is from readManifest, and the session's database is empty.
-void importFolder(const Context& context, Session& session, const std::string& folder, const Json& manifest);
+void importFolder(Session& session, const std::string& folder, const Json& manifest);
 
 }  // namespace tovrtool

@@ -1,13 +1,16 @@
 #include "tool/database/Session.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <thread>
 
-#include "storage/StatusCodes.h"
+#include "tool/database/EngineError.h"
 #include "tool/database/SqlQuery.h"
-#include "tool/files/KeySource.h"
+#include "tool/io/Message.h"
+#include "tool/system/Platform.h"
 #include "tool/system/PluginPath.h"
 #include "tool/system/ToolError.h"
 
@@ -17,33 +20,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kNotADatabase = 26;
-
-// What can be told without the key. Opening a missing file would make it.
-void requireDatabaseFile(const std::string& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) {
-    throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
-  }
-  if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
-  constexpr std::size_t kMagicLength = 15;
-  std::string start(kMagicLength, '\0');
-  file.read(start.data(), kMagicLength);
-  if (file.gcount() == 0) throw ToolError(kFileProblem, "the file is empty (0 bytes); it never was a database");
-  if (start == "SQLite format 3") {
-    throw ToolError(kFileProblem, "it is an SQLite database, but not an encrypted one");
-  }
-}
-
-void requireUsable(const Context& context, const std::string& path) {
-  requireDatabaseFile(path);
-  std::error_code error;
-  if (fs::equivalent(path, context.options.log, error)) {
-    throw ToolError(kUsage, "--log would write into the database: give another file");  // nothing was appended yet
-  }
-}
+constexpr unsigned int kSecond = 1000;
+constexpr unsigned int kNotWorthAWord = 300;  // milliseconds
+constexpr std::chrono::milliseconds kBetweenAttempts{20};
 
 std::string missingTables(tovr::IDBOperate& connection) {
   const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
@@ -62,37 +41,53 @@ std::string missingTables(tovr::IDBOperate& connection) {
 const std::vector<std::string> kTables = {"DB_Info",      "Attach_DB_List",   "Screen_Info", "Coef",    "Coef_Info",
                                           "LumChromData", "LumChromDataInfo", "Data",        "DataInfo"};
 
-std::unique_ptr<tovrhost::PluginHost> loadPlugin(const Context& context) {
+void requireDatabaseFile(const std::string& path) {
+  std::error_code error;  // opening a missing file would make it
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::exists(status)) {
+    throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
+  }
+  if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
+  constexpr std::size_t kMagicLength = 15;
+  std::string start(kMagicLength, '\0');
+  file.read(start.data(), kMagicLength);
+  if (file.gcount() == 0) throw ToolError(kFileProblem, "the file is empty (0 bytes); it never was a database");
+  if (start == "SQLite format 3") {
+    throw ToolError(kFileProblem, "it is an SQLite database, but not an encrypted one");
+  }
+}
+
+std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin) {
   try {
-    return std::make_unique<tovrhost::PluginHost>(pluginPath(context.options.plugin));
+    return std::make_unique<tovrhost::PluginHost>(pluginPath(plugin));
   } catch (const std::runtime_error& error) {
     throw ToolError(kPluginProblem, std::string(error.what()) + "; say where it is with --plugin or TOVRDB_PLUGIN");
   }
 }
 
-Session Session::openExisting(const Context& context, const std::string& path) {
-  requireUsable(context, path);
-  return openExisting(context, path, readKey(context.options.keyFile, KeyUse::kOpen));
-}
-
-Session Session::openExisting(const Context& context, const std::string& path, const std::string& key) {
-  requireUsable(context, path);
-  Session session(loadPlugin(context));
-  session.open(path, key);
+Session Session::openExisting(const Access& access, const std::string& path, const std::string& key) {
+  requireDatabaseFile(path);
+  Session session(loadPlugin(access.plugin));
+  session.patience_ = access.patience;
+  session.requireRightKey(session.openPatiently(path, key));
+  session.setPatience(access.patience * kSecond);
+  // More than FULL, which flushes all but the end of the journal, and so may undo the last change.
+  if (access.flushed) session.require(session.connection().exec("PRAGMA synchronous = EXTRA"));
   session.probe();
   return session;
 }
 
-Session Session::openMemory(const Context& context) {
-  Session session(loadPlugin(context));
-  session.open(":memory:", "memory");
+Session Session::openMemory(const std::string& plugin) {
+  Session session(loadPlugin(plugin));
+  session.requireRightKey(session.open(":memory:", "memory"));
   return session;
 }
 
-Session Session::openNew(const Context& context, const std::string& path) {
-  const std::string key = readKey(context.options.keyFile, KeyUse::kCreate);
-  Session session(loadPlugin(context));
-  session.open(path, key);
+Session Session::openNew(const std::string& plugin, const std::string& path, const std::string& key) {
+  Session session(loadPlugin(plugin));
+  session.requireRightKey(session.open(path, key));
   return session;
 }
 
@@ -100,10 +95,48 @@ Session::~Session() {
   if (host_ != nullptr && open_) host_->manager().closeDB();
 }
 
-void Session::open(const std::string& path, const std::string& key) {
-  const int code = manager().openDB(path, key);
-  open_ = true;  // also when it failed half-way
-  requireRightKey(code);
+int Session::open(const std::string& path, const std::string& key) {
+  open_ = true;  // also when it fails half-way
+  return manager().openDB(path, key);
+}
+
+// The library reads the file before it can be told to wait. Where a power cut has torn the beginning of the file, the
+// engine takes its key from there before it plays the journal back: the first attempt puts the file right and fails.
+int Session::openPatiently(const std::string& path, const std::string& key) {
+  std::error_code error;
+  const bool unfinished = fs::exists(path + "-journal", error);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(patience_);
+  int code = open(path, key);
+  if (isBusy(code) && patience_ > 0) announceWait();
+  while (isBusy(code) && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(kBetweenAttempts);
+    code = open(path, key);
+  }
+  return code == kNotADatabase && unfinished ? open(path, key) : code;
+}
+
+void Session::setPatience(unsigned int milliseconds) {
+  require(connection().exec(("PRAGMA busy_timeout = " + std::to_string(milliseconds)).c_str()));
+}
+
+void Session::announceWait() const {
+  if (!isTerminal(kStandardError)) return;
+  message("another program is using the file; waiting for it, " + std::to_string(patience_) + " s at most");
+}
+
+int Session::execPatiently(const char* sql) {
+  if (patience_ == 0) return connection().exec(sql);
+  setPatience(kNotWorthAWord);
+  int code = connection().exec(sql);
+  setPatience(patience_ * kSecond);
+  if (!isBusy(code)) return code;
+  announceWait();
+  return connection().exec(sql);
+}
+
+void Session::beginReading() {
+  require(connection().exec("begin"));
+  queryNumber(connection(), "select count(*) from sqlite_master");
 }
 
 void Session::requireRightKey(int code) {
@@ -128,15 +161,7 @@ void Session::probe() {
   }
 }
 
-void Session::require(int code, const std::string& detail) {
-  if (code == 0) return;
-  std::string text = std::to_string(code) + ": " + tovr::statusText(code);
-  // Codes of the library's own say it all; for those of the engine its own words help.
-  const char* words = code < 4096 ? manager().errMsg() : nullptr;
-  if (words != nullptr && *words != '\0') text += std::string(" (") + words + ")";
-  if (!detail.empty()) text += "; " + detail;
-  throw ToolError(kRefused, text);
-}
+void Session::require(int code, const std::string& detail) { requireOk(connection(), code, "", detail); }
 
 void Session::close() {
   open_ = false;
@@ -144,7 +169,7 @@ void Session::close() {
 }
 
 Transaction::Transaction(Session& session) : session_(session) {
-  session_.require(session_.connection().exec("BEGIN IMMEDIATE"));
+  session_.require(session_.execPatiently("BEGIN IMMEDIATE"));
 }
 
 Transaction::~Transaction() {
@@ -153,7 +178,7 @@ Transaction::~Transaction() {
 
 void Transaction::commit() {
   interrupt_.check();
-  session_.require(session_.connection().exec("COMMIT"));
+  session_.require(session_.execPatiently("COMMIT"));
   committed_ = true;
 }
 

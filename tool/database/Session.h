@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/PluginHost.h"
-#include "tool/system/Command.h"
+#include "tool/database/Access.h"
 #include "tool/system/Interrupt.h"
 
 namespace tovrtool {
@@ -14,18 +14,22 @@ namespace tovrtool {
 // The nine tables of a database file.
 extern const std::vector<std::string> kTables;
 
-// Loads the plug-in. Throws ToolError when there is none.
-std::unique_ptr<tovrhost::PluginHost> loadPlugin(const Context& context);
+// Loads the plug-in from `plugin`, or from where it usually lies when that is empty. Throws ToolError when there is
+// none.
+std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin);
+
+// What can be told without the key. Throws ToolError where `path` is no file that could be a database.
+void requireDatabaseFile(const std::string& path);
 
 class Session {
  public:
-  // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError.
-  static Session openExisting(const Context& context, const std::string& path);
-  static Session openExisting(const Context& context, const std::string& path, const std::string& key);
-  // Opens a file that does not exist yet; the first write makes it.
-  static Session openNew(const Context& context, const std::string& path);
+  // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError,
+  // also where other programs keep it busy for longer than the patience.
+  static Session openExisting(const Access& access, const std::string& path, const std::string& key);
+  // Opens a file that does not exist yet; the first write makes it. It is flushed only when it is complete.
+  static Session openNew(const std::string& plugin, const std::string& path, const std::string& key);
   // A database that lives in memory only.
-  static Session openMemory(const Context& context);
+  static Session openMemory(const std::string& plugin);
 
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -37,6 +41,12 @@ class Session {
   tovr::IDBManager& manager() { return host_->manager(); }
   tovr::IDBOperate& connection() { return host_->connection(); }
 
+  // Reads one state of the file from here on; until then other programs may have written to it.
+  void beginReading();
+
+  // Runs a statement that waits for other programs, and says so on a terminal. Returns the library's code.
+  int execPatiently(const char* sql);
+
   // Throws ToolError with the code, its meaning, the engine's words and `detail` unless `code` is 0.
   void require(int code, const std::string& detail = "");
   // The file is complete and closed. Throws ToolError where the library says otherwise.
@@ -44,12 +54,16 @@ class Session {
 
  private:
   explicit Session(std::unique_ptr<tovrhost::PluginHost> host) : host_(std::move(host)) {}
-  void open(const std::string& path, const std::string& key);
+  int open(const std::string& path, const std::string& key);
+  int openPatiently(const std::string& path, const std::string& key);
+  void setPatience(unsigned int milliseconds);
+  void announceWait() const;
   void probe();
   void requireRightKey(int code);
 
   std::unique_ptr<tovrhost::PluginHost> host_;
   bool open_ = false;
+  unsigned int patience_ = 0;  // seconds
 };
 
 // Several statements that are kept together or not at all: the library itself rolls nothing back.

@@ -3,18 +3,9 @@
 #include <cstdlib>
 #include <memory>
 
-#include "storage/StatusCodes.h"
-#include "tool/system/ToolError.h"
+#include "tool/database/EngineError.h"
 
 namespace tovrtool {
-namespace {
-
-void require(tovr::IDBOperate& connection, int code) {
-  if (code == 0) return;
-  throw ToolError(kRefused, std::to_string(code) + ": " + tovr::statusText(code) + " (" + connection.errMsg() + ")");
-}
-
-}  // namespace
 
 std::vector<Row> queryRows(tovr::IDBOperate& connection, const std::string& sql) {
   char** table = nullptr;
@@ -23,7 +14,7 @@ std::vector<Row> queryRows(tovr::IDBOperate& connection, const std::string& sql)
   const int code = connection.get_table(sql.c_str(), &table, &rows, &columns);
   const auto release = [&connection](char** texts) { connection.free_table(texts); };
   const std::unique_ptr<char*, decltype(release)> owner(table, release);
-  require(connection, code);
+  requireOk(connection, code);
 
   std::vector<Row> found;
   for (int row = 1; row <= rows; ++row) {  // row 0 holds the column names
@@ -42,7 +33,7 @@ std::int64_t queryNumber(tovr::IDBOperate& connection, const std::string& sql) {
 }
 
 std::optional<std::vector<unsigned char>> queryBlob(tovr::IDBOperate& connection, const std::string& sql) {
-  require(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())));
+  requireOk(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())));
   std::optional<std::vector<unsigned char>> blob;
   const int step = connection.step();
   if (step == tovr::kStepRow) {
@@ -50,7 +41,7 @@ std::optional<std::vector<unsigned char>> queryBlob(tovr::IDBOperate& connection
     blob.emplace(bytes, bytes + connection.column_bytes(0));
   }
   const int code = connection.finalize();  // repeats the error of a failed step
-  require(connection, code);
+  requireOk(connection, code);
   return blob;
 }
 

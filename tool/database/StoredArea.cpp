@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "host/StatusText.h"
 #include "storage/StatusCodes.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredBlob.h"
@@ -142,9 +143,10 @@ std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const s
   std::copy_if(all.begin(), all.end(), std::back_inserter(areas),
                [&](const StoredArea& area) { return area.type == type && (screen.empty() || area.screen == screen); });
   if (areas.empty()) {
-    throw ToolError(kRefused, std::to_string(tovr::kNoMatchingArea) + ": " + tovr::statusText(tovr::kNoMatchingArea) +
-                                  "; asked for type " + std::to_string(type) +
-                                  (screen.empty() ? "" : " of the screen " + screen) + "; " + storedTypes(all));
+    throw ToolError(kRefused, std::to_string(tovr::kNoMatchingArea) + ": " +
+                                  tovrhost::statusText(tovr::kNoMatchingArea) + "; asked for type " +
+                                  std::to_string(type) + (screen.empty() ? "" : " of the screen " + screen) + "; " +
+                                  storedTypes(all));
   }
   return areas;
 }
@@ -157,7 +159,7 @@ const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::op
   const auto found =
       std::find_if(areas.begin(), areas.end(), [&](const StoredArea& area) { return area.rect.holds(*rect); });
   if (found != areas.end()) return *found;
-  throw ToolError(kRefused, std::to_string(tovr::kNoMatchingArea) + ": " + tovr::statusText(tovr::kNoMatchingArea) +
+  throw ToolError(kRefused, std::to_string(tovr::kNoMatchingArea) + ": " + tovrhost::statusText(tovr::kNoMatchingArea) +
                                 "; asked for " + toText(*rect) + "; there are " + listed(areas));
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tool/cells/Rect.h"
 #include "tool/database/Session.h"
-#include "tool/forms/Rect.h"
 
 namespace tovrtool {
 

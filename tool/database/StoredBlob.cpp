@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "host/StatusText.h"
 #include "storage/StatusCodes.h"
 #include "tool/system/ToolError.h"
 
@@ -18,7 +19,7 @@ constexpr std::size_t kLengthBytes = 4;
 constexpr std::size_t kCipherBlock = 8;
 
 [[noreturn]] void fail() {
-  throw ToolError(kRefused, std::to_string(tovr::kCipherFailed) + ": " + tovr::statusText(tovr::kCipherFailed));
+  throw ToolError(kRefused, std::to_string(tovr::kCipherFailed) + ": " + tovrhost::statusText(tovr::kCipherFailed));
 }
 
 // The deciphered frame and its payload's length; nothing where it is no frame.

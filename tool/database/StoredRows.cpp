@@ -3,18 +3,12 @@
 #include <climits>
 #include <cstdlib>
 
-#include "storage/StatusCodes.h"
+#include "tool/database/EngineError.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
-
-void require(tovr::IDBOperate& connection, int code, const std::string& where) {
-  if (code == 0) return;
-  throw ToolError(kRefused, (where.empty() ? "" : where + ": ") + std::to_string(code) + ": " + tovr::statusText(code) +
-                                " (" + connection.errMsg() + ")");
-}
 
 template <class Container>
 std::string toHex(const Container& bytes) {
@@ -69,10 +63,10 @@ class RowBinder {
  public:
   RowBinder(tovr::IDBOperate& connection, const std::string& where) : connection_(connection), where_(where) {}
 
-  void bind(int index, const Json& value) { require(connection_, bindValue(index, value), where_); }
+  void bind(int index, const Json& value) { requireOk(connection_, bindValue(index, value), where_); }
   void bindBytes(int index, Bytes bytes) {
     Bytes& kept = keep(std::move(bytes));
-    require(connection_, connection_.bind_blob(index, kept.data(), length(kept.size()), nullptr), where_);
+    requireOk(connection_, connection_.bind_blob(index, kept.data(), length(kept.size()), nullptr), where_);
   }
 
  private:
@@ -131,14 +125,14 @@ void requireKnown(const std::vector<std::string>& columns, const Json& row, cons
 }  // namespace
 
 void visitRows(tovr::IDBOperate& connection, const std::string& sql, const std::function<void()>& visit) {
-  require(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())), "");
+  requireOk(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())), "");
   try {
     while (connection.step() == tovr::kStepRow) visit();
   } catch (...) {
     connection.finalize();
     throw;
   }
-  require(connection, connection.finalize(), "");  // repeats the error of a failed step
+  requireOk(connection, connection.finalize(), "");  // repeats the error of a failed step
 }
 
 Bytes columnBytes(tovr::IDBOperate& connection, int column) {
@@ -191,7 +185,7 @@ void insertRow(tovr::IDBOperate& connection, const std::string& table, const std
   if (requireObject(row, where).contains("id")) where = "row " + row["id"].dump() + " of " + table;
   requireKnown(columns, row, where);
   const std::string sql = insertStatement(table, columns);
-  require(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())), where);
+  requireOk(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())), where);
   RowBinder binder(connection, where);
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const Json& value = row[columns[i]];
@@ -203,7 +197,7 @@ void insertRow(tovr::IDBOperate& connection, const std::string& table, const std
     }
   }
   connection.step();
-  require(connection, connection.finalize(), where);
+  requireOk(connection, connection.finalize(), where);
 }
 
 }  // namespace tovrtool

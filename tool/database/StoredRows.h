@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "storage/IDBOperate.h"
-#include "tool/forms/JsonText.h"
+#include "tool/io/JsonText.h"
 
 namespace tovrtool {
 

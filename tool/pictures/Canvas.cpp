@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "tool/files/Message.h"
+#include "tool/io/Message.h"
 
 namespace tovrtool {
 namespace {

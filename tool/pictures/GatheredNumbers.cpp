@@ -5,7 +5,7 @@
 #include <iterator>
 #include <limits>
 
-#include "tool/pictures/Statistics.h"
+#include "tool/cells/Statistics.h"
 
 namespace tovrtool {
 

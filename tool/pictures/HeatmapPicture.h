@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tool/forms/Rect.h"
+#include "tool/cells/Rect.h"
 #include "tool/pictures/ColourMap.h"
 #include "tool/pictures/Raster.h"
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "tool/forms/Rect.h"
+#include "tool/cells/Rect.h"
 
 namespace tovrtool {
 

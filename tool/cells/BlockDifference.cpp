@@ -1,0 +1,103 @@
+#include "tool/cells/BlockDifference.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "tool/cells/CellNumbers.h"
+
+namespace tovrtool {
+namespace {
+
+double distance(double before, double after) {
+  if (before == after || (std::isnan(before) && std::isnan(after))) return 0;  // also of infinities
+  const double difference = std::abs(after - before);
+  return std::isnan(difference) ? std::numeric_limits<double>::infinity() : difference;
+}
+
+// Row by row, since most rows are equal.
+class Comparison {
+ public:
+  Comparison(const Rect& rect, std::size_t cellBytes, const std::optional<Dtype>& dtype,
+             const std::optional<Tolerance>& tolerance)
+      : rect_(rect), cellBytes_(cellBytes), dtype_(dtype), tolerance_(tolerance) {
+    result_.cells = rect.columns() * rect.rows();
+    if (dtype) {
+      values_ = cellBytes / dtype->itemSize;
+      before_.resize(values_ * static_cast<std::size_t>(rect.columns()));
+      after_.resize(before_.size());
+    }
+  }
+
+  void addRow(std::int32_t y, const unsigned char* before, const unsigned char* after) {
+    const auto columns = static_cast<std::size_t>(rect_.columns());
+    if (std::memcmp(before, after, columns * cellBytes_) == 0) return;
+    if (dtype_) {
+      readNumbers(*dtype_, before, dtype_->itemSize, before_.size(), before_.data());
+      readNumbers(*dtype_, after, dtype_->itemSize, after_.size(), after_.data());
+    }
+    for (std::size_t i = 0; i < columns; ++i) {
+      const bool same = std::memcmp(before + i * cellBytes_, after + i * cellBytes_, cellBytes_) == 0;
+      if (!same) addCell(i, {rect_.left + static_cast<std::int32_t>(i), y});
+    }
+  }
+
+  const BlockDifference& result() const { return result_; }
+
+ private:
+  void addCell(std::size_t column, CellPair cell) {
+    bool counts = !tolerance_;
+    if (!dtype_ && result_.differing == 0) result_.at = cell;
+    for (std::size_t k = 0; k < values_; ++k) {
+      const double before = before_[column * values_ + k];
+      const double after = after_[column * values_ + k];
+      if (tolerance_ && !differ(before, after, *tolerance_)) continue;
+      counts = true;
+      const double apart = distance(before, after);
+      if (found_ && apart <= result_.largest) continue;
+      found_ = true;
+      result_.at = cell;
+      result_.component = k;
+      result_.before = before;
+      result_.after = after;
+      result_.largest = apart;
+    }
+    if (counts) ++result_.differing;
+  }
+
+  Rect rect_;
+  std::size_t cellBytes_;
+  std::optional<Dtype> dtype_;
+  std::optional<Tolerance> tolerance_;
+  std::size_t values_ = 0;
+  std::vector<double> before_;
+  std::vector<double> after_;
+  bool found_ = false;  // `largest` holds a difference, which may be 0: -0.0 differs from 0.0 to the bit
+  BlockDifference result_;
+};
+
+}  // namespace
+
+bool differ(double before, double after, const Tolerance& tolerance) {
+  const double apart = distance(before, after);
+  if (apart == 0) return false;
+  if (!std::isfinite(apart)) return true;
+  return apart > tolerance.absolute && apart > tolerance.relative * std::max(std::abs(before), std::abs(after));
+}
+
+BlockDifference compareBlocks(const unsigned char* before, const unsigned char* after, const Rect& rect,
+                              std::int32_t cellBytes, const std::optional<Dtype>& dtype,
+                              const std::optional<Tolerance>& tolerance) {
+  const auto bytes = static_cast<std::size_t>(cellBytes);
+  Comparison comparison(rect, bytes, dtype, tolerance);
+  const std::size_t rowBytes = static_cast<std::size_t>(rect.columns()) * bytes;
+  std::size_t offset = 0;
+  for (std::int64_t y = rect.top; y <= rect.bottom; ++y, offset += rowBytes) {
+    comparison.addRow(static_cast<std::int32_t>(y), before + offset, after + offset);
+  }
+  return comparison.result();
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,39 @@
+// How two blocks of the same shape differ, cell by cell.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "tool/cells/NpyFile.h"
+#include "tool/cells/Rect.h"
+
+namespace tovrtool {
+
+// Two numbers count as equal when they are no farther apart than `absolute`, or than `relative` times the larger of
+// their sizes. Numbers that are none (NaN) are equal to one another only.
+struct Tolerance {
+  double absolute = 0;
+  double relative = 0;
+};
+
+struct BlockDifference {
+  std::int64_t cells = 0;
+  std::int64_t differing = 0;
+  CellPair at;  // the largest difference; the first differing cell where numbers were not compared
+  // Of numbers only.
+  std::size_t component = 0;
+  double before = 0;
+  double after = 0;
+  double largest = 0;
+};
+
+bool differ(double before, double after, const Tolerance& tolerance);
+
+// To the bit without `dtype` or `tolerance`. REQUIRES: both have the rectangle's cells of `cellBytes` bytes each, a
+// whole number of `dtype` values; a tolerance comes with a type.
+BlockDifference compareBlocks(const unsigned char* before, const unsigned char* after, const Rect& rect,
+                              std::int32_t cellBytes, const std::optional<Dtype>& dtype,
+                              const std::optional<Tolerance>& tolerance);
+
+}  // namespace tovrtool

@@ -1,0 +1,39 @@
+// NumPy's .npy files, as far as blocks of cells need them: little-endian numbers in C order, kept as bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tovrtool {
+
+// The type of one number: "<u2" is two bytes, unsigned, little-endian.
+struct Dtype {
+  std::string descr;
+  std::size_t itemSize = 1;
+};
+
+// Takes NumPy's names (uint16, float32, ...) and type strings (<u2). Throws std::invalid_argument for others.
+Dtype parseDtype(const std::string& name);
+
+// Every name that parseDtype knows.
+std::vector<std::string> dtypeNames();
+
+struct NpyArray {
+  Dtype dtype;
+  std::vector<std::size_t> shape;
+  std::vector<unsigned char> bytes;  // exactly as many as shape and dtype say
+};
+
+// The array in the bytes of a file. Throws ToolError, which names `name`, when they are no such array: truncated, too
+// long, in Fortran order, big-endian, or of another kind of type.
+NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name);
+
+// What precedes the numbers in a file.
+std::string npyHeader(const Dtype& dtype, const std::vector<std::size_t>& shape);
+
+// "(64, 128, 9)"
+std::string shapeText(const std::vector<std::size_t>& shape);
+
+}  // namespace tovrtool

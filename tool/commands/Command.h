@@ -1,0 +1,79 @@
+// What every command gets, and how commands are added to the command line.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "tool/database/Access.h"
+#include "tool/system/StandardOutput.h"
+
+namespace tovrtool {
+
+struct GlobalOptions {
+  Access access;
+  std::string keyFile;
+  std::string log;
+  bool verbose = false;
+  bool quiet = false;  // no messages but those of failures, no progress
+};
+
+struct Context {
+  const GlobalOptions& options;
+  StandardOutput& output;
+  int code = 0;  // the exit code of a command that has done its work; failures are thrown
+};
+
+// The command that the command line chose.
+struct Command {
+  std::string what;  // "coef get wall.db": begins its messages
+  std::function<void(Context&)> run;
+};
+
+// The program's own command line, or a group of commands in it ("coef").
+class CommandGroup {
+ public:
+  // `chosen` becomes the command that the command line names. Both outlive the group and its commands.
+  CommandGroup(CLI::App& app, Command& chosen) : app_(app), chosen_(chosen) {}
+
+  CLI::App& app() const { return app_; }
+
+  CommandGroup addGroup(const std::string& name, const std::string& description) {
+    return {*app_.add_subcommand(name, description)->require_subcommand(1), chosen_};
+  }
+
+  template <class Options>
+  struct Added {
+    CLI::App& command;
+    Options& options;  // live as long as the command; to be filled by its command line
+  };
+
+  // A command that is `run` with its options. `subject`, a member of the options or a function of them, is the text by
+  // which messages name what the command works on.
+  template <class Options, class Subject>
+  Added<Options> add(const std::string& name, const std::string& description, Subject subject,
+                     void (*run)(Context&, const Options&)) {
+    CLI::App* command = app_.add_subcommand(name, description);
+    const auto options = std::make_shared<Options>();
+    const std::string words = app_.get_parent() == nullptr ? name : app_.get_name() + " " + name;
+    command->callback([&chosen = chosen_, options, words, subject, run] {
+      const std::string named = std::invoke(subject, *options);
+      chosen = {named.empty() ? words : words + " " + named,
+                [options, run](Context& context) { run(context, *options); }};
+    });
+    return {*command, *options};
+  }
+  // The same of a command that works on nothing with a name.
+  template <class Options>
+  Added<Options> add(const std::string& name, const std::string& description, void (*run)(Context&, const Options&)) {
+    return add(
+        name, description, [](const Options&) { return std::string(); }, run);
+  }
+
+ private:
+  CLI::App& app_;
+  Command& chosen_;
+};
+
+}  // namespace tovrtool

@@ -1,0 +1,30 @@
+// The command line as plain data: the one source of the manual page and of the shells' completions.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace tovrtool {
+
+struct OptionPage {
+  std::vector<std::string> names;    // "-o", "--output"; empty for a positional
+  std::string value;                 // "FILE"; empty for a flag
+  std::vector<std::string> choices;  // all the values that it takes; empty where that is no short list
+  std::string description;
+  bool required;
+};
+
+struct CommandPage {
+  std::string name;  // "coef get"; empty for the program itself
+  std::string description;
+  std::string footer;
+  std::vector<OptionPage> positionals;
+  std::vector<OptionPage> options;
+  std::vector<std::string> subcommands;  // "get", with the pages of all of them elsewhere in the list
+};
+
+// The program first, then every command that can be named, depth first.
+std::vector<CommandPage> commandPages(const CLI::App& app);
+
+}  // namespace tovrtool

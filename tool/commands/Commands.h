@@ -1,0 +1,28 @@
+// All commands. Each function adds one command, or one group of them, to the program's command line; it is defined in
+// the .cpp of the same name.
+#pragma once
+
+namespace tovrtool {
+
+class CommandGroup;
+
+void addBackupCommand(CommandGroup& program);
+void addCheckCommand(CommandGroup& program);
+void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
+void addCoefCommands(CommandGroup& program);    // coef put, get, list, stats
+void addCoefPutCommand(CommandGroup& coef);
+void addCoefStatsCommand(CommandGroup& coef);
+void addCreateCommand(CommandGroup& program);
+void addDataCommands(CommandGroup& program);  // data put, get, list
+void addDiffCommand(CommandGroup& program);
+void addDocCommands(CommandGroup& program);     // manual, completion
+void addExportCommands(CommandGroup& program);  // export, import
+void addHeatmapCommand(CommandGroup& program);
+void addInfoCommand(CommandGroup& program);
+void addInspectCommand(CommandGroup& program);
+void addMeasureCommands(CommandGroup& program);  // measure put, list, get, clear
+void addRewriteCommands(CommandGroup& program);  // rekey, upgrade
+void addSampleCommand(CommandGroup& program);
+void addScreenCommands(CommandGroup& program);  // screen add, list
+
+}  // namespace tovrtool

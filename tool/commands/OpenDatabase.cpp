@@ -1,0 +1,28 @@
+#include "tool/commands/OpenDatabase.h"
+
+#include <filesystem>
+
+#include "tool/io/KeySource.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+
+Session openDatabase(const Context& context, const std::string& path) {
+  requireDatabaseFile(path);
+  requireOtherThanLog(context, path);
+  return Session::openExisting(context.options.access, path, readKey(context.options.keyFile, KeyUse::kOpen));
+}
+
+Session openDatabase(const Context& context, const std::string& path, const std::string& key) {
+  requireOtherThanLog(context, path);
+  return Session::openExisting(context.options.access, path, key);
+}
+
+void requireOtherThanLog(const Context& context, const std::string& path) {
+  std::error_code error;
+  if (std::filesystem::equivalent(path, context.options.log, error)) {
+    throw ToolError(kUsage, "--log would write into the database: give another file");
+  }
+}
+
+}  // namespace tovrtool

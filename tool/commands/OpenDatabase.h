@@ -1,0 +1,18 @@
+// Opening the database file that a command line names.
+#pragma once
+
+#include <string>
+
+#include "tool/commands/Command.h"
+#include "tool/database/Session.h"
+
+namespace tovrtool {
+
+// Asks for the key only after a look at the file. Throw ToolError.
+Session openDatabase(const Context& context, const std::string& path);
+Session openDatabase(const Context& context, const std::string& path, const std::string& key);
+
+// Throws ToolError where --log names the database file; nothing was appended to it yet.
+void requireOtherThanLog(const Context& context, const std::string& path);
+
+}  // namespace tovrtool

@@ -1,0 +1,39 @@
+// Where a command's payload goes: a file, or standard output.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "tool/io/FileOutput.h"
+#include "tool/system/StandardOutput.h"
+
+namespace tovrtool {
+
+struct OutputOptions {
+  std::string path;  // "-", or a name of it such as "/dev/stdout", is standard output
+  bool force = false;
+};
+
+class ByteOutput {
+ public:
+  // Throws ToolError where the destination takes nothing, and where it is `source`, the file that the bytes come from
+  // (if any): asked before the work, not after.
+  ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
+
+  // Throws ToolError where a new file is to hold `bytes` and the disk has no room for them, unless told to replace
+  // whatever there is.
+  void requireRoom(double bytes) const;
+
+  void write(const void* bytes, std::size_t size);
+  void write(const std::string& bytes) { write(bytes.data(), bytes.size()); }
+  // The file appears under its name. Without it, nothing does.
+  void commit();
+
+ private:
+  StandardOutput& standard_;
+  bool force_;
+  std::optional<FileOutput> file_;
+};
+
+}  // namespace tovrtool

@@ -1,0 +1,103 @@
+#include "tool/io/FileOutput.h"
+
+#include <cerrno>
+#include <filesystem>
+
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isDevice(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
+}
+
+}  // namespace
+
+std::string followedLink(const std::string& path) {
+  std::error_code error;
+  const fs::path target = fs::canonical(path, error);
+  return error ? path : target.string();
+}
+
+void refuseExisting(const std::string& path, Existing existing) {
+  const std::string force = existing == Existing::kRefuse ? ", or --force to replace it" : "";
+  throw ToolError(kFileProblem, path + " exists already and was not touched: give another name" + force);
+}
+
+void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing) {
+  if (existing == Existing::kReplace) {
+    std::error_code error;
+    const fs::perms permissions = fs::status(path, error).permissions();
+    if (!error && permissions != fs::perms::unknown) fs::permissions(temporary, permissions, error);
+    fs::rename(temporary, path, error);
+    if (error) throw ToolError(kFileProblem, "cannot replace " + path + ": " + error.message());
+  } else if (!moveWithoutReplacing(temporary, path)) {
+    if (errno == EEXIST) refuseExisting(path, existing);
+    throw ToolError(kFileProblem, "cannot move the new file to " + path + ": " + systemError());
+  }
+  std::error_code error;
+  flushFolder(fs::absolute(path, error).parent_path().string());  // where it fails, the file is there all the same
+}
+
+std::string temporaryNameBeside(const std::string& path) {
+  std::string name = path + ".unfinished-" + std::to_string(processNumber());
+  std::error_code error;
+  while (fs::exists(fs::symlink_status(name, error))) name += "x";
+  return name;
+}
+
+FileOutput::FileOutput(const std::string& path, Existing existing)
+    : path_(followedLink(path)), existing_(existing), direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path_, error);
+  if (fs::is_directory(status)) throw ToolError(kFileProblem, path + " is a folder: give a file name");
+  if (direct_) {
+    const int descriptor = descriptorNamed(path);
+    file_ = descriptor >= 0 ? duplicateAsStream(descriptor) : FileHandle(std::fopen(path_.c_str(), "wb"));
+  } else {
+    if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
+    const std::string name = temporaryNameBeside(path_);
+    removed_.emplace(name);
+    file_ = createNew(name);
+    if (file_ != nullptr) temporary_ = name;
+  }
+  if (file_ == nullptr) fail("create");
+}
+
+FileOutput::~FileOutput() {
+  file_.reset();
+  if (!temporary_.empty()) std::remove(temporary_.c_str());
+}
+
+void FileOutput::requireRoom(double bytes) const {
+  std::error_code error;
+  const fs::space_info space = fs::space(fs::absolute(path_, error).parent_path(), error);
+  if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
+  char text[160];
+  std::snprintf(text, sizeof text, "%.1f GB, and the disk has room for %.1f GB; --force writes all the same",
+                bytes / 1e9, static_cast<double>(space.available) / 1e9);
+  throw ToolError(kFileProblem, path_ + " would take " + text);
+}
+
+void FileOutput::write(const void* bytes, std::size_t size) {
+  if (size != 0 && std::fwrite(bytes, 1, size, file_.get()) != size) fail("write");
+}
+
+void FileOutput::commit() {
+  if (direct_ ? std::fflush(file_.get()) != 0 : !flushToDisk(file_.get())) fail("write");
+  if (std::fclose(file_.release()) != 0) fail("write");
+  if (direct_) return;
+  moveIntoPlace(temporary_, path_, existing_);
+  temporary_.clear();
+}
+
+void FileOutput::fail(const std::string& action) const {
+  throw ToolError(kFileProblem, "cannot " + action + " " + path_ + ": " + systemError());
+}
+
+}  // namespace tovrtool

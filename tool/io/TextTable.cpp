@@ -1,0 +1,45 @@
+#include "tool/io/TextTable.h"
+
+#include <algorithm>
+
+#include "tool/io/Message.h"
+
+namespace tovrtool {
+namespace {
+
+// Characters of UTF-8: its continuation bytes take no room of their own.
+std::size_t width(const std::string& text) {
+  return static_cast<std::size_t>(std::count_if(
+      text.begin(), text.end(), [](char character) { return (static_cast<unsigned char>(character) & 0xC0) != 0x80; }));
+}
+
+std::string line(const std::vector<Column>& columns, const std::vector<std::size_t>& widths,
+                 const std::vector<std::string>& row) {
+  std::string text;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const std::string cell = printable(row[i]);
+    const std::string room(widths[i] - width(cell), ' ');
+    text += (i == 0 ? "" : "  ") + (columns[i].number ? room + cell : cell + room);
+  }
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text + "\n";
+}
+
+}  // namespace
+
+std::string textTable(const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows) {
+  std::vector<std::string> titles;
+  std::vector<std::size_t> widths;
+  for (const Column& column : columns) {
+    titles.push_back(column.title);
+    widths.push_back(width(column.title));
+  }
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < columns.size(); ++i) widths[i] = std::max(widths[i], width(printable(row[i])));
+  }
+  std::string text = line(columns, widths, titles);
+  for (const auto& row : rows) text += line(columns, widths, row);
+  return text;
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,67 @@
+#include "tool/io/UnfinishedFile.h"
+
+#include <cerrno>
+#include <filesystem>
+
+#include "tool/system/Platform.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+void requirePlace(const std::string& path, Existing existing) {
+  std::error_code error;
+  const fs::file_status status = fs::symlink_status(path, error);
+  if (fs::is_directory(status)) throw ToolError(kFileProblem, path + " is a folder: give a file name");
+  if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
+  const fs::path folder = fs::absolute(path, error).parent_path();
+  if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder " + folder.string());
+}
+
+void flush(const std::string& path) {
+  const FileHandle file(std::fopen(path.c_str(), "r+b"));
+  if (file == nullptr || !flushToDisk(file.get())) {
+    throw ToolError(kFileProblem, "the new file cannot be written to the disk: " + systemError());
+  }
+}
+
+// The engine would play what another database left there back into the new file.
+void requireAtRest(const std::string& path) {
+  for (const char* suffix : {"-journal", "-wal"}) {
+    std::error_code error;
+    if (!fs::exists(path + suffix, error)) continue;
+    throw ToolError(kFileProblem, path + suffix + " exists: another program is using the database " + path +
+                                      ", or was ended while it wrote. Close it, or open the file once, and try again");
+  }
+}
+
+}  // namespace
+
+UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion)
+    : finished_(followedLink(finished)),
+      existing_(existing),
+      path_(temporaryNameBeside(finished_)),
+      companion_(path_ + companion),
+      removed_(path_),
+      companionRemoved_(companion_) {
+  requirePlace(finished_, existing);
+  if (createNew(path_) == nullptr) throw ToolError(kFileProblem, "cannot create " + finished_ + ": " + systemError());
+  std::remove(path_.c_str());
+}
+
+UnfinishedFile::~UnfinishedFile() {
+  std::error_code error;
+  if (!moved_) fs::remove(path_, error);
+  fs::remove(companion_, error);
+}
+
+void UnfinishedFile::finish() {
+  flush(path_);
+  requireAtRest(finished_);
+  moveIntoPlace(path_, finished_, existing_);
+  moved_ = true;
+}
+
+}  // namespace tovrtool
