@@ -48,8 +48,10 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
   app.add_flag("--verbose", options.verbose, "Show the library's own lines on standard error")->excludes(log);
   app.add_option("--wait", options.access.patience, "How long other programs that use the file are waited for [5]")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0, kLongestWait));
-  app.add_flag("--fast{false}", options.access.flushed, "Do not wait for the disk; a power cut can damage the file");
+      ->check(CLI::Range(0, kLongestWait).description(""));
+  app.add_flag_callback(
+      "--fast", [&options] { options.access.flushed = false; },
+      "Do not wait for the disk; a power cut can then damage the file");
   app.add_flag("-q,--quiet", options.quiet, "No messages but those of failures, and no progress bar");
 }
 
