@@ -1,13 +1,14 @@
+#include <fmt/core.h>
 
 #include "tool/cells/CellBlock.h"
 #include "tool/cells/CellCsv.h"
 #include "tool/commands/Arguments.h"
-#include "tool/commands/BulkPut.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
-#include "tool/database/CoefArea.h"
-#include "tool/database/SqlQuery.h"
+#include "tool/database/BlockFiles.h"
+#include "tool/database/BlockStore.h"
+#include "tool/database/StoredArea.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/FileInput.h"
 #include "tool/io/Message.h"
@@ -17,21 +18,23 @@
 namespace tovrtool {
 namespace {
 
+struct AreaOptions {
+  std::optional<std::int32_t> type;
+  std::string screen;
+  std::optional<Rect> rect;
+};
+
 struct PutOptions {
   std::string file;
-  std::optional<std::int32_t> type;  // of the only block
   AreaOptions area;
   std::string array;
   std::string raw;
   std::int32_t cellBytes = 0;
   std::optional<CellPair> position;
   BlockText text;
-  BulkSource bulk;
   bool update = false;
-};
-
-struct ListOptions {
-  std::string file;
+  std::string manifest;  // instead of one block
+  std::string folder;
 };
 
 struct GetOptions {
@@ -43,15 +46,20 @@ struct GetOptions {
   bool csv = false;
 };
 
-std::vector<tovr::CoefData> areas(Session& session) {
-  auto all = session.host().makeRecord<tovr::CoefDataResult>();
-  session.require(session.manager().queryData(all.get()));
-  return all->coefs;
-}
+struct ListOptions {
+  std::string file;
+};
+
+constexpr char kBulkHelp[] =
+    "Many blocks at once, all of them or none, in one transaction:\n"
+    "  --manifest FILE  a JSON list of {\"file\": \"a.npy\", \"type\": 1, \"rect\": [L, T, R, B]} and, where wanted,\n"
+    "                   \"screen\", \"area\" and \"version\"; files lie in the manifest's folder or below it\n"
+    "  --folder DIR     its .npy files, named T<type>_<L>,<T>,<R>,<B>.npy, with <screen>_ in front in databases of\n"
+    "                   type 1: left_T1_0,0,1919,1079.npy; other files are left alone";
 
 // What the command line of one block says, and that of many does not.
 void requireBlock(const PutOptions& options) {
-  if (!options.type) throw ToolError(kUsage, "--type is required");
+  if (!options.area.type) throw ToolError(kUsage, "--type is required");
   if (options.array.empty() == options.raw.empty()) throw ToolError(kUsage, "BLOCK or --raw is required");
   if (!options.area.rect && !options.position) throw ToolError(kUsage, "--rect or --at is required");
 }
@@ -63,75 +71,64 @@ CellBlock readBlock(const PutOptions& options) {
   return blockFromArray(parseNpy(readWholeFile(options.array), options.array), options.area.rect, options.position);
 }
 
-// The library answers a rectangle from the first area that holds it, so an older one can hide a new one.
-void warnWhenHidden(Session& session, const tovr::CoefData& record) {
-  for (const auto& area : areas(session)) {
-    if (area.screenid != record.screenid || area.coeftype != record.coeftype) continue;
-    if (!rectOf(area).holds(rectOf(record))) continue;
-    if (area.coefid != record.coefid) {
-      message("note: area " + std::to_string(area.id) + " (" + toText(rectOf(area)) +
-              ") of the same type was stored before and holds this rectangle: coef get answers from it");
-    }
-    return;
+void putOne(Context& context, const PutOptions& options) {
+  requireBlock(options);
+  const CellBlock block = readBlock(options);
+  Session session = openDatabase(context, options.file);
+  const StoreReport report = storeBlock(session, {*options.area.type, options.area.screen, block.rect}, options.text,
+                                        block, options.update ? StoreMode::kUpdate : StoreMode::kInsert);
+  session.close();
+  message("stored {}, {} bytes per cell, under block key {}", toText(block.rect), block.cellBytes, report.blockId);
+  if (report.screenAdded) {
+    message("note: there was no screen {}; it was added with this rectangle", options.area.screen);
   }
+  if (report.hiddenBy) {
+    message(
+        fmt::format("note: area {} ({}) of the same type was stored before and holds this rectangle: coef get answers "
+                    "from it",
+                    report.hiddenBy->id, toText(report.hiddenBy->rect)));
+  }
+}
+
+void putMany(Context& context, const PutOptions& options) {
+  const auto files = options.manifest.empty() ? blocksOfFolder(options.folder) : blocksOfManifest(options.manifest);
+  if (files.empty()) throw ToolError(kFileProblem, "there are no blocks to store");
+  Session session = openDatabase(context, options.file);
+  {
+    Progress progress("coef put", bytesOf(files));
+    storeFiles(session, files, progress);
+  }
+  session.close();
+  message("stored {} blocks", files.size());
 }
 
 void put(Context& context, const PutOptions& options) {
-  if (options.bulk.isGiven()) return putAll(context, options.file, options.bulk);
-  requireBlock(options);
-  CellBlock block = readBlock(options);
-  Session session = openDatabase(context, options.file);
-  AreaOptions area = options.area;
-  area.type = *options.type;
-  const auto record = recordOf(session, area, options.text, block);
-  const std::string countScreens = "select count(*) from Screen_Info";
-  const std::int64_t screens = queryNumber(session.connection(), countScreens);
-
-  Transaction transaction(session);
-  tovr::IDBManager& manager = session.manager();
-  const int code = options.update ? manager.updateData(record.get()) : manager.insertData(record.get());
-  requireArea(session, code, area, block.rect);
-  transaction.commit();
-  message("stored " + toText(block.rect) + ", " + std::to_string(block.cellBytes) +
-          " bytes per cell, under block key " + std::to_string(record->coefid));
-  if (queryNumber(session.connection(), countScreens) > screens) {
-    message("note: there was no screen " + options.area.screen + "; it was added with this rectangle");
-  }
-  warnWhenHidden(session, *record);
-  session.close();
+  const bool many = !options.manifest.empty() || !options.folder.empty();
+  return many ? putMany(context, options) : putOne(context, options);
 }
 
 void get(Context& context, const GetOptions& options) {
-  const Rect rect = *options.area.rect;
   ByteOutput output(context.output, options.output, options.file);
   Session session = openDatabase(context, options.file);
-  auto record = session.host().makeRecord<tovr::CoefData>();
-  fillArea(session, options.area, rect, *record);
-  const int code = session.manager().queryData(record.get());
-  const std::unique_ptr<unsigned char[]> cells(record->coefBuffer.data);
-  requireArea(session, code, options.area, rect);
-
-  const std::int32_t cellBytes = record->coefBuffer.databitwidth;
-  if (cellBytes <= 0 || record->coefBuffer.datasize <= 0) {
-    throw ToolError(kRefused, "the stored block is damaged: its cells have " + std::to_string(cellBytes) + " bytes");
-  }
+  const CellBlock block = fetchBlock(session, {*options.area.type, options.area.screen, *options.area.rect});
   if (options.csv) {
-    writeCsv(cells.get(), rect, cellBytes, options.dtype, [&output](const std::string& text) { output.write(text); });
+    writeCsv(block, options.dtype, [&output](const std::string& text) { output.write(text); });
   } else {
-    if (!options.raw) output.write(npyHeader(options.dtype, blockShape(rect, cellBytes, options.dtype)));
-    output.write(cells.get(), static_cast<std::size_t>(record->coefBuffer.datasize));
+    if (!options.raw) output.write(npyHeader(options.dtype, blockShape(block.rect, block.cellBytes, options.dtype)));
+    output.write(block.bytes.get(), block.size());
   }
   output.commit();
-  if (options.raw) message(toText(rect) + ", " + std::to_string(cellBytes) + " bytes per cell");
+  if (options.raw) message("{}, {} bytes per cell", toText(block.rect), block.cellBytes);
 }
 
 void list(Context& context, const ListOptions& options) {
   Session session = openDatabase(context, options.file);
-  std::vector<Row> rows = queryRows(
-      session.connection(),
-      "select i.id, s.screenname, i.coeftype, i.areaid, i.left || ',' || i.top || '..' || i.right || ',' || i.bottom,"
-      " i.coefid, c.databitwidth, length(c.data), c.version from Coef_Info i left join Screen_Info s on"
-      " s.id = i.screenid left join Coef c on c.id = i.coefid order by i.id");
+  TextRows rows;
+  for (const StoredArea& area : storedAreas(session)) {
+    rows.push_back({std::to_string(area.id), area.screen, std::to_string(area.type), std::to_string(area.number),
+                    toText(area.rect), std::to_string(area.blockId), std::to_string(area.cellBytes),
+                    std::to_string(area.storedBytes), area.version});
+  }
   context.output.print(textTable({{"id", true},
                                   {"screen"},
                                   {"type", true},
@@ -144,16 +141,17 @@ void list(Context& context, const ListOptions& options) {
                                  rows));
 }
 
-void addArea(CLI::App& command, AreaOptions& options) {
+CLI::Option* addArea(CLI::App& command, AreaOptions& options) {
   command.add_option("--screen", options.screen, "The screen's name, in databases of type 1");
+  return command.add_option("--type", options.type, "The coefficient type (not 16, which means none)");
 }
 
-constexpr char kTypeHelp[] = "The coefficient type (not 16, which means none)";
-
 // Many blocks at once: what else describes one block is in the manifest, or in the names.
-void addBulk(CLI::App& command, BulkSource& bulk) {
-  CLI::Option* manifest = command.add_option("--manifest", bulk.manifest, "Instead, many blocks: a JSON list of them");
-  CLI::Option* folder = command.add_option("--folder", bulk.folder, "Instead, many blocks: the .npy files of a folder");
+void addMany(CLI::App& command, PutOptions& options) {
+  CLI::Option* manifest =
+      command.add_option("--manifest", options.manifest, "Instead, many blocks: a JSON list of them");
+  CLI::Option* folder =
+      command.add_option("--folder", options.folder, "Instead, many blocks: the .npy files of a folder");
   manifest->type_name("FILE")->excludes(folder);
   folder->type_name("DIR");
   for (CLI::Option* option : command.get_options()) {
@@ -170,7 +168,6 @@ void addPut(CommandGroup& group) {
       group.add("put", "Store a block of cells; the same rectangle and type replaces it", &PutOptions::file, put);
   addFile(command, options.file);
   addArea(command, options.area);
-  command.add_option("--type", options.type, kTypeHelp);
   CLI::Option* array =
       command.add_option("BLOCK", options.array, "A .npy array, rows x columns (x values); - is standard input");
   CLI::Option* raw = command.add_option("--raw", options.raw, "Instead, a file of bare cells, row after row");
@@ -187,15 +184,14 @@ void addPut(CommandGroup& group) {
   command.add_flag("--update", options.update,
                    "Rewrite what is stored and add nothing. The rectangle is the whole screen's (type 0), or becomes "
                    "the screen's (type 1)");
-  addBulk(command, options.bulk);
+  addMany(command, options);
 }
 
 void addGet(CommandGroup& group) {
   const auto [command, options] =
       group.add("get", "Read a rectangle of cells out of a stored block", &GetOptions::file, get);
   addFile(command, options.file);
-  addArea(command, options.area);
-  command.add_option("--type", options.area.type, kTypeHelp)->required();
+  addArea(command, options.area)->required();
   addRect(command, options.area.rect, "The cells, both edges inclusive")->required();
   addOutput(command, options.output);
   CLI::Option* dtype = addDtype(command, options.dtype,

@@ -6,6 +6,7 @@
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/io/UnfinishedFile.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -26,7 +27,7 @@ struct Options {
 void describe(Session& session, const Options& options) {
   auto info = session.host().makeRecord<tovr::DBInfo>();
   info->dbtype = options.type;
-  info->dbname = options.name.empty() ? fs::path(options.file).stem().string() : options.name;
+  info->dbname = options.name.empty() ? textOf(pathOf(options.file).stem()) : options.name;
   info->datastructversion = options.structureVersion;
   info->softwareversion = options.softwareVersion;
   info->softwaretype = options.softwareType;
@@ -36,7 +37,7 @@ void describe(Session& session, const Options& options) {
 
 void create(Context& context, const Options& options) {
   std::error_code error;
-  if (fs::exists(fs::symlink_status(options.file, error))) {
+  if (fs::exists(fs::symlink_status(pathOf(options.file), error))) {
     throw ToolError(kFileProblem, "the file exists already and was not touched");
   }
   UnfinishedFile unfinished(options.file, Existing::kRefuse, "-journal");
@@ -46,7 +47,7 @@ void create(Context& context, const Options& options) {
   describe(session, options);
   session.close();
   unfinished.finish();
-  message("created " + options.file + ", database type " + std::to_string(options.type) + "; next: tovrdb screen add");
+  message("created {}, database type {}; next: tovrdb screen add", options.file, options.type);
 }
 
 }  // namespace

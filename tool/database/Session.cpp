@@ -6,9 +6,12 @@
 #include <stdexcept>
 
 #include "storage/StatusCodes.h"
+#include "tool/database/LibraryError.h"
 #include "tool/database/SqlQuery.h"
+#include "tool/database/Tables.h"
+#include "tool/io/TextList.h"
+#include "tool/system/Paths.h"
 #include "tool/system/PluginPath.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
@@ -19,29 +22,25 @@ constexpr int kNotADatabase = 26;
 
 std::string missingTables(tovr::IDBOperate& connection) {
   const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
-  std::string missing;
-  std::size_t count = 0;
+  std::vector<std::string> missing;
   for (const std::string& table : kTables) {
-    if (std::any_of(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == table; })) continue;
-    missing += (missing.empty() ? "" : ", ") + table;
-    ++count;
+    if (std::none_of(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == table; }))
+      missing.push_back(table);
   }
-  return count == kTables.size() ? "all nine of them" : missing;
+  if (missing.empty()) return {};
+  return missing.size() == kTables.size() ? "all nine of them" : shortList(missing);
 }
 
 }  // namespace
 
-const std::vector<std::string> kTables = {"DB_Info",      "Attach_DB_List",   "Screen_Info", "Coef",    "Coef_Info",
-                                          "LumChromData", "LumChromDataInfo", "Data",        "DataInfo"};
-
 void requireDatabaseFile(const std::string& path) {
   std::error_code error;  // opening a missing file would make it
-  const fs::file_status status = fs::status(path, error);
+  const fs::file_status status = fs::status(pathOf(path), error);
   if (!fs::exists(status)) {
     throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
   }
   if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(pathOf(path), std::ios::binary);
   if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
   constexpr std::size_t kMagicLength = 15;
   std::string start(kMagicLength, '\0');
@@ -56,7 +55,7 @@ std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin) {
   try {
     return std::make_unique<tovrhost::PluginHost>(pluginPath(plugin));
   } catch (const std::runtime_error& error) {
-    throw ToolError(kPluginProblem, std::string(error.what()) + "; say where it is with --plugin or TOVRDB_PLUGIN");
+    throw ToolError(kPluginProblem, "{}; say where it is with --plugin or TOVRDB_PLUGIN", error.what());
   }
 }
 
@@ -92,7 +91,9 @@ void Session::open(const std::string& path, const std::string& key) {
 
 void Session::requireRightKey(int code) {
   if (code == kNotADatabase) {
-    throw ToolError(kKeyProblem, "26: the key is wrong, or the file is not a database (encrypted, the two look alike)");
+    ToolError error(kKeyProblem, "26: the key is wrong, or the file is not a database (encrypted, the two look alike)");
+    error.setStatus(code);
+    throw error;
   }
   require(code);
 }
@@ -108,18 +109,16 @@ void Session::probe() {
   requireRightKey(code);
   const std::string missing = missingTables(connection());
   if (!missing.empty()) {
-    throw ToolError(kFileProblem, "the key opens it, but it is no calibration database; it lacks tables: " + missing);
+    throw ToolError(kFileProblem, "the key opens it, but it is not a calibration database; it lacks tables: {}",
+                    missing);
   }
 }
 
 void Session::require(int code, const std::string& detail) {
   if (code == 0) return;
-  std::string text = std::to_string(code) + ": " + tovr::statusText(code);
   // Codes of the library's own say it all; for those of the engine its own words help.
-  const char* words = code < 4096 ? manager().errMsg() : nullptr;
-  if (words != nullptr && *words != '\0') text += std::string(" (") + words + ")";
-  if (!detail.empty()) text += "; " + detail;
-  throw ToolError(kRefused, text);
+  const char* words = code < tovr::kNoConnection ? manager().errMsg() : nullptr;
+  throw libraryError(code, words != nullptr ? words : "", detail);
 }
 
 void Session::close() {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tool/io/FileOutput.h"
 #include "tool/system/StandardOutput.h"
@@ -22,7 +23,8 @@ class ByteOutput {
   ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
 
   void write(const void* bytes, std::size_t size);
-  void write(const std::string& bytes) { write(bytes.data(), bytes.size()); }
+  void write(const std::string& text) { write(text.data(), text.size()); }
+  void write(const std::vector<unsigned char>& bytes) { write(bytes.data(), bytes.size()); }
   // The file appears under its name. Without it, nothing does.
   void commit();
 

@@ -40,7 +40,7 @@ class Raster {
  public:
   Raster(const Rect& region, Merge merge);
 
-  // The numbers of cells of row `y` from column `x` on. What lies outside the region, and what is no finite number, is
+  // The numbers of cells of row `y` from column `x` on. What lies outside the region, and what is not a finite number, is
   // left out.
   void addRow(std::int32_t x, std::int32_t y, const std::vector<double>& numbers);
 

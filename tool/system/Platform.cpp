@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "tool/system/Paths.h"
+
 #if defined(_WIN32)
 #include <fcntl.h>
 #include <io.h>
@@ -15,7 +17,6 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -87,18 +88,11 @@ FileHandle createNew(const std::string& path) {
 
 bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
 
-bool moveWithoutReplacing(const std::string& from, const std::string& to) {
-  if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0) return true;
-  const DWORD code = GetLastError();
-  errno = code == ERROR_ALREADY_EXISTS || code == ERROR_FILE_EXISTS ? EEXIST : EACCES;
-  return false;
-}
-
 std::string programFolder() {
   char path[MAX_PATH] = {};
   const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
   if (length == 0 || length == MAX_PATH) return {};
-  return std::filesystem::path(path).parent_path().string();
+  return textOf(pathOf(path).parent_path());
 }
 
 int processNumber() { return _getpid(); }
@@ -194,21 +188,10 @@ bool flushToDisk(std::FILE* file) {
   return std::fflush(file) == 0 && (fsync(fileno(file)) == 0 || errno == EINVAL);  // EINVAL: not that kind of file
 }
 
-bool moveWithoutReplacing(const std::string& from, const std::string& to) {
-  if (link(from.c_str(), to.c_str()) == 0) return unlink(from.c_str()) == 0;  // link() is atomic and never replaces
-  if (errno != EPERM && errno != ENOTSUP && errno != ENOSYS) return false;
-  struct stat present;  // a file system without hard links: the best it offers
-  if (lstat(to.c_str(), &present) == 0) {
-    errno = EEXIST;
-    return false;
-  }
-  return std::rename(from.c_str(), to.c_str()) == 0;
-}
-
 std::string programFolder() {
   std::error_code error;
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-  return error ? std::string() : program.parent_path().string();
+  return error ? std::string() : textOf(program.parent_path());
 }
 
 int processNumber() { return getpid(); }

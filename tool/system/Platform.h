@@ -1,4 +1,4 @@
-// Everything that the operating systems do differently: descriptors, terminals, moving files, the program's own path.
+// Everything that the operating systems do differently: descriptors, terminals, new files, the program's own path.
 #pragma once
 
 #include <cstdio>
@@ -43,9 +43,6 @@ FileHandle createNew(const std::string& path);
 
 // What was written reaches the disk. False when that fails.
 bool flushToDisk(std::FILE* file);
-
-// Moves a file within its folder and never replaces: false when `to` exists, with errno EEXIST, or on any other error.
-bool moveWithoutReplacing(const std::string& from, const std::string& to);
 
 // The text of errno.
 std::string systemError();
