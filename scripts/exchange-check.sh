@@ -11,7 +11,7 @@ quietly cmake --build --preset debug --target tovrdb
 
 root=$PWD
 work=$(mktemp -d)
-trap 'rm -rf "$work"; "$root/scripts/wine-end.sh"' EXIT
+trap 'cd "$root"; rm -rf "$work"; scripts/wine-end.sh' EXIT
 cd "$work"
 export TOVRDB_KEY='a key for both'
 

@@ -30,7 +30,7 @@ rm -rf --one-file-system "$kept"/root.*
 inputs=(scripts/fresh-system-check.sh scripts/carry-registry-access.sh)
 if ! isBuiltFrom "$kept" "${inputs[@]}"; then
   rm -f "$kept/stamp"
-  quietly nice mmdebstrap --variant=apt --mode=root --include=sudo,passwd,ccache \
+  quietly mmdebstrap --variant=apt --mode=root --dpkgopt=force-unsafe-io --include=sudo,passwd,ccache \
     --setup-hook="'$PWD/scripts/carry-registry-access.sh' \"\$1\"" "$suite" "$kept/base.tar" \
     "deb [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $mirror $suite main" ||
     notRun "its base cannot be made from $mirror"

@@ -9,7 +9,7 @@ source scripts/failures.sh
 
 runs=${1:-10000}
 targets=("${@:2}")
-[ ${#targets[@]} -gt 0 ] || targets=(Blob Crop Window FileCipher Npy Manifest Database)
+[ ${#targets[@]} -gt 0 ] || targets=(Blob Crop Window Des FileCipher Npy Manifest Database)
 
 TOVR_WITH_FUZZ=1 scripts/install-dependencies.sh
 quietly cmake --preset fuzz

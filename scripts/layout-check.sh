@@ -4,12 +4,12 @@
 # links and runs nothing. docs/building-on-windows.md says what this shows. Exit code 77: not run, no clang to be had.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/failures.sh
 
 notRun() {
   printf '\n######## Layout check not run: %s\n' "$1" >&2
   exit 77
 }
-run() { "$@" || { echo "layout check failed: code $? from $*" >&2; exit 1; }; }
 tools() { clang=$(command -v clang || command -v clang-19 || command -v clang-14) && command -v python3 >/dev/null; }
 
 tools || {
@@ -20,7 +20,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 compile() {
-  run "$clang" --target=x86_64-pc-windows-msvc -std=c++17 -O1 -fexceptions -fcxx-exceptions -fdiscard-value-names \
+  "$clang" --target=x86_64-pc-windows-msvc -std=c++17 -O1 -fexceptions -fcxx-exceptions -fdiscard-value-names \
     -nostdinc -isystem tests/windows/msvc-stubs -I src -DTOVR_VERSION='""' \
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror "$@"
 }
@@ -36,4 +36,4 @@ echo "OK  records: $(grep -c '^TOVR_' src/manager/RecordLayout.cpp) facts of src
 
 compile -c tests/windows/Layout.cpp -o "$work/Layout.o" -Xclang -fdump-vtable-layouts >"$work/tables"
 compile -S -emit-llvm src/plugin/Plugin.cpp -o "$work/Plugin.ll"
-run python3 tests/windows/compare_layout.py docs/host-guide.md "$work/tables" "$work/Plugin.ll"
+python3 tests/windows/compare_layout.py docs/host-guide.md "$work/tables" "$work/Plugin.ll"

@@ -5,7 +5,9 @@ set -euo pipefail
 source "$(dirname "$0")/failures.sh"
 source "$(dirname "$0")/wine.sh"
 
-exec 8>"$cache/wine-use.lock"
+exec 8>"${cache:?}/wine-use.lock"
 flock 8
-wineserver64 --kill 8>&- || [ $? -eq 1 ]  # 1: none is running
+code=0
+wineserver64 --kill 8>&- || code=$?
+[ $code -le 1 ] || { echo "exit code $code from: wineserver64 --kill" >&2; exit 1; }  # 1: none is running
 wineserver64 --wait 8>&-

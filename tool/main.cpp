@@ -66,6 +66,24 @@ void addCommands(CommandGroup program) {
   addDocCommands(program);
 }
 
+// What is wrong with a command line, in words that name what can be said instead.
+std::string complaintAbout(const CLI::App& app, const CLI::ParseError& error) {
+  const CLI::App* group = &app;
+  std::string named;
+  while (!group->get_subcommands().empty()) {
+    group = group->get_subcommands().front();
+    named += group->get_name() + " ";
+  }
+  const auto commands = group->get_subcommands([](const CLI::App*) { return true; });
+  const auto rest = app.remaining(true);
+  if (dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || commands.empty()) return error.what();
+  std::string names;
+  for (const CLI::App* command : commands) names += (names.empty() ? "" : ", ") + command->get_name();
+  if (rest.empty()) return "say what to do" + (named.empty() ? ": one of " : ": " + named + "takes one of ") + names;
+  if (rest.front()[0] == '-') return "there is no option " + rest.front();
+  return "there is no command " + named + rest.front() + "; there are " + names;
+}
+
 int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
   if (!options.log.empty()) output.logLibraryTo(options.log);
   if (options.verbose) output.showLibrary();
@@ -119,7 +137,7 @@ int main(int argc, char** argv) {
       return static_cast<int>(kDone);
     });
   } catch (const CLI::ParseError& error) {
-    complain(std::string(error.what()));
+    complain(complaintAbout(app, error));
     complain("tovrdb --help shows examples");
     return kUsage;
   }

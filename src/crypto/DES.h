@@ -1,5 +1,5 @@
 // DES with keys and initialisation vectors given as texts: the buffer and file operations behind IEncryption.
-// Stateless. See IEncryption for what each operation promises to hosts.
+// See IEncryption for what each operation promises to hosts.
 #pragma once
 
 #include <string>

@@ -24,6 +24,10 @@ Encryption* Encryption::own(IEncryption& service) {
   return tableOf(service) == ownTable ? static_cast<Encryption*>(&service) : nullptr;
 }
 
+std::shared_ptr<const DESKey> Encryption::ready(const std::string& key) const {
+  return des_->ready(DESBlock::firstOf(key.data(), key.size()));
+}
+
 bool Encryption::encrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) {
   return des_->encrypt(key, iv, input, output);
 }

@@ -19,6 +19,9 @@ class Encryption final : public IEncryption, public lmx::IMessageHandler {
   // library's. Safe with every object: asks for no type information, which one of another compiler may lack.
   static Encryption* own(IEncryption& service);
 
+  // The key that `key` stands for, ready for use without further calls of the service; it outlives both.
+  std::shared_ptr<const DESKey> ready(const std::string& key) const;
+
   bool encrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
   bool decrypt(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;
   bool encryptKeyPadded(const std::string& key, const std::string& iv, const Bytes& input, Bytes& output) override;

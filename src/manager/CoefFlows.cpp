@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "manager/RegionCrop.h"
@@ -14,15 +15,17 @@ namespace {
 using Screens = std::vector<ScreenInfoData>;
 using Areas = std::vector<CoefData>;
 
-enum class PlacedBy { kRectangle, kName };
+// The database types that place areas.
+constexpr int kByRectangle = 0;
+constexpr int kByName = 1;
 
 // What a record must say before any table is read.
-int checkRecord(const CoefData& record, PlacedBy placedBy) {
+int checkRecord(const CoefData& record, int dbtype) {
   if (record.left == kEdgeNotGiven || record.top == kEdgeNotGiven || record.right == kEdgeNotGiven ||
       record.bottom == kEdgeNotGiven) {
     return kRectangleRefused;
   }
-  if (placedBy == PlacedBy::kName && record.screenname.empty()) return kScreenNameMissing;
+  if (dbtype == kByName && record.screenname.empty()) return kScreenNameMissing;
   return record.coeftype == kDataTypeNotGiven ? kTypeNotGiven : kOk;
 }
 
@@ -31,6 +34,15 @@ int readScreens(DataTableOperateBase& list, Screens& screens) {
   const int code = list.query(&result);
   if (code == kOk) screens = std::move(result.screens);
   return code;
+}
+
+// What comes before every flow: a look at the record, and all screens. The flow's result where it ends here.
+std::optional<int> beginFlow(const CoefData& record, int dbtype, DataTableOperateBase& list, Screens& screens) {
+  if (dbtype == kUnknownDatabaseType) return kTypeNotGiven;
+  if (dbtype != kByRectangle && dbtype != kByName) return kOk;
+  int result = checkRecord(record, dbtype);
+  if (result == kOk) result = readScreens(list, screens);
+  return result == kOk ? std::nullopt : std::optional(result);
 }
 
 int readAreas(DataTableOperateBase& list, Areas& areas) {
@@ -87,97 +99,89 @@ ScreenInfoData screenFor(const CoefData& record) {
   return screen;
 }
 
-bool readRegion(EncipheredBlob& block, const CropPlan& plan, unsigned char* cells) {
-  if (plan.rows == 0) return true;
-  return block.readRows(static_cast<std::size_t>(plan.first), static_cast<std::size_t>(plan.rowBytes),
-                        static_cast<std::size_t>(plan.stride), static_cast<std::size_t>(plan.rows), cells);
+void readRegion(EncipheredBlob& block, const CropPlan& plan, unsigned char* cells) {
+  if (plan.rows == 0) return;
+  block.readRows(static_cast<std::size_t>(plan.first), static_cast<std::size_t>(plan.rowBytes),
+                 static_cast<std::size_t>(plan.stride), static_cast<std::size_t>(plan.rows), cells);
 }
 
 }  // namespace
 
-int CoefFlows::insertByRectangle(CoefData& record) {
+int CoefFlows::insert(CoefData& record, int dbtype) {
   Screens screens;
-  int result = checkRecord(record, PlacedBy::kRectangle);
-  if (result == kOk) result = readScreens(operators_.screenList, screens);
-  if (result != kOk) return result;
+  if (const auto ended = beginFlow(record, dbtype, operators_.screenList, screens)) return *ended;
+  return dbtype == kByName ? insertByName(record, screens) : insertByRectangle(record, screens);
+}
+
+int CoefFlows::update(CoefData& record, int dbtype) {
+  Screens screens;
+  if (const auto ended = beginFlow(record, dbtype, operators_.screenList, screens)) return *ended;
+  return dbtype == kByName ? updateByName(record, screens) : updateByRectangle(record, screens);
+}
+
+int CoefFlows::query(CoefData& record, int dbtype) {
+  Screens screens;
+  if (const auto ended = beginFlow(record, dbtype, operators_.screens, screens)) return *ended;
+  return dbtype == kByName ? queryByName(record, screens) : queryByRectangle(record, screens);
+}
+
+int CoefFlows::insertByRectangle(CoefData& record, const Screens& screens) {
   const ScreenInfoData* screen = screenHolding(screens, record);
   if (screen == nullptr) return kNoScreenForRectangle;
   Areas areas;
-  result = readAreas(operators_.coefList, areas);
+  const int result = readAreas(operators_.coefList, areas);
   if (result != kOk) return result;
   const CoefData* area = sameArea(areas, screen->id, record);
   return area != nullptr ? takeOver(record, *area, screen->id) : addArea(record, screen->id);
 }
 
-int CoefFlows::insertByName(CoefData& record) {
-  Screens screens;
-  int result = checkRecord(record, PlacedBy::kName);
-  if (result == kOk) result = readScreens(operators_.screenList, screens);
-  if (result != kOk) return result;
+int CoefFlows::insertByName(CoefData& record, const Screens& screens) {
   const ScreenInfoData* screen = screenNamed(screens, record.screenname);
   if (screen == nullptr) return addScreenAndArea(record);
   Areas areas;
-  result = readAreas(operators_.coefList, areas);
+  const int result = readAreas(operators_.coefList, areas);
   if (result != kOk) return result;
   const CoefData* area = areaOfType(areas, screen->id, record);  // one area per screen and type: no rectangle compared
   return area != nullptr ? takeOver(record, *area, screen->id) : addArea(record, screen->id);
 }
 
-int CoefFlows::updateByRectangle(CoefData& record) {
-  Screens screens;
-  int result = checkRecord(record, PlacedBy::kRectangle);
-  if (result == kOk) result = readScreens(operators_.screenList, screens);
-  if (result != kOk) return result;
+int CoefFlows::updateByRectangle(CoefData& record, const Screens& screens) {
   const ScreenInfoData* screen = first(screens, [&](const ScreenInfoData& candidate) {  // equal, not holding
     return candidate.areaid == record.areaid && rectOf(candidate) == rectOf(record);
   });
-  if (screen == nullptr) return kNoScreenForRectangle;
-  Areas areas;
-  result = readAreas(operators_.coefList, areas);
-  if (result != kOk) return result;
-  const CoefData* area = areaOfType(areas, screen->id, record);
-  return area != nullptr ? takeOver(record, *area, screen->id) : kNoMatchingArea;
+  return screen != nullptr ? updateArea(record, screen->id) : kNoScreenForRectangle;
 }
 
-int CoefFlows::updateByName(CoefData& record) {
-  Screens screens;
-  int result = checkRecord(record, PlacedBy::kName);
-  if (result == kOk) result = readScreens(operators_.screenList, screens);
-  if (result != kOk) return result;
+int CoefFlows::updateByName(CoefData& record, const Screens& screens) {
   const ScreenInfoData* screen = screenNamed(screens, record.screenname);
   if (screen == nullptr) return kNoSuchScreenName;
-  Areas areas;
-  result = rewriteScreen(record, screen->id);
-  if (result == kOk) result = readAreas(operators_.coefList, areas);
-  if (result != kOk) return result;
-  const CoefData* area = areaOfType(areas, screen->id, record);
-  return area != nullptr ? takeOver(record, *area, screen->id) : kNoMatchingArea;
+  const int result = rewriteScreen(record, screen->id);
+  return result == kOk ? updateArea(record, screen->id) : result;
 }
 
-int CoefFlows::queryByRectangle(CoefData& record) {
-  Screens screens;
-  Areas areas;
-  int result = checkRecord(record, PlacedBy::kRectangle);
-  if (result == kOk) result = readScreens(operators_.screens, screens);
-  if (result == kOk) result = readAreas(operators_.coefs, areas);
-  if (result != kOk) return result;
+int CoefFlows::queryByRectangle(CoefData& record, const Screens& screens) {
   const ScreenInfoData* screen = screenHolding(screens, record);
-  const int screenid = screen != nullptr ? screen->id : 0;  // areas of no screen carry the number 0
-  const CoefData* area = areaHolding(areas, screenid, record);
-  return area != nullptr ? readArea(record, *area) : kNoMatchingArea;
+  return queryArea(record, screen != nullptr ? screen->id : 0);  // areas of no screen carry the number 0
 }
 
-int CoefFlows::queryByName(CoefData& record) {
-  Screens screens;
-  int result = checkRecord(record, PlacedBy::kName);
-  if (result == kOk) result = readScreens(operators_.screens, screens);
-  if (result != kOk) return result;
+int CoefFlows::queryByName(CoefData& record, const Screens& screens) {
   const ScreenInfoData* screen = screenNamed(screens, record.screenname);
-  if (screen == nullptr) return kNoSuchScreenName;
+  return screen != nullptr ? queryArea(record, screen->id) : kNoSuchScreenName;
+}
+
+int CoefFlows::updateArea(CoefData& record, int screenid) {
   Areas areas;
-  result = readAreas(operators_.coefs, areas);
+  const int result = readAreas(operators_.coefList, areas);
   if (result != kOk) return result;
-  const CoefData* area = areaHolding(areas, screen->id, record);
+  const CoefData* area = areaOfType(areas, screenid, record);
+  return area != nullptr ? takeOver(record, *area, screenid) : kNoMatchingArea;
+}
+
+int CoefFlows::queryArea(CoefData& record, int screenid) {
+  Areas areas;
+  const int result = readAreas(operators_.coefs, areas);
+  if (result != kOk) return result;
+  const CoefData* area = areaHolding(areas, screenid, record);
   return area != nullptr ? readArea(record, *area) : kNoMatchingArea;
 }
 
@@ -231,9 +235,9 @@ int CoefFlows::readArea(CoefData& record, const CoefData& area) {
   const int result = operators_.coefs.visitCoef(area.coefid, [&](int cellBytes, EncipheredBlob& block) {
     region.databitwidth = cellBytes;
     cropped = planCrop(stored, requested, cellBytes, static_cast<std::int32_t>(block.payloadSize()), plan);
-    if (cropped != kOk || plan.bytes < 0) return true;  // told below, once the row is done with
+    if (cropped != kOk || plan.bytes < 0) return;  // told below, once the row is done with
     cells = allocateRegion(plan);
-    return readRegion(block, plan, cells.get());
+    readRegion(block, plan, cells.get());
   });
   if (result != kOk && cells != nullptr) wipe(cells.get(), static_cast<std::size_t>(plan.bytes));
   if (result != kOk) return result;

@@ -67,7 +67,8 @@ int DBManager::queryData(DataBase* record) {
   if (record == nullptr) return kInvalidRecord;
   switch (record->type) {
     case kCoefData:
-      return runFlow(record, &CoefFlows::queryByRectangle, &CoefFlows::queryByName);
+      if (auto* coef = dynamic_cast<CoefData*>(record)) return flows().query(*coef, getDBType());
+      return kInvalidRecord;
     case kScreenInfoData:
     case kConfigData:
     case kDBInfo:
@@ -83,7 +84,8 @@ int DBManager::insertData(DataBase* record) {
   if (record == nullptr) return kInvalidRecord;
   switch (record->type) {
     case kCoefData:
-      return runFlow(record, &CoefFlows::insertByRectangle, &CoefFlows::insertByName);
+      if (auto* coef = dynamic_cast<CoefData*>(record)) return flows().insert(*coef, getDBType());
+      return kInvalidRecord;
     case kLumChromaData:
     case kScreenInfoData:
     case kConfigData:
@@ -104,7 +106,8 @@ int DBManager::updateData(DataBase* record) {
   if (record == nullptr) return kInvalidRecord;
   switch (record->type) {
     case kCoefData:
-      return runFlow(record, &CoefFlows::updateByRectangle, &CoefFlows::updateByName);
+      if (auto* coef = dynamic_cast<CoefData*>(record)) return flows().update(*coef, getDBType());
+      return kInvalidRecord;
     case kScreenInfoData:
     case kConfigData:
     case kCoefDataResult:
@@ -126,22 +129,6 @@ bool DBManager::checkDB(std::string path) {
 DataTableOperateBase* DBManager::findOperator(int key) const {
   const auto found = operators.find(key);
   return found != operators.end() ? found->second.get() : nullptr;
-}
-
-int DBManager::runFlow(DataBase* record, Flow byRectangle, Flow byName) {
-  auto* coef = dynamic_cast<CoefData*>(record);
-  if (coef == nullptr) return kInvalidRecord;
-  CoefFlows coefFlows = flows();
-  switch (getDBType()) {
-    case 0:
-      return (coefFlows.*byRectangle)(*coef);
-    case 1:
-      return (coefFlows.*byName)(*coef);
-    case kUnknownDatabaseType:
-      return kTypeNotGiven;
-    default:
-      return kOk;
-  }
 }
 
 CoefFlows DBManager::flows() {

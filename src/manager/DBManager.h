@@ -28,10 +28,7 @@ class DBManager final : public IDBManager {
   bool checkDB(std::string path) override;
 
  private:
-  using Flow = int (CoefFlows::*)(CoefData&);
-
   DataTableOperateBase* findOperator(int key) const;  // null when there is none
-  int runFlow(DataBase* record, Flow byRectangle, Flow byName);
   CoefFlows flows();
 
   std::map<int, std::shared_ptr<DataTableOperateBase>> operators;  // by DataType

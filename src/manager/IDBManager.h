@@ -21,7 +21,7 @@ class IDBManager {
   // file then stays open: close it, or open another. 4096 without host or connection.
   virtual int openDB(std::string path, std::string key) = 0;  // slot 1
 
-  // Closes the file. 4096 without host or connection.
+  // Closes the file; 0 where none is open too. 4096 without host or connection.
   virtual int closeDB() = 0;  // slot 2
 
   // Creates the nine tables where they do not exist yet, in five groups; stops at the first group that fails.

@@ -34,7 +34,8 @@ int planCrop(const Rect& stored, const Rect& requested, std::int32_t cellBytes, 
 // A buffer for the region, all zeros where the plan copies no cells. Throws std::bad_alloc, for negative sizes too.
 std::unique_ptr<unsigned char[]> allocateRegion(const CropPlan& plan);
 
-// Plans, allocates and copies: the cells of `requested`, row-major. `out` is untouched on failure.
+// Plans, allocates and copies: the cells of `requested`, row-major. `out` is untouched on failure. No flow calls
+// it: they decipher by the plan and never have the whole block. It is what they are tested against.
 int cropRegion(const CoefBuffer& source, const Rect& stored, const Rect& requested,
                std::unique_ptr<unsigned char[]>& out);
 

@@ -86,15 +86,11 @@ int Sqlite3DB::keyOlderFile(const char* key, int length) {
 
 int Sqlite3DB::close() {
   statement_.reset();
-  const bool wasOpen = isOpen();
-  if (wasOpen) {
-    const int result = sqlite3_close(connection_.get());
-    if (result != SQLITE_OK) return result;
-    static_cast<void>(connection_.release());
-  }
-  connection_.reset();
+  const int result = sqlite3_close(connection_.get());
+  if (result != SQLITE_OK) return result;
+  static_cast<void>(connection_.release());
   openResult_ = SQLITE_MISUSE;
-  return wasOpen ? SQLITE_OK : SQLITE_MISUSE;
+  return SQLITE_OK;
 }
 
 int Sqlite3DB::exec(const char* sql) {
@@ -139,11 +135,15 @@ int Sqlite3DB::bind_null(int index) { return sqlite3_bind_null(statement_.get(),
 
 int Sqlite3DB::step() { return sqlite3_step(statement_.get()); }
 
-int Sqlite3DB::reset() { return statement_ != nullptr ? sqlite3_reset(statement_.get()) : SQLITE_MISUSE; }
+// These two answer 0 for a null statement, as sqlite3_close does for a null connection.
+int Sqlite3DB::reset() { return sqlite3_reset(statement_.get()); }
 
-int Sqlite3DB::finalize() { return statement_ != nullptr ? sqlite3_finalize(statement_.release()) : SQLITE_MISUSE; }
+int Sqlite3DB::finalize() { return sqlite3_finalize(statement_.release()); }
 
 int Sqlite3DB::get_table(const char* sql, char*** result, int* rows, int* columns) {
+  if (result != nullptr) *result = nullptr;
+  if (rows != nullptr) *rows = 0;
+  if (columns != nullptr) *columns = 0;
   if (!isOpen() || sql == nullptr || result == nullptr) return SQLITE_MISUSE;
   return sqlite3_get_table(connection_.get(), sql, result, rows, columns, nullptr);
 }

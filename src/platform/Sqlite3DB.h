@@ -1,7 +1,8 @@
 // One connection to an encrypted SQLite file and its one current statement, on SQLCipher's C interface.
 //
 // Stands in for a closed platform class: no other methods than these. Results are SQLite's own codes. Every method is
-// safe while closed or without a statement and then answers 21 (SQLITE_MISUSE), null, 0 or a fixed text.
+// safe while closed, after a failed open and without a statement, and then answers what SQLite answers to a null
+// handle: close, reset and finalize 0, the columns null or 0, all others 21 (SQLITE_MISUSE).
 #pragma once
 
 #include <cstdint>
@@ -26,7 +27,8 @@ class Sqlite3DB {
   // Succeeds with any key; a wrong one fails at the first read, with 26. On SQLCipher 4.x the file is read here
   // already, and one that 3.x wrote is then read and written as 3.x does.
   int setKey(const char* key, unsigned int length);
-  int close();  // finalizes the current statement first
+  // Finalizes the current statement first. Then errCode() is 21 and errMsg() says that no file is open.
+  int close();
 
   int exec(const char* sql);
   int errCode();
@@ -43,6 +45,7 @@ class Sqlite3DB {
   int reset();
   int finalize();
 
+  // Writes all three outputs: null, 0 and 0 on failure. 21 without a `result`; the two numbers may be left out (null).
   int get_table(const char* sql, char*** result, int* rows, int* columns);
   void free_table(char** result);
 

@@ -3,22 +3,24 @@
 // A host's own service may be any cipher: it gets the whole framed buffer in one call, with the blobs' key as key and
 // as initialisation vector. The library's own is known to be DES in CBC mode, where any run of whole cipher blocks
 // deciphers by itself with the cipher block before it as its initialisation vector, and enciphering goes on with the
-// last cipher block written (FIPS 81). So it gets a piece at a time: no copy of a whole block is made besides the
-// result, and a part of a blob is deciphered without the rest.
+// last cipher block written (FIPS 81). So its cipher works from the caller's bytes into the result: no copy of a block
+// is made, and a part of a blob is deciphered without the rest.
 //
 // No plaintext stays behind in memory that is released, but for what the service itself may leave.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
+#include "crypto/DESKey.h"
 #include "crypto/IEncryption.h"
 #include "crypto/WipedBuffer.h"
 
 namespace tovr {
 
-// The length prefix and the payload, enciphered. False, with `out` untouched, where the service fails, for null data with
-// a length, and for a payload of 2 GiB or more.
+// The length prefix and the payload, enciphered. False, with `out` untouched, where the service fails, for null data
+// with a length, and for a payload of 2 GiB or more.
 bool encipherPayload(IEncryption& encryption, const void* data, std::uint32_t length, IEncryption::Bytes& out);
 
 // The payload of a stored blob. False, with `out` untouched, where it does not decipher to a whole frame.
@@ -36,25 +38,23 @@ class EncipheredBlob {
   std::uint32_t payloadSize() const { return payloadSize_; }
 
   // `rows` runs of `rowSize` payload bytes, the first at `offset`, each `stride` behind the one before, copied to `out`
-  // without gaps. False where the service fails. REQUIRES: all of them lie inside the payload; stride >= rowSize.
-  bool readRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows, unsigned char* out);
+  // without gaps. REQUIRES: open() succeeded; all of them lie inside the payload; stride >= rowSize.
+  void readRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows, unsigned char* out);
 
  private:
-  bool decipherFrame();
+  bool openWhole();
   void copyRows(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
                 unsigned char* out) const;
-  bool read(std::size_t offset, std::size_t size, unsigned char* out);
-  bool readAcrossGaps(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
+  void readAcrossGaps(std::size_t offset, std::size_t rowSize, std::size_t stride, std::size_t rows,
                       unsigned char* out);
-  bool decipher(std::size_t begin, std::size_t end);
+  void decipher(std::size_t begin, std::size_t size, unsigned char* out) const;
 
   IEncryption& encryption_;
-  const bool inPieces_;  // whether the service is the library's own
+  const std::shared_ptr<const DESKey> key_;  // null where the service is a host's own
   const unsigned char* bytes_;
   std::size_t size_;
   std::uint32_t payloadSize_ = 0;
-  IEncryption::Bytes piece_;  // cipher blocks on their way to the service
-  WipedBuffer plain_;         // what came back: of that piece, or the whole frame
+  WipedBuffer plain_;  // of a host's own service the whole frame; else a few rows on their way
 };
 
 }  // namespace tovr

@@ -20,9 +20,9 @@ int DataTableOperateBase::getDbType() { return kUnknownDatabaseType; }
 
 int DataTableOperateBase::getSequence(const char* table, int* sequence) {
   if (dbOperate == nullptr) return kNoConnection;
-  const ResultTable last(*dbOperate, std::string(" Select seq From sqlite_sequence Where name = '") + table + "'");
+  ResultTable last(*dbOperate, std::string(" Select seq From sqlite_sequence Where name = '") + table + "'");
   if (const char* value = last.cell(1, 0)) *sequence = intOrZero(value);
-  return report(last.code());
+  return report(last.free());
 }
 
 int DataTableOperateBase::openDB(const std::string& path, const std::string& key) {

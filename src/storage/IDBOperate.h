@@ -3,7 +3,8 @@
 //
 // Hosts call by position: slot order is part of the contract. Append, never insert, never overload.
 // Single-threaded, with at most one current statement: finish or abandon one before preparing the next.
-// `int` results are SQLite result codes; 0 is success. Closed, or without a statement: 21, null or 0.
+// `int` results are SQLite result codes; 0 is success. While closed, after a failed open and without a statement,
+// close, reset and finalize answer 0, the columns null or 0, everything else 21.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +21,7 @@ class IDBOperate {
 
   // Opens or creates the file; closes what is open. `path`: narrow bytes, passed to the engine unchanged.
   virtual int open(const char* path) = 0;  // slot 1
-  virtual int close() = 0;                 // slot 2
+  virtual int close() = 0;                 // slot 2: finalizes the current statement first
   // Gives the page key, `length` bytes. Succeeds with a wrong key too: only the first read proves it.
   virtual int setKey(const char* key, unsigned int length) = 0;  // slot 3
   // Runs every statement of `sql`.
@@ -44,7 +45,8 @@ class IDBOperate {
   virtual int finalize() = 0;                                                                     // slot 16
 
   // Runs a query whole: `*result` gets (rows + 1) * columns texts, the first `columns` of them the column names; a
-  // NULL value is a null pointer. Hand it to free_table in every case.
+  // NULL value is a null pointer. On failure the three outputs are null, 0 and 0: hand `*result` to free_table in every
+  // case.
   virtual int get_table(const char* sql, char*** result, int* rows, int* columns) = 0;  // slot 17
   virtual void free_table(char** result) = 0;                                           // slot 18
 

@@ -11,7 +11,16 @@ ResultTable::ResultTable(IDBOperate& db, const std::string& sql)
   if (code_ != kOk) rows_ = 0;
 }
 
-ResultTable::~ResultTable() { db_.free_table(cells_); }
+ResultTable::~ResultTable() {
+  if (!isFreed_) db_.free_table(cells_);
+}
+
+int ResultTable::free() {
+  db_.free_table(cells_);
+  isFreed_ = true;
+  rows_ = columns_ = 0;
+  return code_;
+}
 
 const char* ResultTable::cell(int row, int column) const {
   if (row > rows_ || column >= columns_) return nullptr;

@@ -1,4 +1,4 @@
-// The owned result of IDBOperate::get_table: freed on every path. Row 0 holds the column names.
+// The owned result of IDBOperate::get_table: freed once, on every path. Row 0 holds the column names.
 #pragma once
 
 #include <string>
@@ -16,6 +16,7 @@ class ResultTable {
   ~ResultTable();
 
   int code() const { return code_; }  // the result of get_table
+  int free();                         // frees the table before its scope ends, and returns code(); no cells are left
   int rows() const { return rows_; }  // data rows, the first of them is row 1; 0 when get_table failed
 
   // Null for NULL and for a column that the table does not have.
@@ -32,6 +33,7 @@ class ResultTable {
   int rows_ = 0;
   int columns_ = 0;
   int code_;
+  bool isFreed_ = false;
 };
 
 }  // namespace tovr

@@ -1,5 +1,4 @@
-// Every status code of the system's own, and a text for every code that an operation returns. 0 is success; SQLite's
-// result codes (below 4096) pass through unchanged.
+// Every status code of the system's own. 0 is success; SQLite's result codes (below 4096) pass through unchanged.
 #pragma once
 
 namespace tovr {
@@ -19,62 +18,5 @@ constexpr int kTypeNotGiven = 4111;          // 0x100F: database type 2, or coef
 constexpr int kNoSuchScreenName = 4112;      // 0x1010: no screen of that name
 constexpr int kNoMatchingArea = 4113;        // 0x1011: no stored coefficient area matches
 constexpr int kNoScreenForRectangle = 4116;  // 0x1014: no screen holds (insert) or equals (update) the rectangle
-
-// What a code means, in words for a user; never null. Where one code has several causes the text names them.
-inline const char* statusText(int code) {
-  switch (code) {
-    case kOk:
-      return "success";
-    case kNoConnection:
-      return "the library has no host or no connection, or the record is missing or of the wrong kind";
-    case kNoData:
-      return "the record is missing, or no data of that type is stored";
-    case kNoOperator:
-      return "the library has no table for this kind of record";
-    case kCipherFailed:
-      return "a stored block cannot be deciphered (it is damaged), or a block cannot be enciphered";
-    case kRectangleRefused:
-      return "an edge of the rectangle is -1, or the rectangle lies outside the stored area";
-    case kBlockTooSmall:
-      return "the stored block holds fewer bytes than the rectangle needs, or the screen's name is missing";
-    case kTypeNotGiven:
-      return "the database does not tell its type, or coefficient type 16 was asked for, which means none";
-    case kNoSuchScreenName:
-      return "no screen has that name";
-    case kNoMatchingArea:
-      return "no stored area of that type holds the rectangle";
-    case kNoScreenForRectangle:
-      return "no screen holds the rectangle (an update asks for exactly a screen's)";
-    case 1:
-      return "the engine refused the statement, or is not SQLCipher";
-    case kUnknownDatabaseType:
-      return "the database does not tell its type, or the engine failed inside";
-    case 5:
-    case 6:
-      return "the database is in use by another program; try again when it has finished";
-    case 7:
-      return "out of memory";
-    case 8:
-      return "the database file is read-only; change its permissions or copy it";
-    case 10:
-      return "the disk failed to read or write";
-    case 11:
-      return "the database file is damaged";
-    case 13:
-      return "the disk is full";
-    case 14:
-      return "the database file cannot be opened; check the folder and its permissions";
-    case 18:
-      return "the block is larger than the database takes";
-    case 19:
-      return "a row was rejected by a rule of its table";
-    case 21:
-      return "no database file is open";
-    case 26:
-      return "wrong key, or the file is not a database";
-    default:
-      return "no description";
-  }
-}
 
 }  // namespace tovr

@@ -136,7 +136,9 @@ int CoefDataTableOperate::visitCoef(int id, const BlockReader& use) {
     const void* bytes = db.column_blob(1);
     const int size = db.column_bytes(1);
     EncipheredBlob block(*encryption, bytes, size > 0 ? static_cast<std::size_t>(size) : 0);
-    return block.open() && use(databitwidth, block) ? kOk : kCipherFailed;
+    if (!block.open()) return kCipherFailed;
+    use(databitwidth, block);
+    return kOk;
   });
 }
 

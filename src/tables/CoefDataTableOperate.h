@@ -28,12 +28,12 @@ class CoefDataTableOperate : public DataTableOperateBase {
 
   // Reads the block of a "Coef" row into a new buffer made with new[], owned by the caller (a previous out->data is
   // overwritten, not freed). 0 with `out` untouched when there is no such row; 4106, with only the cell width
-  // written, when the block cannot be deciphered.
+  // written, when the block cannot be deciphered. No flow calls it: they read by visitCoef, which is tested against it.
   int selectCoef(int id, CoefBuffer* out);
 
-  // The same row, read in parts: hands its cell width and its block, still enciphered, to `use`, which answers whether
-  // what it read of the block could be deciphered. The result is selectCoef's.
-  using BlockReader = std::function<bool(int databitwidth, EncipheredBlob& block)>;
+  // The same row, read in parts: hands its cell width and its block, still enciphered, to `use`. The result is
+  // selectCoef's.
+  using BlockReader = std::function<void(int databitwidth, EncipheredBlob& block)>;
   int visitCoef(int id, const BlockReader& use);
 
  private:

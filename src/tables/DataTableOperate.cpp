@@ -59,12 +59,12 @@ int DataTableOperate::lookupInfo(const ConfigData& record) {
   if (dbOperate == nullptr) return kNoConnection;
   dataIds.clear();
   infoIds.clear();
-  const ResultTable found(*dbOperate, kSelectInfo + std::to_string(record.datatype));
+  ResultTable found(*dbOperate, kSelectInfo + std::to_string(record.datatype));
   for (int row = 1; row <= found.rows(); ++row) {
     dataIds.push_back(intOrZero(found.cell(row, 2)));
     infoIds.push_back(intOrZero(found.cell(row, 0)));
   }
-  return report(found.code());
+  return report(found.free());
 }
 
 int DataTableOperate::deleteInfoByType(int datatype) {
@@ -91,15 +91,18 @@ int DataTableOperate::readDataRow(ConfigData& record) {
   if (dataIds.empty()) return kNoData;
   const int prepared = prepare(kSelectData + std::to_string(dataIds.front()));
   if (prepared != kOk) return prepared;
-  return readFirstRow([&](IDBOperate&) {
+  bool deciphered = true;
+  const int result = readFirstRow([&](IDBOperate&) {
     WipedBuffer payload;
-    if (!decryptColumn(1, payload.bytes)) return kCipherFailed;
+    deciphered = decryptColumn(1, payload.bytes);
+    if (!deciphered) return kOk;  // told below: the statement is finalized all the same
     record.data = newArrayOf(payload.bytes).release();
     record.dataSize = static_cast<std::uint32_t>(payload.bytes.size());
     record.dataSizeUpper = 0;
     record.reserved2 = 0;
     return kOk;
   });
+  return deciphered ? result : kCipherFailed;
 }
 
 }  // namespace tovr

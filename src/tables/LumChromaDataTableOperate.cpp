@@ -58,10 +58,11 @@ int LumChromaDataTableOperate::query(DataBase* record) {
   const auto* measurement = dynamic_cast<const LumChromaData*>(record);
   if (measurement == nullptr) return kInvalidRecord;
   if (dbOperate == nullptr) return kNoConnection;
-  const ResultTable placements(*dbOperate, selectPlacements(*measurement));
+  ResultTable placements(*dbOperate, selectPlacements(*measurement));
   for (int row = 1; row <= placements.rows(); ++row) placements.print(row, kPlacementColumns);
-  if (placements.code() == kOk) dumpFirstBlob();
-  return report(placements.code());
+  const int result = report(placements.free());
+  if (result == kOk) dumpFirstBlob();
+  return result;
 }
 
 // Always the blob with key 1, whatever matched: hosts read the dump as a sign of life, not as the measurement.

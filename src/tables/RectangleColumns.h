@@ -2,18 +2,26 @@
 // are the only places that map one to the other, by name.
 #pragma once
 
+#include <array>
+#include <cstdint>
+
 #include "storage/IDBOperate.h"
 #include "storage/StatusCodes.h"
 
 namespace tovr {
 
+template <class Record>
+std::array<std::int32_t, 4> edgesInColumnOrder(const Record& record) {
+  return {record.top, record.left, record.bottom, record.right};
+}
+
 // Binds the four edges as the parameters `first` to `first` + 3. Stops at the first bind that fails.
 template <class Record>
 int bindRectangle(IDBOperate& db, int first, const Record& record) {
-  int result = db.bind_int(first, record.top);
-  if (result == kOk) result = db.bind_int(first + 1, record.left);
-  if (result == kOk) result = db.bind_int(first + 2, record.bottom);
-  if (result == kOk) result = db.bind_int(first + 3, record.right);
+  int result = kOk;
+  for (const std::int32_t edge : edgesInColumnOrder(record)) {
+    if (result == kOk) result = db.bind_int(first++, edge);
+  }
   return result;
 }
 

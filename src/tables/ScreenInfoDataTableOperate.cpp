@@ -67,10 +67,12 @@ int ScreenInfoDataTableOperate::deleteAll(DataBase* /*record*/) { return exec(kC
 int ScreenInfoDataTableOperate::update(DataBase* record) {
   const auto* screen = dynamic_cast<const ScreenInfoData*>(record);
   if (screen == nullptr) return kInvalidRecord;
+  // Unlike insert, an update does not look at what the binds answer.
   return write(updateStatement(screen->id), [&](IDBOperate& db) {
-    bindText(db, 1, screen->screenname);
-    bindRectangle(db, 2, *screen);
-    return kOk;  // unlike insert, an update does not look at what the binds answer
+    int parameter = 1;
+    bindText(db, parameter, screen->screenname);
+    for (const std::int32_t edge : edgesInColumnOrder(*screen)) db.bind_int(++parameter, edge);
+    return kOk;
   });
 }
 

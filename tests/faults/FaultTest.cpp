@@ -42,9 +42,11 @@ class ServiceFaults final : public FaultSource {
             (failure.find("delete from") != std::string::npos || startsWith(failure, "get_table select * from DataI")));
   }
   static int codeOf(const std::string& operation, const std::string& failure) {
-    if (failure == "cipher") return 4106;
-    if (endsWith(failure, "select dbtype from DB_Info")) return operation == "getDBType" ? 2 : 4111;
-    return operation == "checkDB" ? -2 : FaultyConnection::kFault;
+    if (failure == "cipher") return kCipherFailed;
+    if (endsWith(failure, "select dbtype from DB_Info")) {
+      return operation == "getDBType" ? kUnknownDatabaseType : kTypeNotGiven;
+    }
+    return operation == "checkDB" ? kNotChecked : FaultyConnection::kFault;
   }
 
   FaultPoints& points_;
@@ -60,8 +62,10 @@ class DiskFaults final : public FaultSource {
     return vfs_.points().met;
   }
   void expectCode(const Operation& operation, int code) override {
-    const std::set<int> documented = {operation.success, 2, 10, 13, 14, 26, 4106, 4111, -2};
-    EXPECT_TRUE(documented.count(code) == 1) << code;
+    const std::set<int> documented = {operation.success, SQLITE_IOERR,  SQLITE_FULL,
+                                      SQLITE_CANTOPEN,   SQLITE_NOTADB, kUnknownDatabaseType,
+                                      kTypeNotGiven,     kCipherFailed, kNotChecked};
+    EXPECT_EQ(documented.count(code), 1U) << "code " << code;
   }
 
  private:
@@ -85,6 +89,6 @@ TEST_P(FaultTest, EveryWriteWithTheDiskFull) {
   sweep(faults);
 }
 
-INSTANTIATE_TEST_SUITE_P(DatabaseTypes, FaultTest, testing::Values(0, 1));
+INSTANTIATE_TEST_SUITE_P(DatabaseTypes, FaultTest, testing::Values(kByRectangle, kByName));
 
 }  // namespace tovrtest

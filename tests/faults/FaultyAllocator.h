@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/faults/FaultPoints.h"
+#include "tests/support/FaultPoints.h"
 
 namespace tovrtest {
 

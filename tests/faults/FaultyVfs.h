@@ -4,7 +4,7 @@
 
 #include <sqlcipher/sqlite3.h>
 
-#include "tests/faults/FaultPoints.h"
+#include "tests/support/FaultPoints.h"
 
 namespace tovrtest {
 

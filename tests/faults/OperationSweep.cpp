@@ -12,8 +12,6 @@ constexpr Rect kKept{0, 0, 3, 3};
 constexpr Rect kTarget{10, 10, 13, 13};
 constexpr char kBuiltInKey[] = "brimstoquelvard";
 
-const auto kIgnore = [](int) {};
-
 int attempt(const Attempt& made, IDBManager& manager) {
   try {
     return made.act(manager);
@@ -22,28 +20,55 @@ int attempt(const Attempt& made, IDBManager& manager) {
   }
 }
 
+std::shared_ptr<DataBase> addedScreen() {
+  auto screen = std::make_shared<ScreenInfoData>();
+  screen->dbid = 1;
+  screen->screenname = "added";
+  return screen;
+}
+
+std::shared_ptr<DataBase> targetScreen() {
+  auto screen = std::make_shared<ScreenInfoData>();
+  screen->id = 2;
+  screen->screenname = "target";
+  setRect(*screen, kTarget);
+  return screen;
+}
+
+// Of generic data or of a measurement.
 template <class Record>
-std::shared_ptr<Record> recordWith(const std::function<void(Record&)>& fill) {
+std::shared_ptr<Record> recordOver(Bytes& bytes) {
   auto record = std::make_shared<Record>();
-  fill(*record);
+  record->datatype = 1;
+  record->version = "new";
+  record->data = bytes.data();
+  record->dataSize = static_cast<std::uint32_t>(bytes.size());
   return record;
+}
+
+Operation onFile(const std::string& name, std::function<int(IDBManager&)> act) {
+  return {name, [act] { return Attempt{act}; }};
 }
 
 }  // namespace
 
 void OperationSweep::SetUp() {
   createFile(GetParam());
-  ASSERT_EQ(addScreen("kept", kKept) + addScreen("target", kTarget), 0);
+  ASSERT_EQ(addScreen("kept", kKept), kOk);
+  ASSERT_EQ(addScreen("target", kTarget), kOk);
   CoefData keptArea = coef(kKept, kept_, 2, "kept");
+  ASSERT_EQ(manager->insertData(&keptArea), kOk);
   CoefData oldArea = coef(kTarget, old_, 2, "target");
   oldArea.multilayersize = 2;
   oldArea.multilayerlist = {7, 8};
-  ASSERT_EQ(manager->insertData(&keptArea) + manager->insertData(&oldArea), 0);
-  ASSERT_EQ(insertData(1, old_) + insertData(2, kept_), 0);
-  ASSERT_EQ(manager->closeDB(), 0);
+  ASSERT_EQ(manager->insertData(&oldArea), kOk);
+  ASSERT_EQ(insertData(1, old_), kOk);
+  ASSERT_EQ(insertData(2, kept_), kOk);
+  ASSERT_EQ(manager->closeDB(), kOk);
   fs::rename(path("file.db"), path("template.db"));
-  ASSERT_EQ(manager->openDB(path("check.db"), kBuiltInKey), 0);
-  ASSERT_EQ(manager->createTables() + manager->closeDB(), 0);
+  ASSERT_EQ(manager->openDB(path("check.db"), kBuiltInKey), kOk);
+  ASSERT_EQ(manager->createTables(), kOk);
+  ASSERT_EQ(manager->closeDB(), kOk);
 }
 
 void OperationSweep::sweep(FaultSource& source) {
@@ -75,9 +100,7 @@ bool OperationSweep::meetsFault(const Operation& operation, FaultSource& source,
   const int code = attempt(first, *manager);
   const bool met = source.disarm();
   first.verify(code);
-  if (code == operation.success && operation.effect) {
-    EXPECT_EQ(operation.effect(), operation.effectWanted);
-  }
+  if (code == operation.success) operation.expectEffect();
   if (!met) {
     EXPECT_EQ(code, operation.success);
     return false;
@@ -99,171 +122,192 @@ void OperationSweep::openFresh() {
   fs::remove(path("file.db-journal"));
   fs::remove(path("file.db"));  // where MinGW's library copies, it does not overwrite
   fs::copy_file(path("template.db"), path("file.db"));
-  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
+  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), kOk);
 }
 
 void OperationSweep::reopen() {
   manager->closeDB();
-  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
+  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), kOk);
 }
 
 // Every listed area reads back, with the cells it had or those it was to get; at most one block lies alone.
 void OperationSweep::expectWhole(bool blocksHidden) {
-  EXPECT_EQ(rows("pragma integrity_check"), "ok\n");
-  EXPECT_EQ(rows("select count(*) from Coef_Info where coefid not in (select id from Coef)"), "0\n");
+  EXPECT_EQ(value("pragma integrity_check"), "ok");
+  EXPECT_EQ(number("select count(*) from Coef_Info where coefid not in (select id from Coef)"), 0);
   if (blocksHidden) return;
-  EXPECT_EQ(rows("select count(*) < 2 from Coef where id not in (select coefid from Coef_Info)"), "1\n");
+  EXPECT_LE(number("select count(*) from Coef where id not in (select coefid from Coef_Info)"), 1);
   CoefDataResult areas;
-  ScreenInfoDataResult screens;
-  ASSERT_EQ(manager->queryData(&areas) + manager->queryData(&screens), 0);
+  ASSERT_EQ(manager->queryData(&areas), kOk);
   ASSERT_GE(areas.coefs.size(), 2U);
+  ScreenInfoDataResult screens;
+  ASSERT_EQ(manager->queryData(&screens), kOk);
   for (const CoefData& area : areas.coefs) {
+    SCOPED_TRACE("area " + std::to_string(area.id));
     const auto screen = std::find_if(screens.screens.begin(), screens.screens.end(),
                                      [&](const ScreenInfoData& candidate) { return candidate.id == area.screenid; });
     ASSERT_NE(screen, screens.screens.end());
-    const Read cells = read(rectOf(area), screen->screenname);
-    const bool isKept = rectOf(area) == kKept;
-    EXPECT_TRUE(cells == Read(0, isKept ? kept_ : old_) || (!isKept && cells == Read(0, new_))) << area.id;
+    const Bytes cells = cellsAt(rectOf(area), screen->screenname);
+    if (rectOf(area) == kKept) {
+      EXPECT_EQ(cells, kept_);
+    } else if (cells != new_) {
+      EXPECT_EQ(cells, old_);
+    }
   }
 }
 
 std::vector<Operation> OperationSweep::operations() {
-  std::vector<Operation> all = fileOperations();
-  for (auto& group : {blockOperations(), tableOperations()}) all.insert(all.end(), group.begin(), group.end());
+  std::vector<Operation> all;
+  for (auto& group : {fileOperations(), blockOperations(), tableOperations(), deletions()}) {
+    all.insert(all.end(), group.begin(), group.end());
+  }
   return all;
 }
 
 std::vector<Operation> OperationSweep::fileOperations() {
-  const std::string file = path("file.db");
-  const auto simple = [](std::function<int(IDBManager&)> act) { return [act] { return Attempt{act, kIgnore}; }; };
-  Operation open{"openDB", 0, simple([file](IDBManager& m) { return m.openDB(file, kRawKey); }), {}, ""};
-  Operation create{"createTables", 0, {}, {}, "10\n"};  // with the engine's own
-  create.prepare = [this] {
-    manager->closeDB();
-    fs::remove(path("new.db"));
-    EXPECT_EQ(manager->openDB(path("new.db"), kRawKey), 0);
-    return Attempt{[](IDBManager& m) { return m.createTables(); }, kIgnore};
-  };
-  create.effect = [this] { return rows("select count(*) from sqlite_master where sql like 'create table%'"); };
-  Operation check{"checkDB", 0, {}, {}, ""};
-  check.prepare = simple([file = path("check.db")](IDBManager& m) { return m.checkDB(file) ? 0 : -2; });
-  Operation close{"closeDB", 0, {}, {}, ""};
-  close.prepare = [this] {
-    reopen();
-    return Attempt{[](IDBManager& m) { return m.closeDB(); }, kIgnore};
-  };
-  create.leavesFile = check.leavesFile = close.leavesFile = open.leavesFile = true;
-  open.derivesKey = create.derivesKey = check.derivesKey = true;
-  Operation type{"getDBType", GetParam(), simple([](IDBManager& m) { return m.getDBType(); }), {}, ""};
-  return {open, create, check, close, type};
+  Operation open = onFile("openDB", [file = path("file.db")](IDBManager& m) { return m.openDB(file, kRawKey); });
+  Operation check =
+      onFile("checkDB", [file = path("check.db")](IDBManager& m) { return m.checkDB(file) ? kOk : kNotChecked; });
+  open.leavesFile = check.leavesFile = true;
+  open.derivesKey = check.derivesKey = true;
+  Operation type = onFile("getDBType", [](IDBManager& m) { return m.getDBType(); });
+  type.success = GetParam();
+  return {open, check, type, creatingTables(), closing()};
 }
 
-Attempt OperationSweep::onRecord(std::shared_ptr<DataBase> record, int (IDBManager::*call)(DataBase*)) {
-  return {[record, call](IDBManager& m) { return (m.*call)(record.get()); }, kIgnore};
+Operation OperationSweep::creatingTables() {
+  Operation create{"createTables", [this] {
+                     manager->closeDB();
+                     fs::remove(path("new.db"));
+                     EXPECT_EQ(manager->openDB(path("new.db"), kRawKey), kOk);
+                     return Attempt{[](IDBManager& m) { return m.createTables(); }};
+                   }};
+  create.expectEffect = [this] {
+    EXPECT_EQ(number("select count(*) from sqlite_master where sql like 'create table%'"), 9 + 1) << "the engine's own";
+  };
+  create.leavesFile = create.derivesKey = true;
+  return create;
 }
 
-Operation OperationSweep::storing(const std::string& name, int (IDBManager::*call)(DataBase*), const Rect& rect,
-                                  const std::string& screen, int areaid) {
-  const auto prepare = [=] {
+Operation OperationSweep::closing() {
+  Operation close{"closeDB", [this] {
+                    reopen();
+                    return Attempt{[](IDBManager& m) { return m.closeDB(); }};
+                  }};
+  close.leavesFile = true;
+  return close;
+}
+
+Operation OperationSweep::onRecord(const std::string& name, Call call, const std::function<Record()>& makeRecord) {
+  return {name, [call, makeRecord] {
+            return Attempt{[call, record = makeRecord()](IDBManager& m) { return (m.*call)(record.get()); }};
+          }};
+}
+
+// The operation, whose success shows in a number that is read from the file.
+Operation OperationSweep::changing(Operation operation, const std::string& sql, int wanted) {
+  operation.expectEffect = [this, sql, wanted] { EXPECT_EQ(number(sql), wanted) << sql; };
+  return operation;
+}
+
+Operation OperationSweep::storing(const std::string& name, Call call, const Rect& rect, const std::string& screen,
+                                  int areaid) {
+  Operation operation = onRecord(name, call, [=] {
     auto record = std::make_shared<CoefData>(coef(rect, new_, 2, screen));
     record->areaid = areaid;
     record->multilayerlist = {1, 2, 3};
-    return onRecord(record, call);
+    return record;
+  });
+  operation.expectEffect = [=] {
+    EXPECT_GE(number("select count(*) from Coef_Info where length(multilayerlist) = 12"), 1);
+    EXPECT_EQ(cellsAt(rect, screen), areaid == -1 ? new_ : old_);  // one with a number lies behind the old area
   };
-  const std::string stored = "select count(*) > 0 from Coef_Info where length(multilayerlist) = 12";
-  return {name, 0, prepare, [=] { return rows(stored) + (read(rect, screen).second == new_ ? "new" : "old"); },
-          areaid == -1 ? "1\nnew" : "1\nold"};  // an area with a number of its own lies behind the old one
+  return operation;
 }
 
 std::vector<Operation> OperationSweep::blockOperations() {
-  const bool byName = GetParam() == 1;
-  std::vector<Operation> made = {
-      storing("insertData, stored area", &IDBManager::insertData, kTarget, "target", -1),
-      storing("updateData, stored area", &IDBManager::updateData, kTarget, "target", -1),
-      byName ? storing("insertData, new screen", &IDBManager::insertData, kTarget, "another", -1)
-             : storing("insertData, new area", &IDBManager::insertData, kTarget, "target", 3)};
-  Operation query{"queryData, a window", 0, {}, {}, ""};
-  query.prepare = [this] {
-    Bytes none;
-    auto record = std::make_shared<CoefData>(coef({1, 1, 2, 2}, none, 0, "kept"));
-    Attempt attempt = onRecord(record, &IDBManager::queryData);
-    attempt.verify = [this, record, before = fieldsOf(*record)](int code) {
-      EXPECT_TRUE(code == 0 || fieldsOf(*record) == before);
-      const std::unique_ptr<unsigned char[]> cells(record->coefBuffer.data);
-      EXPECT_EQ(cells != nullptr, code == 0);
-      Bytes wanted;
-      for (const int at : {10, 11, 12, 13, 18, 19, 20, 21}) wanted.push_back(kept_[static_cast<std::size_t>(at)]);
-      EXPECT_TRUE(code != 0 || Bytes(cells.get(), cells.get() + record->coefBuffer.datasize) == wanted);
-    };
-    return attempt;
-  };
-  made.push_back(query);
-  return made;
+  const Call insert = &IDBManager::insertData;
+  return {storing("insertData, stored area", insert, kTarget, "target", -1),
+          storing("updateData, stored area", &IDBManager::updateData, kTarget, "target", -1),
+          GetParam() == kByName ? storing("insertData, new screen", insert, kTarget, "another", -1)
+                                : storing("insertData, new area", insert, kTarget, "target", 3),
+          readingAWindow()};
+}
+
+Operation OperationSweep::readingAWindow() {
+  const auto at = [this](std::ptrdiff_t cell) { return kept_.begin() + cell * 2; };
+  Bytes wanted(at(5), at(7));
+  wanted.insert(wanted.end(), at(9), at(11));
+  return {"queryData, a window", [wanted] {
+            Bytes none;
+            auto record = std::make_shared<CoefData>(coef({1, 1, 2, 2}, none, 0, "kept"));
+            return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); },
+                           [record, wanted](int code) {
+                             const std::unique_ptr<unsigned char[]> cells(record->coefBuffer.data);
+                             EXPECT_EQ(cells != nullptr, code == kOk);
+                             EXPECT_EQ(record->id, code == kOk ? 1 : 0);
+                             EXPECT_EQ(record->screenid, code == kOk ? 1 : 0);
+                             EXPECT_EQ(record->coefid, code == kOk ? 1 : 0);
+                             EXPECT_EQ(record->coeftablename, code == kOk ? "Coef" : "");
+                             if (code != kOk) return;
+                             EXPECT_EQ(Bytes(cells.get(), cells.get() + record->coefBuffer.datasize), wanted);
+                           }};
+          }};
+}
+
+Operation OperationSweep::readingGenericData() {
+  return {"queryData of generic data", [this] {
+            auto record = std::make_shared<ConfigData>();
+            record->datatype = 1;
+            return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); },
+                           [this, record](int code) {
+                             const std::unique_ptr<unsigned char[]> bytes(record->data);
+                             if (code != kOk) return;
+                             EXPECT_EQ(Bytes(bytes.get(), bytes.get() + record->dataSize), old_);
+                           }};
+          }};
 }
 
 std::vector<Operation> OperationSweep::tableOperations() {
-  std::vector<Operation> made;
-  const auto add = [&](const std::string& name, int (IDBManager::*call)(DataBase*),
-                       const std::function<std::shared_ptr<DataBase>()>& record, const std::string& sql,
-                       const std::string& wanted, int success = 0) {
-    made.push_back({name, success, [=] { return onRecord(record(), call); }, {}, wanted});
-    if (!sql.empty()) made.back().effect = [=] { return rows(sql); };
-  };
-  const auto insert = &IDBManager::insertData;
-  add(
-      "insertData of a screen", insert,
-      [] { return recordWith<ScreenInfoData>([](auto& r) { r.dbid = 1, r.screenname = "added"; }); },
-      "select count(*) > 0 from Screen_Info where screenname = 'added'", "1\n");
-  add(
-      "updateData of a screen", &IDBManager::updateData,
-      [] {
-        return recordWith<ScreenInfoData>([](auto& r) { r.id = 2, r.screenname = "target", setRect(r, kTarget); });
-      },
-      "select count(*) from Screen_Info where screenname = 'target'", "1\n");
-  add(
-      "insertData of generic data", insert,
-      [this] {
-        return recordWith<ConfigData>(
-            [this](auto& r) { r.datatype = 1, r.version = "new", r.data = new_.data(), r.dataSize = 32; });
-      },
-      "select count(*) > 0 from Data where version = 'new'", "1\n");
-  add(
-      "insertData of a measurement", insert,
-      [this] { return recordWith<LumChromaData>([this](auto& r) { r.data = new_.data(), r.dataSize = 32; }); }, "", "",
-      19);  // its placement is refused
-  add(
-      "insertData of a description", insert, [] { return std::make_shared<DBInfo>(); },
-      "select count(*) > 1 from DB_Info", "1\n");
+  const Call insert = &IDBManager::insertData;
+  std::vector<Operation> made = {
+      changing(onRecord("insertData of a screen", insert, addedScreen),
+               "select count(*) > 0 from Screen_Info where screenname = 'added'", 1),
+      changing(onRecord("updateData of a screen", &IDBManager::updateData, targetScreen),
+               "select count(*) from Screen_Info where screenname = 'target'", 1),
+      changing(onRecord("insertData of generic data", insert, [this] { return recordOver<ConfigData>(new_); }),
+               "select count(*) > 0 from Data where version = 'new'", 1),
+      changing(onRecord("insertData of a description", insert, [] { return std::make_shared<DBInfo>(); }),
+               "select count(*) > 1 from DB_Info", 1),
+      onRecord("insertData of a measurement", insert, [this] { return recordOver<LumChromaData>(new_); })};
+  made.back().success = SQLITE_CONSTRAINT;  // its placement is refused
   for (const int type : {kDBInfo, kCoefDataResult, kScreenInfoDataResult}) {
-    add(
-        "queryData of type " + std::to_string(type), &IDBManager::queryData,
-        [=] { return std::shared_ptr<DataBase>(manager->createData(type)); }, "", "");
+    made.push_back(onRecord("queryData of type " + std::to_string(type), &IDBManager::queryData,
+                            [=] { return Record(manager->createData(type)); }));
   }
-  Operation generic{"queryData of generic data", 0, {}, {}, ""};
-  generic.prepare = [this] {
-    auto record = recordWith<ConfigData>([](auto& r) { r.datatype = 1; });
-    Attempt attempt = onRecord(record, &IDBManager::queryData);
-    attempt.verify = [this, record](int code) {
-      const std::unique_ptr<unsigned char[]> bytes(record->data);
-      EXPECT_TRUE(code != 0 || Bytes(bytes.get(), bytes.get() + record->dataSize) == old_);
-    };
-    return attempt;
-  };
-  made.push_back(generic);
+  made.push_back(readingGenericData());
+  return made;
+}
+
+std::vector<Operation> OperationSweep::deletions() {
   const struct {
     DataType type;
-    const char* table;
+    const char* table;  // empty afterwards
+    bool hidesBlocks;   // without the description, the type of the file is unknown
     int success;
-  } cleared[] = {{kCoefData, "Coef", 0},   {kLumChromaData, "LumChromData", 0}, {kScreenInfoData, "", 1},
-                 {kDBInfo, "DB_Info", 19}, {kCoefDataResult, "Coef_Info", 0},   {kScreenInfoDataResult, "", 1}};
-  for (const auto& c : cleared) {
-    const std::string table = c.table;
-    add(
-        "deleteData of type " + std::to_string(c.type), &IDBManager::deleteData,
-        [=] { return std::shared_ptr<DataBase>(manager->createData(c.type)); },
-        table.empty() ? "" : "select count(*) from " + table, "0\n", c.success);
-    made.back().hidesBlocks =
-        *c.table != '\0' && c.type != kLumChromaData;  // without its description, the type is unknown
+  } cases[] = {{kCoefData, "Coef", true, kOk},
+               {kLumChromaData, "LumChromData", false, kOk},
+               {kScreenInfoData, nullptr, false, SQLITE_ERROR},
+               {kDBInfo, "DB_Info", true, SQLITE_CONSTRAINT},
+               {kCoefDataResult, "Coef_Info", true, kOk},
+               {kScreenInfoDataResult, nullptr, false, SQLITE_ERROR}};
+  std::vector<Operation> made;
+  for (const auto& c : cases) {
+    Operation operation = onRecord("deleteData of type " + std::to_string(c.type), &IDBManager::deleteData,
+                                   [=] { return Record(manager->createData(c.type)); });
+    operation.success = c.success;
+    operation.hidesBlocks = c.hidesBlocks;
+    made.push_back(c.table == nullptr ? operation
+                                      : changing(operation, std::string("select count(*) from ") + c.table, 0));
   }
   return made;
 }

@@ -7,21 +7,23 @@
 
 namespace tovrtest {
 
+constexpr int kThrown = -1;      // the operation threw std::bad_alloc
+constexpr int kNotChecked = -2;  // checkDB answered false
+
 // One call of the manager: what it needs is made before faults are armed, what it left is looked at after.
 struct Attempt {
   std::function<int(IDBManager&)> act;
-  std::function<void(int code)> verify;  // the record; the code is kThrown where std::bad_alloc came
+  std::function<void(int code)> verify = [](int) {};  // looks at the record
 };
 
 struct Operation {
   std::string name;
-  int success = 0;  // its code where nothing fails
   std::function<Attempt()> prepare;
-  std::function<std::string()> effect;  // what a success has changed, as text
-  std::string effectWanted;
-  bool leavesFile = false;   // another file is open afterwards, or none
-  bool derivesKey = false;   // gives a file its page key
-  bool hidesBlocks = false;  // deletes what it takes to read them
+  int success = kOk;                           // its code where nothing fails
+  std::function<void()> expectEffect = [] {};  // what a success has changed in the file
+  bool leavesFile = false;                     // another file is open afterwards, or none
+  bool derivesKey = false;                     // gives a file its page key
+  bool hidesBlocks = false;                    // deletes what it takes to read them
 };
 
 // Where faults come from.
@@ -34,23 +36,30 @@ class FaultSource {
   virtual void expectCode(const Operation& operation, int code) = 0;
 };
 
-constexpr int kThrown = -1;
-
 class OperationSweep : public DatabaseTest, public testing::WithParamInterface<int> {  // by database type
  protected:
   void SetUp() override;
   void sweep(FaultSource& source);
 
  private:
+  using Call = int (IDBManager::*)(DataBase*);
+  using Record = std::shared_ptr<DataBase>;
+
   std::vector<Operation> operations();
   std::vector<Operation> fileOperations();
   std::vector<Operation> blockOperations();
   std::vector<Operation> tableOperations();
+  std::vector<Operation> deletions();
+  Operation creatingTables();
+  Operation closing();
+  Operation storing(const std::string& name, Call call, const Rect& rect, const std::string& screen, int areaid);
+  Operation readingAWindow();
+  Operation readingGenericData();
+  Operation onRecord(const std::string& name, Call call, const std::function<Record()>& makeRecord);
+  Operation changing(Operation operation, const std::string& sql, int wanted);
+
   int sweepOne(const Operation& operation, FaultSource& source, Failing how);
   bool meetsFault(const Operation& operation, FaultSource& source, int point, Failing how);
-  Attempt onRecord(std::shared_ptr<DataBase> record, int (IDBManager::*call)(DataBase*));
-  Operation storing(const std::string& name, int (IDBManager::*call)(DataBase*), const Rect& rect,
-                    const std::string& screen, int areaid);
   void openFresh();
   void reopen();
   void expectWhole(bool blocksHidden);

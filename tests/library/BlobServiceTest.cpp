@@ -45,30 +45,30 @@ class BlobServiceTest : public DatabaseTest {
  protected:
   void SetUp() override {
     serveEncryption(mask);
-    createFile(0);
-    ASSERT_EQ(addScreen("", {0, 0, 9999, 9999}), 0);
+    createFile(kByRectangle);
+    ASSERT_EQ(addScreen("", {0, 0, 9999, 9999}), kOk);
   }
   int store(const Rect& rect, Bytes& cells, int cellBytes) {
     CoefData record = coef(rect, cells, cellBytes);
     return manager->insertData(&record);
   }
-  using Sizes = std::vector<std::size_t>;
   MaskEncryption mask;
 };
 
 TEST_F(BlobServiceTest, AHostsOwnCipherGetsEveryBlobWholeInOneCall) {
   for (const int size : {1, 4, 7, 8, 65531, 65532, 65533, 131069, 3 * 1024 * 1024 + 5}) {
+    SCOPED_TRACE(size);
     Bytes bytes = pattern(static_cast<std::size_t>(size), 1);
-    const Sizes oneCall = {bytes.size() + 4};
+    const std::vector<std::size_t> oneCall = {bytes.size() + 4};
     const Rect row = {0, 0, size - 1, 0};
     run("update Screen_Info set right = " + std::to_string(size));
-    ASSERT_EQ(store(row, bytes, 1), 0) << size;
+    ASSERT_EQ(store(row, bytes, 1), kOk);
     EXPECT_EQ(mask.takeCalls(), oneCall);
-    EXPECT_TRUE(read(row) == Read(0, bytes)) << size;
+    EXPECT_TRUE(cellsAt(row) == bytes);
     EXPECT_EQ(mask.takeCalls(), oneCall);
-    ASSERT_EQ(insertData(5, bytes), 0) << size;
+    ASSERT_EQ(insertData(5, bytes), kOk);
     EXPECT_EQ(mask.takeCalls(), oneCall);
-    EXPECT_TRUE(readData(5) == Read(0, bytes)) << size;
+    EXPECT_TRUE(readData(5).bytes == bytes);
     EXPECT_EQ(mask.takeCalls(), oneCall);
   }
 }
@@ -76,14 +76,14 @@ TEST_F(BlobServiceTest, AHostsOwnCipherGetsEveryBlobWholeInOneCall) {
 TEST_F(BlobServiceTest, WindowsOfAHostsOwnCipherAreCutOutOfTheWhole) {
   constexpr std::ptrdiff_t kCell = 3;
   Bytes cells = pattern(360000, 2);
-  ASSERT_EQ(store({0, 0, 299, 399}, cells, 3), 0);
+  ASSERT_EQ(store({0, 0, 299, 399}, cells, 3), kOk);
   for (const Rect& window : {Rect{0, 0, 0, 0}, Rect{299, 399, 299, 399}, Rect{17, 0, 17, 399}, Rect{1, 2, 298, 397}}) {
     Bytes wanted;
     for (std::ptrdiff_t y = window.top; y <= window.bottom; ++y) {
       const auto row = cells.begin() + y * 300 * kCell;
       wanted.insert(wanted.end(), row + window.left * kCell, row + (window.right + 1) * kCell);
     }
-    EXPECT_TRUE(read(window) == Read(0, wanted)) << window.left << "," << window.top;
+    EXPECT_TRUE(cellsAt(window) == wanted) << testing::PrintToString(window);
   }
 }
 
@@ -91,14 +91,14 @@ TEST_F(BlobServiceTest, AResultOfTheRightSizeDoesNotHideThatTheCipherFailed) {
   Bytes kept = pattern(200000, 3);
   Bytes other = pattern(200000, 4);
   const Rect row = {0, 0, 1999, 0};
-  ASSERT_EQ(store(row, kept, 100), 0);
+  ASSERT_EQ(store(row, kept, 100), kOk);
   mask.fails = true;
   EXPECT_EQ(store(row, other, 100), kCipherFailed);
   EXPECT_EQ(insertData(5, other), kCipherFailed);
-  EXPECT_EQ(read(row).first, kCipherFailed);
+  EXPECT_EQ(query(row).code, kCipherFailed);
   mask.fails = false;
-  EXPECT_TRUE(read(row) == Read(0, kept));
-  EXPECT_EQ(rows("select count(*) from Data"), "0\n");
+  EXPECT_TRUE(cellsAt(row) == kept);
+  EXPECT_EQ(countOf("Data"), 0);
 }
 
 TEST_F(BlobServiceTest, OnlyObjectsOfThisLibraryCountAsItsOwn) {

@@ -1,5 +1,4 @@
 // The operator of coefficient blocks and their placement.
-#include "crypto/DES.h"
 #include "tables/CoefDataTableOperate.h"
 #include "tests/support/Fixture.h"
 
@@ -8,108 +7,179 @@ namespace tovrtest {
 class CoefTableTest : public DatabaseTest {
  protected:
   void SetUp() override {
-    createFile(0);
-    ASSERT_EQ(addScreen("screen", {0, 0, 99, 99}), 0);
-    table = std::make_unique<CoefDataTableOperate>();
+    createFile(kByRectangle);
+    ASSERT_EQ(addScreen("screen", {0, 0, 99, 99}), kOk);
   }
-  CoefData first() {
+
+  // A placement of the block 1, which is stored, on the screen 1.
+  CoefData placement() {
+    Bytes cells = {1, 2, 3};
+    CoefData record = coef({11, 12, 13, 14}, cells, 3);
+    EXPECT_EQ(table.insertCoef(&record), kOk);
+    record.coefBuffer = {};
+    record.screenid = record.coefid = 1;
+    record.coeftablename = "not written";
+    record.areaIndex = 70;
+    record.areaid = 80;
+    record.multilayersize = 5;
+    record.multilayerlist = {1, -2, 0x01020304};
+    return record;
+  }
+
+  CoefData firstListed() {
     CoefDataResult result;
     result.coefs.resize(3);
-    EXPECT_EQ(manager->queryData(&result), 0);
+    EXPECT_EQ(manager->queryData(&result), kOk);
+    EXPECT_EQ(result.coefs.size(), 1U) << "a list does not keep what it held";
     return result.coefs.at(0);
   }
-  std::unique_ptr<CoefDataTableOperate> table;
+
+  CoefDataTableOperate table;
 };
 
-TEST_F(CoefTableTest, PlacementComesBackButForItsAreaNumberWhichGoesToTheIndex) {
-  const std::string stored =
-      "select id, screenid, coefid, coeftablename, coeftype, areaid, left, top, right, bottom, multilayersize, "
-      "hex(multilayerlist), ctime = 'old', mtime = 'old' from Coef_Info";
-  Bytes cells = {1, 2, 3};
-  CoefData record = coef({11, 12, 13, 14}, cells, 3);
-  ASSERT_EQ(table->insertCoef(&record), 0);
-  record.screenid = record.coefid = 1;
-  record.coeftablename = "X";
-  record.areaIndex = 70;
-  record.areaid = 80;
-  record.multilayersize = 5;
-  record.multilayerlist = {1, -2, 0x01020304};
-  ASSERT_EQ(table->insert(&record), 0);
-  EXPECT_EQ(host.connection.statements.back(),
+TEST_F(CoefTableTest, APlacementIsWrittenFieldByField) {
+  CoefData record = placement();
+  ASSERT_EQ(table.insert(&record), kOk);
+  EXPECT_EQ(lastStatement(),
             "insert into Coef_Info(screenid, coefid, coeftablename, coeftype, areaid, top, left, bottom,              "
             "right, multilayersize, multilayerlist, ctime, mtime) values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
             "datetime('now','localtime'), datetime('now','localtime'))");
-  EXPECT_EQ(rows(stored), "1|1|1|Coef|1|80|11|12|13|14|5|01000000FEFFFFFF04030201|0|0\n");
-  CoefData read = first();
-  EXPECT_EQ(fieldsOf(read), "1 1 1 1 80 -1 11 12 13 14 5 Coef");
-  EXPECT_EQ(read.multilayerlist, record.multilayerlist);
+  EXPECT_EQ(rows("select screenid, coefid, coeftablename, coeftype, areaid, left, top, right, bottom from Coef_Info"),
+            (Rows{{"1", "1", "Coef", "1", "80", "11", "12", "13", "14"}}));
+  EXPECT_EQ(rows("select multilayersize, hex(multilayerlist) from Coef_Info"),
+            (Rows{{"5", "01000000FEFFFFFF04030201"}}));
+}
 
-  read.multilayersize = 0;
+TEST_F(CoefTableTest, APlacementReadBackHasItsAreaNumberInTheIndex) {
+  CoefData record = placement();
+  ASSERT_EQ(table.insert(&record), kOk);
+  const CoefData read = firstListed();
+  EXPECT_EQ(read.id, 1);
+  EXPECT_EQ(read.screenid, 1);
+  EXPECT_EQ(read.coefid, 1);
+  EXPECT_EQ(read.coeftablename, "Coef");
+  EXPECT_EQ(read.coeftype, 1);
+  EXPECT_EQ(read.areaIndex, 80);
+  EXPECT_EQ(read.areaid, -1);
+  EXPECT_EQ(rectOf(read), (Rect{11, 12, 13, 14}));
+  EXPECT_EQ(read.multilayersize, 5);
+  EXPECT_EQ(read.multilayerlist, record.multilayerlist);
+}
+
+TEST_F(CoefTableTest, AnUpdateRewritesThePlacementAndTheTimeOfItsLastChange) {
+  CoefData record = placement();
+  ASSERT_EQ(table.insert(&record), kOk);
   run("update Coef_Info set mtime = 'old', ctime = 'old'");
-  EXPECT_EQ(table->update(&read), 0);  // written back as it was read, it loses its area number
-  EXPECT_EQ(host.connection.statements.back(),
+  CoefData read = firstListed();
+  read.multilayersize = 0;
+  EXPECT_EQ(table.update(&read), kOk);
+  EXPECT_EQ(lastStatement(),
             "update Coef_Info set screenid=?,coefid=?,coeftablename=?,coeftype=?,areaid=?,top=?,left=?,bottom=?,right=?"
             ",multilayersize=?,multilayerlist=?,mtime=datetime('now','localtime') where id=1");
-  EXPECT_EQ(rows(stored), "1|1|1|Coef|1|-1|11|12|13|14|0|01000000FEFFFFFF04030201|1|0\n");
+  EXPECT_EQ(number("select areaid from Coef_Info"), -1) << "written back as it was read, it loses its area number";
+  EXPECT_EQ(rows("select left, top, right, bottom from Coef_Info"), (Rows{{"11", "12", "13", "14"}}));
+  EXPECT_EQ(rows("select multilayersize, hex(multilayerlist) from Coef_Info"),
+            (Rows{{"0", "01000000FEFFFFFF04030201"}}));
+  EXPECT_EQ(value("select ctime from Coef_Info"), "old");
+  EXPECT_NE(value("select mtime from Coef_Info"), "old");
   read.id = 2;
-  EXPECT_EQ(table->update(&read), 0);  // no such row
-  read.multilayerlist.clear();
-  EXPECT_EQ(table->insert(&read), 0);
-  EXPECT_EQ(rows("select count(*) from Coef_Info where multilayerlist is null"), "1\n");
-  read.screenid = 9;
-  EXPECT_EQ(printedBy([&] { EXPECT_EQ(table->insert(&read), 19); }), "FOREIGN KEY constraint failed");
+  EXPECT_EQ(table.update(&read), kOk) << "there is no such row";
+  EXPECT_EQ(countOf("Coef_Info"), 1);
+}
+
+TEST_F(CoefTableTest, WithoutLayersTheListIsNullAndAnUnknownScreenIsRefused) {
+  CoefData record = placement();
+  record.multilayerlist.clear();
+  EXPECT_EQ(table.insert(&record), kOk);
+  EXPECT_EQ(value("select multilayerlist from Coef_Info"), "null");
+  record.screenid = 9;
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(table.insert(&record), SQLITE_CONSTRAINT); }), "FOREIGN KEY constraint failed");
+}
+
+TEST_F(CoefTableTest, RecordsOfTheWrongKindAreRefused) {
   CoefDataResult list;
-  for (const int code : {table->update(&list), table->insert(&list), table->query(&read)}) EXPECT_EQ(code, 4096);
+  CoefData record;
+  EXPECT_EQ(table.update(&list), kInvalidRecord);
+  EXPECT_EQ(table.insert(&list), kInvalidRecord);
+  EXPECT_EQ(table.query(&record), kInvalidRecord);
+  EXPECT_EQ(table.insertCoef(nullptr), kInvalidRecord);
+  EXPECT_EQ(table.updateCoef(1, nullptr), kInvalidRecord);
 }
 
 TEST_F(CoefTableTest, LayerListsOfOtherProgramsAreTakenInWholeElements) {
   run("insert into Coef(data, databitwidth, version) values(x'00', 1, '')");
-  const std::pair<const char*, std::size_t> cases[] = {
-      {"0, zeroblob(12)", 0}, {"3, zeroblob(12)", 3}, {"5, zeroblob(12)", 3}, {"2, x''", 0},
-      {"2, zeroblob(7)", 1},  {"1, zeroblob(3)", 0},  {"2, null", 0},         {"null, x'01020304'", 0}};
-  for (const auto& [stored, elements] : cases) {
+  const struct {
+    const char* sizeAndList;
+    std::size_t elements;
+  } cases[] = {{"0, zeroblob(12)", 0}, {"3, zeroblob(12)", 3}, {"5, zeroblob(12)", 3}, {"2, x''", 0},
+               {"2, zeroblob(7)", 1},  {"1, zeroblob(3)", 0},  {"2, null", 0},         {"null, x'01020304'", 0}};
+  for (const auto& c : cases) {
     run("delete from Coef_Info; insert into Coef_Info(screenid, coefid, coeftablename, coeftype, areaid, top, left, "
         "bottom, right, multilayersize, multilayerlist) values(1, 1, '', 1, 1, 0, 0, 0, 0, " +
-        std::string(stored) + ")");
-    EXPECT_EQ(first().multilayerlist.size(), elements) << stored;
+        std::string(c.sizeAndList) + ")");
+    EXPECT_EQ(firstListed().multilayerlist.size(), c.elements) << c.sizeAndList;
   }
 }
 
-TEST_F(CoefTableTest, BlocksAreStoredReadBackRefusedAndCleared) {
+TEST_F(CoefTableTest, BlocksAreStoredRewrittenAndReadBackAndMissingOnesLeaveTheBufferAlone) {
   Bytes cells = pattern(21, 1);
   CoefData record = coef({0, 0, 1, 1}, cells, 7);
   record.version = "v1";
-  ASSERT_EQ(table->insertCoef(&record), 0);
-  EXPECT_EQ(rows("select id, length(data), databitwidth, version from Coef"), "1|32|7|v1\n");
+  ASSERT_EQ(table.insertCoef(&record), kOk);
+  EXPECT_EQ(rows("select id, length(data), databitwidth, version from Coef"), (Rows{{"1", "32", "7", "v1"}}));
   Bytes others = pattern(5, 2);
   record.coefBuffer = {2, others.data(), 5};
   record.version = "not stored";
-  EXPECT_EQ(table->updateCoef(1, &record), 0);
-  EXPECT_EQ(rows("select databitwidth, version from Coef"), "2|v1\n");
+  EXPECT_EQ(table.updateCoef(1, &record), kOk);
+  EXPECT_EQ(rows("select databitwidth, version from Coef"), (Rows{{"2", "v1"}}));
   CoefBuffer read;
-  ASSERT_EQ(table->selectCoef(1, &read), 0);
+  ASSERT_EQ(table.selectCoef(1, &read), kOk);
   const std::unique_ptr<unsigned char[]> owner(read.data);
   EXPECT_EQ(Bytes(read.data, read.data + read.datasize), others);
   EXPECT_EQ(read.databitwidth, 2);
   CoefBuffer missing{77, nullptr, 66};
-  EXPECT_EQ(table->selectCoef(-4, &missing), 0);
-  EXPECT_EQ(missing.databitwidth * 100 + missing.datasize, 7766);
+  EXPECT_EQ(table.selectCoef(-4, &missing), kOk);
+  EXPECT_EQ(missing.databitwidth, 77);
+  EXPECT_EQ(missing.datasize, 66);
+}
 
-  EXPECT_EQ(table->insertCoef(nullptr), 4096);
-  EXPECT_EQ(table->updateCoef(1, nullptr), 4096);
-  for (const auto& broken : {CoefBuffer{1, nullptr, 4}, CoefBuffer{1, others.data(), -1}}) {
-    record.coefBuffer = broken;
-    EXPECT_EQ(table->insertCoef(&record), 4106);
-    EXPECT_EQ(table->updateCoef(1, &record), 4106);
-  }
-  EXPECT_EQ(rows("select count(*), databitwidth from Coef"), "1|2\n");
-  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->deleteData(&record), 0); }),
+TEST_F(CoefTableTest, ABufferWithoutBytesOrWithANegativeSizeIsNotStored) {
+  Bytes cells = pattern(5, 2);
+  CoefData record = coef({0, 0, 1, 1}, cells, 2);
+  ASSERT_EQ(table.insertCoef(&record), kOk);
+  record.coefBuffer = {1, nullptr, 4};
+  EXPECT_EQ(table.insertCoef(&record), kCipherFailed);
+  EXPECT_EQ(table.updateCoef(1, &record), kCipherFailed);
+  record.coefBuffer = {1, cells.data(), -1};
+  EXPECT_EQ(table.insertCoef(&record), kCipherFailed);
+  EXPECT_EQ(table.updateCoef(1, &record), kCipherFailed);
+  EXPECT_EQ(rows("select databitwidth from Coef"), (Rows{{"2"}}));
+}
+
+TEST_F(CoefTableTest, ClearingTakesPlacementsBeforeBlocksAndRestartsTheKeys) {
+  CoefData record = placement();
+  ASSERT_EQ(table.insert(&record), kOk);
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->deleteData(&record), kOk); }),
             "DataTableOperateBase::exec sql :delete from Coef_Info;  UPDATE sqlite_sequence SET seq = 0 WHERE "
             "name='Coef_Info';\nDataTableOperateBase::exec sql :delete from Coef;  UPDATE sqlite_sequence SET seq = 0 "
             "WHERE name='Coef';\n");
-  record.coefBuffer = {};
-  EXPECT_EQ(manager->insertData(&record), 0);
-  EXPECT_EQ(rows("select id, coefid from Coef_Info"), "1|1\n");
+  EXPECT_EQ(countOf("Coef_Info"), 0);
+  EXPECT_EQ(countOf("Coef"), 0);
+  record.screenid = record.coefid = 0;
+  EXPECT_EQ(manager->insertData(&record), kOk);
+  EXPECT_EQ(rows("select id, coefid from Coef_Info"), (Rows{{"1", "1"}}));
+}
+
+TEST_F(CoefTableTest, ABlockThatDoesNotDecipherLeavesTheBufferButForTheCellWidth) {
+  Bytes cells = pattern(21, 1);
+  const CoefData record = coef({0, 0, 1, 1}, cells, 7);
+  ASSERT_EQ(table.insertCoef(&record), kOk);
+  run("update Coef set data = x'0102030405060708'");
+  CoefBuffer read{77, cells.data(), 66};
+  EXPECT_EQ(table.selectCoef(1, &read), kCipherFailed);
+  EXPECT_EQ(read.databitwidth, 7);
+  EXPECT_EQ(read.data, cells.data());
+  EXPECT_EQ(read.datasize, 66);
 }
 
 }  // namespace tovrtest

@@ -7,60 +7,84 @@ class DatabaseInfoTest : public DatabaseTest {
  protected:
   int insert(const std::string& name, int type) {
     DBInfo row;
-    row.dbtype = type;
-    const char* const texts[] = {"struct", "software", "kind", "layout"};
-    std::string* const fields[] = {&row.datastructversion, &row.softwareversion, &row.softwaretype, &row.dbversion};
-    for (int i = 0; i < 4; ++i) *fields[i] = texts[i];
     row.dbname = name;
+    row.dbtype = type;
+    row.datastructversion = "struct";
+    row.softwareversion = "software";
+    row.softwaretype = "kind";
+    row.dbversion = "layout";
     return manager->insertData(&row);
-  }
-  std::string bothTables() {
-    return rows("select id, dbname, dbtype, datastructversion, softwareversion, softwaretype, dbversion from DB_Info") +
-           rows("select id, dbname from Attach_DB_List");
   }
   DBInfo info;
 };
 
-TEST_F(DatabaseInfoTest, EveryTextHasItsColumnAndTheFirstRowIsRead) {
-  createFile(2);
+TEST_F(DatabaseInfoTest, EveryFieldHasItsColumn) {
+  createFileWithoutType();
+  EXPECT_EQ(insert("first", 1), kOk);
+  EXPECT_EQ(insert("second's", 0), kOk);
+  EXPECT_EQ(rows("select id, dbname, dbtype, datastructversion, softwareversion, softwaretype, dbversion from DB_Info"),
+            (Rows{{"1", "first", "1", "struct", "software", "kind", "layout"},
+                  {"2", "second's", "0", "struct", "software", "kind", "layout"}}));
+  EXPECT_EQ(rows("select id, dbname from Attach_DB_List"), (Rows{{"1", "first"}, {"2", "second's"}}));
+}
+
+TEST_F(DatabaseInfoTest, TheFirstRowIsRead) {
+  createFileWithoutType();
   info.dbname = "untouched";
-  EXPECT_EQ(manager->queryData(&info), 0);
-  EXPECT_EQ(info.dbname, "untouched");
-  EXPECT_EQ(insert("first", 1) + insert("second's", 0), 0);
-  EXPECT_EQ(bothTables(),
-            "1|first|1|struct|software|kind|layout\n2|second's|0|struct|software|kind|layout\n1|first\n2|second's\n");
-  EXPECT_EQ(manager->queryData(&info), 0);
-  EXPECT_EQ(info.dbname + info.datastructversion + info.softwareversion + info.softwaretype + info.dbversion,
-            "firststructsoftwarekindlayout");
-  EXPECT_EQ(info.id * 10 + info.dbtype, 11);
+  EXPECT_EQ(manager->queryData(&info), kOk);
+  EXPECT_EQ(info.dbname, "untouched") << "there is no row";
+  ASSERT_EQ(insert("first", 1), kOk);
+  ASSERT_EQ(insert("second", 0), kOk);
+  EXPECT_EQ(manager->queryData(&info), kOk);
+  EXPECT_EQ(info.id, 1);
+  EXPECT_EQ(info.dbname, "first");
+  EXPECT_EQ(info.dbtype, 1);
+  EXPECT_EQ(info.datastructversion, "struct");
+  EXPECT_EQ(info.softwareversion, "software");
+  EXPECT_EQ(info.softwaretype, "kind");
+  EXPECT_EQ(info.dbversion, "layout");
   EXPECT_EQ(manager->getDBType(), 1);
 }
 
-TEST_F(DatabaseInfoTest, ClearingRestartsTheKeysAndStopsWhereScreensRefer) {
-  createFile(0);
-  ASSERT_EQ(addScreen("screen", {0, 0, 1, 1}), 0);
+TEST_F(DatabaseInfoTest, ClearingStopsWhereScreensRefer) {
+  createFile(kByRectangle);
+  ASSERT_EQ(addScreen("screen", {0, 0, 1, 1}), kOk);
   EXPECT_EQ(
-      printedBy([&] { EXPECT_EQ(manager->deleteData(&info), 19); }),
+      printedBy([&] { EXPECT_EQ(manager->deleteData(&info), SQLITE_CONSTRAINT); }),
       "DataTableOperateBase::exec sql :delete from DB_Info;  UPDATE sqlite_sequence SET seq = 0 WHERE name = "
       "'DB_Info'; \nDataTableOperateBase::exec sql :delete from Attach_DB_List;  UPDATE sqlite_sequence SET seq = "
       "0 WHERE name = 'Attach_DB_List'; \n");
-  EXPECT_EQ(bothTables(), "1|\n");
-  run("delete from Screen_Info");
-  EXPECT_EQ(manager->deleteData(&info), 0);
-  EXPECT_EQ(insert("again", 0), 0);
-  EXPECT_EQ(bothTables(), "1|again|0|struct|software|kind|layout\n1|again\n");
+  EXPECT_EQ(countOf("DB_Info"), 0) << "nothing is rolled back";
+  EXPECT_EQ(countOf("Attach_DB_List"), 1);
 }
 
-TEST_F(DatabaseInfoTest, NullCellsAndUnheardOfTypesOfOtherProgramsDoNoHarm) {
-  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
+TEST_F(DatabaseInfoTest, ClearingRestartsTheKeys) {
+  createFile(kByRectangle);
+  EXPECT_EQ(manager->deleteData(&info), kOk);
+  EXPECT_EQ(insert("again", 0), kOk);
+  EXPECT_EQ(rows("select id, dbname from DB_Info"), (Rows{{"1", "again"}}));
+  EXPECT_EQ(rows("select id, dbname from Attach_DB_List"), (Rows{{"1", "again"}}));
+}
+
+TEST_F(DatabaseInfoTest, NullCellsOfOtherProgramsReadAsEmpty) {
+  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), kOk);
   run("create table DB_Info(id, dbname, dbtype, a, b, c, d, ctime, mtime); insert into DB_Info(id) values(null)");
   info.dbname = info.dbversion = "old";
-  EXPECT_EQ(manager->queryData(&info), 0);
-  EXPECT_EQ(info.dbname + info.dbversion + std::to_string(info.dbtype), "0");
-  run("update DB_Info set dbtype = 3");
+  info.dbtype = 1;
+  EXPECT_EQ(manager->queryData(&info), kOk);
+  EXPECT_EQ(info.dbname, "");
+  EXPECT_EQ(info.dbversion, "");
+  EXPECT_EQ(info.dbtype, 0);
+}
+
+TEST_F(DatabaseInfoTest, InFilesOfAnUnheardOfTypeBlocksSucceedSilently) {
+  createFile(3);
   Bytes cells(4);
   CoefData record = coef({0, 0, 1, 1}, cells, 1, "x");
-  EXPECT_EQ(manager->queryData(&record) + manager->insertData(&record) + manager->updateData(&record), 0);
+  EXPECT_EQ(manager->queryData(&record), kOk);
+  EXPECT_EQ(manager->insertData(&record), kOk);
+  EXPECT_EQ(manager->updateData(&record), kOk);
+  EXPECT_EQ(countOf("Coef"), 0);
 }
 
 }  // namespace tovrtest

@@ -4,22 +4,18 @@
 #include <nettle/des.h>
 #endif
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 
 #include "crypto/DES.h"
-#include "tests/support/Fixture.h"
+#include "tests/support/Bytes.h"
 
 namespace tovrtest {
 
-enum { kEncrypt = 0, kDecrypt = 1, kEcb = 0, kCbc = 1 };
+using tovr::DES;
 
-Bytes hex(const std::string& digits) {
-  Bytes bytes;
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    bytes.push_back(static_cast<unsigned char>(std::stoi(digits.substr(i, 2), nullptr, 16)));
-  }
-  return bytes;
-}
+enum { kEncrypt = 0, kDecrypt = 1, kEcb = 0, kCbc = 1 };
 
 const Bytes kDesKey = hex("0123456789abcdef");
 const Bytes kDesIv = hex("1234567890abcdef");
@@ -31,11 +27,6 @@ Bytes crypt(int direction, int mode, const Bytes& input, const Bytes& key = kDes
   EXPECT_TRUE(DES().crypt(direction, mode, iv, inPlace, inPlace, key));
   EXPECT_EQ(inPlace, output);
   return output;
-}
-
-Bytes zeroPadded(Bytes bytes) {
-  bytes.resize((bytes.size() + 7) / 8 * 8);
-  return bytes;
 }
 
 TEST(DesTest, AgreesWithEveryTableOfTheStandardsValidationSuite) {
@@ -50,7 +41,7 @@ TEST(DesTest, AgreesWithEveryTableOfTheStandardsValidationSuite) {
     EXPECT_EQ(crypt(kDecrypt, kEcb, cipher, key), plain) << line;
     ++answers;
   }
-  EXPECT_EQ(answers, 64 + 64 + 56 + 32 + 19);
+  EXPECT_EQ(answers, 64 + 64 + 56 + 32 + 19) << "lines of the five tables";
 }
 
 // FIPS 81, table C1: "Now is the time for all "
@@ -61,7 +52,7 @@ TEST(DesTest, ChainsAsPublished) {
   EXPECT_EQ(crypt(kDecrypt, kCbc, cipher), plain);
 }
 
-#if !defined(_WIN32)  // where that implementation is not to be had
+#if !defined(_WIN32)  // nettle is not built there
 
 // The chaining of another implementation; whole blocks only.
 Bytes chainedByNettle(int direction, Bytes blocks) {
@@ -76,42 +67,63 @@ Bytes chainedByNettle(int direction, Bytes blocks) {
   return blocks;
 }
 
-// Buffers are sized exactly: a read or a write beyond them is the address sanitizer's to report.
-TEST(DesTest, EveryLengthIsPaddedWithZerosAndPartialBlocksStayInside) {
-  std::vector<std::size_t> lengths = {1000, 65536, 65539, 1234567};
-  for (std::size_t length = 0; length <= 64; ++length) lengths.push_back(length);
-  for (const std::size_t length : lengths) {
-    const Bytes plain = pattern(length, 5);
+std::vector<Bytes> inputsOfEveryLength() {
+  std::vector<Bytes> inputs;
+  for (const std::size_t large : {1000U, 65536U, 65539U, 1234567U}) inputs.push_back(pattern(large, 5));
+  for (std::size_t length = 0; length <= 64; ++length) inputs.push_back(pattern(length, 5));
+  return inputs;  // sized exactly: an access beyond one is the address sanitizer's to report
+}
+
+TEST(DesTest, EveryLengthIsPaddedWithZerosToWholeBlocks) {
+  for (const Bytes& plain : inputsOfEveryLength()) {
+    SCOPED_TRACE(plain.size());
     const Bytes padded = zeroPadded(plain);
     const Bytes chained = chainedByNettle(kEncrypt, padded);
-    EXPECT_TRUE(crypt(kEncrypt, kCbc, plain) == chained) << length;
-    EXPECT_TRUE(crypt(kDecrypt, kCbc, chained) == padded) << length;
-    EXPECT_TRUE(crypt(kDecrypt, kEcb, crypt(kEncrypt, kEcb, plain)) == padded) << length;
-    Bytes partial = chainedByNettle(kDecrypt, padded);
-    partial.resize(length);
-    EXPECT_TRUE(crypt(kDecrypt, kCbc, plain) == partial) << length;
+    EXPECT_TRUE(crypt(kEncrypt, kCbc, plain) == chained);
+    EXPECT_TRUE(crypt(kDecrypt, kCbc, chained) == padded);
+    EXPECT_TRUE(crypt(kDecrypt, kEcb, crypt(kEncrypt, kEcb, plain)) == padded);
+  }
+}
+
+TEST(DesTest, APartialBlockIsDecipheredAsFarAsItGoesInAChainAndRefusedWithoutOne) {
+  for (const Bytes& cipher : inputsOfEveryLength()) {
+    SCOPED_TRACE(cipher.size());
+    Bytes expected = chainedByNettle(kDecrypt, zeroPadded(cipher));
+    expected.resize(cipher.size());
+    EXPECT_TRUE(crypt(kDecrypt, kCbc, cipher) == expected);
+    const bool whole = cipher.size() % 8 == 0;
     Bytes out = {9};
-    EXPECT_FALSE(DES().crypt(0, 2, kDesIv, plain, out, kDesKey) || DES().crypt(2, 1, kDesIv, plain, out, kDesKey));
-    EXPECT_EQ(DES().crypt(kDecrypt, kEcb, {}, plain, out, kDesKey), length % 8 == 0);
-    EXPECT_EQ(out == Bytes{9}, length % 8 != 0) << length;
+    EXPECT_EQ(DES().crypt(kDecrypt, kEcb, {}, cipher, out, kDesKey), whole);
+    EXPECT_EQ(out != Bytes{9}, whole) << "a refused block leaves the output alone";
   }
 }
 
 #endif
 
+TEST(DesTest, UnknownDirectionsAndModesAreRefused) {
+  Bytes out = {9};
+  EXPECT_FALSE(DES().crypt(kEncrypt, 2, kDesIv, Bytes(8), out, kDesKey));
+  EXPECT_FALSE(DES().crypt(2, kCbc, kDesIv, Bytes(8), out, kDesKey));
+  EXPECT_EQ(out, Bytes{9});
+}
+
 TEST(DesTest, ShortKeysAreZeroExtendedAndLongOnesCut) {
   const Bytes plain = pattern(20, 7);
   for (const std::string text : {"", "k", "seven77", "kelptarn", "nine chrs", "kelptarn and more"}) {
+    SCOPED_TRACE(text);
     Bytes eight = bytesOf(text);
     eight.resize(8);
-    for (const auto& [encrypt, decrypt] :
-         {std::pair(&DES::encrypt, &DES::decrypt), std::pair(&DES::encryptKeyPadded, &DES::decryptKeyPadded)}) {
-      Bytes cipher;
-      Bytes back;
-      EXPECT_TRUE((DES().*encrypt)(text, text, plain, cipher) && (DES().*decrypt)(text, text, cipher, back));
-      EXPECT_EQ(cipher, crypt(kEncrypt, kCbc, plain, eight, eight)) << text;
-      EXPECT_EQ(back, zeroPadded(plain)) << text;
-    }
+    const Bytes expected = crypt(kEncrypt, kCbc, plain, eight, eight);
+    Bytes cipher;
+    EXPECT_TRUE(DES().encrypt(text, text, plain, cipher));
+    EXPECT_EQ(cipher, expected);
+    EXPECT_TRUE(DES().encryptKeyPadded(text, text, plain, cipher));
+    EXPECT_EQ(cipher, expected);
+    Bytes back;
+    EXPECT_TRUE(DES().decrypt(text, text, cipher, back));
+    EXPECT_EQ(back, zeroPadded(plain));
+    EXPECT_TRUE(DES().decryptKeyPadded(text, text, cipher, back));
+    EXPECT_EQ(back, zeroPadded(plain));
   }
 }
 

@@ -1,6 +1,9 @@
 // Enciphered files: their layout, and what is left on the disk after success and failure.
+#include <algorithm>
+
 #include "crypto/Encryption.h"
-#include "tests/support/Fixture.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/FolderTest.h"
 
 namespace tovrtest {
 
@@ -8,83 +11,104 @@ const std::string kKey = "kelptarn";
 const std::string kIv = "otherone";
 
 class EncryptionFileTest : public FolderTest {
- public:
+ protected:
   // Every 512 bytes enciphered by themselves, each from the same vector.
-  static Bytes cipherOf(const Bytes& plain) {
+  Bytes cipherOf(const Bytes& plain) {
     Bytes all;
     for (std::size_t at = 0; at < plain.size(); at += 512) {
       const auto* first = plain.data() + at;
       Bytes piece;
-      EXPECT_TRUE(DES().encrypt(kKey, kIv, Bytes(first, first + std::min<std::size_t>(512, plain.size() - at)), piece));
+      EXPECT_TRUE(
+          service.encrypt(kKey, kIv, Bytes(first, first + std::min<std::size_t>(512, plain.size() - at)), piece));
       all.insert(all.end(), piece.begin(), piece.end());
     }
     return all;
   }
-  static Bytes text(std::size_t size) {
-    Bytes bytes = pattern(size, 8);
-    for (auto& byte : bytes) byte = static_cast<unsigned char>('A' + byte % 26);
-    return bytes;
-  }
   bool encrypt(const std::string& from, const std::string& to) { return service.encryptFile(kKey, kIv, from, to); }
   bool decrypt(const std::string& from, const std::string& to) { return service.decryptFile(kKey, kIv, from, to); }
 
-  Encryption service;
+  tovr::Encryption service;
   const std::string a = path("a");
   const std::string b = path("b");
+  const std::string c = path("c");
 };
 
-TEST_F(EncryptionFileTest, EveryLengthComesBackFromItsOwnChunks) {
-  for (const std::size_t size : {0U, 1U, 511U, 512U, 513U, 1000U, 1001U, 1024U, 5000U}) {
-    const std::string c = path("c" + std::to_string(size));
-    const std::string d = path("d" + std::to_string(size));
-    const Bytes plain = text(size);
-    writeFile(a, plain);
-    ASSERT_TRUE(encrypt(a, c) && decrypt(c, d));
-    EXPECT_EQ(contentOf(c).size(), (size + 7) / 8 * 8);
-    EXPECT_EQ(contentOf(c), cipherOf(plain));
-    EXPECT_EQ(contentOf(d), plain);
-    ASSERT_TRUE(service.encryptFile(kKey, kIv, a));
-    EXPECT_EQ(contentOf(a), cipherOf(plain));
-    ASSERT_TRUE(service.decryptFile(kKey, kIv, a));
-    EXPECT_EQ(contentOf(a), plain);
-    for (const std::string& name : {a, c, d}) EXPECT_FALSE(std::filesystem::exists(name + ".temp"));
-  }
+class FileLengthTest : public EncryptionFileTest, public testing::WithParamInterface<std::size_t> {
+ protected:
+  const Bytes plain = letters(GetParam(), 8);
+};
+
+INSTANTIATE_TEST_SUITE_P(AroundTheChunks, FileLengthTest, testing::Values(0, 1, 511, 512, 513, 1000, 1001, 1024, 5000));
+
+TEST_P(FileLengthTest, ComesBackFromAnotherFile) {
+  writeFile(a, plain);
+  ASSERT_TRUE(encrypt(a, b));
+  ASSERT_TRUE(decrypt(b, c));
+  EXPECT_EQ(contentOf(a), plain);
+  EXPECT_EQ(contentOf(b).size(), (plain.size() + 7) / 8 * 8);
+  EXPECT_EQ(contentOf(b), cipherOf(plain));
+  EXPECT_EQ(contentOf(c), plain);
+  EXPECT_FALSE(std::filesystem::exists(b + ".temp"));
+  EXPECT_FALSE(std::filesystem::exists(c + ".temp"));
+}
+
+TEST_P(FileLengthTest, ComesBackInPlace) {
+  writeFile(a, plain);
+  ASSERT_TRUE(service.encryptFile(kKey, kIv, a));
+  EXPECT_EQ(contentOf(a), cipherOf(plain));
+  ASSERT_TRUE(service.decryptFile(kKey, kIv, a));
+  EXPECT_EQ(contentOf(a), plain);
+  EXPECT_FALSE(std::filesystem::exists(a + ".temp"));
 }
 
 TEST_F(EncryptionFileTest, DecipheringCutsEachChunkAtItsFirstZeroByte) {
-  Bytes plain = text(1200);
+  Bytes plain = letters(1200, 8);
   plain[99] = plain[300] = 0;  // both of the first chunk
   writeFile(a, plain);
-  ASSERT_TRUE(encrypt(a, b) && decrypt(b, path("c")));
+  ASSERT_TRUE(encrypt(a, b));
+  ASSERT_TRUE(decrypt(b, c));
   plain.erase(plain.begin() + 99, plain.begin() + 512);
-  EXPECT_EQ(contentOf(path("c")), plain);
+  EXPECT_EQ(contentOf(c), plain);
 }
 
 TEST_F(EncryptionFileTest, AnExistingDestinationStaysAndTheNewContentIsKeptBesideIt) {
-  writeFile(a, text(100));
-  writeFile(b, text(3));
+  const Bytes plain = letters(100, 8);
+  const Bytes existing = letters(3, 9);
+  writeFile(a, plain);
+  writeFile(b, existing);
+  writeFile(c, cipherOf(plain));
   EXPECT_TRUE(encrypt(a, b));
-  EXPECT_EQ(contentOf(b + ".temp"), cipherOf(text(100)));
-  writeFile(path("c"), cipherOf(text(100)));
-  EXPECT_TRUE(decrypt(path("c"), b));
-  EXPECT_EQ(contentOf(b + ".temp"), text(100));
-  EXPECT_EQ(contentOf(b), text(3));
-  EXPECT_EQ(contentOf(a), text(100));
+  EXPECT_EQ(contentOf(b + ".temp"), cipherOf(plain));
+  EXPECT_TRUE(decrypt(c, b));
+  EXPECT_EQ(contentOf(b + ".temp"), plain);
+  EXPECT_EQ(contentOf(b), existing);
+  EXPECT_EQ(contentOf(a), plain);
 }
 
-TEST_F(EncryptionFileTest, WhatCannotBeOpenedOrReadFailsAndLeavesTheRest) {
+TEST_F(EncryptionFileTest, AMissingSourceFailsAndLeavesAnEmptyTemporaryFile) {
+  EXPECT_FALSE(encrypt(a, b));
+  EXPECT_EQ(contentOf(b + ".temp"), Bytes{});
+  std::filesystem::remove(b + ".temp");
+  EXPECT_FALSE(decrypt(a, b));
+  EXPECT_EQ(contentOf(b + ".temp"), Bytes{});
+}
+
+TEST_F(EncryptionFileTest, AFolderCannotBeReadAndStays) {
   const std::string folder = path("folder");
   std::filesystem::create_directory(folder);
-  writeFile(a, text(10));
-  for (const auto operation : {&EncryptionFileTest::encrypt, &EncryptionFileTest::decrypt}) {
-    EXPECT_FALSE((this->*operation)(path("missing"), b));
-    EXPECT_EQ(contentOf(b + ".temp"), Bytes{});
-    EXPECT_FALSE((this->*operation)(folder, b) || (this->*operation)(folder, folder));
-    EXPECT_TRUE(std::filesystem::is_directory(folder) && !std::filesystem::exists(b));
-    EXPECT_FALSE((this->*operation)(a, path("no folder/b")));
-    EXPECT_EQ(contentOf(a), text(10));
-    std::filesystem::remove(b + ".temp");
-  }
+  EXPECT_FALSE(encrypt(folder, b));
+  EXPECT_FALSE(decrypt(folder, b));
+  EXPECT_FALSE(encrypt(folder, folder));
+  EXPECT_FALSE(decrypt(folder, folder));
+  EXPECT_TRUE(std::filesystem::is_directory(folder));
+  EXPECT_FALSE(std::filesystem::exists(b));
+}
+
+TEST_F(EncryptionFileTest, ADestinationThatCannotBeMadeLeavesTheSource) {
+  writeFile(a, letters(10, 8));
+  EXPECT_FALSE(encrypt(a, path("no folder/b")));
+  EXPECT_FALSE(decrypt(a, path("no folder/b")));
+  EXPECT_EQ(contentOf(a), letters(10, 8));
 }
 
 }  // namespace tovrtest

@@ -1,7 +1,5 @@
 // Files of both generations of the engine. Those in tests/data/files were written on SQLCipher 3.4.1: README.md there
 // says how.
-#include <sqlcipher/sqlite3.h>
-
 #include <algorithm>
 
 #include "tests/support/Fixture.h"
@@ -14,63 +12,61 @@ struct KeptFile {
   int dbtype;
 };
 
-constexpr KeptFile kFiles[] = {{"by-rectangle.db", kWordKey, 0}, {"by-name.db", kRawKey, 1}};
+void PrintTo(const KeptFile& file, std::ostream* out) { *out << file.name; }
+
+constexpr KeptFile kByRectangleFile{"by-rectangle.db", kWordKey, kByRectangle};
+constexpr KeptFile kByNameFile{"by-name.db", kRawKey, kByName};
 constexpr Rect kScreen{0, 0, 7, 3};
 
-Bytes keptCells() {
-  Bytes cells;
-  for (int i = 0; i < 64; ++i) cells.push_back(static_cast<unsigned char>(i * 37 + i / 7));
-  return cells;
-}
-
-class GenerationTest : public DatabaseTest {
+class GenerationTest : public DatabaseTest, public testing::WithParamInterface<KeptFile> {
  protected:
   // A copy of the file, opened.
   int openCopy(const KeptFile& file, const std::string& key) {
-    std::filesystem::copy_file(std::string(TOVR_TEST_DATA "/files/") + file.name, path(file.name),
-                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(std::string(TOVR_TEST_DATA "/files/") + file.name, path(file.name));
     return manager->openDB(path(file.name), key);
   }
 };
 
-TEST_F(GenerationTest, FilesOfTheOlderEngineOpenAndStayWhatTheyAre) {
-  for (const KeptFile& file : kFiles) {
-    SCOPED_TRACE(file.name);
-    for (const bool rewritten : {false, true}) {
-      ASSERT_EQ(rewritten ? manager->openDB(path(file.name), file.key) : openCopy(file, file.key), 0);
-      EXPECT_EQ(manager->getDBType(), file.dbtype);
-      Bytes cells = keptCells();
-      if (rewritten) std::reverse(cells.begin(), cells.end());
-      EXPECT_EQ(read(kScreen, "wall"), (Read{0, cells}));
-      EXPECT_EQ(rows("pragma integrity_check"), "ok\n");
-      EXPECT_EQ(rows("pragma page_size"), "1024\n");
-      std::reverse(cells.begin(), cells.end());
-      CoefData record = coef(kScreen, cells, 2, "wall");
-      EXPECT_EQ(manager->insertData(&record), 0);
-      EXPECT_EQ(manager->closeDB(), 0);
-    }
-  }
+INSTANTIATE_TEST_SUITE_P(KeptFiles, GenerationTest, testing::Values(kByRectangleFile, kByNameFile));
+
+TEST_P(GenerationTest, FilesOfTheOlderEngineOpen) {
+  ASSERT_EQ(openCopy(GetParam(), GetParam().key), kOk);
+  EXPECT_EQ(manager->getDBType(), GetParam().dbtype);
+  EXPECT_EQ(cellsAt(kScreen, "wall"), keptPayload());
+  EXPECT_EQ(value("pragma integrity_check"), "ok");
+}
+
+TEST_P(GenerationTest, FilesOfTheOlderEngineStayWhatTheyAreWhenWritten) {
+  ASSERT_EQ(openCopy(GetParam(), GetParam().key), kOk);
+  Bytes cells = keptPayload();
+  std::reverse(cells.begin(), cells.end());
+  CoefData record = coef(kScreen, cells, 2, "wall");
+  EXPECT_EQ(manager->insertData(&record), kOk);
+  EXPECT_EQ(manager->closeDB(), kOk);
+  ASSERT_EQ(manager->openDB(path(GetParam().name), GetParam().key), kOk);
+  EXPECT_EQ(manager->getDBType(), GetParam().dbtype);
+  EXPECT_EQ(cellsAt(kScreen, "wall"), cells);
+  EXPECT_EQ(value("pragma integrity_check"), "ok");
+  EXPECT_EQ(value("pragma page_size"), "1024");
+}
+
+TEST_P(GenerationTest, AWrongKeyFailsAtTheFirstReadOfAnOlderFileToo) {
+  const std::string key = std::string("not ") + GetParam().key;
+  EXPECT_EQ(openCopy(GetParam(), key), SQLITE_NOTADB);
+  EXPECT_EQ(host.engine.setKey(key.data(), static_cast<unsigned int>(key.size())), kOk) << "a key alone never fails";
+  EXPECT_EQ(manager->getDBType(), kUnknownDatabaseType);
+  EXPECT_EQ(host.engine.errCode(), SQLITE_NOTADB);
 }
 
 TEST_F(GenerationTest, BlobsOfTheOlderEngineAreReadToTheByte) {
-  ASSERT_EQ(openCopy(kFiles[0], kFiles[0].key), 0);
-  EXPECT_EQ(readData(5), (Read{0, keptCells()}));
-  EXPECT_EQ(rows("select length(data) from LumChromData"), "72\n");
-}
-
-TEST_F(GenerationTest, AWrongKeyFailsAtTheFirstReadOfAnOlderFileToo) {
-  for (const KeptFile& file : kFiles) {
-    const std::string key = std::string("not ") + file.key;
-    EXPECT_EQ(openCopy(file, key), 26);
-    EXPECT_EQ(host.engine.setKey(key.data(), static_cast<unsigned int>(key.size())), 0) << "a key alone never fails";
-    EXPECT_EQ(manager->getDBType(), 2);
-    EXPECT_EQ(host.engine.errCode(), 26);
-  }
+  ASSERT_EQ(openCopy(kByRectangleFile, kWordKey), kOk);
+  EXPECT_EQ(readData(5).bytes, keptPayload());
+  EXPECT_EQ(number("select length(data) from LumChromData"), 72);
 }
 
 TEST_F(GenerationTest, NewFilesAreTheEnginesOwn) {
-  createFile(0);
-  EXPECT_EQ(rows("pragma page_size"), sqlite3_libversion_number() < 3025000 ? "1024\n" : "4096\n");
+  createFile(kByRectangle);
+  EXPECT_EQ(number("pragma page_size"), sqlite3_libversion_number() < 3025000 ? 1024 : 4096);
 }
 
 }  // namespace tovrtest

@@ -5,70 +5,121 @@ namespace tovrtest {
 
 class GenericDataTest : public DatabaseTest {
  protected:
-  void SetUp() override { createFile(0); }
-  std::string placements() { return rows("select screenid, dataid, datatype from DataInfo order by id"); }
+  void SetUp() override {
+    createFile(kByRectangle);
+    ASSERT_EQ(addScreen("", {0, 0, 9, 9}), kOk);
+  }
+  Rows placements() { return rows("select screenid, dataid, datatype from DataInfo order by id"); }
 };
 
+TEST_F(DatabaseTest, GenericDataWithoutAScreenIsStoredButItsPlacementRefused) {
+  createFile(kByRectangle);
+  EXPECT_EQ(insertData(5, {1}), SQLITE_CONSTRAINT);  // on screen "0", as no key was issued
+  EXPECT_EQ(countOf("Data"), 1);
+  EXPECT_EQ(countOf("DataInfo"), 0);
+}
+
 TEST_F(GenericDataTest, StoringReplacesTheBlobOfItsTypeUnderANewKey) {
-  EXPECT_EQ(insertData(5, {1}), 19);  // on screen "0", as none was issued: the placement is refused, the blob stays
-  EXPECT_EQ(rows("select (select count(*) from Data), (select count(*) from DataInfo)"), "1|0\n");
-  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
-  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
-  EXPECT_EQ(readData(5).first, 4097);
-  EXPECT_EQ(insertData(5, pattern(11, 1)), 0);
-  EXPECT_EQ(insertData(-6, {}), 0);
-  EXPECT_EQ(insertData(5, pattern(20, 2)), 0);
-  EXPECT_EQ(placements(), "2|3|-6\n2|4|5\n");  // the screen that was issued last
-  EXPECT_EQ(rows("select id, length(data), version from Data"), "1|8|v\n3|8|v\n4|24|v\n");
-  EXPECT_EQ(readData(5), (Read{0, pattern(20, 2)}));
-  EXPECT_EQ(readData(-6), (Read{0, {}}));
-  ConfigData untouched;
-  EXPECT_EQ(manager->deleteData(&untouched) + manager->updateData(&untouched), 0);
-  EXPECT_EQ(placements(), "2|3|-6\n2|4|5\n");
+  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), kOk);
+  EXPECT_EQ(insertData(5, pattern(11, 1)), kOk);
+  EXPECT_EQ(insertData(-6, {}), kOk);
+  EXPECT_EQ(insertData(5, pattern(20, 2)), kOk);
+  EXPECT_EQ(placements(), (Rows{{"2", "2", "-6"}, {"2", "3", "5"}})) << "on the screen that was issued last";
+  EXPECT_EQ(rows("select id, length(data), version from Data"), (Rows{{"2", "8", "v"}, {"3", "24", "v"}}));
+}
+
+TEST_F(GenericDataTest, BlobsAreReadByTheirType) {
+  ASSERT_EQ(insertData(5, pattern(20, 2)), kOk);
+  ASSERT_EQ(insertData(-6, {}), kOk);
+  EXPECT_EQ(readData(5).code, kOk);
+  EXPECT_EQ(readData(5).bytes, pattern(20, 2));
+  EXPECT_EQ(readData(-6).code, kOk);
+  EXPECT_EQ(readData(-6).bytes, Bytes{});
+  EXPECT_EQ(readData(6).code, kNoData);
+}
+
+TEST_F(GenericDataTest, NothingIsClearedAndNothingUpdated) {
+  ASSERT_EQ(insertData(5, {1}), kOk);
+  ConfigData record;
+  record.datatype = 5;
+  EXPECT_EQ(manager->deleteData(&record), kOk);
+  EXPECT_EQ(manager->updateData(&record), kOk);
+  EXPECT_EQ(readData(5).bytes, Bytes{1});
 }
 
 TEST_F(GenericDataTest, OfSeveralBlobsTheFirstListedIsReadAndAllAreReplaced) {
-  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
-  ASSERT_EQ(insertData(1, {1}), 0);
-  ASSERT_EQ(insertData(2, {2}), 0);
+  ASSERT_EQ(insertData(1, {1}), kOk);
+  ASSERT_EQ(insertData(2, {2}), kOk);
   run("update DataInfo set datatype = 5");
-  EXPECT_EQ(readData(5), (Read{0, {1}}));
-  EXPECT_EQ(insertData(5, {3}), 0);
-  EXPECT_EQ(placements(), "1|3|5\n");
-  EXPECT_EQ(rows("select id from Data"), "3\n");
+  EXPECT_EQ(readData(5).bytes, Bytes{1});
+  EXPECT_EQ(insertData(5, {3}), kOk);
+  EXPECT_EQ(placements(), (Rows{{"1", "3", "5"}}));
+  EXPECT_EQ(rows("select id from Data"), (Rows{{"3"}}));
 }
 
-TEST_F(GenericDataTest, WhatCannotBeReadLeavesTheRecordAlone) {
-  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
-  ASSERT_EQ(insertData(5, pattern(9, 1)), 0);
+// Queries a record that holds a byte of the test's own.
+class DataQueryTest : public GenericDataTest {
+ protected:
+  void SetUp() override {
+    GenericDataTest::SetUp();
+    ASSERT_EQ(insertData(5, pattern(9, 1)), kOk);
+  }
+  int query(int datatype) {
+    record.datatype = datatype;
+    record.reserved2 = 8;
+    record.data = &mine;
+    record.dataSize = 1;
+    return manager->queryData(&record);
+  }
+  int queryUnchanged(int datatype) {
+    const int code = query(datatype);
+    EXPECT_EQ(record.data, &mine);
+    EXPECT_EQ(record.dataSize, 1U);
+    EXPECT_EQ(record.reserved2, 8U);
+    return code;
+  }
+
   ConfigData record;
   unsigned char mine = 7;
-  record.reserved2 = 8;
-  record.data = &mine;
-  record.dataSize = 1;
-  const auto query = [&](int datatype) {
-    record.datatype = datatype;
-    const int code = manager->queryData(&record);
-    EXPECT_TRUE(record.data == &mine && record.dataSize == 1 && record.reserved2 == 8);
-    return code;
-  };
-  EXPECT_EQ(query(6), 4097);
+};
+
+TEST_F(DataQueryTest, WhatCannotBeReadLeavesTheRecordAlone) {
+  EXPECT_EQ(queryUnchanged(6), kNoData);
   for (const char* blob : {"x'00'", "x''", "zeroblob(16)", "'text'"}) {
     run("update Data set data = " + std::string(blob));
-    EXPECT_EQ(query(5), 4106) << blob;
+    EXPECT_EQ(queryUnchanged(5), kCipherFailed) << blob;
   }
   run("PRAGMA foreign_keys = OFF; delete from Data");
-  EXPECT_EQ(query(5), 0);
+  EXPECT_EQ(queryUnchanged(5), kOk) << "a placement without its blob";
+}
+
+TEST_F(DataQueryTest, WhatIsReadIsANewArrayOfTheCallers) {
+  ASSERT_EQ(query(5), kOk);
+  const std::unique_ptr<unsigned char[]> owner(record.data);
+  EXPECT_NE(record.data, &mine);
+  EXPECT_EQ(Bytes(record.data, record.data + record.dataSize), pattern(9, 1));
+  EXPECT_EQ(record.reserved2, 0U);
+  EXPECT_EQ(record.dataSizeUpper, 0U);
+}
+
+TEST_F(DataQueryTest, ASizeWithoutBytesIsNotStoredAndDoesNotHinderTheNextCall) {
   ConfigData broken;
   broken.datatype = 5;
-  broken.dataSize = 4;  // and no data
-  EXPECT_EQ(manager->insertData(&broken), 4106);
-  ASSERT_EQ(insertData(5, {4}), 0);
-  record.datatype = 5;
-  ASSERT_EQ(manager->queryData(&record), 0);
-  const std::unique_ptr<unsigned char[]> owner(record.data);
-  EXPECT_EQ(record.reserved2, 0U);
-  EXPECT_EQ(record.dataSize * 100 + record.data[0], 104U);
+  broken.dataSize = 4;
+  EXPECT_EQ(manager->insertData(&broken), kCipherFailed);
+  EXPECT_EQ(insertData(5, {4}), kOk);
+  EXPECT_EQ(readData(5).bytes, Bytes{4});
+}
+
+TEST_F(GenericDataTest, ABlobThatDoesNotDecipherLeavesTheFileToOtherPrograms) {
+  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
+  ASSERT_EQ(insertData(5, pattern(9, 1)), 0);
+  run("update Data set data = x'00'");
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(readData(5).code, kCipherFailed); }), "");
+  Sqlite3DB other;
+  ASSERT_EQ(other.open(path("file.db").c_str()), 0);
+  ASSERT_EQ(other.setKey(kRawKey, sizeof kRawKey - 1), 0);
+  EXPECT_EQ(other.exec("insert into Data(data, version) values(x'01', '')"), 0);
 }
 
 }  // namespace tovrtest

@@ -1,113 +1,152 @@
 // The manager's routing, its record factory, and opening, checking and closing files.
 #include <climits>
 
-#include "manager/DBManager.h"
 #include "tests/support/Fixture.h"
 
 namespace tovrtest {
 
-TEST_F(ManagerTest, RecordsComeWithTheirDefaults) {
-  std::unique_ptr<DataBase> made[7];
-  for (int type = 0; type <= 6; ++type) {
-    made[type].reset(manager->createData(type));
-    EXPECT_EQ(made[type]->type, type);
+constexpr DataType kAllTypes[] = {kCoefData, kLumChromaData,  kScreenInfoData,      kConfigData,
+                                  kDBInfo,   kCoefDataResult, kScreenInfoDataResult};
+constexpr int kUnknownTypes[] = {7, -1, INT_MIN, INT_MAX};
+constexpr Rect kNotGiven{-1, -1, -1, -1};
+
+TEST_F(ManagerTest, RecordsAreMadeByTheirCodes) {
+  for (const DataType type : kAllTypes) {
+    const std::unique_ptr<DataBase> record(manager->createData(type));
+    EXPECT_EQ(record->type, type);
   }
-  const auto& coef = dynamic_cast<const CoefData&>(*made[0]);
-  const auto& measurement = dynamic_cast<const LumChromaData&>(*made[1]);
-  const auto& screen = dynamic_cast<const ScreenInfoData&>(*made[2]);
-  EXPECT_TRUE(rectOf(coef) == (Rect{-1, -1, -1, -1}) && rectOf(measurement) == rectOf(coef) &&
-              rectOf(screen) == rectOf(coef));
-  EXPECT_EQ(std::vector<int>({coef.coeftype, coef.areaid, coef.areaIndex, coef.multilayersize, measurement.datatype,
-                              screen.areaid, dynamic_cast<const ConfigData&>(*made[3]).datatype}),
-            std::vector<int>({16, -1, 0, 0, 16, -1, 16}));
 }
 
 TEST_F(ManagerTest, CreateDataOutsideItsCodesEndsTheProcess) {
-  for (const int type : {7, -1, INT_MIN, INT_MAX}) EXPECT_DEATH(manager->createData(type), "") << type;
+  for (const int type : kUnknownTypes) EXPECT_DEATH(manager->createData(type), "") << type;
 }
 
-TEST_F(ManagerTest, NullRecordsAreRefusedAndUnroutedTypesSucceedSilently) {
-  for (const auto operation :
-       {&IDBManager::queryData, &IDBManager::insertData, &IDBManager::deleteData, &IDBManager::updateData}) {
-    EXPECT_EQ((manager.get()->*operation)(nullptr), 4096);
+TEST_F(ManagerTest, RecordsComeWithTheirDefaults) {
+  const CoefData coef;
+  EXPECT_EQ(coef.coeftype, kDataTypeNotGiven);
+  EXPECT_EQ(coef.areaid, -1);
+  EXPECT_EQ(coef.areaIndex, 0);
+  EXPECT_EQ(rectOf(coef), kNotGiven);
+  EXPECT_EQ(coef.multilayersize, 0);
+  const LumChromaData measurement;
+  EXPECT_EQ(measurement.datatype, kDataTypeNotGiven);
+  EXPECT_EQ(rectOf(measurement), kNotGiven);
+  const ScreenInfoData screen;
+  EXPECT_EQ(screen.areaid, -1);
+  EXPECT_EQ(rectOf(screen), kNotGiven);
+  EXPECT_EQ(ConfigData().datatype, kDataTypeNotGiven);
+}
+
+TEST_F(ManagerTest, NullRecordsAreRefused) {
+  EXPECT_EQ(manager->queryData(nullptr), kInvalidRecord);
+  EXPECT_EQ(manager->insertData(nullptr), kInvalidRecord);
+  EXPECT_EQ(manager->deleteData(nullptr), kInvalidRecord);
+  EXPECT_EQ(manager->updateData(nullptr), kInvalidRecord);
+}
+
+// A record of another class than its type says shows where it is routed: an operator refuses it.
+TEST_F(DatabaseTest, RecordsReachTheOperatorOfTheirTypeAndOthersSucceedSilently) {
+  createFile(kByRectangle);
+  const struct {
+    DataType type;
+    int query, insert, update;
+  } cases[] = {{kCoefData, kInvalidRecord, kInvalidRecord, kInvalidRecord},
+               {kLumChromaData, kOk, kInvalidRecord, kOk},
+               {kScreenInfoData, kInvalidRecord, kInvalidRecord, kInvalidRecord},
+               {kConfigData, kInvalidRecord, kInvalidRecord, kOk},
+               {kDBInfo, kInvalidRecord, kInvalidRecord, kOk},
+               {kCoefDataResult, kInvalidRecord, kOk, kInvalidRecord},
+               {kScreenInfoDataResult, kInvalidRecord, kOk, kOk}};
+  for (const auto& c : cases) {
+    DataBase record(c.type);
+    EXPECT_EQ(manager->queryData(&record), c.query) << c.type;
+    EXPECT_EQ(manager->insertData(&record), c.insert) << c.type;
+    EXPECT_EQ(manager->updateData(&record), c.update) << c.type;
   }
-  const auto silent = [&](int (IDBManager::*operation)(DataBase*), std::initializer_list<int> types) {
-    for (const int type : types) {
-      DBInfo record;
-      record.type = type;
-      EXPECT_EQ((manager.get()->*operation)(&record), 0) << type;
-    }
-  };
-  silent(&IDBManager::queryData, {1, 7, -1});
-  silent(&IDBManager::insertData, {5, 6, 7, -1});
-  silent(&IDBManager::updateData, {1, 3, 4, 6, 7, -1});
-  silent(&IDBManager::deleteData, {3});
-  EXPECT_EQ(host.points.passed, 0);
-  for (const int type : {7, -1, INT_MAX}) {
+  EXPECT_EQ(countOf("Data"), 0);
+  EXPECT_EQ(countOf("DB_Info"), 1);
+}
+
+TEST_F(ManagerTest, WhatIsRoutedNowhereNeedsNoConnection) {
+  const auto recordOf = [](int type) {
     DBInfo record;
     record.type = type;
-    EXPECT_EQ(manager->deleteData(&record), 4104);
+    return record;
+  };
+  for (const int type : kUnknownTypes) {
+    DBInfo record = recordOf(type);
+    EXPECT_EQ(manager->queryData(&record), kOk) << type;
+    EXPECT_EQ(manager->insertData(&record), kOk) << type;
+    EXPECT_EQ(manager->updateData(&record), kOk) << type;
+    EXPECT_EQ(manager->deleteData(&record), kNoOperator) << type;
   }
+  DBInfo data = recordOf(kConfigData);
+  EXPECT_EQ(manager->updateData(&data), kOk);
+  EXPECT_EQ(manager->deleteData(&data), kOk);
+  EXPECT_EQ(host.points.passed, 0) << "calls of the services";
 }
 
-TEST_F(DatabaseTest, RecordsOfAnotherClassAreRefusedUntouched) {
-  createFile(0);
-  for (int type = 0; type <= 6; ++type) {
-    DataBase record(static_cast<DataType>(type));
-    EXPECT_EQ(manager->queryData(&record), type == 1 ? 0 : 4096) << type;
-    EXPECT_EQ(manager->insertData(&record), type >= 5 ? 0 : 4096) << type;
-    const bool routed = type == 0 || type == 2 || type == 5;
-    EXPECT_EQ(manager->updateData(&record), routed ? 4096 : 0) << type;
-  }
-  EXPECT_EQ(rows("select (select count(*) from Data), (select count(*) from DB_Info)"), "0|1\n");
-}
-
-TEST_F(ManagerTest, OpenRunsItsFourStepsAndStopsAtTheFirstThatFails) {
-  ASSERT_EQ(manager->openDB(path("a.db"), kRawKey), 0);
-  const std::vector<std::string> pragmas = {"PRAGMA foreign_keys = ON", "PRAGMA synchronous = OFF"};
-  EXPECT_EQ(host.connection.statements, pragmas);
-  EXPECT_EQ(host.points.passed, 4);
-  for (int call = 1; call <= 4; ++call) {
-    host.points.arm(call);
-    EXPECT_EQ(manager->openDB(path("a.db"), kRawKey), FaultyConnection::kFault);
-    EXPECT_EQ(host.points.passed, call);
-  }
-  EXPECT_EQ(manager->openDB(path("no folder/a.db"), kRawKey), 14);
+TEST_F(ManagerTest, OpenSetsTwoPragmasAndTellsWhyAFileCannotBeOpened) {
+  ASSERT_EQ(manager->openDB(path("a.db"), kRawKey), kOk);
+  EXPECT_EQ(host.connection.statements,
+            (std::vector<std::string>{"PRAGMA foreign_keys = ON", "PRAGMA synchronous = OFF"}));
+  EXPECT_EQ(manager->openDB(path("no folder/a.db"), kRawKey), SQLITE_CANTOPEN);
   EXPECT_STREQ(manager->errMsg(), "unable to open database file");
 }
 
 TEST_F(ManagerTest, CheckWantsTheBuiltInKeyAndThePlacementTable) {
   EXPECT_FALSE(manager->checkDB(path("no folder/a.db")));
   EXPECT_FALSE(manager->checkDB(path("empty.db")));
-  EXPECT_EQ(host.connection.statements.back(), "select * from Coef_Info");
-  ASSERT_EQ(manager->openDB(path("a.db"), "brimstoquelvard"), 0);
-  ASSERT_EQ(manager->createTables(), 0);
+  EXPECT_EQ(lastStatement(), "select * from Coef_Info");
+  ASSERT_EQ(manager->openDB(path("other key.db"), kRawKey), kOk);
+  ASSERT_EQ(manager->createTables(), kOk);
+  EXPECT_FALSE(manager->checkDB(path("other key.db")));
+  ASSERT_EQ(manager->openDB(path("a.db"), "brimstoquelvard"), kOk);
+  ASSERT_EQ(manager->createTables(), kOk);
   EXPECT_TRUE(manager->checkDB(path("a.db")));
-  EXPECT_EQ(manager->closeDB(), 21);  // the check has closed the file, statement and all
-  ASSERT_EQ(manager->openDB(path("b.db"), kRawKey), 0);
-  ASSERT_EQ(manager->createTables(), 0);
-  EXPECT_FALSE(manager->checkDB(path("b.db")));
+  EXPECT_STREQ(manager->errMsg(), "no database file is open") << "the check has closed the file, statement and all";
 }
 
+class WrongKeyTest : public DatabaseTest {
+ protected:
+  void SetUp() override {
+    createFile(kByRectangle);
+    ASSERT_EQ(manager->closeDB(), kOk);
+    wrongKey[3] = 'F';
+  }
+  std::string wrongKey = kRawKey;
+};
+
 // The first read is that of the second pragma, which wants the schema.
-TEST_F(DatabaseTest, WrongKeyShowsAtTheFirstReadAndLeavesTheFileAlone) {
-  createFile(0);
-  ASSERT_EQ(manager->closeDB(), 0);
+TEST_F(WrongKeyTest, FailsAtTheFirstReadAndFromThereOn) {
+  EXPECT_EQ(manager->openDB(path("file.db"), wrongKey), SQLITE_NOTADB);
+  EXPECT_EQ(lastStatement(), "PRAGMA synchronous = OFF");
+  EXPECT_EQ(manager->getDBType(), kUnknownDatabaseType);
+  for (const DataType type : {kDBInfo, kCoefDataResult, kScreenInfoDataResult}) {
+    const std::unique_ptr<DataBase> record(manager->createData(type));
+    EXPECT_EQ(manager->queryData(record.get()), SQLITE_NOTADB) << type;
+  }
+  EXPECT_EQ(manager->createTables(), SQLITE_NOTADB);
+  EXPECT_EQ(manager->closeDB(), kOk);
+}
+
+TEST_F(WrongKeyTest, LeavesTheFileAlone) {
   const Bytes before = contentOf(path("file.db"));
   EXPECT_NE(std::string(before.begin(), before.begin() + 6), "SQLite");
-  std::string other = kRawKey;
-  other[3] = 'F';
-  EXPECT_EQ(manager->openDB(path("file.db"), other), 26);
-  EXPECT_EQ(host.connection.statements.back(), "PRAGMA synchronous = OFF");
-  EXPECT_EQ(manager->getDBType(), 2);
-  for (const int type : {4, 5, 6}) {
-    EXPECT_EQ(manager->queryData(std::unique_ptr<DataBase>(manager->createData(type)).get()), 26);
-  }
-  EXPECT_EQ(manager->createTables(), 26);
-  EXPECT_EQ(manager->closeDB(), 0);
+  EXPECT_EQ(manager->openDB(path("file.db"), wrongKey), SQLITE_NOTADB);
+  EXPECT_EQ(manager->createTables(), SQLITE_NOTADB);
+  EXPECT_EQ(manager->closeDB(), kOk);
   EXPECT_EQ(contentOf(path("file.db")), before);
-  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
-  EXPECT_EQ(manager->getDBType(), 0);
+  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), kOk);
+  EXPECT_EQ(manager->getDBType(), kByRectangle);
+}
+
+TEST_F(ManagerTest, ClosingTwiceAndClosingWhatCouldNotBeOpenedSucceeds) {
+  ASSERT_EQ(manager->openDB(path("a.db"), kRawKey), kOk);
+  EXPECT_EQ(manager->closeDB(), kOk);
+  EXPECT_EQ(manager->closeDB(), kOk);
+  EXPECT_EQ(manager->openDB(path("no folder/a.db"), kRawKey), SQLITE_CANTOPEN);
+  EXPECT_EQ(manager->closeDB(), kOk);
 }
 
 }  // namespace tovrtest

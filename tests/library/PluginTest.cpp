@@ -2,73 +2,105 @@
 #include "host/PluginHost.h"
 #include "manager/DBManager.h"
 #include "plugin/PluginInfo.h"
-#include "storage/DataTableOperateBase.h"
 #include "tests/support/Fixture.h"
-
-extern "C" void pluginit(void* host);
 
 namespace tovrtest {
 
-TEST(PluginTest, DescriptorNamesItselfAndItsThreeClasses) {
-  const tovrhost::PluginLibrary library(TOVR_PLUGIN_FILE);
+class PluginTest : public testing::Test {
+ protected:
+  const tovrhost::PluginLibrary library{TOVR_PLUGIN_FILE};
+};
+
+TEST_F(PluginTest, DescriptorNamesThePluginAndItsThreeClasses) {
   const PluginInfo& info = library.info();
-  EXPECT_EQ(std::string(info.apiVersion) + info.name + info.version + info.desc,
-            "0.1dbmanagerplugin0.1.0{\"desc\":\"dbmanager plugin\",\"end\":0 }");
-  std::string names;
+  EXPECT_STREQ(info.apiVersion, "0.1");
+  EXPECT_STREQ(info.name, "dbmanagerplugin");
+  EXPECT_STREQ(info.version, "0.1.0");
+  EXPECT_STREQ(info.desc, "{\"desc\":\"dbmanager plugin\",\"end\":0 }");
+  std::vector<std::string> names;
   for (ClassInfo* const* entry = info.classes; *entry != nullptr; ++entry) {
-    const ClassInfo& record = **entry;
-    names += record.name + std::string(" ");
-    EXPECT_STREQ(record.desc, "{\"end\":0 }\r\n");
-    record.destroy(nullptr);
-    EXPECT_EQ(record.getHandler(nullptr), nullptr);
-    void* instance = record.create();  // without a host
-    ASSERT_NE(instance, nullptr);
-    lmx::IMessageHandler* handler = record.getHandler(instance);
-    EXPECT_EQ(handler == nullptr, record.name == std::string("cpp.DBManager"));
-    handler != nullptr ? delete handler : record.destroy(instance);  // either destroys the whole object
+    names.emplace_back((*entry)->name);
+    EXPECT_STREQ((*entry)->desc, "{\"end\":0 }\r\n") << (*entry)->name;
   }
-  EXPECT_EQ(names, "cpp.DBManager cpp.DBOperate cpp.Encryption ");
+  EXPECT_EQ(names, (std::vector<std::string>{"cpp.DBManager", "cpp.DBOperate", "cpp.Encryption"}));
   EXPECT_EQ(library.findClass("cpp.Nothing"), nullptr);
 }
 
-using PluginFileTest = FolderTest;
-
-TEST_F(PluginFileTest, WithoutAHostNothingCrashesAndTheConnectionIsMissing) {
-  pluginit(nullptr);
-  DBManager manager;
-  TestHost late;
-  for (const bool hostWithoutServices : {false, true}) {
-    late.served = late.creates = false;
-    if (hostWithoutServices) pluginit(&late);
-    EXPECT_EQ(manager.openDB(path("a.db"), "key"), 4096);
-    EXPECT_EQ(manager.closeDB(), 4096);
-    EXPECT_EQ(manager.createTables(), 4096);
-    EXPECT_EQ(manager.getDBType(), 2);
-    EXPECT_EQ(manager.errMsg(), nullptr);
-    EXPECT_FALSE(manager.checkDB(path("a.db")));
-    for (int type = 0; type <= 6; ++type) {
-      const std::unique_ptr<DataBase> record(manager.createData(type));
-      const int missing = type == 0 ? 4111 : type == 1 ? 0 : 4096;  // no type known; measurements are not read
-      EXPECT_EQ(manager.queryData(record.get()), type == 2 ? 4096 : missing) << type;
-      EXPECT_EQ(manager.insertData(record.get()), type == 0 ? 4111 : type >= 5 ? 0 : 4096) << type;
-      EXPECT_EQ(manager.deleteData(record.get()), type == 3 ? 0 : 4096) << type;
-      const int updated[] = {4111, 0, 4096, 0, 0, 4096, 0};
-      EXPECT_EQ(manager.updateData(record.get()), updated[type]) << type;
-    }
-    pluginit(nullptr);
+TEST_F(PluginTest, ObjectsAreMadeWithoutAHostAndDestroyedByTheirClassOrTheirHandler) {
+  for (const char* name : {"cpp.DBManager", "cpp.DBOperate", "cpp.Encryption"}) {
+    SCOPED_TRACE(name);
+    const ClassInfo& record = *library.findClass(name);
+    record.destroy(nullptr);
+    EXPECT_EQ(record.getHandler(nullptr), nullptr);
+    void* instance = record.create();
+    ASSERT_NE(instance, nullptr);
+    lmx::IMessageHandler* handler = record.getHandler(instance);
+    EXPECT_EQ(handler == nullptr, name == std::string("cpp.DBManager"));
+    handler != nullptr ? delete handler : record.destroy(instance);  // either destroys the whole object
   }
+}
+
+// A manager that finds no services: without a host, and with one that keeps none.
+class LonelyManagerTest : public FolderTest, public testing::WithParamInterface<bool> {
+ protected:
+  LonelyManagerTest() {
+    pluginit(nullptr);
+    manager = std::make_unique<DBManager>();
+    host.served = host.creates = false;
+    if (GetParam()) pluginit(&host);
+  }
+  ~LonelyManagerTest() override { pluginit(nullptr); }
+
+  TestHost host;
+  std::unique_ptr<DBManager> manager;
+};
+
+INSTANTIATE_TEST_SUITE_P(WithoutServices, LonelyManagerTest, testing::Bool(),
+                         [](const auto& host) { return host.param ? "OnAHost" : "WithoutAHost"; });
+
+TEST_P(LonelyManagerTest, OpensNothing) {
+  EXPECT_EQ(manager->openDB(path("a.db"), "key"), kNoConnection);
+  EXPECT_EQ(manager->closeDB(), kNoConnection);
+  EXPECT_EQ(manager->createTables(), kNoConnection);
+  EXPECT_EQ(manager->getDBType(), kUnknownDatabaseType);
+  EXPECT_EQ(manager->errMsg(), nullptr);
+  EXPECT_FALSE(manager->checkDB(path("a.db")));
   EXPECT_FALSE(std::filesystem::exists(path("a.db")));
 }
 
-TEST_F(PluginFileTest, OperatorsCreateWhatTheHostDoesNotKeepAndTheManagerOnlyFinds) {
+TEST_P(LonelyManagerTest, AnswersEveryRecord) {
+  const struct {
+    DataType type;
+    int query, insert, remove, update;
+  } cases[] = {{kCoefData, kTypeNotGiven, kTypeNotGiven, kNoConnection, kTypeNotGiven},
+               {kLumChromaData, kOk, kNoConnection, kNoConnection, kOk},
+               {kScreenInfoData, kInvalidRecord, kNoConnection, kNoConnection, kNoConnection},
+               {kConfigData, kNoConnection, kNoConnection, kOk, kOk},
+               {kDBInfo, kNoConnection, kNoConnection, kNoConnection, kOk},
+               {kCoefDataResult, kNoConnection, kOk, kNoConnection, kInvalidRecord},
+               {kScreenInfoDataResult, kNoConnection, kOk, kNoConnection, kOk}};
+  for (const auto& c : cases) {
+    const std::unique_ptr<DataBase> record(manager->createData(c.type));
+    EXPECT_EQ(manager->queryData(record.get()), c.query) << c.type;
+    EXPECT_EQ(manager->insertData(record.get()), c.insert) << c.type;
+    EXPECT_EQ(manager->deleteData(record.get()), c.remove) << c.type;
+    EXPECT_EQ(manager->updateData(record.get()), c.update) << c.type;
+  }
+}
+
+using HostServicesTest = FolderTest;
+
+TEST_F(HostServicesTest, OperatorsCreateWhatTheHostDoesNotKeepAndTheManagerOnlyFinds) {
   TestHost host;
   host.served = false;
   pluginit(&host);
   DBManager manager;
-  ASSERT_EQ(host.calls.size(), 15U);  // seven operators, two services each; one of them had to be created
-  EXPECT_EQ(host.calls[0] + "," + host.calls[1], "find DBOperate,create cpp.DBOperate DBOperate");
+  ASSERT_EQ(host.calls.size(), 15U) << "seven operators, two services each; one of them had to be created";
+  EXPECT_EQ(host.calls[0], "find DBOperate");
+  EXPECT_EQ(host.calls[1], "create cpp.DBOperate DBOperate");
+  EXPECT_EQ(host.calls[2], "find Encryption");
   host.served = host.creates = false;
-  EXPECT_EQ(manager.openDB(path("a.db"), kRawKey), 4096);
+  EXPECT_EQ(manager.openDB(path("a.db"), kRawKey), kNoConnection);
   EXPECT_EQ(host.calls.back(), "find DBOperate");
   pluginit(nullptr);
 }

@@ -18,52 +18,78 @@ TEST(RegionQueryTest, TextsAreExactToTheBlank) {
   }
 }
 
-using RegionQueryFileTest = DatabaseTest;
+class RegionQueryFileTest : public DatabaseTest {
+ protected:
+  void SetUp() override {
+    createFile(kByRectangle);
+    ASSERT_EQ(addScreen("", {0, 0, 999, 999}), kOk);
+  }
 
-TEST_F(RegionQueryFileTest, AnswersOnAFileOfThisSystem) {
-  createFile(0);
-  ASSERT_EQ(addScreen("", {0, 0, 999, 999}), 0);
-  const std::pair<Rect, int> stored[] = {
-      {{0, 0, 10, 20}, 1},    // 1: its last cell is the request's corner (left, top)
-      {{50, 0, 99, 20}, 1},   // 2: (right, top)
-      {{0, 40, 10, 99}, 1},   // 3: (left, bottom)
-      {{50, 40, 99, 99}, 1},  // 4: (right, bottom)
-      {{0, 0, 10, 20}, 2},    // 5: another type
-      {{20, 25, 30, 35}, 1},  // 6: inside, no corner
-      {{0, 25, 99, 35}, 1},   // 7: crosses, no corner
-      {{0, 0, 9, 20}, 1},     // 8: a column short of it
-      {{0, 0, 10, 19}, 1},    // 9: a row short of it
-  };
-  for (const auto& [rect, type] : stored) {
+  void store(const Rect& rect, int type = 1) {
     Bytes cells(1);
     CoefData record = coef(rect, cells, 1);
     record.coeftype = type;
-    ASSERT_EQ(manager->insertData(&record), 0);
+    ASSERT_EQ(manager->insertData(&record), kOk);
   }
-  const auto chosen = [&](int top, int left, int bottom, int right, int type) {
-    return rows("select group_concat(id) from (" + cornerQuery("Coef_Info", top, left, bottom, right, type) + ")");
-  };
-  EXPECT_EQ(chosen(20, 10, 40, 50, 1), "1,2,3,4\n");
-  EXPECT_EQ(chosen(20, 10, 40, 50, 2), "5\n");
-  EXPECT_EQ(chosen(-5, -5, -1, -1, 1), "null\n");
-  EXPECT_EQ(
-      rows("select sum(areaid) from (" + areaList() + ")") + rows("select sum(coeftype) from (" + typeList() + ")"),
-      "-9\n10\n");
-  for (const std::string& text : {cornerQuery("Coef_Info", 0, 0, 1, 1, 1, "A"), areaQuery("Coef_Info", 1, 1, "A"),
-                                  typeQuery("Coef_Info", 1, "A"), cabinetList(), cabinetRectangles("A")}) {
-    EXPECT_EQ(host.engine.prepare_v2(text.c_str(), -1), 1) << text;
-    EXPECT_STREQ(host.engine.errMsg(), "no such column: cabinetid");
+  // The keys of the areas that hold a corner of the rectangle.
+  Rows cornersOf(const Rect& rect, int type) {
+    return rows("select id from (" + cornerQuery("Coef_Info", rect.top, rect.left, rect.bottom, rect.right, type) +
+                ") order by id");
   }
-  for (const std::string& text : {deleteByRectangle("Coef_Info"), deleteByKey("Coef_Info") + "1"}) {
-    EXPECT_EQ(host.engine.prepare_v2(text.c_str(), -1), 1) << text;
-    EXPECT_NE(std::string(host.engine.errMsg()).find("syntax error"), std::string::npos) << host.engine.errMsg();
+  void expectError(const std::string& sql, const std::string& text) {
+    EXPECT_EQ(host.engine.prepare_v2(sql.c_str(), -1), SQLITE_ERROR) << sql;
+    EXPECT_NE(std::string(host.engine.errMsg()).find(text), std::string::npos) << sql << ": " << host.engine.errMsg();
   }
-  ASSERT_EQ(host.engine.prepare_v2(renameByRectangle("Coef_Info").c_str(), -1), 0);
-  EXPECT_EQ(host.engine.bind_text(1, "New", 3, nullptr), 0);
-  int parameter = 1;
-  for (const int value : {25, 20, 35, 30, 1}) EXPECT_EQ(host.engine.bind_int(++parameter, value), 0);
-  EXPECT_EQ(host.engine.step(), 101);
-  EXPECT_EQ(rows("select id from Coef_Info where coeftablename = 'New'"), "6\n");
+};
+
+TEST_F(RegionQueryFileTest, TheCornerQueryFindsTheAreasOfItsTypeThatHoldACorner) {
+  constexpr Rect kAsked{10, 20, 50, 40};
+  store({0, 0, 10, 20});     // 1: its last cell is the corner left, top
+  store({50, 0, 99, 20});    // 2: right, top
+  store({0, 40, 10, 99});    // 3: left, bottom
+  store({50, 40, 99, 99});   // 4: right, bottom
+  store({0, 0, 10, 20}, 2);  // 5: another type
+  store({20, 25, 30, 35});   // inside, no corner
+  store({0, 25, 99, 35});    // crosses, no corner
+  store({0, 0, 9, 20});      // a column short of the corner
+  store({0, 0, 10, 19});     // a row short of it
+  EXPECT_EQ(cornersOf(kAsked, 1), (Rows{{"1"}, {"2"}, {"3"}, {"4"}}));
+  EXPECT_EQ(cornersOf(kAsked, 2), (Rows{{"5"}}));
+  EXPECT_EQ(cornersOf({-5, -5, -1, -1}, 1), Rows{});
+}
+
+TEST_F(RegionQueryFileTest, ListsGiveAValueForEveryArea) {
+  store({0, 0, 1, 1});
+  store({0, 0, 1, 1}, 2);
+  EXPECT_EQ(rows(areaList()), (Rows{{"-1"}, {"-1"}}));
+  EXPECT_EQ(rows(typeList()), (Rows{{"1"}, {"2"}}));
+}
+
+TEST_F(RegionQueryFileTest, WhatAsksForACabinetIsRefusedAsThereIsNoSuchColumn) {
+  expectError(cornerQuery("Coef_Info", 0, 0, 1, 1, 1, "A"), "no such column: cabinetid");
+  expectError(areaQuery("Coef_Info", 1, 1, "A"), "no such column: cabinetid");
+  expectError(typeQuery("Coef_Info", 1, "A"), "no such column: cabinetid");
+  expectError(cabinetList(), "no such column: cabinetid");
+  expectError(cabinetRectangles("A"), "no such column: cabinetid");
+}
+
+TEST_F(RegionQueryFileTest, DeletionsAreNotValidSql) {
+  expectError(deleteByRectangle("Coef_Info"), "syntax error");
+  expectError(deleteByKey("Coef_Info") + "1", "syntax error");
+}
+
+TEST_F(RegionQueryFileTest, RenamingTakesTheRectangleInTheOrderOfTheColumns) {
+  store({20, 25, 30, 35});
+  store({25, 20, 35, 30});
+  ASSERT_EQ(host.engine.prepare_v2(renameByRectangle("Coef_Info").c_str(), -1), kOk);
+  EXPECT_EQ(host.engine.bind_text(1, "New", 3, nullptr), kOk);
+  EXPECT_EQ(host.engine.bind_int(2, 25), kOk);
+  EXPECT_EQ(host.engine.bind_int(3, 20), kOk);
+  EXPECT_EQ(host.engine.bind_int(4, 35), kOk);
+  EXPECT_EQ(host.engine.bind_int(5, 30), kOk);
+  EXPECT_EQ(host.engine.bind_int(6, 1), kOk);
+  EXPECT_EQ(host.engine.step(), kStepDone);
+  EXPECT_EQ(rows("select id, coeftablename from Coef_Info"), (Rows{{"1", "New"}, {"2", "Coef"}}));
 }
 
 }  // namespace tovrtest

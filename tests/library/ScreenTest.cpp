@@ -1,74 +1,145 @@
 // The operator of screens.
+#include <stdexcept>
+
 #include "tests/support/Fixture.h"
 
 namespace tovrtest {
 
-using ScreenTest = DatabaseTest;
+constexpr Rect kFirst{1, 2, 3, 4};
+constexpr Rect kSecond{-9, -8, -7, -6};
 
-TEST_F(ScreenTest, EdgesAndNamesComeBackInTheirPlaces) {
-  createFile(0);
-  ASSERT_EQ(addScreen("it's \xC3\xA9", {1, 2, 3, 4}), 0);
-  ASSERT_EQ(addScreen("", {-9, -8, -7, -6}), 0);
-  EXPECT_EQ(host.connection.statements.back(),
+class ScreenTest : public DatabaseTest {
+ protected:
+  void SetUp() override {
+    createFile(kByRectangle);
+    ASSERT_EQ(addScreen("it's \xC3\xA9", kFirst), kOk);
+    ASSERT_EQ(addScreen("", kSecond), kOk);
+  }
+  ScreenInfoDataResult result;
+};
+
+TEST_F(ScreenTest, FieldsAreStoredInTheirColumns) {
+  EXPECT_EQ(lastStatement(),
             "insert into Screen_Info(dbid, screenname, top, left, bottom,              right, ctime, mtime) values "
             "(?, ?, ?, ?, ?, ?, datetime('now','localtime'), datetime('now','localtime'))");
-  const std::string stored = "select id, dbid, screenname, left, top, right, bottom from Screen_Info";
-  EXPECT_EQ(rows(stored), "1|1|it's \xC3\xA9|1|2|3|4\n2|1||-9|-8|-7|-6\n");
-  ScreenInfoDataResult result;
-  result.screens.resize(5);
-  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->queryData(&result), 0); }),
-            "1|1|it's \xC3\xA9|2|1|4|3 \n2|1||-8|-9|-6|-7 \n");
-  ASSERT_EQ(result.screens.size(), 2U);
-  ScreenInfoData changed = result.screens[1];
-  EXPECT_EQ(result.screens[0].screenname + changed.screenname, "it's \xC3\xA9");
-  EXPECT_TRUE(rectOf(result.screens[0]) == (Rect{1, 2, 3, 4}) && rectOf(changed) == (Rect{-9, -8, -7, -6}));
-  EXPECT_EQ(changed.id * 100 + changed.dbid * 10 + changed.areaid, 209);
-
-  changed.screenname = "moved";
-  changed.dbid = 55;  // not rewritten
-  setRect(changed, {10, 20, 30, 40});
-  EXPECT_EQ(manager->updateData(&changed), 0);
-  changed.id = -3;
-  EXPECT_EQ(manager->updateData(&changed), 0);  // no such row
-  EXPECT_EQ(host.connection.statements.back(),
-            "update Screen_Info set screenname = ?, top = ?, left = ?, bottom = ?, right = ? where id = -3");
-  EXPECT_EQ(rows(stored), "1|1|it's \xC3\xA9|1|2|3|4\n2|1|moved|10|20|30|40\n");
-  EXPECT_EQ(manager->queryData(&changed), 4096);  // one screen is not a list
-  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->deleteData(&changed), 1); }),
-            "DataTableOperateBase::exec sql :delete * from Screen_Info\n");
-  EXPECT_EQ(rows("select count(*) from Screen_Info"), "2\n");  // never cleared
+  EXPECT_EQ(rows("select id, dbid, screenname, left, top, right, bottom from Screen_Info"),
+            (Rows{{"1", "1", "it's \xC3\xA9", "1", "2", "3", "4"}, {"2", "1", "", "-9", "-8", "-7", "-6"}}));
 }
 
-TEST_F(ScreenTest, CellsOfOtherProgramsAreReadSafely) {
-  ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), 0);
-  ScreenInfoDataResult result;
-  result.screens.resize(2);
-  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->queryData(&result), 1); }), "");  // no such table
-  EXPECT_EQ(result.screens.size(), 2U);
-  run("create table Screen_Info(id, dbid, screenname, top, left, bottom, right)");
-  EXPECT_EQ(manager->queryData(&result), 0);
-  EXPECT_TRUE(result.screens.empty());
-  const auto query = [&](const std::string& values) {
+TEST_F(ScreenTest, FieldsComeBackInTheirPlaces) {
+  result.screens.resize(5);
+  ASSERT_EQ(manager->queryData(&result), kOk);
+  ASSERT_EQ(result.screens.size(), 2U);
+  EXPECT_EQ(result.screens[0].screenname, "it's \xC3\xA9");
+  EXPECT_EQ(rectOf(result.screens[0]), kFirst);
+  EXPECT_EQ(result.screens[1].id, 2);
+  EXPECT_EQ(result.screens[1].dbid, 1);
+  EXPECT_EQ(result.screens[1].screenname, "");
+  EXPECT_EQ(result.screens[1].areaid, -1);
+  EXPECT_EQ(rectOf(result.screens[1]), kSecond);
+}
+
+TEST_F(ScreenTest, AQueryPrintsTheRowsInTheOrderOfTheirColumns) {
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->queryData(&result), kOk); }),
+            "1|1|it's \xC3\xA9|2|1|4|3 \n2|1||-8|-9|-6|-7 \n");
+}
+
+TEST_F(ScreenTest, AnUpdateRewritesNameAndEdgesOfItsKey) {
+  ScreenInfoData changed;
+  changed.id = 2;
+  changed.dbid = 55;
+  changed.screenname = "moved";
+  setRect(changed, {10, 20, 30, 40});
+  EXPECT_EQ(manager->updateData(&changed), kOk);
+  EXPECT_EQ(screens()[1].screenname, "moved");
+  EXPECT_EQ(screens()[1].dbid, 1) << "not rewritten";
+  EXPECT_EQ(rectOf(screens()[1]), (Rect{10, 20, 30, 40}));
+  EXPECT_EQ(rectOf(screens()[0]), kFirst);
+  changed.id = -3;
+  EXPECT_EQ(manager->updateData(&changed), kOk) << "there is no such row";
+  EXPECT_EQ(lastStatement(),
+            "update Screen_Info set screenname = ?, top = ?, left = ?, bottom = ?, right = ? where id = -3");
+}
+
+TEST_F(ScreenTest, ScreensAreNeverClearedAndOneScreenIsNotAList) {
+  ScreenInfoData screen;
+  EXPECT_EQ(manager->queryData(&screen), kInvalidRecord);
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->deleteData(&screen), SQLITE_ERROR); }),
+            "DataTableOperateBase::exec sql :delete * from Screen_Info\n");
+  EXPECT_EQ(countOf("Screen_Info"), 2);
+}
+
+// Tables that another program has made.
+class ForeignScreenTest : public DatabaseTest {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), kOk);
+    result.screens.resize(2);
+  }
+  void makeTable() { run("create table Screen_Info(id, dbid, screenname, top, left, bottom, right)"); }
+  ScreenInfoData queryRow(const std::string& values) {
     run("delete from Screen_Info; insert into Screen_Info values(" + values + ")");
+    EXPECT_EQ(manager->queryData(&result), kOk) << values;
+    return result.screens.at(0);
+  }
+  template <class Exception>
+  void expectThrown(const std::string& values, const std::string& text) {
     try {
-      EXPECT_EQ(manager->queryData(&result), 0);
-      return result.screens.at(0).screenname + "," + std::to_string(result.screens.at(0).top);
-    } catch (const std::invalid_argument& error) {
-      return std::string("invalid: ") + error.what();
-    } catch (const std::out_of_range& error) {
-      return std::string("range: ") + error.what();
+      queryRow(values);
+      ADD_FAILURE() << values << " is read";
+    } catch (const Exception& error) {
+      EXPECT_EQ(error.what(), text) << values;
     }
-  };
-  const std::pair<const char*, const char*> cases[] = {
-      {"1, 1, null, ' \t12abc', 0, 0, 0", ",12"},
-      {"1, 1, '%n%s', '-2147483648', 0, 0, 0", "%n%s,-2147483648"},
-      {"1, 1, 'a', 'x1', 0, 0, 0", "invalid: invalid stoi argument"},
-      {"1, 1, 'a', '', 0, 0, 0", "invalid: invalid stoi argument"},
-      {"1, 1, 'a', 0, 0, 0, null", "invalid: invalid stoi argument"},
-      {"1, 1, 'a', 0, 0, 2147483648, 0", "range: stoi argument out of range"},
-      {"1, '-99999999999999999999', 'a', 0, 0, 0, 0", "range: stoi argument out of range"},
-      {"1, 1, 'well again', 5, 0, 0, 0", "well again,5"}};
-  for (const auto& [values, expected] : cases) EXPECT_EQ(query(values), expected) << values;
+  }
+  ScreenInfoDataResult result;
+};
+
+TEST_F(ForeignScreenTest, WithoutTheTableTheListStaysAndNothingIsPrinted) {
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(manager->queryData(&result), SQLITE_ERROR); }), "");
+  EXPECT_EQ(result.screens.size(), 2U);
+}
+
+TEST_F(ForeignScreenTest, AnEmptyTableEmptiesTheList) {
+  makeTable();
+  EXPECT_EQ(manager->queryData(&result), kOk);
+  EXPECT_EQ(result.screens.size(), 0U);
+}
+
+TEST_F(ForeignScreenTest, NumbersAreReadAsFarAsTheyGoAndTextsAsTheyStand) {
+  makeTable();
+  EXPECT_EQ(queryRow("1, 1, null, ' \t12abc', 0, 0, 0").top, 12);
+  EXPECT_EQ(queryRow("1, 1, null, 0, 0, 0, 0").screenname, "");
+  EXPECT_EQ(queryRow("1, 1, '', '-2147483648', 0, 0, 0").top, -2147483647 - 1);
+  EXPECT_EQ(queryRow("1, 1, '%n%s', 0, 0, 0, 0").screenname, "%n%s");
+}
+
+TEST_F(ForeignScreenTest, WhatIsNoNumberIsThrownWithTheSameTextOnEveryPlatform) {
+  makeTable();
+  expectThrown<std::invalid_argument>("1, 1, 'a', 'x1', 0, 0, 0", "invalid stoi argument");
+  expectThrown<std::invalid_argument>("1, 1, 'a', '', 0, 0, 0", "invalid stoi argument");
+  expectThrown<std::invalid_argument>("1, 1, 'a', 0, 0, 0, null", "invalid stoi argument");
+  expectThrown<std::out_of_range>("1, 1, 'a', 0, 0, 2147483648, 0", "stoi argument out of range");
+  expectThrown<std::out_of_range>("1, '-99999999999999999999', 'a', 0, 0, 0, 0", "stoi argument out of range");
+  EXPECT_EQ(queryRow("1, 1, 'well again', 5, 0, 0, 0").top, 5);
+}
+
+// Points of an update: prepare, the name, then top, left, bottom and right.
+TEST_F(ScreenTest, AnUpdateBindsEveryEdgeWhateverTheBindsAnswer) {
+  run("PRAGMA foreign_keys = OFF; drop table Screen_Info; create table Screen_Info(id, screenname, top, left, bottom, "
+      "right)");
+  ScreenInfoData screen;
+  screen.id = 1;
+  screen.screenname = "wall";
+  setRect(screen, {10, 20, 30, 40});
+  for (std::size_t failing = 0; failing < 5; ++failing) {
+    run("delete from Screen_Info; insert into Screen_Info(id) values(1)");
+    host.points.arm(2 + static_cast<int>(failing));
+    EXPECT_EQ(manager->updateData(&screen), kOk);
+    host.points.disarm();
+    Rows stored = {{"wall", "20", "10", "40", "30"}};
+    stored[0][failing] = "null";
+    EXPECT_EQ(rows("select screenname, top, left, bottom, right from Screen_Info"), stored);
+  }
 }
 
 }  // namespace tovrtest

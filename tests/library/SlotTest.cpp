@@ -28,104 +28,149 @@ class SlotTest : public FolderTest {
   tovrhost::PluginHost host{TOVR_PLUGIN_FILE};
 };
 
-TEST_F(SlotTest, ManagerHasItsElevenOperationsInOrder) {
+class ManagerSlotTest : public SlotTest {
+ protected:
+  void SetUp() override { EXPECT_EQ((call<int, std::string, std::string>(manager, 1, path("a.db"), kRawKey)), kOk); }
+  int onRecord(std::size_t slot, DataBase& record) { return call<int, DataBase*>(manager, slot, &record); }
+
   void* manager = &host.manager();
-  const auto onRecord = [&](std::size_t slot, DataBase* record) { return call<int, DataBase*>(manager, slot, record); };
-  EXPECT_EQ((call<int, std::string, std::string>(manager, 1, path("a.db"), kRawKey)), 0);
-  EXPECT_EQ(call<int>(manager, 4), 2);
+};
+
+TEST_F(ManagerSlotTest, FilesAreOpenedFilledCheckedAndClosed) {
+  EXPECT_EQ(call<int>(manager, 4), kUnknownDatabaseType);
   EXPECT_STREQ(call<const char*>(manager, 10), "no such table: DB_Info");
-  EXPECT_EQ(call<int>(manager, 3), 0);
-  const std::unique_ptr<DataBase> record(call<DataBase*, int>(manager, 5, 4));
-  auto& info = dynamic_cast<DBInfo&>(*record);
-  info.dbtype = 1;
-  info.dbname = "stored";
-  EXPECT_EQ(onRecord(7, &info), 0);
-  EXPECT_EQ(call<int>(manager, 4), 1);
-  info.dbname = "overwritten by the query";
-  EXPECT_EQ(onRecord(9, &info), 0);
-  EXPECT_EQ(onRecord(6, &info), 0);
-  EXPECT_EQ(info.dbname, "stored");
-  EXPECT_EQ(onRecord(8, &info), 0);
-  EXPECT_EQ(call<int>(manager, 4), 2);
-  CoefDataResult result;
-  EXPECT_EQ(onRecord(9, &result), 4096);  // of the four, only the update refuses this record
-  EXPECT_EQ(call<int>(manager, 2), 0);
-  EXPECT_EQ(call<int>(manager, 2), 21);
+  EXPECT_EQ(call<int>(manager, 3), kOk);
+  EXPECT_EQ(call<int>(manager, 2), kOk);
+  EXPECT_STREQ(call<const char*>(manager, 10), "no database file is open");
   EXPECT_FALSE((call<bool, std::string>(manager, 11, path("a.db"))));
 }
 
-TEST_F(SlotTest, ConnectionHasItsTwentyThreeOperationsInOrder) {
-  void* db = &host.connection();
-  const auto prepare = [&](const char* sql) { return call<int, const char*, int>(db, 7, sql, -1); };
-  using Destructor = void (*)(void*);
-  EXPECT_EQ((call<int, const char*>(db, 1, path("a.db").c_str())), 0);
-  EXPECT_EQ((call<int, const char*, unsigned int>(db, 3, kRawKey, sizeof kRawKey - 1)), 0);
-  EXPECT_EQ((call<int, const char*>(db, 4, "create table t(i, l, d, x, b, n default 7)")), 0);
-  ASSERT_EQ(prepare("insert into t values(?,?,?,?,?,?)"), 0);
-  EXPECT_EQ((call<int, int, int>(db, 8, 1, -5)), 0);
-  EXPECT_EQ((call<int, int, std::int64_t>(db, 9, 2, std::int64_t{1} << 40)), 0);
-  EXPECT_EQ((call<int, int, double>(db, 10, 3, 0.5)), 0);
-  EXPECT_EQ((call<int, int, const char*, int, Destructor>(db, 11, 4, "text", 4, nullptr)), 0);
-  EXPECT_EQ((call<int, int, const void*, int, Destructor>(db, 12, 5, "bl\0b", 4, nullptr)), 0);
-  for (int expected : {101, 0}) EXPECT_EQ(call<int>(db, expected == 0 ? 15 : 14), expected);
-  EXPECT_EQ((call<int, int>(db, 13, 1)), 0);  // the other parameters are still bound
-  EXPECT_EQ(call<int>(db, 14), 101);
-  EXPECT_EQ(call<int>(db, 16), 0);
-  EXPECT_EQ(call<int>(db, 14), 21);
+TEST_F(ManagerSlotTest, RecordsAreMadeInsertedReadUpdatedAndDeleted) {
+  ASSERT_EQ(call<int>(manager, 3), kOk);
+  const std::unique_ptr<DataBase> record(call<DataBase*, int>(manager, 5, kDBInfo));
+  auto& info = dynamic_cast<DBInfo&>(*record);
+  info.dbtype = kByName;
+  info.dbname = "stored";
+  EXPECT_EQ(onRecord(7, info), kOk);
+  EXPECT_EQ(call<int>(manager, 4), kByName);
+  info.dbname = "overwritten by the query";
+  EXPECT_EQ(onRecord(9, info), kOk);
+  EXPECT_EQ(onRecord(6, info), kOk);
+  EXPECT_EQ(info.dbname, "stored");
+  EXPECT_EQ(onRecord(8, info), kOk);
+  EXPECT_EQ(call<int>(manager, 4), kUnknownDatabaseType);
+  CoefDataResult result;
+  EXPECT_EQ(onRecord(9, result), kInvalidRecord) << "of the four, only the update refuses this record";
+}
 
-  ASSERT_EQ(prepare("select i, d, x, b from t where i = -5"), 0);
-  ASSERT_EQ(call<int>(db, 14), 100);
+class ConnectionSlotTest : public SlotTest {
+ protected:
+  using Destructor = void (*)(void*);
+
+  void SetUp() override {
+    EXPECT_EQ((call<int, const char*>(db, 1, path("a.db").c_str())), kOk);
+    EXPECT_EQ((call<int, const char*, unsigned int>(db, 3, kRawKey, sizeof kRawKey - 1)), kOk);
+    EXPECT_EQ((call<int, const char*>(db, 4, "create table t(i, l, d, x, b, n default 7)")), kOk);
+  }
+  int prepare(const char* sql) { return call<int, const char*, int>(db, 7, sql, -1); }
+  int step() { return call<int>(db, 14); }
+
+  // Inserts a row of all kinds of values, and leaves the statement as the last step did.
+  void insertRow() {
+    ASSERT_EQ(prepare("insert into t values(?,?,?,?,?,?)"), kOk);
+    EXPECT_EQ((call<int, int, int>(db, 8, 1, -5)), kOk);
+    EXPECT_EQ((call<int, int, std::int64_t>(db, 9, 2, std::int64_t{1} << 40)), kOk);
+    EXPECT_EQ((call<int, int, double>(db, 10, 3, 0.5)), kOk);
+    EXPECT_EQ((call<int, int, const char*, int, Destructor>(db, 11, 4, "text", 4, nullptr)), kOk);
+    EXPECT_EQ((call<int, int, const void*, int, Destructor>(db, 12, 5, "bl\0b", 4, nullptr)), kOk);
+    EXPECT_EQ(step(), kStepDone);
+  }
+
+  void* db = &host.connection();
+};
+
+TEST_F(ConnectionSlotTest, StatementsAreBoundSteppedResetAndFinalized) {
+  insertRow();
+  EXPECT_EQ(call<int>(db, 15), kOk);
+  EXPECT_EQ((call<int, int>(db, 13, 1)), kOk);
+  EXPECT_EQ(step(), kStepDone) << "the other parameters are still bound";
+  EXPECT_EQ(call<int>(db, 16), kOk);
+  EXPECT_EQ(step(), SQLITE_MISUSE);
+}
+
+TEST_F(ConnectionSlotTest, ColumnsAreRead) {
+  insertRow();
+  ASSERT_EQ(prepare("select i, d, x, b from t"), kOk);
+  ASSERT_EQ(step(), kStepRow);
   EXPECT_EQ((call<int, int>(db, 21, 0)), -5);
   EXPECT_EQ((call<double, int>(db, 22, 1)), 0.5);
   EXPECT_STREQ(reinterpret_cast<const char*>(call<const unsigned char*, int>(db, 23, 2)), "text");
   EXPECT_EQ((call<int, int>(db, 20, 3)), 4);
   EXPECT_EQ((std::string(static_cast<const char*>(call<const void*, int>(db, 19, 3)), 4)), std::string("bl\0b", 4));
+}
 
+TEST_F(ConnectionSlotTest, TablesAreReadAndFreed) {
+  insertRow();
   char** cells = nullptr;
   int rows = 0;
   int columns = 0;
-  const char* query = "select l, n, typeof(i) from t";
-  ASSERT_EQ((call<int, const char*, char***, int*, int*>(db, 17, query, &cells, &rows, &columns)), 0);
-  ASSERT_EQ(rows * 10 + columns, 23);
-  EXPECT_TRUE(cells[3] == std::string("1099511627776") && cells[4] == nullptr && cells[8] == std::string("null"));
+  const char* query = "select l, n from t";
+  ASSERT_EQ((call<int, const char*, char***, int*, int*>(db, 17, query, &cells, &rows, &columns)), kOk);
+  ASSERT_EQ(rows, 1);
+  ASSERT_EQ(columns, 2);
+  EXPECT_STREQ(cells[0], "l");
+  EXPECT_STREQ(cells[2], "1099511627776");
+  EXPECT_EQ(cells[3], nullptr);
   call<void, char**>(db, 18, cells);
-  EXPECT_EQ(prepare("nonsense"), 1);
-  EXPECT_EQ(call<int>(db, 5), 1);
-  EXPECT_STREQ(call<const char*>(db, 6), "near \"nonsense\": syntax error");
-  EXPECT_EQ(call<int>(db, 2), 0);
 }
 
-TEST_F(SlotTest, EncryptionHasItsEightOperationsInOrder) {
-  void* service = &host.encryption();
+TEST_F(ConnectionSlotTest, ErrorsAreToldAndTheFileClosed) {
+  EXPECT_EQ(prepare("nonsense"), SQLITE_ERROR);
+  EXPECT_EQ(call<int>(db, 5), SQLITE_ERROR);
+  EXPECT_STREQ(call<const char*>(db, 6), "near \"nonsense\": syntax error");
+  EXPECT_EQ(call<int>(db, 2), kOk);
+  EXPECT_EQ((call<int, const char*>(db, 4, "select 1")), SQLITE_MISUSE);
+}
+
+class EncryptionSlotTest : public SlotTest {
+ protected:
   using Text = const std::string&;
-  const std::string key = "kelptarn";
-  const std::string a = path("a");
-  const Bytes plain = bytesOf("thirteen byte");
-  const auto onBuffer = [&](std::size_t slot, const Bytes& input) {
+
+  Bytes onBuffer(std::size_t slot, const Bytes& input) {
     Bytes output;
-    EXPECT_TRUE((call<bool, Text, Text, const Bytes&, Bytes&>(service, slot, key, key, input, output)));
+    EXPECT_TRUE((call<bool, Text, Text, const Bytes&, Bytes&>(service, slot, key, key, input, output))) << slot;
     return output;
-  };
-  const auto inPlace = [&](std::size_t slot) {
-    EXPECT_TRUE((call<bool, Text, Text, Text>(service, slot, key, key, a)));
-    return contentOf(a);
-  };
-  const auto toFile = [&](std::size_t slot, const std::string& destination) {
-    EXPECT_TRUE((call<bool, Text, Text, Text, Text>(service, slot, key, key, a, destination)));
+  }
+  Bytes inPlace(std::size_t slot, const std::string& file) {
+    EXPECT_TRUE((call<bool, Text, Text, Text>(service, slot, key, key, file))) << slot;
+    return contentOf(file);
+  }
+  Bytes toFile(std::size_t slot, const std::string& source, const std::string& destination) {
+    EXPECT_TRUE((call<bool, Text, Text, Text, Text>(service, slot, key, key, source, destination))) << slot;
     return contentOf(destination);
-  };
+  }
+
+  void* service = &host.encryption();
+  const std::string key = "kelptarn";
+  const Bytes plain = bytesOf("thirteen byte");
+  const Bytes padded = zeroPadded(plain);
   const Bytes cipher = onBuffer(1, plain);
-  Bytes padded = plain;
-  padded.resize(16);
+};
+
+TEST_F(EncryptionSlotTest, BuffersAreEncipheredAndDeciphered) {
   EXPECT_NE(cipher, padded);
   EXPECT_EQ(onBuffer(2, cipher), padded);
   EXPECT_EQ(onBuffer(3, plain), cipher);
   EXPECT_EQ(onBuffer(4, cipher), padded);
+}
+
+TEST_F(EncryptionSlotTest, FilesAreEncipheredAndDeciphered) {
+  const std::string a = path("a");
   writeFile(a, plain);
-  EXPECT_EQ(toFile(6, path("b")), cipher);
-  EXPECT_EQ(inPlace(5), cipher);
-  EXPECT_EQ(toFile(8, path("c")), plain);
-  EXPECT_EQ(inPlace(7), plain);
+  EXPECT_EQ(toFile(6, a, path("b")), cipher);
+  EXPECT_EQ(inPlace(5, a), cipher);
+  EXPECT_EQ(toFile(8, a, path("c")), plain);
+  EXPECT_EQ(inPlace(7, a), plain);
 }
 
 struct CountingMessage final : lmx::IMessage {
@@ -135,16 +180,18 @@ struct CountingMessage final : lmx::IMessage {
   int handedBack = 0;
 };
 
-TEST_F(SlotTest, MessagesAndHostsAreCalledAtTheirSlots) {
+TEST_F(SlotTest, HandlersHandMessagesBackAndAnswerZero) {
   host.manager();
   CountingMessage message;
   void* asMessage = static_cast<lmx::IMessage*>(&message);
   EXPECT_EQ(callEntry<int>(asMessage, 2), 1);
-  for (const char* name : {"DBOperate", "Encryption"}) {
-    EXPECT_EQ((call<int, void*>(host.handler(name), 1, asMessage)), 0) << name;
-  }
+  EXPECT_EQ((call<int, void*>(host.handler("DBOperate"), 1, asMessage)), 0);
+  EXPECT_EQ(message.handedBack, 2);
+  EXPECT_EQ((call<int, void*>(host.handler("Encryption"), 1, asMessage)), 0);
   EXPECT_EQ(message.handedBack, 3);
+}
 
+TEST(HostSlotTest, HostsAreAskedAtTheirSlots) {
   TestHost testHost;
   testHost.served = false;
   void* asHost = static_cast<IPluginHost*>(&testHost);

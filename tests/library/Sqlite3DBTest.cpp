@@ -2,105 +2,231 @@
 #include <sqlcipher/sqlite3.h>
 
 #include "platform/Sqlite3DB.h"
-#include "tests/support/Fixture.h"
+#include "storage/IDBOperate.h"
+#include "storage/StatusCodes.h"
+#include "tests/support/FolderTest.h"
 
 namespace tovrtest {
 
-class Sqlite3DBTest : public FolderTest {
- protected:
-  static int setKey(Sqlite3DB& db) { return db.setKey(kRawKey, sizeof kRawKey - 1); }
-  static void expectNoStatement(Sqlite3DB& db) {
-    const int codes[] = {db.bind_int(1, 1),
-                         db.bind_int64(1, 1),
-                         db.bind_double(1, 1),
-                         db.bind_text(1, "a", 1, nullptr),
-                         db.bind_null(1),
-                         db.bind_blob(1, "a", 1, nullptr),
-                         db.step(),
-                         db.reset(),
-                         db.finalize()};
-    for (const int code : codes) EXPECT_EQ(code, 21);
-    EXPECT_TRUE(db.column_blob(0) == nullptr && db.column_text(0) == nullptr);
-    EXPECT_EQ(db.column_bytes(0) + db.column_int(0) + db.column_double(0), 0);
-  }
-  static void expectClosed(Sqlite3DB& db) {
-    char** cells = nullptr;
-    int count = 0;
-    expectNoStatement(db);
-    for (const int code : {db.setKey("k", 1), db.exec("select 1"), db.prepare_v2("select 1", -1),
-                           db.get_table("select 1", &cells, &count, &count)}) {
-      EXPECT_EQ(code, 21);
-    }
-    db.free_table(cells);
-  }
-  Sqlite3DB db;
-};
+using namespace tovr;
 
-TEST_F(Sqlite3DBTest, HeaderAndLibraryAgree) {
+TEST(EngineTest, HeaderAndLibraryAgree) {
   EXPECT_STREQ(SQLITE_VERSION, sqlite3_libversion());
   EXPECT_EQ(sqlite3_compileoption_used("HAS_CODEC"), 1);
 }
 
-TEST_F(Sqlite3DBTest, WhileClosedEverythingAnswersAndAFailedOpenKeepsItsReason) {
-  expectClosed(db);
-  EXPECT_EQ(db.close(), 21);
-  EXPECT_STREQ(db.errMsg(), "no database file is open");
-  EXPECT_EQ(db.open(nullptr), 21);
-  EXPECT_EQ(db.open(path("no folder/a.db").c_str()), 14);
-  expectClosed(db);
-  EXPECT_EQ(db.errCode(), 14);
-  EXPECT_STREQ(db.errMsg(), "unable to open database file");
-  ASSERT_EQ(db.open(path("a.db").c_str()), 0);
-  expectNoStatement(db);
-  EXPECT_EQ(db.prepare_v2(nullptr, 0), 21);
-  EXPECT_EQ(db.close(), 0);
-  expectClosed(db);
-}
+class Sqlite3DBTest : public FolderTest {
+ protected:
+  static int setKey(Sqlite3DB& db) { return db.setKey(kRawKey, sizeof kRawKey - 1); }
 
-TEST_F(Sqlite3DBTest, StatementsAreReplacedAndNeverKeepAFileOpen) {
-  for (const char* name : {"a.db", "b.db", "a.db"}) {
-    ASSERT_EQ(db.open(path(name).c_str()), 0);  // closes the file before, live statement and all
-    ASSERT_EQ(setKey(db), 0);
-    ASSERT_EQ(db.exec("create table if not exists t(a); insert into t values(1), (2)"), 0);
-    ASSERT_EQ(db.prepare_v2("select a from t", -1), 0);
-    ASSERT_EQ(db.step(), 100);
-    ASSERT_EQ(db.prepare_v2("select 7 union select 8; not read", 24), 0);
-    ASSERT_EQ(db.step(), 100);
-    EXPECT_EQ(db.column_int(0), 7);
+  void expectNoStatement() {
+    EXPECT_EQ(db.bind_int(1, 1), SQLITE_MISUSE);
+    EXPECT_EQ(db.bind_int64(1, 1), SQLITE_MISUSE);
+    EXPECT_EQ(db.bind_double(1, 1), SQLITE_MISUSE);
+    EXPECT_EQ(db.bind_text(1, "a", 1, nullptr), SQLITE_MISUSE);
+    EXPECT_EQ(db.bind_null(1), SQLITE_MISUSE);
+    EXPECT_EQ(db.bind_blob(1, "a", 1, nullptr), SQLITE_MISUSE);
+    EXPECT_EQ(db.step(), SQLITE_MISUSE);
+    EXPECT_EQ(db.reset(), kOk);
+    EXPECT_EQ(db.finalize(), kOk);
+    EXPECT_EQ(db.column_blob(0), nullptr);
+    EXPECT_EQ(db.column_text(0), nullptr);
+    EXPECT_EQ(db.column_bytes(0), 0);
+    EXPECT_EQ(db.column_int(0), 0);
+    EXPECT_EQ(db.column_double(0), 0);
   }
-  EXPECT_EQ(db.prepare_v2("nonsense", -1), 1);
-  expectNoStatement(db);
-  ASSERT_EQ(db.prepare_v2("select count(*) from t", -1), 0);
-  ASSERT_EQ(db.step(), 100);
-  EXPECT_EQ(db.column_int(0), 4);
-  EXPECT_EQ(db.close(), 0);
-  ASSERT_EQ(db.open(path("a.db").c_str()), 0);
-  ASSERT_EQ(db.prepare_v2("select 1", -1), 0);
-  ASSERT_EQ(db.step(), 100);  // and is destroyed like this
+
+  void expectClosed() {
+    char** cells = nullptr;
+    int count = 0;
+    expectNoStatement();
+    EXPECT_EQ(db.setKey("k", 1), SQLITE_MISUSE);
+    EXPECT_EQ(db.exec("select 1"), SQLITE_MISUSE);
+    EXPECT_EQ(db.prepare_v2("select 1", -1), SQLITE_MISUSE);
+    EXPECT_EQ(db.get_table("select 1", &cells, &count, &count), SQLITE_MISUSE);
+    db.free_table(cells);
+  }
+
+  Sqlite3DB db;
+};
+
+TEST_F(Sqlite3DBTest, BeforeAFileIsOpenedEverythingAnswers) {
+  expectClosed();
+  EXPECT_EQ(db.close(), kOk);
+  EXPECT_STREQ(db.errMsg(), "no database file is open");
+  EXPECT_EQ(db.open(nullptr), SQLITE_MISUSE);
 }
 
-TEST_F(Sqlite3DBTest, DestructorsOfBoundDataRunAndFullOrLockedFilesAnswerTheirCodes) {
+TEST_F(Sqlite3DBTest, AFailedOpenKeepsItsReason) {
+  EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN);
+  expectClosed();
+  EXPECT_EQ(db.errCode(), SQLITE_CANTOPEN);
+  EXPECT_STREQ(db.errMsg(), "unable to open database file");
+  EXPECT_EQ(db.open(path("a.db").c_str()), kOk);
+}
+
+TEST_F(Sqlite3DBTest, WithoutAStatementEverythingAnswers) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  expectNoStatement();
+  EXPECT_EQ(db.prepare_v2(nullptr, 0), SQLITE_MISUSE);
+  EXPECT_EQ(db.prepare_v2("nonsense", -1), SQLITE_ERROR);
+  expectNoStatement();
+  EXPECT_EQ(db.close(), kOk);
+  expectClosed();
+}
+
+TEST_F(Sqlite3DBTest, AStatementIsReplacedByTheNext) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  ASSERT_EQ(db.prepare_v2("select 6", -1), kOk);
+  ASSERT_EQ(db.step(), kStepRow);
+  ASSERT_EQ(db.prepare_v2("select 7 union select 8; not read", 24), kOk);
+  ASSERT_EQ(db.step(), kStepRow);
+  EXPECT_EQ(db.column_int(0), 7);
+}
+
+TEST_F(Sqlite3DBTest, ALiveStatementNeverKeepsAFileOpen) {
+  for (const char* name : {"a.db", "b.db", "a.db"}) {
+    ASSERT_EQ(db.open(path(name).c_str()), kOk) << "closes the file before";
+    ASSERT_EQ(setKey(db), kOk);
+    ASSERT_EQ(db.exec("create table if not exists t(a); insert into t values(1), (2)"), kOk);
+    ASSERT_EQ(db.prepare_v2("select count(*) from t", -1), kOk);
+    ASSERT_EQ(db.step(), kStepRow);
+  }
+  EXPECT_EQ(db.column_int(0), 4);
+  EXPECT_EQ(db.close(), kOk);
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  ASSERT_EQ(db.prepare_v2("select 1", -1), kOk);
+  ASSERT_EQ(db.step(), kStepRow);  // and is destroyed like this
+}
+
+class OpenSqlite3DBTest : public Sqlite3DBTest {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+    ASSERT_EQ(setKey(db), kOk);
+    ASSERT_EQ(db.exec("create table t(a, b)"), kOk);
+  }
+};
+
+TEST_F(OpenSqlite3DBTest, DestructorsOfBoundDataRunAlsoWhereTheDataIsRefused) {
   static int destroyed = 0;
   const auto destroy = +[](void*) { ++destroyed; };
-  ASSERT_EQ(db.open(path("a.db").c_str()), 0);
-  ASSERT_EQ(setKey(db), 0);
-  ASSERT_EQ(db.exec("create table t(a, b)"), 0);
-  ASSERT_EQ(db.prepare_v2("insert into t values(?, ?)", -1), 0);
+  ASSERT_EQ(db.prepare_v2("insert into t values(?, ?)", -1), kOk);
   std::string text = "text";
-  EXPECT_EQ(db.bind_text(1, text.data(), 4, destroy), 0);
-  EXPECT_EQ(db.bind_blob(2, text.data(), -1, destroy), 21);
-  EXPECT_EQ(db.bind_int(3, 1), 25);
-  EXPECT_EQ(db.step(), 101);
-  EXPECT_EQ(db.finalize(), 0);
+  EXPECT_EQ(db.bind_text(1, text.data(), 4, destroy), kOk);
+  EXPECT_EQ(db.bind_blob(2, text.data(), -1, destroy), SQLITE_MISUSE);
+  EXPECT_EQ(db.bind_int(3, 1), SQLITE_RANGE);
+  EXPECT_EQ(db.step(), kStepDone);
+  EXPECT_EQ(db.finalize(), kOk);
   EXPECT_EQ(destroyed, 2);
-  EXPECT_EQ(db.exec("PRAGMA max_page_count = 2; insert into t values(zeroblob(100000), 0)"), 13);
+}
+
+TEST_F(OpenSqlite3DBTest, AFullFileAnswersItsCode) {
+  EXPECT_EQ(db.exec("PRAGMA max_page_count = 2; insert into t values(zeroblob(100000), 0)"), SQLITE_FULL);
+}
+
+TEST_F(OpenSqlite3DBTest, AFileThatAnotherWritesAnswersBusyAndWorksAgainAfterwards) {
   Sqlite3DB other;
-  ASSERT_EQ(other.open(path("a.db").c_str()), 0);
-  ASSERT_EQ(setKey(other), 0);
-  ASSERT_EQ(other.exec("begin exclusive"), 0);
-  EXPECT_EQ(db.exec("insert into t values(0, 0)"), 5);
-  ASSERT_EQ(other.exec("rollback"), 0);
-  EXPECT_EQ(db.exec("insert into t values(0, 0)"), 0);
+  ASSERT_EQ(other.open(path("a.db").c_str()), kOk);
+  ASSERT_EQ(setKey(other), kOk);
+  ASSERT_EQ(other.exec("begin exclusive"), kOk);
+  EXPECT_EQ(db.exec("insert into t values(0, 0)"), SQLITE_BUSY);
+  ASSERT_EQ(other.exec("rollback"), kOk);
+  EXPECT_EQ(db.exec("insert into t values(0, 0)"), kOk);
+}
+
+TEST_F(Sqlite3DBTest, AfterCloseNothingIsLeftOfTheLastResult) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  EXPECT_EQ(db.exec("nonsense"), SQLITE_ERROR);
+  EXPECT_EQ(db.errCode(), SQLITE_ERROR);
+  EXPECT_EQ(db.close(), kOk);
+  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
+  EXPECT_STREQ(db.errMsg(), "no database file is open");
+  EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN);
+  EXPECT_EQ(db.errCode(), SQLITE_CANTOPEN);
+  EXPECT_EQ(db.close(), kOk);
+  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
+  EXPECT_EQ(db.close(), kOk);
+}
+
+TEST_F(Sqlite3DBTest, TablesWriteEveryOutputThatThereIs) {
+  static char cell[] = "not null";
+  static char* row[] = {cell};
+  char** cells = row;
+  int rows = 7;
+  int columns = 7;
+  const auto get = [&](const char* sql, char*** result, int* rowCount, int* columnCount) {
+    cells = row;
+    rows = columns = 7;
+    return db.get_table(sql, result, rowCount, columnCount);
+  };
+  const auto expectNothing = [&] {
+    EXPECT_EQ(cells, nullptr);
+    EXPECT_EQ(rows, 0);
+    EXPECT_EQ(columns, 0);
+    db.free_table(cells);
+  };
+  EXPECT_EQ(get("select 1", &cells, &rows, &columns), SQLITE_MISUSE);
+  expectNothing();
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  EXPECT_EQ(get("nonsense", &cells, &rows, &columns), SQLITE_ERROR);
+  expectNothing();
+  EXPECT_EQ(get(nullptr, &cells, &rows, &columns), SQLITE_MISUSE);
+  expectNothing();
+  EXPECT_EQ(get("select 1", nullptr, &rows, &columns), SQLITE_MISUSE);
+  EXPECT_EQ(rows, 0);
+  EXPECT_EQ(columns, 0);
+  EXPECT_EQ(get("select 1", &cells, nullptr, &columns), kOk);
+  EXPECT_EQ(columns, 1);
+  EXPECT_STREQ(cells[1], "1");
+  db.free_table(cells);
+  EXPECT_EQ(get("select 1", &cells, &rows, nullptr), kOk);
+  EXPECT_EQ(rows, 1);
+  db.free_table(cells);
+  EXPECT_EQ(get("select 1", nullptr, nullptr, nullptr), SQLITE_MISUSE);
+}
+
+// The engine counts the memory of its connections and statements.
+TEST_F(Sqlite3DBTest, NothingOfAFileStaysWhenAnotherFollows) {
+  const auto useWithoutEnd = [&](const char* name) {
+    EXPECT_EQ(db.open(path(name).c_str()), kOk);
+    EXPECT_EQ(setKey(db), kOk);
+    EXPECT_EQ(db.exec("create table if not exists t(a); insert into t values(1)"), kOk);
+    EXPECT_EQ(db.prepare_v2("select a from t", -1), kOk);
+    EXPECT_EQ(db.step(), kStepRow);
+  };
+  const auto failToOpen = [&] { EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN); };
+  const auto keyWrongly = [&] {  // with a live statement
+    EXPECT_EQ(db.open(path("a.db").c_str()), kOk);
+    EXPECT_EQ(db.prepare_v2("select 1", -1), kOk);
+    EXPECT_EQ(db.step(), kStepRow);
+    EXPECT_EQ(db.setKey("wrong", 5), kOk);
+    EXPECT_EQ(db.exec("select * from t"), SQLITE_NOTADB);
+  };
+  const std::pair<const char*, std::function<void()>> ways[] = {
+      {"closed", [&] { useWithoutEnd("a.db"); }},
+      {"followed by another", [&] { useWithoutEnd("a.db"), useWithoutEnd("b.db"); }},
+      {"followed by one that cannot be opened", [&] { useWithoutEnd("a.db"), failToOpen(); }},
+      {"that cannot be opened, followed by another", [&] { failToOpen(), useWithoutEnd("a.db"); }},
+      {"keyed wrongly", keyWrongly}};
+  useWithoutEnd("a.db");  // what the engine keeps for good, it has then
+  ASSERT_EQ(db.close(), kOk);
+  const sqlite3_int64 before = sqlite3_memory_used();
+  for (const auto& [name, way] : ways) {
+    way();
+    EXPECT_EQ(db.close(), kOk) << name;
+    EXPECT_EQ(sqlite3_memory_used(), before) << "a file " << name;
+  }
+}
+
+TEST_F(Sqlite3DBTest, AFailedStatementDoesNotHideWhyTheNextIsRefused) {
+  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
+  ASSERT_EQ(db.exec("create table t(a not null)"), kOk);
+  ASSERT_EQ(db.prepare_v2("insert into t values(null)", -1), kOk);
+  EXPECT_EQ(db.step(), SQLITE_CONSTRAINT);
+  EXPECT_EQ(db.prepare_v2("nonsense", -1), SQLITE_ERROR);
+  EXPECT_EQ(db.errCode(), SQLITE_ERROR);
+  EXPECT_STREQ(db.errMsg(), "near \"nonsense\": syntax error");
 }
 
 }  // namespace tovrtest

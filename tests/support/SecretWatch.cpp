@@ -39,7 +39,8 @@ void rememberPayload(const std::vector<unsigned char>& payload) {
 
 void expectNoSecrets(const std::string& bytes, const std::string& where, Payload payload) {
   EXPECT_FALSE(holds(bytes, kKeys)) << "a key in " << where;
-  EXPECT_FALSE(payload == Payload::kForbidden && holds(bytes, payloads)) << "a payload in " << where;
+  if (payload == Payload::kAskedFor) return;
+  EXPECT_FALSE(holds(bytes, payloads)) << "a payload in " << where;
 }
 
 void expectNoSecretsIn(const fs::path& folder, const std::set<std::string>& written) {

@@ -83,8 +83,8 @@ TEST_F(WindowsTest, DatabasePathsAreUtf8AndTextPathsOfTheAnsiCodePage) {
     return std::filesystem::exists(folder / std::filesystem::path(file));
   };
   tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
-  EXPECT_EQ(host.manager().openDB(folder + "w\xC3\xA4nd", kRawKey), 0);
-  EXPECT_EQ(host.manager().createTables(), 0);
+  EXPECT_EQ(host.manager().openDB(folder + "w\xC3\xA4nd", kRawKey), kOk);
+  EXPECT_EQ(host.manager().createTables(), kOk);
   EXPECT_TRUE(exists(name));
 
   char narrow[16] = {};
@@ -105,13 +105,13 @@ TEST_F(WindowsTest, TheToolsPathsAreUtf8AsItHandsThemToTheFileSystem) {
 
 TEST_F(WindowsTest, ExceptionsOfTheLibraryAreCaughtByTheHostThoughEachHasItsOwnRuntime) {
   tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
-  ASSERT_EQ(host.manager().openDB(path("a.db"), kRawKey), 0);
+  ASSERT_EQ(host.manager().openDB(path("a.db"), kRawKey), kOk);
   ASSERT_EQ(host.connection().exec("create table Screen_Info(id, dbid, screenname, top, left, bottom, right);"
                                    "insert into Screen_Info values(1, 1, 'a', 'no number', 0, 0, 0)"),
-            0);
+            kOk);
   const auto screens = host.makeRecord<ScreenInfoDataResult>();
   EXPECT_THROW(host.manager().queryData(screens.get()), std::invalid_argument);
-  EXPECT_EQ(host.manager().closeDB(), 0);
+  EXPECT_EQ(host.manager().closeDB(), kOk);
 }
 
 TEST_F(WindowsTest, NothingOfTheLibraryStaysOnceItIsUnloaded) {
@@ -119,7 +119,7 @@ TEST_F(WindowsTest, NothingOfTheLibraryStaysOnceItIsUnloaded) {
     {
       tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
       Bytes output;
-      EXPECT_EQ(host.manager().openDB(path("a.db"), kRawKey), 0);  // both engines are at work
+      EXPECT_EQ(host.manager().openDB(path("a.db"), kRawKey), kOk);  // both engines are at work
       EXPECT_TRUE(host.encryption().encrypt(kKey, kKey, Bytes(8), output));
       EXPECT_NE(GetModuleHandleA("tovrdatabaseservice.dll"), nullptr);
     }

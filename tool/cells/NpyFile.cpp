@@ -205,6 +205,12 @@ Dtype parseDtype(const std::string& name) {
   throw std::invalid_argument(fmt::format("the type {} is not one of {}", name, fmt::join(names, ", ")));
 }
 
+std::vector<std::string> dtypeNames() {
+  std::vector<std::string> names;
+  for (const NamedDtype& known : kDtypes) names.emplace_back(known.name);
+  return names;
+}
+
 NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
   const HeaderPlace place = placeHeader(file, name);
   const auto headerBegin = file.begin() + static_cast<std::ptrdiff_t>(place.offset);

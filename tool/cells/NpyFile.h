@@ -18,14 +18,17 @@ struct Dtype {
 // Takes NumPy's names (uint16, float32, ...) and type strings (<u2). Throws std::invalid_argument for others.
 Dtype parseDtype(const std::string& name);
 
+// Every name that parseDtype knows.
+std::vector<std::string> dtypeNames();
+
 struct NpyArray {
   Dtype dtype;
   std::vector<std::size_t> shape;
   std::vector<unsigned char> bytes;  // exactly as many as shape and dtype say
 };
 
-// The array in the bytes of a file. Throws ToolError, which names `name`, when they are not such an array: truncated, too
-// long, in Fortran order, big-endian, or of another kind of type.
+// The array in the bytes of a file. Throws ToolError, which names `name`, when they are not such an array: truncated,
+// too long, in Fortran order, big-endian, or of another kind of type.
 NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name);
 
 // What precedes the numbers in a file of version 1.0; its length is a multiple of 64.

@@ -59,6 +59,10 @@ CLI::Option* addFile(CLI::App& command, std::string& file) {
   return command.add_option("FILE", file, "The database file")->required();
 }
 
+CLI::Option* addScreenName(CLI::App& command, std::string& name) {
+  return command.add_option("--screen", name, "The screen's name, in databases of type 1");
+}
+
 CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::string& description) {
   return addParsed(command, "--rect", rect, parseRect, description)->type_name("L,T,R,B");
 }

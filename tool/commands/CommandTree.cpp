@@ -1,7 +1,19 @@
 #include "tool/commands/CommandTree.h"
 
+#include "tool/cells/NpyFile.h"
+
 namespace tovrtool {
 namespace {
+
+// Those of a CLI::IsMember, which adds "{first,second}" to the name of the type, and the types of numbers.
+std::vector<std::string> choicesOf(const CLI::Option& option) {
+  if (option.check_lname("dtype")) return dtypeNames();
+  const std::string type = option.get_type_name();
+  const std::size_t begin = type.find('{');
+  const std::size_t end = type.find('}');
+  if (begin == std::string::npos || end == std::string::npos) return {};
+  return CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',');
+}
 
 OptionPage pageOf(const CLI::Option& option) {
   OptionPage page;
@@ -9,6 +21,7 @@ OptionPage pageOf(const CLI::Option& option) {
   for (const std::string& name : option.get_lnames()) page.names.push_back("--" + name);
   const bool flag = option.get_items_expected_max() == 0;
   if (!flag) page.value = page.names.empty() ? option.get_single_name() : option.get_type_name();
+  if (!flag) page.choices = choicesOf(option);
   page.description = option.get_description();
   page.required = option.get_required();
   return page;

@@ -8,8 +8,9 @@
 namespace tovrtool {
 
 struct OptionPage {
-  std::vector<std::string> names;  // "-o", "--output"; empty for a positional
-  std::string value;               // "FILE"; empty for a flag
+  std::vector<std::string> names;    // "-o", "--output"; empty for a positional
+  std::string value;                 // "FILE"; empty for a flag
+  std::vector<std::string> choices;  // all the values that it takes; empty where that is no short list
   std::string description;
   bool required;
 };

@@ -9,6 +9,7 @@ class CommandGroup;
 void addCheckCommand(CommandGroup& program);
 void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
 void addCoefCommands(CommandGroup& program);    // coef put, get, list, stats
+void addCoefPutCommand(CommandGroup& coef);
 void addCoefStatsCommand(CommandGroup& coef);
 void addCreateCommand(CommandGroup& program);
 void addDataCommands(CommandGroup& program);  // data put, get, list

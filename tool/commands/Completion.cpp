@@ -5,14 +5,21 @@
 namespace tovrtool {
 namespace {
 
-// What may follow a command: its subcommands, its options and the program's own.
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+// What may follow a command: its subcommands, its options and the program's own, and what it takes by itself.
 std::string wordsAfter(const CommandPage& page, const CommandPage& program) {
   std::string words;
   const auto add = [&words](const std::vector<std::string>& more) {
-    for (const std::string& word : more) words += (words.empty() ? "" : " ") + word;
+    if (!more.empty()) words += (words.empty() ? "" : " ") + joined(more);
   };
   add(page.subcommands);
   for (const OptionPage& option : page.options) add(option.names);
+  for (const OptionPage& positional : page.positionals) add(positional.choices);
   if (page.name.empty()) return words;
   for (const OptionPage& option : program.options) {
     if (option.names.back() != "--help" && option.names.back() != "--version") add(option.names);
@@ -29,41 +36,65 @@ std::string shellQuoted(const std::string& text) {
 
 std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-// The words of the command so far, options left out, name a page; bash and zsh share the function that looks it up.
-std::string lookupFunction(const std::vector<CommandPage>& pages) {
+// Cases of a command, or of any where that is empty, and an option that takes a value.
+std::string valueCases(const std::string& command, const std::vector<OptionPage>& options) {
+  std::string text;
+  for (const OptionPage& option : options) {
+    if (option.value.empty()) continue;
+    std::string pattern;
+    for (const std::string& name : option.names) {
+      pattern +=
+          (pattern.empty() ? "" : "|") + std::string(command.empty() ? "*" : "") + shellQuoted(command + " " + name);
+    }
+    text +=
+        "    " + pattern + ") echo " + shellQuoted(option.choices.empty() ? "FILE" : joined(option.choices)) + " ;;\n";
+  }
+  return text;
+}
+
+// Bash and zsh share the functions that look things up. The words of the command so far, options left out, name a page;
+// what an option of it takes are words, a file name where they are none, and nothing after a flag.
+std::string lookupFunctions(const std::vector<CommandPage>& pages) {
   std::string text = "_tovrdb_words() {\n  case \"$1\" in\n";
   for (const CommandPage& page : pages) {
     text += "    " + shellQuoted(page.name) + ") echo " + shellQuoted(wordsAfter(page, pages.front())) + " ;;\n";
   }
-  return text + "  esac\n}\n";
+  text += "  esac\n}\n_tovrdb_values() {\n  case \"$1 $2\" in\n";
+  for (const CommandPage& page : pages) {
+    if (!page.name.empty()) text += valueCases(page.name, page.options);
+  }
+  return text + valueCases("", pages.front().options) + "  esac\n}\n";
 }
 
 }  // namespace
 
 std::string bashCompletion(const std::vector<CommandPage>& pages) {
-  return "# bash completion of tovrdb; made by \"tovrdb completion bash\"\n" + lookupFunction(pages) +
+  return "# bash completion of tovrdb; made by \"tovrdb completion bash\"\n" + lookupFunctions(pages) +
          R"sh(_tovrdb() {
   local current=${COMP_WORDS[COMP_CWORD]} command= word next
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     next="${command:+$command }$word"
     [ -n "$(_tovrdb_words "$next")" ] && command=$next
   done
-  COMPREPLY=($(compgen -W "$(_tovrdb_words "$command")" -- "$current"))
+  local values=$(_tovrdb_values "$command" "${COMP_WORDS[COMP_CWORD-1]}")
+  COMPREPLY=()
+  [ "$values" = FILE ] || COMPREPLY=($(compgen -W "${values:-$(_tovrdb_words "$command")}" -- "$current"))
 }
 complete -o default -F _tovrdb tovrdb
 )sh";
 }
 
 std::string zshCompletion(const std::vector<CommandPage>& pages) {
-  return "#compdef tovrdb\n# made by \"tovrdb completion zsh\"\n" + lookupFunction(pages) +
+  return "#compdef tovrdb\n# made by \"tovrdb completion zsh\"\n" + lookupFunctions(pages) +
          R"sh(_tovrdb() {
-  local command= word next
+  local command= word next values
   for word in "${(@)words[2,CURRENT-1]}"; do
     next="${command:+$command }$word"
     [ -n "$(_tovrdb_words "$next")" ] && command=$next
   done
-  compadd -- ${(s: :)"$(_tovrdb_words "$command")"}
-  _files
+  values=$(_tovrdb_values "$command" "${words[CURRENT-1]}")
+  [ "$values" = FILE ] || compadd -- ${(s: :)"${values:-$(_tovrdb_words "$command")}"}
+  case $values in FILE|'') _files ;; esac
 }
 _tovrdb "$@"
 )sh";
@@ -83,11 +114,17 @@ std::string fishCompletion(const std::vector<CommandPage>& pages) {
       const std::string unseen = condition.empty() ? " -n __fish_use_subcommand" : when;
       text += "complete -c tovrdb" + unseen + " -a " + command + "\n";
     }
+    for (const OptionPage& positional : page.positionals) {
+      if (!positional.choices.empty()) {
+        text += "complete -c tovrdb" + when + " -f -a " + shellQuoted(joined(positional.choices)) + "\n";
+      }
+    }
     for (const OptionPage& option : page.options) {
       text += "complete -c tovrdb" + when;
       for (const std::string& name : option.names)
         text += name[1] == '-' ? " -l " + name.substr(2) : " -s " + name.substr(1);
-      if (!option.value.empty()) text += " -r";
+      if (!option.value.empty()) text += option.choices.empty() ? " -r -F" : " -x";
+      if (!option.choices.empty()) text += " -a " + shellQuoted(joined(option.choices));
       text += " -d " + shellQuoted(firstLine(option.description)) + "\n";
     }
   }

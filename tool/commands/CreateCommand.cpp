@@ -36,11 +36,7 @@ void describe(Session& session, const Options& options) {
 }
 
 void create(Context& context, const Options& options) {
-  std::error_code error;
-  if (fs::exists(fs::symlink_status(pathOf(options.file), error))) {
-    throw ToolError(kFileProblem, "the file exists already and was not touched");
-  }
-  UnfinishedFile unfinished(options.file, Existing::kRefuse, "-journal");
+  UnfinishedFile unfinished(options.file, Existing::kKeep, "-journal");
   Session session =
       Session::openNew(context.options.plugin, unfinished.path(), readKey(context.options.keyFile, KeyUse::kCreate));
   session.require(session.manager().createTables());

@@ -15,6 +15,8 @@
 namespace tovrtool {
 namespace {
 
+constexpr int kCellBytes = 2 * 9;
+
 struct Options {
   CellPair size{1920, 1080};
   CellPair cabinet{160, 180};
@@ -71,6 +73,7 @@ void sample(Context& context, const Options& options) {
     throw ToolError(kUsage, "the rectangle {} lies outside the wall, {}", toText(rect), toText(wall));
   }
   ByteOutput output(context.output, options.output, "");
+  output.requireRoom(static_cast<double>(rowsOf(rect)) * static_cast<double>(columnsOf(rect)) * kCellBytes);
   if (!options.raw) {
     output.write(npyHeader(parseDtype("uint16"),
                            {static_cast<std::size_t>(rowsOf(rect)), static_cast<std::size_t>(columnsOf(rect)), 9}));
@@ -108,7 +111,9 @@ void addSampleCommand(CommandGroup& program) {
   addSize(command, "--size", options.size, "The wall's cells [1920x1080]");
   addRect(command, options.rect, "Only this part of the wall, the same to the byte as cut out of the whole");
   addSize(command, "--cabinet", options.cabinet, "The cells of a cabinet [160x180]");
-  command.add_option("--seed", options.seed, "Another number gives another wall")->capture_default_str();
+  command.add_option("--seed", options.seed, "Another number gives another wall")
+      ->check([](const std::string& text) { return text.rfind('-', 0) == 0 ? text + " is below 0" : std::string(); })
+      ->capture_default_str();
   command.add_flag("--raw", options.raw, "Write the bare cells without a header");
 }
 

@@ -8,16 +8,20 @@
 namespace tovrtool {
 
 ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source)
-    : standard_(standard) {
+    : standard_(standard), force_(options.force) {
   std::error_code error;
   if (std::filesystem::equivalent(pathOf(options.path), pathOf(source), error)) {
     throw ToolError(kUsage, "the output would replace the database that it is read from");
   }
-  if (options.path == "-") {
+  if (options.path == "-" || descriptorNamed(options.path) == kStandardOutput) {
     standard_.refuseTerminal();
   } else {
     file_.emplace(options.path, options.force ? Existing::kReplace : Existing::kRefuse);
   }
+}
+
+void ByteOutput::requireRoom(double bytes) const {
+  if (file_ && !force_) file_->requireRoom(bytes);
 }
 
 void ByteOutput::write(const void* bytes, std::size_t size) {

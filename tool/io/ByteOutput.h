@@ -12,7 +12,7 @@
 namespace tovrtool {
 
 struct OutputOptions {
-  std::string path;  // "-" is standard output
+  std::string path;  // "-", or a name of it such as "/dev/stdout", is standard output
   bool force = false;
 };
 
@@ -22,6 +22,10 @@ class ByteOutput {
   // (if any): asked before the work, not after.
   ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
 
+  // Throws ToolError where a new file is to hold `bytes` and the disk has no room for them, unless told to replace
+  // whatever there is.
+  void requireRoom(double bytes) const;
+
   void write(const void* bytes, std::size_t size);
   void write(const std::string& text) { write(text.data(), text.size()); }
   void write(const std::vector<unsigned char>& bytes) { write(bytes.data(), bytes.size()); }
@@ -30,6 +34,7 @@ class ByteOutput {
 
  private:
   StandardOutput& standard_;
+  bool force_;
   std::optional<FileOutput> file_;
 };
 

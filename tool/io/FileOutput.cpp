@@ -28,9 +28,9 @@ std::string followedLink(const std::string& path) {
   return error ? path : textOf(target);
 }
 
-void refuseExisting(const std::string& path) {
-  throw ToolError(kFileProblem, "{} exists already and was not touched: give another name, or --force to replace",
-                  path);
+void refuseExisting(const std::string& path, Existing existing) {
+  throw ToolError(kFileProblem, "{} exists already and was not touched: give another name{}", path,
+                  existing == Existing::kRefuse ? ", or --force to replace it" : "");
 }
 
 void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing) {
@@ -41,9 +41,12 @@ void moveIntoPlace(const std::string& temporary, const std::string& path, Existi
     fs::rename(pathOf(temporary), pathOf(path), error);
     if (error) throw ToolError(kFileProblem, "cannot replace {}: {}", path, error.message());
   } else if (!tovr::renameWithoutReplacing(temporary, path)) {
-    if (errno == EEXIST) refuseExisting(path);
+    if (errno == EEXIST) refuseExisting(path, existing);
     throw ToolError(kFileProblem, "cannot move the new file to {}: {}", path, systemError());
   }
+  std::error_code error;
+  flushFolder(
+      textOf(fs::absolute(pathOf(path), error).parent_path()));  // where it fails, the file is there all the same
 }
 
 std::string temporaryNameBeside(const std::string& path) {
@@ -54,14 +57,15 @@ std::string temporaryNameBeside(const std::string& path) {
 }
 
 FileOutput::FileOutput(const std::string& path, Existing existing)
-    : path_(followedLink(path)), existing_(existing), device_(isDevice(path_)) {
+    : path_(followedLink(path)), existing_(existing), direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
   std::error_code error;
   const fs::file_status status = fs::status(pathOf(path_), error);
   if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
-  if (device_) {
-    file_.reset(std::fopen(path_.c_str(), "wb"));
+  if (direct_) {
+    const int descriptor = descriptorNamed(path);
+    file_ = descriptor >= 0 ? duplicateAsStream(descriptor) : FileHandle(std::fopen(path_.c_str(), "wb"));
   } else {
-    if (fs::exists(status) && existing == Existing::kRefuse) refuseExisting(path);
+    if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
     const std::string name = temporaryNameBeside(path_);
     removed_.emplace(name);
     file_ = createNew(name);
@@ -75,14 +79,23 @@ FileOutput::~FileOutput() {
   if (!temporary_.empty()) std::remove(temporary_.c_str());
 }
 
+void FileOutput::requireRoom(double bytes) const {
+  std::error_code error;
+  const fs::space_info space = fs::space(fs::absolute(pathOf(path_), error).parent_path(), error);
+  if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
+  throw ToolError(kFileProblem,
+                  "{} would take {:.1f} GB, and the disk has room for {:.1f} GB; --force writes all the same", path_,
+                  bytes / 1e9, static_cast<double>(space.available) / 1e9);
+}
+
 void FileOutput::write(const void* bytes, std::size_t size) {
   if (size != 0 && std::fwrite(bytes, 1, size, file_.get()) != size) fail("write");
 }
 
 void FileOutput::commit() {
-  if (device_ ? std::fflush(file_.get()) != 0 : !flushToDisk(file_.get())) fail("write");
+  if (direct_ ? std::fflush(file_.get()) != 0 : !flushToDisk(file_.get())) fail("write");
   if (std::fclose(file_.release()) != 0) fail("write");
-  if (device_) return;
+  if (direct_) return;
   moveIntoPlace(temporary_, path_, existing_);
   temporary_.clear();
 }

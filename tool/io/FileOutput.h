@@ -10,7 +10,11 @@
 
 namespace tovrtool {
 
-enum class Existing { kRefuse, kReplace };
+enum class Existing {
+  kRefuse,  // the command has --force, and it was not given
+  kKeep,    // there is no --force
+  kReplace,
+};
 
 // A name for an unfinished file beside `path` that nothing else has.
 std::string temporaryNameBeside(const std::string& path);
@@ -18,9 +22,10 @@ std::string temporaryNameBeside(const std::string& path);
 // Where a link leads, else `path` itself: the file is to be replaced, not the link.
 std::string followedLink(const std::string& path);
 
-[[noreturn]] void refuseExisting(const std::string& path);
+[[noreturn]] void refuseExisting(const std::string& path, Existing existing);
 
-// Gives the complete file `temporary` its name, in the same folder. Throws ToolError; `path` is untouched then.
+// Gives the complete file `temporary` its name, in the same folder, and flushes the name to the disk. Throws ToolError;
+// `path` is untouched then.
 void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing);
 
 class FileOutput {
@@ -32,6 +37,9 @@ class FileOutput {
   // Removes what was not committed; so does an interrupt.
   ~FileOutput();
 
+  // Throws ToolError where the disk has no room for so many bytes.
+  void requireRoom(double bytes) const;
+
   // Throw ToolError when the disk does not take it; what `path` held before is untouched then.
   void write(const void* bytes, std::size_t size);
   void commit();
@@ -41,7 +49,7 @@ class FileOutput {
 
   std::string path_;
   Existing existing_;
-  bool device_;            // a device or pipe: written to directly, there is nothing to replace
+  bool direct_;            // a device, a pipe or an open descriptor: written to, there is nothing to replace
   std::string temporary_;  // empty: there is none
   std::optional<InterruptibleFile> removed_;
   FileHandle file_;

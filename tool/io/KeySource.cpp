@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <stdexcept>
 
 #include "tool/system/Paths.h"
 #include "tool/system/Platform.h"
@@ -17,17 +16,11 @@ std::string keyFromPrompt(KeyUse use, const KeyKind& kind) {
   if (!isTerminal(kStandardInput)) {
     throw ToolError(kKeyProblem, "no key: give {} FILE, set {}, or run it on a terminal", kind.option, kind.variable);
   }
-  try {
-    std::string key = readWithoutEcho(fmt::format("{}: ", kind.prompt));
-    if (use == KeyUse::kCreate && key != readWithoutEcho(fmt::format("{} again: ", kind.prompt))) {
-      throw ToolError(kKeyProblem, "the two keys differ: nothing was done");
-    }
-    return key;
-  } catch (const ToolError&) {
-    throw;
-  } catch (const std::runtime_error& error) {
-    throw ToolError(kKeyProblem, error.what());
+  std::string key = readWithoutEcho(fmt::format("{}: ", kind.prompt));
+  if (use == KeyUse::kCreate && key != readWithoutEcho(fmt::format("{} again: ", kind.prompt))) {
+    throw ToolError(kKeyProblem, "the two keys differ: nothing was done");
   }
+  return key;
 }
 
 std::string keyFromAnywhere(const std::string& keyFile, KeyUse use, const KeyKind& kind) {

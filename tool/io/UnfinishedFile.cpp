@@ -16,7 +16,7 @@ void requirePlace(const std::string& path, Existing existing) {
   std::error_code error;
   const fs::file_status status = fs::symlink_status(pathOf(path), error);
   if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
-  if (fs::exists(status) && existing == Existing::kRefuse) refuseExisting(path);
+  if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
   const fs::path folder = fs::absolute(pathOf(path), error).parent_path();
   if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder {}", textOf(folder));
 }
@@ -51,6 +51,8 @@ UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, c
       removed_(path_),
       companionRemoved_(companion_) {
   requirePlace(finished_, existing);
+  if (createNew(path_) == nullptr) throw ToolError(kFileProblem, "cannot create {}: {}", finished_, systemError());
+  std::remove(path_.c_str());
 }
 
 UnfinishedFile::~UnfinishedFile() {

@@ -12,7 +12,7 @@ namespace tovrtool {
 class UnfinishedFile {
  public:
   // A free name beside `finished`. `companion` is the suffix of what the writer keeps beside its file while it works.
-  // Throws ToolError when `finished` exists and may not be replaced, and where its folder is missing.
+  // Throws ToolError when `finished` exists and may not be replaced, and where its folder takes no new file.
   UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion);
   UnfinishedFile(const UnfinishedFile&) = delete;
   UnfinishedFile& operator=(const UnfinishedFile&) = delete;

@@ -16,7 +16,7 @@ void requireReplaceable(const std::string& path, Existing existing, const Unfini
   if (!fs::exists(status)) return;
   if (!fs::is_directory(status)) throw ToolError(kFileProblem, "{} exists already and is not a folder", path);
   for (const auto& entry : fs::directory_iterator(pathOf(path), error)) {
-    if (existing == Existing::kRefuse) refuseExisting(path);
+    if (existing == Existing::kRefuse) refuseExisting(path, existing);
     const std::string name = textOf(entry.path().filename());
     if (!entry.is_regular_file(error) || entry.is_symlink(error) || !isOurs(name)) {
       throw ToolError(kFileProblem, "{} is not replaced: it holds {}, which no export has written", path, name);

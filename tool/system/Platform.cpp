@@ -1,12 +1,13 @@
 #include "tool/system/Platform.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <stdexcept>
 #include <system_error>
 
 #include "tool/system/Paths.h"
+#include "tool/system/ToolError.h"
 
 #if defined(_WIN32)
 #include <fcntl.h>
@@ -57,7 +58,7 @@ std::string readWithoutEcho(const std::string& prompt) {
     line.push_back(static_cast<char>(character));
   SetConsoleMode(console, mode);
   std::fputs("\n", stderr);
-  if (character == EOF) throw std::runtime_error("the prompt was cancelled");
+  if (character == EOF) throw ToolError(kKeyProblem, "no key was typed");
   return line;
 }
 
@@ -73,6 +74,8 @@ FileHandle duplicateAsStream(int descriptor) {
   return FileHandle(_fdopen(copy, "wb"));
 }
 
+int descriptorNamed(const std::string&) { return -1; }
+
 bool redirectToNull(int descriptor) { return redirectOpened(_open("NUL", _O_WRONLY), descriptor); }
 
 bool redirectToEndOf(const std::string& path, int descriptor) {
@@ -87,6 +90,8 @@ FileHandle createNew(const std::string& path) {
 }
 
 bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
+
+bool flushFolder(const std::string&) { return true; }  // the file system's journal keeps names
 
 std::string programFolder() {
   char path[MAX_PATH] = {};
@@ -138,6 +143,14 @@ bool redirectOpened(int opened, int descriptor) {
   return done;
 }
 
+constexpr int kMostLinks = 40;  // as the system's own limit
+
+// Negative where it is no descriptor's number.
+int numberIn(const std::string& text) {
+  const bool digits = std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+  return digits && !text.empty() && text.size() < 9 ? std::stoi(text) : -1;
+}
+
 }  // namespace
 
 void ignoreBrokenPipes() {
@@ -148,19 +161,20 @@ void ignoreBrokenPipes() {
 bool isTerminal(int descriptor) { return isatty(descriptor) == 1; }
 
 std::string readWithoutEcho(const std::string& prompt) {
-  std::fputs(prompt.c_str(), stderr);
   std::string line;
   char character = 0;
   ssize_t count = 0;
   interrupted = 0;
   {
     const SilentTerminal silent;
+    std::fputs(prompt.c_str(), stderr);
     while (interrupted == 0 && (count = read(kStandardInput, &character, 1)) == 1 && character != '\n') {
       line.push_back(character);
     }
   }
   std::fputs("\n", stderr);
-  if (interrupted != 0 || count != 1) throw std::runtime_error("the prompt was cancelled");
+  if (interrupted != 0) throw ToolError(kInterrupted, "interrupted: nothing was done");
+  if (count != 1) throw ToolError(kKeyProblem, "no key was typed");
   return line;
 }
 
@@ -169,6 +183,19 @@ std::FILE* binaryStandardInput() { return stdin; }
 FileHandle duplicateAsStream(int descriptor) {
   const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, kStandardError + 1);
   return FileHandle(copy < 0 ? nullptr : fdopen(copy, "wb"));
+}
+
+int descriptorNamed(const std::string& path) {
+  std::error_code error;
+  const auto own = std::filesystem::canonical("/proc/self/fd", error);
+  std::filesystem::path name = std::filesystem::absolute(path, error);
+  for (int links = 0; links < kMostLinks && !error; ++links) {
+    const auto folder = std::filesystem::canonical(name.parent_path(), error);
+    if (error) return -1;
+    if (folder == own) return numberIn(name.filename().string());
+    name = folder / std::filesystem::read_symlink(name, error);
+  }
+  return -1;
 }
 
 bool redirectToNull(int descriptor) { return redirectOpened(open("/dev/null", O_WRONLY), descriptor); }
@@ -186,6 +213,14 @@ FileHandle createNew(const std::string& path) {
 
 bool flushToDisk(std::FILE* file) {
   return std::fflush(file) == 0 && (fsync(fileno(file)) == 0 || errno == EINVAL);  // EINVAL: not that kind of file
+}
+
+bool flushFolder(const std::string& folder) {
+  const int opened = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (opened < 0) return false;
+  const bool done = fsync(opened) == 0 || errno == EINVAL;  // EINVAL: not that kind of file system
+  close(opened);
+  return done;
 }
 
 std::string programFolder() {

@@ -23,7 +23,7 @@ void ignoreBrokenPipes();
 bool isTerminal(int descriptor);
 
 // A line typed on the terminal at standard input, without echo, after `prompt` on standard error. An interrupt
-// restores the terminal and throws std::runtime_error. REQUIRES: isTerminal(kStandardInput).
+// restores the terminal and throws ToolError; so does the end of the input. REQUIRES: isTerminal(kStandardInput).
 std::string readWithoutEcho(const std::string& prompt);
 
 // Standard input as bytes, without translation of line ends.
@@ -31,6 +31,9 @@ std::FILE* binaryStandardInput();
 
 // A second descriptor of the same file as a stream of bytes; null when `descriptor` is closed.
 FileHandle duplicateAsStream(int descriptor);
+
+// The open descriptor that a path stands for ("/dev/stdout", "/proc/self/fd/3"); negative for any other path.
+int descriptorNamed(const std::string& path);
 
 // Makes `descriptor` write to the null device, to the end of a file (made if need be), or where another writes to.
 // False, with errno set: nothing was changed.
@@ -43,6 +46,9 @@ FileHandle createNew(const std::string& path);
 
 // What was written reaches the disk. False when that fails.
 bool flushToDisk(std::FILE* file);
+
+// The names of the files in a folder reach the disk, where the system has such an operation. False when that fails.
+bool flushFolder(const std::string& folder);
 
 // The text of errno.
 std::string systemError();

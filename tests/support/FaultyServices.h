@@ -6,7 +6,7 @@
 
 #include "crypto/IEncryption.h"
 #include "storage/IDBOperate.h"
-#include "tests/faults/FaultPoints.h"
+#include "tests/support/FaultPoints.h"
 
 namespace tovrtest {
 
@@ -18,6 +18,7 @@ class FaultyConnection final : public tovr::IDBOperate {
   FaultyConnection(tovr::IDBOperate& target, FaultPoints& points) : target_(target), points_(points) {}
 
   std::vector<std::string> statements;  // every SQL text that came
+  std::vector<std::string> tableCalls;  // get_table, free_table and what else came between, errMsg and prepare_v2
 
   int open(const char* path) override { return points_.fails("open") ? kFault : target_.open(path); }
   int close() override { return points_.fails("close") ? kFault : target_.close(); }
@@ -26,8 +27,12 @@ class FaultyConnection final : public tovr::IDBOperate {
   }
   int exec(const char* sql) override { return fails("exec", sql) ? kFault : target_.exec(sql); }
   int errCode() override { return target_.errCode(); }
-  const char* errMsg() override { return target_.errMsg(); }
+  const char* errMsg() override {
+    tableCalls.emplace_back("errMsg");
+    return target_.errMsg();
+  }
   int prepare_v2(const char* sql, int length) override {
+    tableCalls.emplace_back("prepare_v2");
     stepFailed_ = false;
     prepared_ = sql;
     return fails("prepare", sql) ? kFault : target_.prepare_v2(sql, length);
@@ -46,9 +51,13 @@ class FaultyConnection final : public tovr::IDBOperate {
   int reset() override { return fails("reset") ? kFault : afterStep(target_.reset()); }
   int finalize() override { return fails("finalize") ? kFault : afterStep(target_.finalize()); }
   int get_table(const char* sql, char*** result, int* rows, int* columns) override {
+    tableCalls.emplace_back("get_table");
     return fails("get_table", sql) ? kFault : target_.get_table(sql, result, rows, columns);
   }
-  void free_table(char** result) override { target_.free_table(result); }
+  void free_table(char** result) override {
+    tableCalls.emplace_back("free_table");
+    target_.free_table(result);
+  }
   const void* column_blob(int column) override { return target_.column_blob(column); }
   int column_bytes(int column) override { return target_.column_bytes(column); }
   int column_int(int column) override { return target_.column_int(column); }
@@ -74,7 +83,8 @@ class FaultyConnection final : public tovr::IDBOperate {
   bool stepFailed_ = false;
 };
 
-// Every enciphering and deciphering of a buffer is a point named "cipher". A service of the host's own: one call a blob.
+// Every enciphering and deciphering of a buffer is a point named "cipher". A service of the host's own: one call a
+// blob.
 class FaultyEncryption final : public tovr::IEncryption {
  public:
   using Text = std::string;

@@ -1,0 +1,209 @@
+// Two forms of one cipher. Deciphering of many blocks is bitsliced (ParallelDES). What is left is one block after the
+// other, so it is arranged for a short way from a round to the next:
+//
+// - A half is kept as E expands it: eight groups of six bits, a byte each, the first the most significant.
+// - S-box, P and the next E are one table of such halves. E only copies bits, so halves still add up by XOR.
+// - A half carries the round key that it meets next. With each round it is exchanged for the one after by their
+//   difference, known long before.
+// - IP and its inverse turn a matrix of 8 by 8 bits, by shifts. A chain leaves them out on its way from block to block.
+#include "crypto/DESKey.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "crypto/DESTables.h"
+#include "crypto/ParallelDES.h"
+#include "crypto/SBoxCircuits.h"
+#include "crypto/WipedBuffer.h"
+
+namespace tovr {
+namespace {
+
+using Decipherer = ParallelDES<NativeLanes>;
+
+constexpr std::size_t kBlock = 8;
+
+// A batch takes one time however full it is: that of some twelve blocks one by one.
+constexpr std::size_t kFewBytes = 12 * kBlock;
+
+constexpr std::size_t kBatch = Decipherer::kBatchSize;
+
+struct RoundTable {
+  std::uint64_t of[8][64] = {};  // by S-box and its input
+};
+
+// Where input `index` of the 48 of a round lies in an expanded half.
+constexpr unsigned placeOf(std::size_t index) { return static_cast<unsigned>(8 * (7 - index / 6) + 5 - index % 6); }
+
+constexpr RoundTable makeRoundTable() {
+  RoundTable table;
+  for (std::size_t index = 0; index < 48; ++index) {
+    const std::size_t output = destables::kPermutation[destables::kExpansion[index] - 1] - 1U;
+    for (unsigned v = 0; v < 64; ++v) {
+      const std::uint64_t bit = sboxes::substitute(output / 4, v) >> (3 - output % 4) & 1;
+      table.of[output / 4][v] |= bit << placeOf(index);
+    }
+  }
+  return table;
+}
+
+constexpr RoundTable kRound = makeRoundTable();
+
+// `left` with the round's function of `right`. No two boxes have a bit in common, so a sum, an OR and a XOR of what
+// they give are the same; taken in turn, they keep the compiler from making one long chain of them.
+std::uint64_t mix(std::uint64_t left, std::uint64_t right) {
+  const auto box = [right](int index) { return kRound.of[index][right >> (56 - 8 * index) & 0xFF]; };
+  return (left ^ ((box(7) + box(6)) | (box(0) + box(1)))) ^ ((box(2) + box(3)) | (box(4) + box(5)));
+}
+
+template <int Distance>
+std::uint64_t exchange(std::uint64_t rows, std::uint64_t mask) {
+  const std::uint64_t changed = (rows >> Distance ^ rows) & mask;
+  return rows ^ changed ^ changed << Distance;
+}
+
+// Bit c of byte r becomes bit r of byte c.
+std::uint64_t transpose(std::uint64_t rows) {
+  rows = exchange<7>(rows, 0x00AA00AA00AA00AA);
+  rows = exchange<14>(rows, 0x0000CCCC0000CCCC);
+  return exchange<28>(rows, 0x00000000F0F0F0F0);
+}
+
+constexpr std::uint64_t kEvenBytes = 0x00FF00FF00FF00FF;
+
+// E of a half, which is given as the even bytes. Four bits become six with their neighbours, the first and the last
+// too.
+std::uint64_t expand(std::uint64_t half) {
+  const std::uint64_t fours = (half | half << 4) & 0x0F0F0F0F0F0F0F0F;
+  const std::uint64_t before = fours >> 8 | fours << 56;
+  const std::uint64_t after = fours << 8 | fours >> 56;
+  return fours << 1 | (before << 5 & 0x2020202020202020) | (after >> 3 & 0x0101010101010101);
+}
+
+std::uint64_t shrink(std::uint64_t expanded) {
+  const std::uint64_t fours = expanded >> 1 & 0x0F0F0F0F0F0F0F0F;
+  return (fours | fours >> 4) & kEvenBytes;
+}
+
+// Words whose first byte is the least significant, whatever the processor's own order.
+std::uint64_t littleEndian(std::uint64_t word) {
+#if defined(TOVR_BIG_ENDIAN)
+  return __builtin_bswap64(word);
+#else
+  return word;
+#endif
+}
+
+std::uint64_t load(const unsigned char* bytes) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return littleEndian(word);
+}
+
+void store(std::uint64_t word, unsigned char* bytes) {
+  word = littleEndian(word);
+  std::memcpy(bytes, &word, sizeof word);
+}
+
+// A round key in the places of an expanded half.
+std::uint64_t placed(std::uint64_t roundKey) {
+  std::uint64_t bytes = 0;
+  for (int box = 0; box < 8; ++box) bytes |= (roundKey >> 6 * box & 0x3F) << 8 * box;
+  return bytes;
+}
+
+DESRounds inOrder(const DESSchedule& schedule, bool backwards) {
+  const auto key = [&](int round) { return placed(schedule.rounds[backwards ? 15 - round : round]); };
+  DESRounds rounds = {{key(0), key(1)}, {}};
+  for (int i = 0; i < 14; ++i) rounds.differences[i] = key(i) ^ key(i + 2);
+  rounds.differences[14] = key(14);
+  rounds.differences[15] = key(15);
+  return rounds;
+}
+
+struct Halves {
+  std::uint64_t left;
+  std::uint64_t right;
+};
+
+Halves operator^(Halves a, Halves b) { return {a.left ^ b.left, a.right ^ b.right}; }
+
+// IP and E of a block, and back.
+Halves open(std::uint64_t block) {
+  const std::uint64_t rows = transpose(block);
+  return {expand(rows & kEvenBytes), expand(rows >> 8 & kEvenBytes)};
+}
+
+std::uint64_t close(Halves halves) { return transpose(shrink(halves.left) | shrink(halves.right) << 8); }
+
+// The sixteen rounds between IP and its inverse.
+Halves cross(Halves halves, const DESRounds& keys) {
+  std::uint64_t left = halves.left ^ keys.first[1];
+  std::uint64_t right = halves.right ^ keys.first[0];
+  for (const std::uint64_t difference : keys.differences) {
+    const std::uint64_t mixed = mix(left, right);
+    left = right ^ difference;
+    right = mixed;
+  }
+  return {right, left};
+}
+
+void decryptBlocks(const DESRounds& rounds, unsigned char* bytes, std::size_t size, DESBlock& chain) {
+  std::uint64_t before = load(chain.bytes);
+  for (std::size_t at = 0; at < size; at += kBlock) {
+    const std::uint64_t block = load(bytes + at);
+    store(close(cross(open(block), rounds)) ^ before, bytes + at);
+    before = block;
+  }
+  store(before, chain.bytes);
+}
+
+}  // namespace
+
+DESKey::DESKey(const DESBlock& key) : key_(key) {
+  const DESSchedule schedule(key);
+  forwards_ = inOrder(schedule, false);
+  backwards_ = inOrder(schedule, true);
+  Decipherer::makeKeyLanes(schedule, lanes_);
+}
+
+DESKey::~DESKey() { wipe(this, sizeof *this); }
+
+bool DESKey::isMadeOf(const DESBlock& key) const { return std::memcmp(key_.bytes, key.bytes, kBlock) == 0; }
+
+void DESKey::encryptCbc(const unsigned char* in, std::size_t size, unsigned char* out, DESBlock iv) const {
+  Halves chain = open(load(iv.bytes));
+  for (std::size_t at = 0; at < size; at += kBlock) {
+    const bool isWhole = size - at >= kBlock;
+    const Halves plain = open(load(isWhole ? in + at : DESBlock::firstOf(in + at, size - at).bytes));
+    chain = cross(plain ^ chain, forwards_);
+    store(close(chain), out + at);
+  }
+}
+
+void DESKey::decryptCbc(const unsigned char* in, std::size_t size, unsigned char* out, DESBlock iv) const {
+  const std::size_t rest = size % kBatch;
+  if (size > rest) {
+    Decipherer decipherer(lanes_);
+    for (; size > rest; in += kBatch, out += kBatch, size -= kBatch) decipherer.decipher(in, out, iv.bytes);
+    wipe(&decipherer, sizeof decipherer);
+  }
+  if (rest > 0) decryptRest(in, rest, out, iv);
+}
+
+// Less than a batch. Its last block may be a partial one, so it is not done in place.
+void DESKey::decryptRest(const unsigned char* in, std::size_t size, unsigned char* out, DESBlock& chain) const {
+  unsigned char bytes[kBatch] = {};
+  std::copy_n(in, size, bytes);
+  if (size <= kFewBytes) {
+    decryptBlocks(backwards_, bytes, size, chain);
+  } else {
+    Decipherer decipherer(lanes_);
+    decipherer.decipher(bytes, bytes, chain.bytes);
+    wipe(&decipherer, sizeof decipherer);
+  }
+  std::copy_n(bytes, size, out);
+  wipe(bytes, size);
+}
+
+}  // namespace tovr
