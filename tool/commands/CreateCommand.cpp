@@ -1,5 +1,3 @@
-#include <filesystem>
-
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/database/Session.h"
@@ -7,12 +5,9 @@
 #include "tool/io/Message.h"
 #include "tool/io/UnfinishedFile.h"
 #include "tool/system/Paths.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct Options {
   std::string file;

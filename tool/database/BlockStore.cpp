@@ -9,6 +9,7 @@
 #include "tool/database/SqlQuery.h"
 #include "tool/io/FileInput.h"
 #include "tool/io/TextList.h"
+#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
