@@ -6,6 +6,7 @@ namespace tovrtool {
 
 class CommandGroup;
 
+void addBackupCommand(CommandGroup& program);
 void addCheckCommand(CommandGroup& program);
 void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
 void addCoefCommands(CommandGroup& program);    // coef put, get, list, stats

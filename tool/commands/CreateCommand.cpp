@@ -32,8 +32,8 @@ void describe(Session& session, const Options& options) {
 
 void create(Context& context, const Options& options) {
   UnfinishedFile unfinished(options.file, Existing::kKeep, "-journal");
-  Session session =
-      Session::openNew(context.options.plugin, unfinished.path(), readKey(context.options.keyFile, KeyUse::kCreate));
+  Session session = Session::openNew(context.options.access.plugin, unfinished.path(),
+                                     readKey(context.options.keyFile, KeyUse::kCreate));
   session.require(session.manager().createTables());
   describe(session, options);
   session.close();

@@ -17,6 +17,7 @@ enum ExitCode : int {
   kFileProblem = 3,    // a file is missing, exists already, cannot be read or written, or holds something else
   kKeyProblem = 4,     // no key, or the key does not open the file
   kPluginProblem = 5,  // the plug-in library cannot be loaded
+  kBusy = 6,           // another program is using the file, which is as it was
   kInterrupted = 130   // ended by the user, as shells number it; nothing unfinished is left
 };
 
