@@ -1,5 +1,7 @@
 #include "tool/database/Session.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -102,7 +104,7 @@ int Session::open(const std::string& path, const std::string& key) {
 // engine takes its key from there before it plays the journal back: the first attempt puts the file right and fails.
 int Session::openPatiently(const std::string& path, const std::string& key) {
   std::error_code error;
-  const bool unfinished = fs::exists(path + "-journal", error);
+  const bool unfinished = fs::exists(pathOf(path + "-journal"), error);
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(patience_);
   int code = open(path, key);
   if (isBusy(code) && patience_ > 0) announceWait();
@@ -114,12 +116,12 @@ int Session::openPatiently(const std::string& path, const std::string& key) {
 }
 
 void Session::setPatience(unsigned int milliseconds) {
-  require(connection().exec(("PRAGMA busy_timeout = " + std::to_string(milliseconds)).c_str()));
+  require(connection().exec(fmt::format("PRAGMA busy_timeout = {}", milliseconds).c_str()));
 }
 
 void Session::announceWait() const {
   if (!isTerminal(kStandardError)) return;
-  message("another program is using the file; waiting for it, " + std::to_string(patience_) + " s at most");
+  message("another program is using the file; waiting for it, {} s at most", patience_);
 }
 
 int Session::execPatiently(const char* sql) {

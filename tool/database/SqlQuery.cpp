@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "storage/StatusCodes.h"
 #include "tool/database/LibraryError.h"
 
 namespace tovrtool {
