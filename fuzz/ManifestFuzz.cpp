@@ -11,6 +11,7 @@
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/StoredRows.h"
+#include "tool/database/Tables.h"
 #include "tool/system/StandardOutput.h"
 #include "tool/system/ToolError.h"
 

@@ -1,4 +1,5 @@
 // The reader of .npy files: what it takes has as many bytes as its shape and type say, and is written back the same.
+#include <algorithm>
 #include <optional>
 
 #include "fuzz/Choices.h"
@@ -38,9 +39,8 @@ bool hasItsSize(const tovrtool::NpyArray& array) {
 void testBlock(const tovrtool::NpyArray& array) {
   try {
     const tovrtool::CellBlock block = tovrtool::blockFromArray(array, std::nullopt, tovrtool::CellPair{});
-    require(block.rect.rows() > 0 && block.rect.columns() > 0 && block.bytes == array.bytes, "a block of other cells");
-    require(block.rect.rows() * block.rect.columns() * block.cellBytes == static_cast<std::int64_t>(array.bytes.size()),
-            "the cells do not fill their rectangle");
+    require(tovrtool::fills(array.bytes.size(), block.rect, block.cellBytes), "the cells do not fill their rectangle");
+    require(std::equal(array.bytes.begin(), array.bytes.end(), block.bytes.get()), "a block of other cells");
   } catch (const tovrtool::ToolError&) {  // no block has that shape
   }
 }

@@ -51,13 +51,15 @@ buildGoogletest() {
   quietly nice cmake --build "$build" --target install
 }
 
-# The tool's libraries of headers, away from the folder that holds those of this machine's own C library.
+# The tool's libraries of headers, away from the folder that holds those of this machine's own C library. Of fmt, too,
+# only the headers: without the description of its library's file, CMake offers nothing else.
 copyHeaders() {
-  cp -r /usr/include/{CLI,eigen3,nlohmann,xtensor,xtensor.hpp,xtl} "$prefix/include/"
+  cp -r /usr/include/{CLI,eigen3,fmt,nlohmann} "$prefix/include/"
   mkdir -p "$prefix/share/cmake" "$prefix/share/eigen3" "$prefix/lib/$target/cmake"
-  cp -r /usr/share/cmake/{CLI11,nlohmann_json,xtl} "$prefix/share/cmake/"
+  cp -r /usr/share/cmake/{CLI11,nlohmann_json} "$prefix/share/cmake/"
   cp -r /usr/share/eigen3/cmake "$prefix/share/eigen3/"
-  cp -r /usr/lib/*-linux-gnu/cmake/xtensor "$prefix/lib/$target/cmake/"
+  cp -r /usr/lib/*-linux-gnu/cmake/fmt "$prefix/lib/$target/cmake/"
+  rm "$prefix/lib/$target/cmake/fmt/"fmt-targets-*.cmake
 }
 
 inputs=(scripts/build-windows-dependencies.sh scripts/fetch-sqlcipher.sh cmake/mingw-w64.cmake)

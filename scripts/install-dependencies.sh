@@ -8,7 +8,7 @@ source "$(dirname "$0")/failures.sh"
 packages=(
   g++ cmake ninja-build                        # the build
   libsqlcipher-dev libssl-dev                  # the library's two engines
-  libcli11-dev libxtensor-dev libeigen3-dev    # the tool
+  libcli11-dev libfmt-dev libeigen3-dev        # the tool
   libcairo2-dev pkg-config                     # the tool: pictures
   nlohmann-json3-dev                           # the tool: JSON
 )

@@ -1,5 +1,7 @@
 // tovrdb: the command line of the database plug-in. Reads the command line, runs the command that it names and turns
 // its outcome into an exit code.
+#include <fmt/core.h>
+
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <new>
@@ -106,7 +108,7 @@ int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutpu
 template <class Action>
 int report(const std::string& what, Action action) {
   const auto failed = [&what](int code, const std::string& text) {
-    complain(what.empty() ? text : what + ": " + text);
+    complain(what.empty() ? text : fmt::format("{}: {}", what, text));
     return code;
   };
   try {

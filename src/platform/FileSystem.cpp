@@ -28,7 +28,10 @@ bool renameWithoutReplacing(const std::string& from, const std::string& to) {
   if (::link(from.c_str(), to.c_str()) == 0) return ::unlink(from.c_str()) == 0;
   if (errno == EEXIST) return false;
   // File systems without hard links: the check and the rename are two steps, the best that is left.
-  if (::access(to.c_str(), F_OK) == 0) return false;
+  if (::access(to.c_str(), F_OK) == 0) {
+    errno = EEXIST;
+    return false;
+  }
   return std::rename(from.c_str(), to.c_str()) == 0;
 }
 

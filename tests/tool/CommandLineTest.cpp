@@ -1,6 +1,6 @@
 // What a process is: its streams, its terminal, its exit codes, and the words it has for a command line without sense.
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <pty.h>
 
 #include "tests/tool/ToolFixture.h"

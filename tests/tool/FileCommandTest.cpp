@@ -90,12 +90,12 @@ TEST_F(FileCommandTest, CheckTellsWhyAFileDoesNotOpen) {
   const Case cases[] = {
       {whole, 4, "the key is wrong", "TOVRDB_KEY=another "},
       newer ? Case{whole.substr(0, whole.size() - 100), 1, "failed  pages", kKey}  // opens as long as page 1 is there
-            : Case{whole.substr(0, whole.size() - 100), 3, "no whole number of pages", kKey},
+            : Case{whole.substr(0, whole.size() - 100), 3, "not a whole number of pages", kKey},
       {whole.substr(0, whole.size() - 4096), 3, "truncated", kKey},
       {"", 3, "is empty", kKey},
       {"SQLite format 3" + std::string(1009, '\0'), 3, "not an encrypted one", kKey},
       {npy("<u2", "4, 8", payload(64)), 3, "a NumPy array", kKey},
-      {std::string(4096, '\0'), 3, "mostly zeros", kKey},
+      {std::string(4096, '\0'), 3, "mostly with zeros", kKey},
       {std::string(4096, 'a'), 3, "a text", kKey},
       {flipped, 1, "failed  pages", kKey},
   };
@@ -153,14 +153,14 @@ TEST_F(FileCommandTest, HostileManifestsAreRefusedAndTheOldFileStays) {
   } cases[] = {
       {"\"Data-1.bin\"", "\"../text\"", "does not lie in"},
       {"\"Data-1.bin\"", "\"" + path("text") + "\"", "does not lie in"},
-      {"\"Data-1.bin\"", "\"link.bin\"", "is no file in"},
+      {"\"Data-1.bin\"", "\"link.bin\"", "is not a file in"},
       {"\"Data-1.bin\"", "\"gone.bin\"", "gone.bin"},
       {"\"databitwidth\": 2", "\"databitwidth\": 4", "2 bytes per cell, its row says 4"},
       {"\"databitwidth\"", "\"x) values(1); --\"", "\"databitwidth\" is missing"},
-      {"\"screenname\": \"left\"", "\"screenname\": [\"left\"]", "no kind that a table holds"},
-      {"\"Screen_Info\": [", "\"Screen_Info\": 1, \"x\": [", "is no list"},
+      {"\"screenname\": \"left\"", "\"screenname\": [\"left\"]", "a kind that no table holds"},
+      {"\"Screen_Info\": [", "\"Screen_Info\": 1, \"x\": [", "is not a list"},
       {good, std::string(100000, '['), "too deeply"},
-      {good, good.substr(0, good.size() / 2), "no JSON"},
+      {good, good.substr(0, good.size() / 2), "is not valid JSON"},
   };
   for (const auto& c : cases) {
     std::string manifest = good;
@@ -200,7 +200,7 @@ TEST_F(FileCommandTest, TextsAreEncryptedAndBinaryFilesRefused) {
   EXPECT_EQ(run("decrypt cipher back", key).code, 0);
   EXPECT_EQ(read("back"), text);
   expectFailure(3, "exists already", "encrypt text back", key);
-  expectFailure(3, "is no text", "encrypt wall.db other", key);
+  expectFailure(3, "is not a text", "encrypt wall.db other", key);
   expectFailure(4, "the key or the vector is wrong", "decrypt cipher back --force", "TOVRDB_CIPHER_KEY=abcdefgh ");
   expectFailure(4, "3 characters, not 8", "decrypt cipher other", "TOVRDB_CIPHER_KEY=abc ");
   EXPECT_EQ(read("back"), text);

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "tests/support/SecretWatch.h"
+#include "tests/tool/NpyText.h"
 
 namespace tovrtest {
 
@@ -21,12 +22,6 @@ namespace fs = std::filesystem;
 
 constexpr char kKey[] = "TOVRDB_KEY='the test key' ";
 constexpr char kNoKey[] = "";
-
-inline std::string payload(std::size_t size) {
-  std::string bytes;
-  for (std::size_t i = 0; i < size; ++i) bytes.push_back(static_cast<char>(i * 37 + i / 7));
-  return bytes;
-}
 
 struct Outcome {
   int code = -1;
@@ -94,13 +89,5 @@ struct ToolTest : testing::Test {
   fs::path folder_;
   mutable std::set<std::string> written_;
 };
-
-// A .npy file as NumPy writes it.
-inline std::string npy(const std::string& descr, const std::string& shape, const std::string& payload,
-                       const std::string& fortran = "False") {
-  std::string header = "{'descr': '" + descr + "', 'fortran_order': " + fortran + ", 'shape': (" + shape + "), }";
-  header.append(128 - 10 - 1 - header.size(), ' ').push_back('\n');
-  return std::string("\x93NUMPY\x01\x00", 8) + static_cast<char>(header.size()) + '\0' + header + payload;
-}
 
 }  // namespace tovrtest

@@ -1,11 +1,14 @@
 // What only Windows does: text files with CR LF, two narrow encodings of paths, files held open, modules that unload.
 #include <windows.h>
 
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 
 #include "crypto/Encryption.h"
 #include "host/PluginHost.h"
 #include "tests/support/Fixture.h"
+#include "tool/system/Paths.h"
 
 namespace tovrtest {
 
@@ -90,6 +93,14 @@ TEST_F(WindowsTest, DatabasePathsAreUtf8AndTextPathsOfTheAnsiCodePage) {
   writeFile(a, bytesOf("text"));
   EXPECT_TRUE(service.encryptFile(kKey, kKey, a, folder + narrow + ".txt"));
   EXPECT_TRUE(exists(name + L".txt"));
+}
+
+TEST_F(WindowsTest, TheToolsPathsAreUtf8AsItHandsThemToTheFileSystem) {
+  const std::string folder = path("");
+  const std::string name = folder + "w\xC3\xA4nd-\xE5\xB1\x8F";
+  std::ofstream(tovrtool::pathOf(name)) << "text";
+  EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(folder) / L"w\u00E4nd-\u5C4F"));
+  EXPECT_EQ(tovrtool::textOf(tovrtool::pathOf(name)), name);
 }
 
 TEST_F(WindowsTest, ExceptionsOfTheLibraryAreCaughtByTheHostThoughEachHasItsOwnRuntime) {

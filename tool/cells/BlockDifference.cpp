@@ -23,16 +23,16 @@ class Comparison {
   Comparison(const Rect& rect, std::size_t cellBytes, const std::optional<Dtype>& dtype,
              const std::optional<Tolerance>& tolerance)
       : rect_(rect), cellBytes_(cellBytes), dtype_(dtype), tolerance_(tolerance) {
-    result_.cells = rect.columns() * rect.rows();
+    result_.cells = columnsOf(rect) * rowsOf(rect);
     if (dtype) {
       values_ = cellBytes / dtype->itemSize;
-      before_.resize(values_ * static_cast<std::size_t>(rect.columns()));
+      before_.resize(values_ * static_cast<std::size_t>(columnsOf(rect)));
       after_.resize(before_.size());
     }
   }
 
   void addRow(std::int32_t y, const unsigned char* before, const unsigned char* after) {
-    const auto columns = static_cast<std::size_t>(rect_.columns());
+    const auto columns = static_cast<std::size_t>(columnsOf(rect_));
     if (std::memcmp(before, after, columns * cellBytes_) == 0) return;
     if (dtype_) {
       readNumbers(*dtype_, before, dtype_->itemSize, before_.size(), before_.data());
@@ -87,15 +87,13 @@ bool differ(double before, double after, const Tolerance& tolerance) {
   return apart > tolerance.absolute && apart > tolerance.relative * std::max(std::abs(before), std::abs(after));
 }
 
-BlockDifference compareBlocks(const unsigned char* before, const unsigned char* after, const Rect& rect,
-                              std::int32_t cellBytes, const std::optional<Dtype>& dtype,
+BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<Dtype>& dtype,
                               const std::optional<Tolerance>& tolerance) {
-  const auto bytes = static_cast<std::size_t>(cellBytes);
-  Comparison comparison(rect, bytes, dtype, tolerance);
-  const std::size_t rowBytes = static_cast<std::size_t>(rect.columns()) * bytes;
-  std::size_t offset = 0;
-  for (std::int64_t y = rect.top; y <= rect.bottom; ++y, offset += rowBytes) {
-    comparison.addRow(static_cast<std::int32_t>(y), before + offset, after + offset);
+  const Rect& rect = before.rect;
+  Comparison comparison(rect, static_cast<std::size_t>(before.cellBytes), dtype, tolerance);
+  for (std::int64_t row = rect.top; row <= rect.bottom; ++row) {
+    const auto y = static_cast<std::int32_t>(row);
+    comparison.addRow(y, before.at(rect.left, y), after.at(rect.left, y));
   }
   return comparison.result();
 }

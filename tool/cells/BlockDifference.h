@@ -5,8 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "tool/cells/NpyFile.h"
-#include "tool/cells/Rect.h"
+#include "tool/cells/CellBlock.h"
 
 namespace tovrtool {
 
@@ -30,10 +29,9 @@ struct BlockDifference {
 
 bool differ(double before, double after, const Tolerance& tolerance);
 
-// To the bit without `dtype` or `tolerance`. REQUIRES: both have the rectangle's cells of `cellBytes` bytes each, a
-// whole number of `dtype` values; a tolerance comes with a type.
-BlockDifference compareBlocks(const unsigned char* before, const unsigned char* after, const Rect& rect,
-                              std::int32_t cellBytes, const std::optional<Dtype>& dtype,
+// To the bit without `dtype` or `tolerance`. REQUIRES: both have the same rectangle and bytes per cell, a whole number
+// of `dtype` values; a tolerance comes with a type.
+BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<Dtype>& dtype,
                               const std::optional<Tolerance>& tolerance);
 
 }  // namespace tovrtool

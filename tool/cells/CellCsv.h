@@ -1,19 +1,16 @@
 // Cells as comma-separated text, for a spreadsheet.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 
-#include "tool/cells/NpyFile.h"
-#include "tool/cells/Rect.h"
+#include "tool/cells/CellBlock.h"
 
 namespace tovrtool {
 
 // A heading, then a line per cell: its column and row on the screen, and its values. Hands the text to `write` a row of
 // cells at a time. Numbers are exact; whole numbers of 64 bits do not fit and throw ToolError, as does a cell that is
-// no whole number of values.
-void writeCsv(const unsigned char* cells, const Rect& rect, std::int32_t cellBytes, const Dtype& dtype,
-              const std::function<void(const std::string&)>& write);
+// not a whole number of values.
+void writeCsv(const CellBlock& block, const Dtype& dtype, const std::function<void(const std::string&)>& write);
 
 }  // namespace tovrtool

@@ -6,6 +6,8 @@
 #include <limits>
 #include <stdexcept>
 
+#include "tool/system/ToolError.h"
+
 namespace tovrtool {
 namespace {
 
@@ -61,6 +63,19 @@ void readNumbers(const Dtype& dtype, const unsigned char* first, std::size_t str
     if (dtype.descr.substr(1) == known.type) return known.read(first, stride, count, numbers);
   }
   throw std::invalid_argument("numbers of type " + dtype.descr + " cannot be read");
+}
+
+void requireComponent(std::int32_t cellBytes, const Dtype& dtype, std::size_t component) {
+  const std::size_t values = valuesPerCell(cellBytes, dtype);
+  if (component >= values) {
+    throw ToolError(kUsage, "there is no component {}: a cell has the components 0 to {}", component, values - 1);
+  }
+}
+
+void readRow(const CellBlock& block, const Dtype& dtype, std::size_t component, const Rect& part, std::int32_t y,
+             double* numbers) {
+  readNumbers(dtype, block.at(part.left, y) + component * dtype.itemSize, static_cast<std::size_t>(block.cellBytes),
+              static_cast<std::size_t>(columnsOf(part)), numbers);
 }
 
 }  // namespace tovrtool

@@ -3,12 +3,20 @@
 
 #include <cstddef>
 
-#include "tool/cells/NpyFile.h"
+#include "tool/cells/CellBlock.h"
 
 namespace tovrtool {
 
 // `count` numbers of type `dtype`, each `stride` bytes after the one before it. Whole numbers beyond 2^53 are rounded.
 void readNumbers(const Dtype& dtype, const unsigned char* first, std::size_t stride, std::size_t count,
                  double* numbers);
+
+// Throws ToolError, which names the components that there are, unless cells have number `component`, from 0.
+void requireComponent(std::int32_t cellBytes, const Dtype& dtype, std::size_t component);
+
+// That number of the cells of row `y` in the columns of `part`. REQUIRES: cells have it; the block holds `part` and
+// `y`.
+void readRow(const CellBlock& block, const Dtype& dtype, std::size_t component, const Rect& part, std::int32_t y,
+             double* numbers);
 
 }  // namespace tovrtool

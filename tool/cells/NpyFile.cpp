@@ -1,19 +1,23 @@
 #include "tool/cells/NpyFile.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstring>
-#include <sstream>
+#include <charconv>
+#include <optional>
+#include <set>
 #include <stdexcept>
-#include <xtensor/xnpy.hpp>
 
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
 
-constexpr std::size_t kPrologue = 8;        // the magic string and the version
-constexpr std::size_t kMaxHeader = 4096;    // NumPy's own are below 200; xtensor matches them with a recursive regex
-constexpr std::size_t kMaxDimensions = 32;  // NumPy's own limit
+constexpr char kMagic[] = "\x93NUMPY";
+constexpr std::size_t kPrologue = 8;         // the magic string and the two numbers of the version
+constexpr std::size_t kMostHeader = 4096;    // NumPy's own are below 200
+constexpr std::size_t kMostDimensions = 32;  // NumPy's own limit
+constexpr std::size_t kAlignment = 64;       // of the numbers in the file
 
 struct NamedDtype {
   const char* name;
@@ -31,50 +35,150 @@ constexpr NamedDtype kDtypes[] = {
   throw ToolError(kFileProblem, name + " cannot be used: " + reason);
 }
 
-// Where the header's text lies: the length before it takes two bytes in version 1 and four in versions 2 and 3.
+struct Header {
+  std::string descr;
+  bool fortranOrder = false;
+  std::vector<std::size_t> shape;
+};
+
+// Reads the dictionary as Python writes it: {'descr': '<u2', 'fortran_order': False, 'shape': (4, 8), }. Its three keys
+// stand in any order, each once; spaces may stand between the parts, and nothing but spaces before the closing newline.
+// Every function throws std::invalid_argument, which says what was expected, for anything else.
+class HeaderParser {
+ public:
+  explicit HeaderParser(const std::string& text) : at_(text.data()), end_(text.data() + text.size()) {}
+
+  Header parse() {
+    expect('{');
+    while (!accept('}')) {
+      const std::string key = parseText();
+      if (!keys_.insert(key).second) throw std::invalid_argument("'" + key + "' stands there twice");
+      expect(':');
+      parseValue(key);
+      if (!accept(',') && !next('}')) throw std::invalid_argument("',' or '}' is missing");
+    }
+    expect('\n');
+    if (at_ != end_ || keys_.size() != 3) throw std::invalid_argument("it does not have exactly three keys");
+    return header_;
+  }
+
+ private:
+  void parseValue(const std::string& key) {
+    if (key == "descr") {
+      header_.descr = parseText();
+      if (header_.descr.empty()) throw std::invalid_argument("its type is empty");
+    } else if (key == "fortran_order") {
+      header_.fortranOrder = parseBool();
+    } else if (key == "shape") {
+      parseShape();
+    } else {
+      throw std::invalid_argument("the key '" + key + "' is unknown");
+    }
+  }
+
+  std::string parseText() {
+    const char quote = next('"') ? '"' : '\'';
+    expect(quote);
+    const char* const close = std::find(at_, end_, quote);
+    if (close == end_) throw std::invalid_argument("a text does not end");
+    const std::string text(at_, close);
+    at_ = close + 1;
+    return text;
+  }
+
+  bool parseBool() {
+    for (const bool value : {false, true}) {
+      const std::string word = value ? "True" : "False";
+      if (next(word[0]) && static_cast<std::size_t>(end_ - at_) >= word.size() &&
+          std::equal(word.begin(), word.end(), at_)) {
+        at_ += word.size();
+        return value;
+      }
+    }
+    throw std::invalid_argument("'fortran_order' is neither True nor False");
+  }
+
+  void parseShape() {
+    expect('(');
+    while (!accept(')')) {
+      std::size_t extent = 0;
+      skipSpaces();
+      const auto parsed = std::from_chars(at_, end_, extent);
+      if (parsed.ec != std::errc()) throw std::invalid_argument("'shape' does not consist of whole numbers");
+      at_ = parsed.ptr;
+      accept('L');  // Python 2's mark of a long number
+      header_.shape.push_back(extent);
+      if (!accept(',') && !next(')')) throw std::invalid_argument("',' or ')' is missing");
+    }
+  }
+
+  void skipSpaces() {
+    while (at_ != end_ && *at_ == ' ') ++at_;
+  }
+  // Whether `character` follows, after spaces.
+  bool next(char character) {
+    skipSpaces();
+    return at_ != end_ && *at_ == character;
+  }
+  bool accept(char character) {
+    const bool follows = next(character);
+    if (follows) ++at_;
+    return follows;
+  }
+  void expect(char character) {
+    if (!accept(character)) {
+      throw std::invalid_argument(character == '\n' ? "it does not end with a newline"
+                                                    : fmt::format("'{}' is missing", character));
+    }
+  }
+
+  const char* at_;
+  const char* end_;
+  Header header_;
+  std::set<std::string> keys_;
+};
+
+// Where the header's text lies: the length before it takes two bytes in version 1 and four in versions 2 and 3, which
+// differ in the text's encoding only.
 struct HeaderPlace {
   std::size_t offset;
   std::size_t length;
 };
 
 HeaderPlace placeHeader(const std::vector<unsigned char>& file, const std::string& name) {
+  const std::string magic = kMagic;
   if (file.size() < kPrologue + 2 ||
-      std::memcmp(file.data(), xt::detail::magic_string, xt::detail::magic_string_length) != 0) {
+      !std::equal(magic.begin(), magic.end(), file.begin(),
+                  [](char expected, unsigned char found) { return static_cast<unsigned char>(expected) == found; })) {
     refuse(name, "it is not a .npy file (give raw bytes with --raw)");
   }
   const unsigned int version = file[6];
-  if (version < 1 || version > 3) refuse(name, "its .npy version " + std::to_string(version) + " is unknown");
+  if (version < 1 || version > 3) refuse(name, fmt::format("its .npy version {} is unknown", version));
   const std::size_t lengthBytes = version == 1 ? 2 : 4;
   if (file.size() < kPrologue + lengthBytes) refuse(name, "it is truncated inside its header");
   std::size_t length = 0;
   for (std::size_t i = lengthBytes; i-- > 0;) length = length << 8 | file[kPrologue + i];
-  if (length > kMaxHeader) refuse(name, "its header of " + std::to_string(length) + " bytes is too long");
+  if (length > kMostHeader) refuse(name, fmt::format("its header of {} bytes is too long", length));
   const HeaderPlace place{kPrologue + lengthBytes, length};
   if (place.length > file.size() - place.offset) refuse(name, "it is truncated inside its header");
   return place;
 }
 
-// xtensor's parser takes the last character of texts that may be empty, so the frame is checked before.
-bool hasFrame(const std::string& header) {
-  std::string dense = header;
-  dense.erase(std::remove(dense.begin(), dense.end(), ' '), dense.end());
-  return dense.size() > 2 && dense.front() == '{' && dense.back() == '\n' &&
-         dense.find("'shape':(") != std::string::npos;
-}
-
-void parseHeader(const std::string& header, NpyArray& array, const std::string& name) {
-  bool fortran = false;
+Header parseHeader(const std::string& text, const std::string& name) {
+  Header header;
   try {
-    if (!hasFrame(header)) throw std::runtime_error("no shape");
-    xt::detail::parse_header(header, array.dtype.descr, &fortran, array.shape);
-  } catch (const std::runtime_error& error) {
-    refuse(name, std::string("its header is not understood (") + error.what() + ")");
+    header = HeaderParser(text).parse();
+  } catch (const std::invalid_argument& error) {
+    refuse(name, fmt::format("its header is not understood ({})", error.what()));
   }
-  if (fortran) refuse(name, "it is in Fortran order; save it in C order, as with numpy.ascontiguousarray");
-  if (array.dtype.descr[0] == '>') {
-    refuse(name, "its numbers are big-endian (" + array.dtype.descr + "); save them little-endian");
+  if (header.fortranOrder) {
+    refuse(name, "it is in Fortran order; save it in C order, as with numpy.ascontiguousarray");
   }
-  if (array.shape.size() > kMaxDimensions) refuse(name, "it has too many dimensions");
+  if (header.descr[0] == '>') {
+    refuse(name, fmt::format("its numbers are big-endian ({}); save them little-endian", header.descr));
+  }
+  if (header.shape.size() > kMostDimensions) refuse(name, "it has too many dimensions");
+  return header;
 }
 
 // Bytes that shape and type ask for, or more than `limit` when that is exceeded.
@@ -91,14 +195,14 @@ std::size_t bytesNeeded(const NpyArray& array, std::size_t limit) {
 }  // namespace
 
 Dtype parseDtype(const std::string& name) {
-  std::string names;
+  std::vector<std::string> names;
   for (const NamedDtype& known : kDtypes) {
     const std::string descr = known.descr;
     const bool unordered = known.itemSize == 1 && name == "<" + descr.substr(1);  // one byte has no order
     if (name == known.name || name == descr || unordered) return {known.descr, known.itemSize};
-    names += (names.empty() ? "" : ", ") + std::string(known.name);
+    names.emplace_back(known.name);
   }
-  throw std::invalid_argument("the type " + name + " is not one of " + names);
+  throw std::invalid_argument(fmt::format("the type {} is not one of {}", name, fmt::join(names, ", ")));
 }
 
 std::vector<std::string> dtypeNames() {
@@ -111,19 +215,20 @@ NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
   const HeaderPlace place = placeHeader(file, name);
   const auto headerBegin = file.begin() + static_cast<std::ptrdiff_t>(place.offset);
   const auto payloadBegin = headerBegin + static_cast<std::ptrdiff_t>(place.length);
+  Header header = parseHeader(std::string(headerBegin, payloadBegin), name);
   NpyArray array;
-  parseHeader(std::string(headerBegin, payloadBegin), array, name);
+  array.shape = std::move(header.shape);
   try {
-    array.dtype = parseDtype(array.dtype.descr);
+    array.dtype = parseDtype(header.descr);
   } catch (const std::invalid_argument& error) {
     refuse(name, error.what());
   }
   const auto present = static_cast<std::size_t>(file.end() - payloadBegin);
   const std::size_t needed = bytesNeeded(array, file.size());
   if (needed != present) {
-    refuse(name, std::string(needed > present ? "it is truncated: " : "it is too long: ") + "an array of shape " +
-                     shapeText(array.shape) + " and type " + array.dtype.descr + " does not take " +
-                     std::to_string(present) + " bytes");
+    refuse(name, fmt::format("it is {}: an array of shape {} and type {} does not take {} bytes",
+                             needed > present ? "truncated" : "too long", shapeText(array.shape), array.dtype.descr,
+                             present));
   }
   file.erase(file.begin(), payloadBegin);
   array.bytes = std::move(file);
@@ -131,15 +236,16 @@ NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
 }
 
 std::string npyHeader(const Dtype& dtype, const std::vector<std::size_t>& shape) {
-  std::ostringstream text;
-  xt::detail::write_header(text, dtype.descr, false, shape);
-  return text.str();
+  std::string text = fmt::format("{{'descr': '{}', 'fortran_order': False, 'shape': ({}{}), }}", dtype.descr,
+                                 fmt::join(shape, ", "), shape.size() == 1 ? "," : "");
+  const std::size_t before = kPrologue + 2;
+  const std::size_t unaligned = (before + text.size() + 1) % kAlignment;
+  text.append(unaligned == 0 ? 0 : kAlignment - unaligned, ' ').push_back('\n');
+  std::string header = kMagic;
+  header += {'\x01', '\x00', static_cast<char>(text.size() & 0xFF), static_cast<char>(text.size() >> 8)};
+  return header + text;
 }
 
-std::string shapeText(const std::vector<std::size_t>& shape) {
-  std::string text;
-  for (const std::size_t extent : shape) text += (text.empty() ? "(" : ", ") + std::to_string(extent);
-  return text.empty() ? "()" : text + ")";
-}
+std::string shapeText(const std::vector<std::size_t>& shape) { return fmt::format("({})", fmt::join(shape, ", ")); }
 
 }  // namespace tovrtool

@@ -1,5 +1,8 @@
 #include "tool/cells/Rect.h"
 
+#include <fmt/core.h>
+
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <stdexcept>
@@ -13,8 +16,8 @@ constexpr std::int32_t kLastCell = std::numeric_limits<std::int32_t>::max();
 // All of `text` as `count` numbers from `least`, with `separator` between them.
 std::vector<std::int32_t> numbers(const std::string& text, char separator, std::size_t count, std::int32_t least,
                                   const char* form) {
-  const std::invalid_argument error("'" + text + "' is not of the form " + form + ", whole numbers from " +
-                                    std::to_string(least));
+  const std::invalid_argument error(
+      fmt::format("'{}' is not of the form {}, whole numbers from {}", text, form, least));
   std::vector<std::int32_t> found;
   const char* at = text.data();
   const char* const end = at + text.size();
@@ -32,13 +35,41 @@ std::vector<std::int32_t> numbers(const std::string& text, char separator, std::
 
 }  // namespace
 
+bool isSound(const Rect& rect) {
+  return rect.left >= 0 && rect.top >= 0 && rect.left <= rect.right && rect.top <= rect.bottom;
+}
+
+// The product of three numbers of 32 bits can exceed 64.
+bool fills(std::uint64_t bytes, const Rect& rect, std::int64_t cellBytes) {
+  if (columnsOf(rect) <= 0 || rowsOf(rect) <= 0 || cellBytes <= 0) return false;
+  const auto rowBytes = static_cast<std::uint64_t>(columnsOf(rect) * cellBytes);  // below 2^63
+  return bytes % rowBytes == 0 && bytes / rowBytes == static_cast<std::uint64_t>(rowsOf(rect));
+}
+
+std::optional<Rect> common(const Rect& one, const Rect& other) {
+  const Rect both{std::max(one.left, other.left), std::max(one.top, other.top), std::min(one.right, other.right),
+                  std::min(one.bottom, other.bottom)};
+  if (both.left > both.right || both.top > both.bottom) return std::nullopt;
+  return both;
+}
+
+Rect united(const Rect& one, const Rect& other) {
+  return {std::min(one.left, other.left), std::min(one.top, other.top), std::max(one.right, other.right),
+          std::max(one.bottom, other.bottom)};
+}
+
 Rect parseRect(const std::string& text) {
   const auto edges = numbers(text, ',', 4, 0, "L,T,R,B");
   const Rect rect{edges[0], edges[1], edges[2], edges[3]};
-  if (rect.left > rect.right || rect.top > rect.bottom) {
-    throw std::invalid_argument("'" + text + "' is inverted: both edges belong to the rectangle, so L <= R and T <= B");
+  if (!isSound(rect)) {
+    throw std::invalid_argument(
+        fmt::format("'{}' is inverted: both edges belong to the rectangle, so L <= R and T <= B", text));
   }
   return rect;
+}
+
+Rect rectOfEdges(std::int64_t left, std::int64_t top, std::int64_t right, std::int64_t bottom) {
+  return parseRect(fmt::format("{},{},{},{}", left, top, right, bottom));
 }
 
 CellPair parsePosition(const std::string& text) {
@@ -54,16 +85,15 @@ CellPair parseSize(const std::string& text) {
 Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows) {
   const auto room = [](std::int32_t from) { return static_cast<std::uint64_t>(kLastCell - from) + 1; };
   if (columns == 0 || rows == 0 || columns > room(position.x) || rows > room(position.y)) {
-    throw std::invalid_argument(std::to_string(columns) + " x " + std::to_string(rows) + " cells do not fit at " +
-                                std::to_string(position.x) + "," + std::to_string(position.y));
+    throw std::invalid_argument(
+        fmt::format("{} x {} cells do not fit at {},{}", columns, rows, position.x, position.y));
   }
   return {position.x, position.y, static_cast<std::int32_t>(position.x + static_cast<std::int64_t>(columns) - 1),
           static_cast<std::int32_t>(position.y + static_cast<std::int64_t>(rows) - 1)};
 }
 
 std::string toText(const Rect& rect) {
-  return std::to_string(rect.left) + "," + std::to_string(rect.top) + ".." + std::to_string(rect.right) + "," +
-         std::to_string(rect.bottom);
+  return fmt::format("{},{}..{},{}", rect.left, rect.top, rect.right, rect.bottom);
 }
 
 }  // namespace tovrtool

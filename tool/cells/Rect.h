@@ -1,24 +1,31 @@
-// Rectangles and sizes of cells as they are typed and shown.
+// Rectangles and sizes of cells: the library's rectangle, how it is typed and shown, and what it holds.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+
+#include "manager/Rectangle.h"
 
 namespace tovrtool {
 
-// Cell indices from 0, both edges inclusive.
-struct Rect {
-  std::int32_t left = 0;
-  std::int32_t top = 0;
-  std::int32_t right = 0;
-  std::int32_t bottom = 0;
+using tovr::Rect;  // cell indices, both edges inclusive
+using tovr::rectOf;
 
-  std::int64_t columns() const { return std::int64_t{right} - left + 1; }
-  std::int64_t rows() const { return std::int64_t{bottom} - top + 1; }
-  bool holds(const Rect& inner) const {
-    return inner.left >= left && inner.top >= top && inner.right <= right && inner.bottom <= bottom;
-  }
-};
+constexpr std::int64_t columnsOf(const Rect& rect) { return std::int64_t{rect.right} - rect.left + 1; }
+constexpr std::int64_t rowsOf(const Rect& rect) { return std::int64_t{rect.bottom} - rect.top + 1; }
+
+// Whether cells can lie there: no edge is negative, and left <= right, top <= bottom.
+bool isSound(const Rect& rect);
+
+// Whether so many bytes are exactly the rectangle's cells; never for a rectangle or cells without any.
+bool fills(std::uint64_t bytes, const Rect& rect, std::int64_t cellBytes);
+
+// What both hold; nothing where they are apart.
+std::optional<Rect> common(const Rect& one, const Rect& other);
+
+// The smallest that holds both.
+Rect united(const Rect& one, const Rect& other);
 
 struct CellPair {
   std::int32_t x = 0;
@@ -30,6 +37,9 @@ Rect parseRect(const std::string& text);
 CellPair parsePosition(const std::string& text);  // "L,T", from 0
 CellPair parseSize(const std::string& text);      // "COLUMNSxROWS", from 1
 
+// The rectangle of these edges, which may be any numbers. Throws std::invalid_argument as parseRect does.
+Rect rectOfEdges(std::int64_t left, std::int64_t top, std::int64_t right, std::int64_t bottom);
+
 // The rectangle of `columns` x `rows` cells at `position`. Throws std::invalid_argument when no index reaches that far.
 Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows);
 
@@ -37,11 +47,6 @@ Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows);
 std::string toText(const Rect& rect);
 
 // Records of the library name the edges as Rect does, in an order of their own.
-template <class Record>
-Rect rectOf(const Record& record) {
-  return {record.left, record.top, record.right, record.bottom};
-}
-
 template <class Record>
 void setRect(Record& record, const Rect& rect) {
   record.left = rect.left;

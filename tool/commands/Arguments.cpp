@@ -1,5 +1,7 @@
 #include "tool/commands/Arguments.h"
 
+#include <fmt/core.h>
+
 #include <charconv>
 #include <cmath>
 #include <stdexcept>
@@ -33,7 +35,7 @@ std::pair<double, double> parseNumberRange(const std::string& text) {
   const auto second = parted ? std::from_chars(first.ptr + 1, end, high) : first;
   if (!parted || second.ec != std::errc() || second.ptr != end || !std::isfinite(low) || !std::isfinite(high) ||
       low >= high) {
-    throw std::invalid_argument("'" + text + "' is not of the form LOW,HIGH, two numbers, LOW < HIGH");
+    throw std::invalid_argument(fmt::format("'{}' is not of the form LOW,HIGH, two numbers, LOW < HIGH", text));
   }
   return {low, high};
 }
@@ -55,6 +57,10 @@ void addOutput(CLI::App& command, OutputOptions& options) {
 
 CLI::Option* addFile(CLI::App& command, std::string& file) {
   return command.add_option("FILE", file, "The database file")->required();
+}
+
+CLI::Option* addScreenName(CLI::App& command, std::string& name) {
+  return command.add_option("--screen", name, "The screen's name, in databases of type 1");
 }
 
 CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::string& description) {

@@ -14,6 +14,12 @@ namespace tovrtool {
 
 void addOutput(CLI::App& command, OutputOptions& options);
 CLI::Option* addFile(CLI::App& command, std::string& file);
+CLI::Option* addScreenName(CLI::App& command, std::string& name);
+// A coefficient type. std::int32_t or std::optional<std::int32_t>.
+template <class Type>
+CLI::Option* addCoefType(CLI::App& command, Type& type) {
+  return command.add_option("--type", type, "The coefficient type (not 16, which means none)");
+}
 CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::string& description);
 CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
                          const std::string& description);

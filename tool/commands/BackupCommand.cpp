@@ -21,7 +21,7 @@ void backup(Context& context, const Options& options) {
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
   backUp(context.options.access, options.file, key, options.copy,
          options.force ? Existing::kReplace : Existing::kRefuse);
-  message("copied " + options.file + " to " + options.copy + "; every page was checked and is on the disk");
+  message("copied {} to {}; every page was checked and is on the disk", options.file, options.copy);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <optional>
 
@@ -31,7 +33,7 @@ std::string asText(const std::vector<Verdict>& verdicts) {
       text += "        " + printable(verdict.faults[i]) + "\n";
     }
     if (verdict.faults.size() > kMostShown) {
-      text += "        and " + std::to_string(verdict.faults.size() - kMostShown) + " more\n";
+      text += fmt::format("        and {} more\n", verdict.faults.size() - kMostShown);
     }
   }
   return text;
@@ -53,22 +55,17 @@ void print(Context& context, const Options& options, const std::vector<Verdict>&
   context.output.print(options.json ? asJson(options.file, verdicts) : asText(verdicts));
 }
 
-std::int64_t enginePageSize(const Context& context) {
-  Session session = Session::openMemory(context.options.access.plugin);
-  return queryNumber(session.connection(), "pragma cipher_page_size");
-}
-
-// The open file, or the reason for which it is none.
+// The open file. What keeps it from opening is told as a verdict.
 std::optional<Session> open(Context& context, const Options& options, const std::string& key) {
   try {
     return openDatabase(context, options.file, key);
   } catch (const ToolError& error) {
     ToolError reason = error;
     if (error.code() == kKeyProblem) {
-      reason = diagnoseUnreadable(options.file, enginePageSize(context));
+      reason = diagnoseUnreadable(options.file, enginePageSize(context.options.access.plugin));
     } else if (error.code() == kRefused) {
-      const ToolError diagnosis = diagnoseDamaged(options.file, enginePageSize(context));
-      reason = ToolError(diagnosis.code(), std::string(error.what()) + "; " + diagnosis.what());
+      const ToolError diagnosis = diagnoseDamaged(options.file, enginePageSize(context.options.access.plugin));
+      reason = ToolError(diagnosis.code(), "{}; {}", error.what(), diagnosis.what());
     } else if (error.code() != kFileProblem) {
       throw;
     }
@@ -96,8 +93,7 @@ void check(Context& context, const Options& options) {
       static_cast<std::ptrdiff_t>(verdicts.size()) - std::count_if(verdicts.begin(), verdicts.end(), isOk);
   if (failed == 0) return;
   context.output.finish();
-  throw ToolError(kRefused, std::to_string(failed) + " of " + std::to_string(verdicts.size()) +
-                                " checks failed; if a copy is whole, restore it");
+  throw ToolError(kRefused, "{} of {} checks failed; if a copy is whole, restore it", failed, verdicts.size());
 }
 
 }  // namespace

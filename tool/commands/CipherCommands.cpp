@@ -8,6 +8,7 @@
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/io/UnfinishedFile.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -33,7 +34,7 @@ struct Keys {
 
 void requireLength(const std::string& key, const char* what) {
   if (key.size() == kKeyLength) return;
-  throw ToolError(kKeyProblem, std::string(what) + " has " + std::to_string(key.size()) + " characters, not 8");
+  throw ToolError(kKeyProblem, "{} has {} characters, not 8", what, key.size());
 }
 
 Keys readKeys(const Options& options, KeyUse use) {
@@ -66,23 +67,23 @@ std::uintmax_t requireText(const std::string& path) {
   const auto bytes = readWholeFile(path);
   const auto found = std::find_if(bytes.begin(), bytes.end(), endsText);
   if (found != bytes.end()) {
-    throw ToolError(kFileProblem, path + " is no text: its byte " + std::to_string(found - bytes.begin() + 1) + " is " +
-                                      std::to_string(int{*found}) +
-                                      ", and the format, which is made for texts, would lose what follows. Keep binary "
-                                      "data in a database (tovrdb data put)");
+    throw ToolError(kFileProblem,
+                    "{} is not a text: its byte {} is {}, and the format, which is made for texts, would lose what "
+                    "follows. Keep binary data in a database (tovrdb data put)",
+                    path, found - bytes.begin() + 1, int{*found});
   }
   return bytesRead(bytes);
 }
 
 std::uintmax_t sizeOf(const std::string& path) {
   std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
+  const std::uintmax_t size = fs::file_size(pathOf(path), error);
   return error ? 0 : size;
 }
 
 void requireDone(bool done, const std::string& path) {
   std::error_code error;
-  if (!done || !fs::exists(path, error)) {
+  if (!done || !fs::exists(pathOf(path), error)) {
     throw ToolError(kFileProblem,
                     "the encryption service could not read the one file or write the other; is the disk full?");
   }
@@ -106,8 +107,8 @@ void decrypt(Context& context, const Options& options) {
   const Keys keys = readKeys(options, KeyUse::kOpen);
   const std::uintmax_t size = readWholeFile(options.input).size();
   if (size % kCipherBlock != 0) {
-    throw ToolError(kFileProblem, options.input + " is no encrypted file, or truncated: its " + std::to_string(size) +
-                                      " bytes are no multiple of 8");
+    throw ToolError(kFileProblem, "{} is not an encrypted file, or truncated: its {} bytes are not a multiple of 8",
+                    options.input, size);
   }
   UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
   const auto host = loadPlugin(context.options.access.plugin);

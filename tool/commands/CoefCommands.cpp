@@ -1,3 +1,4 @@
+#include <fmt/core.h>
 
 #include "tool/cells/CellBlock.h"
 #include "tool/cells/CellCsv.h"
@@ -5,12 +6,11 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
-#include "tool/database/CoefArea.h"
-#include "tool/database/SqlQuery.h"
+#include "tool/database/BlockStore.h"
+#include "tool/database/StoredArea.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
@@ -21,7 +21,9 @@ struct ListOptions {
 
 struct GetOptions {
   std::string file;
-  AreaOptions area;
+  std::int32_t type = 0;
+  std::string screen;
+  std::optional<Rect> rect;
   OutputOptions output;
   Dtype dtype = parseDtype("uint8");
   bool raw = false;
@@ -29,36 +31,27 @@ struct GetOptions {
 };
 
 void get(Context& context, const GetOptions& options) {
-  const Rect rect = *options.area.rect;
   ByteOutput output(context.output, options.output, options.file);
   Session session = openDatabase(context, options.file);
-  auto record = session.host().makeRecord<tovr::CoefData>();
-  fillArea(session, options.area, rect, *record);
-  const int code = session.manager().queryData(record.get());
-  const std::unique_ptr<unsigned char[]> cells(record->coefBuffer.data);
-  requireArea(session, code, options.area, rect);
-
-  const std::int32_t cellBytes = record->coefBuffer.databitwidth;
-  if (cellBytes <= 0 || record->coefBuffer.datasize <= 0) {
-    throw ToolError(kRefused, "the stored block is damaged: its cells have " + std::to_string(cellBytes) + " bytes");
-  }
+  const CellBlock block = fetchBlock(session, {options.type, options.screen, *options.rect});
   if (options.csv) {
-    writeCsv(cells.get(), rect, cellBytes, options.dtype, [&output](const std::string& text) { output.write(text); });
+    writeCsv(block, options.dtype, [&output](const std::string& text) { output.write(text); });
   } else {
-    if (!options.raw) output.write(npyHeader(options.dtype, blockShape(rect, cellBytes, options.dtype)));
-    output.write(cells.get(), static_cast<std::size_t>(record->coefBuffer.datasize));
+    if (!options.raw) output.write(npyHeader(options.dtype, blockShape(block.rect, block.cellBytes, options.dtype)));
+    output.write(block.bytes.get(), block.size());
   }
   output.commit();
-  if (options.raw) message(toText(rect) + ", " + std::to_string(cellBytes) + " bytes per cell");
+  if (options.raw) message("{}, {} bytes per cell", toText(block.rect), block.cellBytes);
 }
 
 void list(Context& context, const ListOptions& options) {
   Session session = openDatabase(context, options.file);
-  std::vector<Row> rows = queryRows(
-      session.connection(),
-      "select i.id, s.screenname, i.coeftype, i.areaid, i.left || ',' || i.top || '..' || i.right || ',' || i.bottom,"
-      " i.coefid, c.databitwidth, length(c.data), c.version from Coef_Info i left join Screen_Info s on"
-      " s.id = i.screenid left join Coef c on c.id = i.coefid order by i.id");
+  TextRows rows;
+  for (const StoredArea& area : storedAreas(session)) {
+    rows.push_back({std::to_string(area.id), area.screen, std::to_string(area.type), std::to_string(area.number),
+                    toText(area.rect), std::to_string(area.blockId), std::to_string(area.cellBytes),
+                    std::to_string(area.storedBytes), area.version});
+  }
   context.output.print(textTable({{"id", true},
                                   {"screen"},
                                   {"type", true},
@@ -71,19 +64,13 @@ void list(Context& context, const ListOptions& options) {
                                  rows));
 }
 
-void addArea(CLI::App& command, AreaOptions& options) {
-  command.add_option("--screen", options.screen, "The screen's name, in databases of type 1");
-}
-
-constexpr char kTypeHelp[] = "The coefficient type (not 16, which means none)";
-
 void addGet(CommandGroup& group) {
   const auto [command, options] =
       group.add("get", "Read a rectangle of cells out of a stored block", &GetOptions::file, get);
   addFile(command, options.file);
-  addArea(command, options.area);
-  command.add_option("--type", options.area.type, kTypeHelp)->required();
-  addRect(command, options.area.rect, "The cells, both edges inclusive")->required();
+  addScreenName(command, options.screen);
+  addCoefType(command, options.type)->required();
+  addRect(command, options.rect, "The cells, both edges inclusive")->required();
   addOutput(command, options.output);
   CLI::Option* dtype = addDtype(command, options.dtype,
                                 "Type of the numbers in a cell (uint16, float32, ...); it is not stored [uint8]");

@@ -1,11 +1,10 @@
 #include "tool/cells/CellBlock.h"
 #include "tool/commands/Arguments.h"
-#include "tool/commands/BulkPut.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
-#include "tool/database/CoefArea.h"
-#include "tool/database/SqlQuery.h"
+#include "tool/database/BlockFiles.h"
+#include "tool/database/BlockStore.h"
 #include "tool/io/FileInput.h"
 #include "tool/io/Message.h"
 #include "tool/system/ToolError.h"
@@ -15,79 +14,80 @@ namespace {
 
 struct PutOptions {
   std::string file;
-  std::optional<std::int32_t> type;  // of the only block
-  AreaOptions area;
+  std::optional<std::int32_t> type;
+  std::string screen;
+  std::optional<Rect> rect;
   std::string array;
   std::string raw;
   std::int32_t cellBytes = 0;
   std::optional<CellPair> position;
   BlockText text;
-  BulkSource bulk;
   bool update = false;
+  std::string manifest;  // instead of one block
+  std::string folder;
 };
 
-std::vector<tovr::CoefData> areas(Session& session) {
-  auto all = session.host().makeRecord<tovr::CoefDataResult>();
-  session.require(session.manager().queryData(all.get()));
-  return all->coefs;
-}
+constexpr char kBulkHelp[] =
+    "Many blocks at once, all of them or none, in one transaction:\n"
+    "  --manifest FILE  a JSON list of {\"file\": \"a.npy\", \"type\": 1, \"rect\": [L, T, R, B]} and, where wanted,\n"
+    "                   \"screen\", \"area\" and \"version\"; files lie in the manifest's folder or below it\n"
+    "  --folder DIR     its .npy files, named T<type>_<L>,<T>,<R>,<B>.npy, with <screen>_ in front in databases of\n"
+    "                   type 1: left_T1_0,0,1919,1079.npy; other files are left alone";
 
 // What the command line of one block says, and that of many does not.
 void requireBlock(const PutOptions& options) {
   if (!options.type) throw ToolError(kUsage, "--type is required");
   if (options.array.empty() == options.raw.empty()) throw ToolError(kUsage, "BLOCK or --raw is required");
-  if (!options.area.rect && !options.position) throw ToolError(kUsage, "--rect or --at is required");
+  if (!options.rect && !options.position) throw ToolError(kUsage, "--rect or --at is required");
 }
 
 CellBlock readBlock(const PutOptions& options) {
   if (!options.raw.empty()) {
-    return blockFromBytes(readWholeFile(options.raw), *options.area.rect, options.cellBytes);
+    return blockFromBytes(readWholeFile(options.raw), *options.rect, options.cellBytes);
   }
-  return blockFromArray(parseNpy(readWholeFile(options.array), options.array), options.area.rect, options.position);
+  return blockFromArray(parseNpy(readWholeFile(options.array), options.array), options.rect, options.position);
 }
 
-// The library answers a rectangle from the first area that holds it, so an older one can hide a new one.
-void warnWhenHidden(Session& session, const tovr::CoefData& record) {
-  for (const auto& area : areas(session)) {
-    if (area.screenid != record.screenid || area.coeftype != record.coeftype) continue;
-    if (!rectOf(area).holds(rectOf(record))) continue;
-    if (area.coefid != record.coefid) {
-      message("note: area " + std::to_string(area.id) + " (" + toText(rectOf(area)) +
-              ") of the same type was stored before and holds this rectangle: coef get answers from it");
-    }
-    return;
+void putOne(Context& context, const PutOptions& options) {
+  requireBlock(options);
+  const CellBlock block = readBlock(options);
+  Session session = openDatabase(context, options.file);
+  const StoreReport report = storeBlock(session, {*options.type, options.screen, block.rect}, options.text, block,
+                                        options.update ? StoreMode::kUpdate : StoreMode::kInsert);
+  session.close();
+  message("stored {}, {} bytes per cell, under block key {}", toText(block.rect), block.cellBytes, report.blockId);
+  if (report.screenAdded) {
+    message("note: there was no screen {}; it was added with this rectangle", options.screen);
   }
+  if (report.hiddenBy) {
+    message("note: area {} ({}) of the same type was stored before and holds this rectangle: coef get answers from it",
+            report.hiddenBy->id, toText(report.hiddenBy->rect));
+  }
+}
+
+void putMany(Context& context, const PutOptions& options) {
+  const auto files = options.manifest.empty() ? blocksOfFolder(options.folder) : blocksOfManifest(options.manifest);
+  if (files.empty()) throw ToolError(kFileProblem, "there are no blocks to store");
+  Session session = openDatabase(context, options.file);
+  {
+    Progress progress("coef put", bytesOf(files));
+    storeFiles(session, files, progress);
+  }
+  session.close();
+  message("stored {} blocks", files.size());
 }
 
 void put(Context& context, const PutOptions& options) {
-  if (options.bulk.isGiven()) return putAll(context, options.file, options.bulk);
-  requireBlock(options);
-  CellBlock block = readBlock(options);
-  Session session = openDatabase(context, options.file);
-  AreaOptions area = options.area;
-  area.type = *options.type;
-  const auto record = recordOf(session, area, options.text, block);
-  const std::string countScreens = "select count(*) from Screen_Info";
-  const std::int64_t screens = queryNumber(session.connection(), countScreens);
-
-  Transaction transaction(session);
-  tovr::IDBManager& manager = session.manager();
-  const int code = options.update ? manager.updateData(record.get()) : manager.insertData(record.get());
-  requireArea(session, code, area, block.rect);
-  transaction.commit();
-  message("stored " + toText(block.rect) + ", " + std::to_string(block.cellBytes) +
-          " bytes per cell, under block key " + std::to_string(record->coefid));
-  if (queryNumber(session.connection(), countScreens) > screens) {
-    message("note: there was no screen " + options.area.screen + "; it was added with this rectangle");
-  }
-  warnWhenHidden(session, *record);
-  session.close();
+  const bool many = !options.manifest.empty() || !options.folder.empty();
+  return many ? putMany(context, options) : putOne(context, options);
 }
 
 // Many blocks at once: what else describes one block is in the manifest, or in the names.
-void addBulk(CLI::App& command, BulkSource& bulk) {
-  CLI::Option* manifest = command.add_option("--manifest", bulk.manifest, "Instead, many blocks: a JSON list of them");
-  CLI::Option* folder = command.add_option("--folder", bulk.folder, "Instead, many blocks: the .npy files of a folder");
+void addMany(CLI::App& command, PutOptions& options) {
+  CLI::Option* manifest =
+      command.add_option("--manifest", options.manifest, "Instead, many blocks: a JSON list of them");
+  CLI::Option* folder =
+      command.add_option("--folder", options.folder, "Instead, many blocks: the .npy files of a folder");
   manifest->type_name("FILE")->excludes(folder);
   folder->type_name("DIR");
   for (CLI::Option* option : command.get_options()) {
@@ -105,14 +105,14 @@ void addCoefPutCommand(CommandGroup& coef) {
   const auto [command, options] =
       coef.add("put", "Store a block of cells; the same rectangle and type replaces it", &PutOptions::file, put);
   addFile(command, options.file);
-  command.add_option("--screen", options.area.screen, "The screen's name, in databases of type 1");
-  command.add_option("--type", options.type, "The coefficient type (not 16, which means none)");
+  addScreenName(command, options.screen);
+  addCoefType(command, options.type);
   CLI::Option* array =
       command.add_option("BLOCK", options.array, "A .npy array, rows x columns (x values); - is standard input");
   CLI::Option* raw = command.add_option("--raw", options.raw, "Instead, a file of bare cells, row after row");
   CLI::Option* cellBytes = command.add_option("--cell-bytes", options.cellBytes, "Bytes per cell of a --raw file")
                                ->check(CLI::PositiveNumber);
-  CLI::Option* rect = addRect(command, options.area.rect, "The cells, both edges inclusive");
+  CLI::Option* rect = addRect(command, options.rect, "The cells, both edges inclusive");
   CLI::Option* at = addPosition(command, "--at", options.position, "Instead, where the array's first cell lies");
   raw->needs(cellBytes)->needs(rect)->excludes(array);
   cellBytes->needs(raw);
@@ -123,7 +123,7 @@ void addCoefPutCommand(CommandGroup& coef) {
   command.add_flag("--update", options.update,
                    "Rewrite what is stored and add nothing. The rectangle is the whole screen's (type 0), or becomes "
                    "the screen's (type 1)");
-  addBulk(command, options.bulk);
+  addMany(command, options);
 }
 
 }  // namespace tovrtool

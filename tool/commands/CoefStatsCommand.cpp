@@ -1,7 +1,7 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "tool/cells/CellBlock.h"
 #include "tool/cells/CellNumbers.h"
@@ -11,13 +11,11 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/StoredArea.h"
+#include "tool/io/JsonText.h"
 #include "tool/io/TextTable.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct Options {
   std::string file;
@@ -44,15 +42,15 @@ struct Component {
 // What all of the report is about.
 struct Subject {
   StoredArea area;
-  Cells cells;
+  CellBlock cells;
   std::size_t valuesPerCell = 0;
 };
 
 Component describe(const Subject& subject, const Options& options, std::size_t index) {
-  const auto cellBytes = static_cast<std::size_t>(subject.cells.cellBytes);
-  std::vector<double> values(static_cast<std::size_t>(subject.cells.rect.columns() * subject.cells.rect.rows()));
-  readNumbers(options.dtype, subject.cells.bytes.get() + index * options.dtype.itemSize, cellBytes, values.size(),
-              values.data());
+  const CellBlock& cells = subject.cells;
+  std::vector<double> values(static_cast<std::size_t>(columnsOf(cells.rect) * rowsOf(cells.rect)));
+  readNumbers(options.dtype, cells.at(cells.rect.left, cells.rect.top) + index * options.dtype.itemSize,
+              static_cast<std::size_t>(cells.cellBytes), values.size(), values.data());
   Component component{index, summarize(values), {}, standOut(values, options.limit, kMostOutliers)};
   if (component.summary.count > 0) {
     component.bins =
@@ -62,23 +60,19 @@ Component describe(const Subject& subject, const Options& options, std::size_t i
 }
 
 CellPair cellAt(const Rect& rect, std::size_t index) {
-  const auto columns = static_cast<std::size_t>(rect.columns());
+  const auto columns = static_cast<std::size_t>(columnsOf(rect));
   return {rect.left + static_cast<std::int32_t>(index % columns),
           rect.top + static_cast<std::int32_t>(index / columns)};
 }
 
-std::string shortText(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.7g", value);
-  return text;
-}
+std::string shortText(double value) { return fmt::format("{:.7g}", value); }
 
 std::string summaryTable(const std::vector<Component>& components) {
   std::vector<Column> columns = {{"component", true}, {"minimum", true}};
   for (const double percent : kPercents) columns.push_back({shortText(percent) + "%", true});
   for (const char* title : {"maximum", "mean", "deviation", "not finite", "stand out"})
     columns.push_back({title, true});
-  std::vector<std::vector<std::string>> rows;
+  TextRows rows;
   for (const Component& component : components) {
     const Summary& summary = component.summary;
     std::vector<std::string>& row = rows.emplace_back();
@@ -103,42 +97,41 @@ std::string histogramText(const Component& component) {
   const Histogram& bins = component.bins;
   std::size_t most = std::max(bins.below, bins.above);
   for (const Bin& bin : bins.bins) most = std::max(most, bin.count);
-  std::vector<std::vector<std::string>> rows;
+  TextRows rows;
   const auto add = [&](const std::string& low, const std::string& high, std::size_t count) {
     rows.push_back({low, high, std::to_string(count), bar(count, most)});
   };
   if (bins.below > 0) add(shortText(component.summary.least), shortText(bins.bins.front().low), bins.below);
   for (const Bin& bin : bins.bins) add(shortText(bin.low), shortText(bin.high), bin.count);
   if (bins.above > 0) add(shortText(bins.bins.back().high), shortText(component.summary.most), bins.above);
-  return "\ncomponent " + std::to_string(component.index) + "\n" +
-         textTable({{"from", true}, {"to", true}, {"cells", true}, {""}}, rows);
+  return fmt::format("\ncomponent {}\n{}", component.index,
+                     textTable({{"from", true}, {"to", true}, {"cells", true}, {""}}, rows));
 }
 
 std::string outlierText(const Subject& subject, const std::vector<Component>& components, double limit) {
-  std::vector<std::vector<std::string>> rows;
+  TextRows rows;
   for (const Component& component : components) {
     for (const Outlier& outlier : component.outliers.strongest) {
       const CellPair cell = cellAt(subject.cells.rect, outlier.index);
-      char distance[32];
-      std::snprintf(distance, sizeof distance, "%+.1f", outlier.distance);
       rows.push_back({std::to_string(component.index), std::to_string(cell.x), std::to_string(cell.y),
-                      shortText(outlier.value), shortText(component.outliers.median), distance});
+                      shortText(outlier.value), shortText(component.outliers.median),
+                      fmt::format("{:+.1f}", outlier.distance)});
     }
   }
-  const std::string title = "\ncells that stand out: more than " + shortText(limit) + " spreads from the median";
+  const std::string title = fmt::format("\ncells that stand out: more than {:.7g} spreads from the median", limit);
   if (rows.empty()) return title + ": none\n";
-  return title + ", the " + std::to_string(kMostOutliers) + " strongest of each component\n" +
-         textTable(
-             {{"component", true}, {"x", true}, {"y", true}, {"value", true}, {"median", true}, {"spreads", true}},
-             rows);
+  return fmt::format(
+      "{}, the {} strongest of each component\n{}", title, kMostOutliers,
+      textTable({{"component", true}, {"x", true}, {"y", true}, {"value", true}, {"median", true}, {"spreads", true}},
+                rows));
 }
 
 std::string text(const Subject& subject, const std::vector<Component>& components, const Options& options) {
-  std::string report = "cells " + toText(subject.cells.rect) + " of area " + std::to_string(subject.area.id) + " (" +
-                       toText(subject.area) + "), type " + std::to_string(subject.area.type) + ": " +
-                       std::to_string(subject.cells.rect.columns() * subject.cells.rect.rows()) + " cells of " +
-                       std::to_string(subject.valuesPerCell) + " x " + options.dtype.descr + "\n\n" +
-                       summaryTable(components);
+  const Rect& rect = subject.cells.rect;
+  std::string report =
+      fmt::format("cells {} of area {} ({}), type {}: {} cells of {} x {}\n\n{}", toText(rect), subject.area.id,
+                  toText(subject.area), subject.area.type, columnsOf(rect) * rowsOf(rect), subject.valuesPerCell,
+                  options.dtype.descr, summaryTable(components));
   for (const Component& component : components) {
     if (component.summary.count > 0) report += histogramText(component);
   }
@@ -181,7 +174,7 @@ std::string json(const Subject& subject, const std::vector<Component>& component
             {"outlier_limit", options.limit},
             {"components", Json::array()}};
   for (const Component& component : components) json["components"].push_back(jsonOf(component, rect));
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return jsonText(json);
 }
 
 void stats(Context& context, const Options& options) {
@@ -189,13 +182,11 @@ void stats(Context& context, const Options& options) {
   Subject subject;
   subject.area = chooseArea(areasOfType(session, options.type, options.screen), options.rect);
   subject.cells = readCells(session, subject.area, options.rect.value_or(subject.area.rect));
-  subject.valuesPerCell = blockShape(subject.cells.rect, subject.cells.cellBytes, options.dtype)[2];
+  subject.valuesPerCell = valuesPerCell(subject.cells.cellBytes, options.dtype);
   session.close();
   const std::size_t first = options.component.value_or(0);
   const std::size_t last = options.component.value_or(subject.valuesPerCell - 1);
-  if (last >= subject.valuesPerCell) {
-    throw ToolError(kUsage, "a cell has the components 0 to " + std::to_string(subject.valuesPerCell - 1));
-  }
+  requireComponent(subject.cells.cellBytes, options.dtype, last);
   std::vector<Component> components;
   for (std::size_t i = first; i <= last; ++i) components.push_back(describe(subject, options, i));
   context.output.print(options.json ? json(subject, components, options) : text(subject, components, options));

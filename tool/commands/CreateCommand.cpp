@@ -1,17 +1,13 @@
-#include <filesystem>
-
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/database/Session.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/io/UnfinishedFile.h"
-#include "tool/system/ToolError.h"
+#include "tool/system/Paths.h"
 
 namespace tovrtool {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct Options {
   std::string file;
@@ -26,7 +22,7 @@ struct Options {
 void describe(Session& session, const Options& options) {
   auto info = session.host().makeRecord<tovr::DBInfo>();
   info->dbtype = options.type;
-  info->dbname = options.name.empty() ? fs::path(options.file).stem().string() : options.name;
+  info->dbname = options.name.empty() ? textOf(pathOf(options.file).stem()) : options.name;
   info->datastructversion = options.structureVersion;
   info->softwareversion = options.softwareVersion;
   info->softwaretype = options.softwareType;
@@ -36,13 +32,13 @@ void describe(Session& session, const Options& options) {
 
 void create(Context& context, const Options& options) {
   UnfinishedFile unfinished(options.file, Existing::kKeep, "-journal");
-  Session session =
-      Session::openNew(context.options.access.plugin, unfinished.path(), readKey(context.options.keyFile, KeyUse::kCreate));
+  Session session = Session::openNew(context.options.access.plugin, unfinished.path(),
+                                     readKey(context.options.keyFile, KeyUse::kCreate));
   session.require(session.manager().createTables());
   describe(session, options);
   session.close();
   unfinished.finish();
-  message("created " + options.file + ", database type " + std::to_string(options.type) + "; next: tovrdb screen add");
+  message("created {}, database type {}; next: tovrdb screen add", options.file, options.type);
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <new>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "tool/cells/CellNumbers.h"
@@ -11,17 +13,17 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/FileDifference.h"
 #include "tool/io/ByteOutput.h"
+#include "tool/io/JsonText.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 #include "tool/pictures/HeatmapWords.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // As of the program that compares texts, which scripts know.
 constexpr int kDifferent = 1;
@@ -53,23 +55,15 @@ class DifferencePicture {
         type_(typeOf(options, files)),
         numbers_(regionOf(files), Merge::kFarthestFromZero) {}
 
-  void add(const StoredArea& area, std::int32_t cellBytes, const unsigned char* before, const unsigned char* after) {
+  void add(const StoredArea& area, const CellBlock& before, const CellBlock& after) {
     if (!drawn(area)) return;
-    const auto bytes = static_cast<std::size_t>(cellBytes);
-    const Dtype& dtype = *options_.dtype;
-    if (bytes % dtype.itemSize != 0 || options_.component >= bytes / dtype.itemSize) {
-      throw ToolError(kUsage, "cells of " + std::to_string(bytes) + " bytes have no component " +
-                                  std::to_string(options_.component) + " of type " + dtype.descr);
-    }
-    const auto columns = static_cast<std::size_t>(area.rect.columns());
-    std::vector<double> minuend(columns);
+    requireComponent(area.cellBytes, *options_.dtype, options_.component);
+    std::vector<double> minuend(static_cast<std::size_t>(columnsOf(area.rect)));
     numbers_.add(area.rect, [&](std::int32_t y, double* row) {
-      std::fill(row, row + columns, 0.0);
-      if (before == nullptr) return;
-      const std::size_t offset =
-          static_cast<std::size_t>(y - area.rect.top) * columns * bytes + options_.component * dtype.itemSize;
-      readNumbers(dtype, before + offset, bytes, columns, row);
-      readNumbers(dtype, after + offset, bytes, columns, minuend.data());
+      std::fill(row, row + minuend.size(), 0.0);
+      if (before.bytes == nullptr) return;
+      readRow(before, *options_.dtype, options_.component, area.rect, y, row);
+      readRow(after, *options_.dtype, options_.component, area.rect, y, minuend.data());
       std::transform(minuend.begin(), minuend.end(), row, row, std::minus<>());
     });
   }
@@ -77,30 +71,29 @@ class DifferencePicture {
   void write() {
     Heatmap heatmap;
     heatmap.palette = Palette::kDiverging;
-    heatmap.title = nameOf(options_.after) + " - " + nameOf(options_.before) + ": type " + std::to_string(type_) +
-                    ", component " + std::to_string(options_.component);
+    heatmap.title = fmt::format("{} - {}: type {}, component {}", nameOf(options_.after), nameOf(options_.before),
+                                type_, options_.component);
     heatmap.label = options_.unit.empty() ? "difference" : options_.unit;
     heatmap.outlines = outlines_;
     setColours(numbers_, numbers_.balancedRange(kPicturedPercent), heatmap);
-    heatmap.notes = {"Colours span the percentile " + numberText(kPicturedPercent) + " of differences other than 0.",
-                     scaleNote(numbers_.raster().scale(), Merge::kFarthestFromZero)};
+    heatmap.notes = {
+        fmt::format("Colours span the percentile {} of differences other than 0.", numberText(kPicturedPercent)),
+        scaleNote(numbers_.raster().scale(), Merge::kFarthestFromZero)};
     const auto png = drawHeatmap(numbers_.raster(), heatmap);
-    output_.write(png.data(), png.size());
+    output_.write(png);
     output_.commit();
   }
 
  private:
-  static std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+  static std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
   static std::int32_t typeOf(const Options& options, const FileComparison& files) {
     if (options.type) return *options.type;
     std::set<std::int32_t> types;
     for (const StoredArea& area : files.commonAreas()) types.insert(area.type);
     if (types.size() == 1) return *types.begin();
-    std::string text;
-    for (const std::int32_t type : types) text += (text.empty() ? "" : ", ") + std::to_string(type);
-    throw ToolError(kUsage, types.empty() ? "the files have no block in common that could be drawn"
-                                          : "say which blocks to draw with --type: both files have types " + text);
+    if (types.empty()) throw ToolError(kUsage, "the files have no block in common that could be drawn");
+    throw ToolError(kUsage, "say which blocks to draw with --type: both files have types {}", fmt::join(types, ", "));
   }
 
   bool drawn(const StoredArea& area) const {
@@ -116,7 +109,7 @@ class DifferencePicture {
       outlines_.push_back({area.rect, named.insert(area.screen).second ? area.screen : "", true});
     }
     if (region) return *region;
-    throw ToolError(kUsage, "the files have no block of type " + std::to_string(type_) + " in common to draw");
+    throw ToolError(kUsage, "the files have no block of type {} in common to draw", type_);
   }
 
   const Options& options_;
@@ -128,24 +121,22 @@ class DifferencePicture {
 
 std::string cellsText(const Difference& difference) {
   const BlockDifference& cells = difference.cells;
-  const std::string at = std::to_string(cells.at.x) + "," + std::to_string(cells.at.y);
-  const std::string text = std::to_string(cells.differing) + " of " + std::to_string(cells.cells) + " cells differ, ";
-  if (!difference.numbers) return text + "the first at " + at;
-  return text + "most at " + at + ", component " + std::to_string(cells.component) + ": " + numberText(cells.before) +
-         " -> " + numberText(cells.after);
+  const std::string text = fmt::format("{} of {} cells differ, ", cells.differing, cells.cells);
+  if (!difference.numbers) return fmt::format("{}the first at {},{}", text, cells.at.x, cells.at.y);
+  return fmt::format("{}most at {},{}, component {}: {} -> {}", text, cells.at.x, cells.at.y, cells.component,
+                     numberText(cells.before), numberText(cells.after));
 }
 
 std::string bytesText(const BytesDifference& bytes) {
-  const std::string size = std::to_string(bytes.sizeBefore) + " bytes";
-  std::string sizes =
-      bytes.sizeBefore == bytes.sizeAfter ? size : size + " -> " + std::to_string(bytes.sizeAfter) + " bytes";
-  if (bytes.differing == 0) return sizes;
-  return sizes + ", " + std::to_string(bytes.differing) + " differ, the first at " + std::to_string(bytes.first);
+  std::string text = fmt::format("{} bytes", bytes.sizeBefore);
+  if (bytes.sizeAfter != bytes.sizeBefore) text += fmt::format(" -> {} bytes", bytes.sizeAfter);
+  if (bytes.differing != 0) text += fmt::format(", {} differ, the first at {}", bytes.differing, bytes.first);
+  return text;
 }
 
 std::string lineOf(const Difference& difference, const Options& options) {
   const auto only = [&](const std::string& file, const std::string& summary) {
-    return "only in " + file + ": " + difference.item + (summary.empty() ? "" : " (" + summary + ")");
+    return fmt::format("only in {}: {}{}", file, difference.item, summary.empty() ? "" : " (" + summary + ")");
   };
   switch (difference.kind) {
     case Difference::Kind::kOnlyBefore:
@@ -153,7 +144,8 @@ std::string lineOf(const Difference& difference, const Options& options) {
     case Difference::Kind::kOnlyAfter:
       return only(options.after, difference.after);
     case Difference::Kind::kField:
-      return difference.item + ": " + difference.field + ": '" + difference.before + "' -> '" + difference.after + "'";
+      return fmt::format("{}: {}: '{}' -> '{}'", difference.item, difference.field, difference.before,
+                         difference.after);
     case Difference::Kind::kCells:
       return difference.item + ": " + cellsText(difference);
     case Difference::Kind::kBytes:
@@ -200,13 +192,14 @@ std::string report(const std::vector<Difference>& differences, const Options& op
   }
   Json json{{"a", options.before}, {"b", options.after}, {"same", differences.empty()}, {"differences", Json::array()}};
   for (const Difference& difference : differences) json["differences"].push_back(jsonOf(difference));
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return jsonText(json);
 }
 
 void refuseReplacing(const Options& options) {
   std::error_code error;
-  if (options.picture.path != "-" && std::filesystem::equivalent(options.picture.path, options.after, error)) {
-    throw ToolError(kTrouble, "the picture would replace " + options.after);
+  if (options.picture.path != "-" &&
+      std::filesystem::equivalent(pathOf(options.picture.path), pathOf(options.after), error)) {
+    throw ToolError(kTrouble, "the picture would replace {}", options.after);
   }
 }
 
@@ -222,10 +215,10 @@ void diff(Context& context, const Options& options) {
   Comparing how{options.dtype, std::nullopt};
   if (options.absolute || options.relative)
     how.tolerance = Tolerance{options.absolute.value_or(0), options.relative.value_or(0)};
-  const auto differences = files.compare(how, [&](const StoredArea& area, std::int32_t cellBytes,
-                                                  const unsigned char* before, const unsigned char* after) {
-    if (picture) picture->add(area, cellBytes, before, after);
-  });
+  const auto differences =
+      files.compare(how, [&](const StoredArea& area, const CellBlock& before, const CellBlock& after) {
+        if (picture) picture->add(area, before, after);
+      });
   if (picture) picture->write();
   context.output.print(report(differences, options));
   context.output.finish();

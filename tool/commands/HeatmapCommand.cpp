@@ -1,16 +1,15 @@
+#include <fmt/core.h>
+
 #include <algorithm>
-#include <cmath>
-#include <filesystem>
 #include <fstream>
 
-#include "host/StatusText.h"
-#include "storage/StatusCodes.h"
 #include "tool/cells/CellBlock.h"
 #include "tool/cells/CellNumbers.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/database/Screens.h"
 #include "tool/database/StoredArea.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/FileInput.h"
@@ -18,6 +17,7 @@
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 #include "tool/pictures/HeatmapWords.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -40,28 +40,17 @@ struct Options {
 
 bool isArray(const std::string& path) {
   char start[6] = {};
-  std::ifstream(path, std::ios::binary).read(start, sizeof start);
+  std::ifstream(pathOf(path), std::ios::binary).read(start, sizeof start);
   return std::string(start, sizeof start) == "\x93NUMPY";
 }
 
-void requireComponent(const Rect& rect, std::int32_t cellBytes, const Dtype& dtype, std::size_t component) {
-  const std::size_t values = blockShape(rect, cellBytes, dtype)[2];
-  if (component < values) return;
-  throw ToolError(kUsage, "--component " + std::to_string(component) + ": a cell of " + toText(rect) +
-                              " has the components 0 to " + std::to_string(values - 1));
-}
-
-void addCells(GatheredNumbers& numbers, const Rect& rect, const Cells& cells, const Dtype& dtype,
+void addCells(GatheredNumbers& numbers, const Rect& rect, const CellBlock& cells, const Dtype& dtype,
               std::size_t component) {
-  requireComponent(cells.rect, cells.cellBytes, dtype, component);
-  const std::int64_t skipped = (std::int64_t{rect.left} - cells.rect.left) * cells.cellBytes;
-  numbers.add(rect, [&](std::int32_t y, double* row) {
-    readNumbers(dtype, cells.row(y) + skipped + component * dtype.itemSize, static_cast<std::size_t>(cells.cellBytes),
-                static_cast<std::size_t>(rect.columns()), row);
-  });
+  requireComponent(cells.cellBytes, dtype, component);
+  numbers.add(rect, [&](std::int32_t y, double* row) { readRow(cells, dtype, component, rect, y, row); });
 }
 
-std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
 GatheredNumbers fromArray(const Options& options, Heatmap& heatmap) {
   if (options.type || options.wall || options.dtype || !options.screen.empty()) {
@@ -71,27 +60,15 @@ GatheredNumbers fromArray(const Options& options, Heatmap& heatmap) {
   }
   NpyArray array = parseNpy(readWholeFile(options.file), options.file);
   const Dtype dtype = array.dtype;
-  auto block = std::make_shared<const CellBlock>(blockFromArray(std::move(array), std::nullopt, CellPair{}));
-  const Cells cells{block->rect, block->cellBytes, {block, block->bytes.data()}};
+  const CellBlock cells = blockFromArray(std::move(array), std::nullopt, CellPair{});
   const Rect region = options.rect.value_or(cells.rect);
-  if (!cells.rect.holds(region)) {
-    throw ToolError(kUsage, "the rectangle " + toText(region) + " lies outside the array, " + toText(cells.rect));
+  if (!holds(cells.rect, region)) {
+    throw ToolError(kUsage, "the rectangle {} lies outside the array, {}", toText(region), toText(cells.rect));
   }
   GatheredNumbers numbers(region, Merge::kMean);
   addCells(numbers, region, cells, dtype, options.component);
-  heatmap.title = nameOf(options.file) + ": component " + std::to_string(options.component);
+  heatmap.title = fmt::format("{}: component {}", nameOf(options.file), options.component);
   return numbers;
-}
-
-const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const std::string& name) {
-  const auto found =
-      std::find_if(screens.begin(), screens.end(), [&](const StoredScreen& screen) { return screen.name == name; });
-  if (found != screens.end()) return *found;
-  std::string names;
-  for (const StoredScreen& screen : screens) names += (names.empty() ? "" : ", ") + screen.name;
-  throw ToolError(kRefused, std::to_string(tovr::kNoSuchScreenName) + ": " +
-                                tovrhost::statusText(tovr::kNoSuchScreenName) + "; asked for " + name +
-                                "; screens: " + (names.empty() ? "none" : names));
 }
 
 Rect regionOf(const Options& options, const std::vector<StoredScreen>& screens, const std::vector<StoredArea>& areas) {
@@ -113,10 +90,9 @@ std::vector<Outline> outlinesOf(const Options& options, const Rect& region, cons
     if (common(screen.rect, region)) outlines.push_back({screen.rect, screen.name});
   }
   for (const StoredArea& area : areas) {
-    const bool same = std::any_of(outlines.begin(), outlines.end(), [&](const Outline& outline) {
-      return outline.rect.holds(area.rect) && area.rect.holds(outline.rect);
-    });
-    if (!same && common(area.rect, region)) outlines.push_back({area.rect, "area " + std::to_string(area.id), true});
+    const bool same = std::any_of(outlines.begin(), outlines.end(),
+                                  [&](const Outline& outline) { return outline.rect == area.rect; });
+    if (!same && common(area.rect, region)) outlines.push_back({area.rect, fmt::format("area {}", area.id), true});
   }
   return outlines;
 }
@@ -127,6 +103,7 @@ GatheredNumbers fromDatabase(Context& context, const Options& options, Heatmap& 
   }
   Session session = openDatabase(context, options.file);
   const auto screens = storedScreens(session);
+  for (const StoredScreen& screen : screens) requireSound(screen.rect, "screen " + screen.name);
   if (!options.screen.empty()) screenNamed(screens, options.screen);
   const auto areas = areasOfType(session, *options.type, options.screen);
   GatheredNumbers numbers(regionOf(options, screens, areas), Merge::kMean);
@@ -141,8 +118,8 @@ GatheredNumbers fromDatabase(Context& context, const Options& options, Heatmap& 
   session.close();
   if (overlap) message("note: areas overlap; where they do, the one that was stored first is drawn");
   heatmap.outlines = outlinesOf(options, numbers.raster().region(), screens, areas);
-  heatmap.title = nameOf(options.file) + ": type " + std::to_string(*options.type) + ", component " +
-                  std::to_string(options.component) + (options.screen.empty() ? "" : ", screen " + options.screen);
+  heatmap.title = fmt::format("{}: type {}, component {}{}", nameOf(options.file), *options.type, options.component,
+                              options.screen.empty() ? "" : ", screen " + options.screen);
   return numbers;
 }
 
@@ -151,8 +128,8 @@ void colourValues(const Options& options, const GatheredNumbers& numbers, Heatma
   setColours(numbers, options.range ? *options.range : numbers.percentileRange(percents), heatmap);
   heatmap.notes.push_back(options.range
                               ? "Colours span the range that was given."
-                              : "Colours span the percentiles " + numberText(percents.first) + " to " +
-                                    numberText(percents.second) + " of " + std::to_string(numbers.count()) + " cells.");
+                              : fmt::format("Colours span the percentiles {} to {} of {} cells.",
+                                            numberText(percents.first), numberText(percents.second), numbers.count()));
 }
 
 void heatmap(Context& context, const Options& options) {
@@ -165,7 +142,7 @@ void heatmap(Context& context, const Options& options) {
   colourValues(options, numbers, picture);
   picture.notes.push_back(scaleNote(numbers.raster().scale(), Merge::kMean));
   const auto png = drawHeatmap(numbers.raster(), picture);
-  output.write(png.data(), png.size());
+  output.write(png);
   output.commit();
 }
 

@@ -1,3 +1,4 @@
+#include <fmt/core.h>
 
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
@@ -35,13 +36,13 @@ std::vector<ClassFacts> classes(tovrhost::PluginHost& host) {
 
 std::string asText(const tovr::PluginInfo& info, const std::vector<ClassFacts>& facts) {
   const auto yesOrNo = [](bool value) { return value ? "yes" : "no"; };
-  std::vector<std::vector<std::string>> rows;
+  TextRows rows;
   for (const ClassFacts& entry : facts) {
     rows.push_back({entry.name, entry.object, yesOrNo(entry.created), yesOrNo(entry.handlesMessages)});
   }
-  return std::string("name         ") + info.name + "\nversion      " + info.version + "\napi version  " +
-         info.apiVersion + "\ndescription  " + info.desc + "\n\n" +
-         textTable({{"class"}, {"object"}, {"created"}, {"message handler"}}, rows);
+  return fmt::format("name         {}\nversion      {}\napi version  {}\ndescription  {}\n\n{}", info.name,
+                     info.version, info.apiVersion, info.desc,
+                     textTable({{"class"}, {"object"}, {"created"}, {"message handler"}}, rows));
 }
 
 std::string asJson(const tovr::PluginInfo& info, const std::vector<ClassFacts>& facts) {

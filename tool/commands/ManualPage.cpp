@@ -1,5 +1,7 @@
 #include "tool/commands/ManualPage.h"
 
+#include <fmt/format.h>
+
 namespace tovrtool {
 namespace {
 
@@ -20,19 +22,13 @@ std::string escaped(const std::string& text) {
   return out;
 }
 
-std::string joined(const std::vector<std::string>& parts) {
-  std::string out;
-  for (const std::string& part : parts) out += (out.empty() ? "" : ", ") + part;
-  return out;
-}
-
 std::string entry(const OptionPage& option) {
   const bool positional = option.names.empty();
   std::string line = ".TP\n";
   if (positional) {
     line += "\\fI" + escaped(option.value) + "\\fR";
   } else {
-    line += "\\fB" + escaped(joined(option.names)) + "\\fR";
+    line += "\\fB" + escaped(fmt::format("{}", fmt::join(option.names, ", "))) + "\\fR";
     if (!option.value.empty()) line += " \\fI" + escaped(option.value) + "\\fR";
   }
   if (option.required && !positional) line += " (required)";

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "tool/io/KeySource.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -20,7 +21,7 @@ Session openDatabase(const Context& context, const std::string& path, const std:
 
 void requireOtherThanLog(const Context& context, const std::string& path) {
   std::error_code error;
-  if (std::filesystem::equivalent(path, context.options.log, error)) {
+  if (std::filesystem::equivalent(pathOf(path), pathOf(context.options.log), error)) {
     throw ToolError(kUsage, "--log would write into the database: give another file");
   }
 }

@@ -36,8 +36,9 @@ void upgrade(Context& context, const UpgradeOptions& options) {
     const int made = engineGeneration(session);
     if (fileGeneration(session) == 4) return message("the file is one of SQLCipher 4.x already: nothing to do");
     if (made < 4) {
-      throw ToolError(kRefused, "this program runs on SQLCipher " + generationText(made) +
-                                    ", which makes no newer files; run it where 4.x is installed");
+      throw ToolError(kRefused,
+                      "this program runs on SQLCipher {}, which makes no newer files; run it where 4.x is installed",
+                      generationText(made));
     }
   }
   rewriteFile(context.options.access, options.file, key, key, "upgrade");

@@ -1,5 +1,6 @@
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstdio>
 #include <vector>
 
 #include "tool/cells/NpyFile.h"
@@ -14,7 +15,7 @@
 namespace tovrtool {
 namespace {
 
-constexpr int kCellBytes = 18;
+constexpr int kCellBytes = 2 * 9;
 
 struct Options {
   CellPair size{1920, 1080};
@@ -40,15 +41,13 @@ class Figures {
 
   std::string text() const {
     const Eigen::Vector3d mean = sum_ / static_cast<double>(cells_);
-    std::string line = "LED drive at white:";
-    const char* const names[3] = {" red ", ", green ", ", blue "};
+    const char* const names[3] = {"red", "green", "blue"};
+    std::vector<std::string> drives;
     for (int i = 0; i < 3; ++i) {
-      char part[64];
-      std::snprintf(part, sizeof part, "%.3f (%.3f to %.3f)", mean[i], least_[i], most_[i]);
-      line += std::string(names[i]) + part;
+      drives.push_back(fmt::format("{} {:.3f} ({:.3f} to {:.3f})", names[i], mean[i], least_[i], most_[i]));
     }
-    return line + "; " + std::to_string(beyond_) + " cells cannot reach it, " + std::to_string(clipped_) +
-           " needed less than no light of an LED";
+    return fmt::format("LED drive at white: {}; {} cells cannot reach it, {} needed less than no light of an LED",
+                       fmt::join(drives, ", "), beyond_, clipped_);
   }
 
  private:
@@ -70,14 +69,14 @@ void appendLittleEndian(const CellCoefficients& cell, std::vector<unsigned char>
 void sample(Context& context, const Options& options) {
   const Rect wall{0, 0, options.size.x - 1, options.size.y - 1};
   const Rect rect = options.rect.value_or(wall);
-  if (!wall.holds(rect)) {
-    throw ToolError(kUsage, "the rectangle " + toText(rect) + " lies outside the wall, " + toText(wall));
+  if (!holds(wall, rect)) {
+    throw ToolError(kUsage, "the rectangle {} lies outside the wall, {}", toText(rect), toText(wall));
   }
   ByteOutput output(context.output, options.output, "");
-  output.requireRoom(static_cast<double>(rect.rows()) * static_cast<double>(rect.columns()) * kCellBytes);
+  output.requireRoom(static_cast<double>(rowsOf(rect)) * static_cast<double>(columnsOf(rect)) * kCellBytes);
   if (!options.raw) {
     output.write(npyHeader(parseDtype("uint16"),
-                           {static_cast<std::size_t>(rect.rows()), static_cast<std::size_t>(rect.columns()), 9}));
+                           {static_cast<std::size_t>(rowsOf(rect)), static_cast<std::size_t>(columnsOf(rect)), 9}));
   }
   const WallModel model({options.size.x, options.size.y, options.cabinet.x, options.cabinet.y, options.seed});
   Figures figures;
@@ -89,12 +88,14 @@ void sample(Context& context, const Options& options) {
       figures.add(correction);
       appendLittleEndian(WallModel::fixedPoint(correction), row);
     }
-    output.write(row.data(), row.size());
+    output.write(row);
   }
   output.commit();
-  message("SYNTHETIC data, computed from a model of an LED wall; nothing was measured. Cells " + toText(rect) +
-          " of a wall of " + std::to_string(options.size.x) + " x " + std::to_string(options.size.y) +
-          ", 18 bytes per cell: a 3x3 matrix in row-major order, unsigned Q2.14 (16384 is 1.0)");
+  message(
+      fmt::format("SYNTHETIC data, computed from a model of an LED wall; nothing was measured. Cells {} of a wall of "
+                  "{} x {}, 18 bytes "
+                  "per cell: a 3x3 matrix in row-major order, unsigned Q2.14 (16384 is 1.0)",
+                  toText(rect), options.size.x, options.size.y));
   message(figures.text());
 }
 

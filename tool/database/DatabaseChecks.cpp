@@ -1,5 +1,7 @@
 #include "tool/database/DatabaseChecks.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <map>
@@ -7,15 +9,14 @@
 #include <tuple>
 #include <utility>
 
-#include "tool/cells/Rect.h"
+#include "tool/database/StoredArea.h"
 #include "tool/database/StoredBlob.h"
-#include "tool/database/StoredRows.h"
+#include "tool/database/Tables.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
 
-constexpr const char* kPayloadTables[] = {"Coef", "LumChromData", "Data"};
 constexpr char kTableSchema[] =
     "select name, sql from sqlite_master where type = 'table' and name not like 'sqlite_%' order by name";
 
@@ -46,13 +47,13 @@ Verdict verdictOf(Session& session, const std::string& name, Check check) {
 
 void checkPages(Session& session, Verdict& verdict) {
   tovr::IDBOperate& connection = session.connection();
-  verdict.detail = std::to_string(queryNumber(connection, "pragma page_count")) + " pages of " +
-                   std::to_string(queryNumber(connection, "pragma page_size")) + " bytes";
+  verdict.detail = fmt::format("{} pages of {} bytes", queryNumber(connection, "pragma page_count"),
+                               queryNumber(connection, "pragma page_size"));
   verdict.faults = pageFaults(session);
 }
 
 void checkSchema(Session& session, const std::vector<Row>& expected, Verdict& verdict) {
-  verdict.detail = std::to_string(expected.size()) + " tables";
+  verdict.detail = fmt::format("{} tables", expected.size());
   const auto present = queryRows(session.connection(), kTableSchema);
   const auto named = [](const std::vector<Row>& rows, const std::string& name) {
     return std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == name; });
@@ -60,57 +61,60 @@ void checkSchema(Session& session, const std::vector<Row>& expected, Verdict& ve
   for (const Row& table : expected) {
     const auto found = named(present, table[0]);
     if (found == present.end()) {
-      verdict.faults.push_back("the table " + table[0] + " is missing");
+      verdict.faults.push_back(fmt::format("the table {} is missing", table[0]));
     } else if ((*found)[1] != table[1]) {
-      verdict.faults.push_back("the table " + table[0] + " was not made by this statement's text: " + table[1]);
+      verdict.faults.push_back(
+          fmt::format("the table {} was not made by this statement's text: {}", table[0], table[1]));
     }
   }
   for (const Row& table : present) {
-    if (named(expected, table[0]) == expected.end()) verdict.faults.push_back("there is a tenth table, " + table[0]);
+    if (named(expected, table[0]) == expected.end()) {
+      verdict.faults.push_back(fmt::format("there is a tenth table, {}", table[0]));
+    }
   }
 }
 
 void checkForeignKeys(Session& session, Verdict& verdict) {
   for (const Row& row : queryRows(session.connection(), "pragma foreign_key_check")) {
-    verdict.faults.push_back("row " + row[1] + " of " + row[0] + " refers to a row of " + row[2] +
-                             " that is not there");
+    verdict.faults.push_back(
+        fmt::format("row {} of {} refers to a row of {} that is not there", row[1], row[0], row[2]));
   }
 }
 
 // Keys are read apart from the blobs, so that one damaged blob does not hide the others.
 std::vector<std::int64_t> keys(Session& session, const std::string& table) {
   std::vector<std::int64_t> found;
-  visitRows(session.connection(), "select id from " + table + " order by id",
+  visitRows(session.connection(), fmt::format("select id from {} order by id", table),
             [&] { found.push_back(columnNumber(session.connection(), 0)); });
   return found;
 }
 
 struct BlockSize {
-  std::int64_t bytes = 0;
+  std::uint64_t bytes = 0;
   std::int64_t cellBytes = 0;
 };
 using BlockSizes = std::map<std::int64_t, BlockSize>;  // of the blocks that decipher, by key
 
 void checkBlob(Session& session, const std::string& table, std::int64_t key, Verdict& verdict, BlockSizes& sizes,
                Progress& progress) {
-  const bool block = table == kPayloadTables[0];
+  const bool block = table == kBlockTable;
   tovr::IDBOperate& connection = session.connection();
   try {
     Bytes blob;
     std::int64_t cellBytes = 0;
-    visitRows(connection,
-              std::string(block ? "select data, databitwidth" : "select data, 0") + " from " + table +
-                  " where id = " + std::to_string(key),
-              [&] {
-                blob = columnBytes(connection, 0);
-                cellBytes = columnNumber(connection, 1);
-              });
+    visitRows(
+        connection,
+        fmt::format("select {}, {} from {} where id = {}", kPayloadColumn, block ? "databitwidth" : "0", table, key),
+        [&] {
+          blob = columnBytes(connection, 0);
+          cellBytes = columnNumber(connection, 1);
+        });
     const auto payload = decipherBlob(session.host().encryption(), blob);
-    if (block) sizes[key] = {static_cast<std::int64_t>(payload.size()), cellBytes};
+    if (block) sizes[key] = {payload.size(), cellBytes};
     progress.advance(blob.size());
   } catch (const ToolError& error) {
     if (isNoFault(error)) throw;
-    verdict.faults.push_back("row " + std::to_string(key) + " of " + table + ": " + error.what());
+    verdict.faults.push_back(fmt::format("row {} of {}: {}", key, table, error.what()));
     beginAgain(session);
   }
 }
@@ -123,93 +127,46 @@ void checkBlobs(Session& session, Verdict& verdict, BlockSizes& sizes, Progress&
       ++count;
     }
   }
-  verdict.detail = std::to_string(count) + " blobs, every byte deciphered";
+  verdict.detail = fmt::format("{} blobs, every byte deciphered", count);
 }
 
-struct Area {
-  std::int64_t id = 0;
-  std::int64_t screen = 0;
-  std::int64_t block = 0;
-  std::int32_t type = 0;
-  Rect rect;
-  Rect screenRect;
-  bool hasScreen = false;
+std::string nameOf(const Placement& area) { return fmt::format("area {} ({})", area.id, toText(area.rect)); }
 
-  std::string name() const { return "area " + std::to_string(id) + " (" + toText(rect) + ")"; }
-  bool inverted() const { return rect.columns() <= 0 || rect.rows() <= 0; }
-};
-
-std::vector<Area> areas(Session& session) {
-  tovr::IDBOperate& connection = session.connection();
-  std::vector<Area> found;
-  visitRows(connection,
-            "select i.left, i.top, i.right, i.bottom, s.left, s.top, s.right, s.bottom, i.id, i.screenid, i.coefid,"
-            " i.coeftype, s.id is not null from Coef_Info i left join Screen_Info s on s.id = i.screenid order by i.id",
-            [&] {
-              const auto rect = [&](int first) {
-                return Rect{connection.column_int(first), connection.column_int(first + 1),
-                            connection.column_int(first + 2), connection.column_int(first + 3)};
-              };
-              Area area;
-              area.rect = rect(0);
-              area.screenRect = rect(4);
-              area.id = columnNumber(connection, 8);
-              area.screen = columnNumber(connection, 9);
-              area.block = columnNumber(connection, 10);
-              area.type = connection.column_int(11);
-              area.hasScreen = connection.column_int(12) != 0;
-              found.push_back(area);
-            });
-  return found;
-}
-
-// Exact for every rectangle: the product of three numbers of 32 bits can exceed 64.
-bool isExactly(std::int64_t bytes, const Rect& rect, std::int64_t cellBytes) {
-  if (cellBytes <= 0) return false;
-  const std::int64_t rowBytes = rect.columns() * cellBytes;  // below 2^63
-  return bytes % rowBytes == 0 && bytes / rowBytes == rect.rows();
-}
-
-void checkLengths(const std::vector<Area>& all, const BlockSizes& sizes, Verdict& verdict) {
-  verdict.detail = std::to_string(all.size()) + " areas, rectangle x bytes per cell";
-  for (const Area& area : all) {
-    const auto size = sizes.find(area.block);
-    if (area.inverted()) {
-      verdict.faults.push_back(area.name() + ": its rectangle is inverted");
-    } else if (size != sizes.end() && !isExactly(size->second.bytes, area.rect, size->second.cellBytes)) {
-      verdict.faults.push_back(area.name() + ": its block, row " + std::to_string(area.block) + " of Coef, has " +
-                               std::to_string(size->second.bytes) + " bytes and not " +
-                               std::to_string(area.rect.columns()) + " x " + std::to_string(area.rect.rows()) + " x " +
-                               std::to_string(size->second.cellBytes));
+void checkLengths(const std::vector<Placement>& all, const BlockSizes& sizes, Verdict& verdict) {
+  verdict.detail = fmt::format("{} areas, rectangle x bytes per cell", all.size());
+  for (const Placement& area : all) {
+    const auto size = sizes.find(area.blockId);
+    if (columnsOf(area.rect) <= 0 || rowsOf(area.rect) <= 0) {
+      verdict.faults.push_back(nameOf(area) + ": its rectangle is inverted");
+    } else if (size != sizes.end() && !fills(size->second.bytes, area.rect, size->second.cellBytes)) {
+      verdict.faults.push_back(fmt::format("{}: its block, row {} of Coef, has {} bytes and not {} x {} x {}",
+                                           nameOf(area), area.blockId, size->second.bytes, columnsOf(area.rect),
+                                           rowsOf(area.rect), size->second.cellBytes));
     }
   }
 }
 
-void checkInsideScreens(const std::vector<Area>& all, Verdict& verdict) {
-  verdict.detail = std::to_string(all.size()) + " areas";
-  for (const Area& area : all) {
-    if (!area.hasScreen || area.screenRect.holds(area.rect)) continue;
-    verdict.faults.push_back(area.name() + " leaves its screen " + std::to_string(area.screen) + " (" +
-                             toText(area.screenRect) + ")");
+void checkInsideScreens(const std::vector<Placement>& all, Verdict& verdict) {
+  verdict.detail = fmt::format("{} areas", all.size());
+  for (const Placement& area : all) {
+    if (!area.screenRect || holds(*area.screenRect, area.rect)) continue;
+    verdict.faults.push_back(
+        fmt::format("{} leaves its screen {} ({})", nameOf(area), area.screenId, toText(*area.screenRect)));
   }
 }
 
-bool overlap(const Rect& a, const Rect& b) {
-  return a.left <= b.right && b.left <= a.right && a.top <= b.bottom && b.top <= a.bottom;
-}
-
-void checkOverlaps(std::vector<Area> all, Verdict& verdict) {
+void checkOverlaps(std::vector<Placement> all, Verdict& verdict) {
   verdict.detail = "areas of one screen and type";
-  const auto group = [](const Area& area) { return std::make_pair(area.screen, area.type); };
-  std::sort(all.begin(), all.end(), [&](const Area& a, const Area& b) {
+  const auto group = [](const Placement& area) { return std::make_pair(area.screenId, area.type); };
+  std::sort(all.begin(), all.end(), [&](const Placement& a, const Placement& b) {
     return std::make_tuple(group(a), a.rect.top, a.id) < std::make_tuple(group(b), b.rect.top, b.id);
   });
   for (std::size_t i = 0; i < all.size(); ++i) {
     for (std::size_t j = i + 1; j < all.size(); ++j) {
       if (group(all[j]) != group(all[i]) || all[j].rect.top > all[i].rect.bottom) break;
-      if (!overlap(all[i].rect, all[j].rect)) continue;
-      verdict.faults.push_back(all[i].name() + " and " + all[j].name() + " of screen " + std::to_string(all[i].screen) +
-                               " and type " + std::to_string(all[i].type) + " overlap");
+      if (!common(all[i].rect, all[j].rect)) continue;
+      verdict.faults.push_back(fmt::format("{} and {} of screen {} and type {} overlap", nameOf(all[i]), nameOf(all[j]),
+                                           all[i].screenId, all[i].type));
     }
   }
 }
@@ -217,12 +174,14 @@ void checkOverlaps(std::vector<Area> all, Verdict& verdict) {
 void checkCounters(Session& session, Verdict& verdict) {
   verdict.detail = "the last key that each table has issued";
   for (const std::string& table : kTables) {
-    const std::int64_t largest = queryNumber(session.connection(), "select ifnull(max(id), 0) from " + table);
-    const std::int64_t last = queryNumber(
-        session.connection(), "select ifnull((select max(seq) from sqlite_sequence where name = '" + table + "'), 0)");
+    const std::int64_t largest =
+        queryNumber(session.connection(), fmt::format("select ifnull(max(id), 0) from {}", table));
+    const std::int64_t last =
+        queryNumber(session.connection(),
+                    fmt::format("select ifnull((select max(seq) from sqlite_sequence where name = '{}'), 0)", table));
     if (last >= largest) continue;
-    verdict.faults.push_back(table + ": the counter says " + std::to_string(last) + ", but there is a row " +
-                             std::to_string(largest) + ": the next keys may be used twice");
+    verdict.faults.push_back(fmt::format(
+        "{}: the counter says {}, but there is a row {}: the next keys may be used twice", table, last, largest));
   }
 }
 
@@ -267,9 +226,9 @@ std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& sch
   BlockSizes sizes;
   verdicts.push_back(
       verdictOf(session, "blobs", [&](Verdict& verdict) { checkBlobs(session, verdict, sizes, progress); }));
-  std::vector<Area> all;
+  std::vector<Placement> all;
   verdicts.push_back(verdictOf(session, "block lengths", [&](Verdict& verdict) {
-    all = areas(session);
+    all = placements(session);
     checkLengths(all, sizes, verdict);
   }));
   verdicts.push_back(

@@ -3,7 +3,7 @@
 // kManifestName, a JSON object: "format" and "version" as below; "tables", an object with every table's rows; and
 // "sequence", the last key that each table has issued. A payload is {"file": NAME, "form": FORM}:
 //   "cells"    a .npy array, rows x columns x values of a cell, of the rectangle that the block's first area has
-//   "payload"  the payload's bytes, where they are no such rectangle of cells
+//   "payload"  the payload's bytes, where they are not such a rectangle of cells
 //   "stored"   the enciphered bytes as they are stored, where deciphering them would lose something: damaged blobs
 #pragma once
 
@@ -16,7 +16,5 @@ constexpr int kExportVersion = 1;
 constexpr char kCellsForm[] = "cells";
 constexpr char kPayloadForm[] = "payload";
 constexpr char kStoredForm[] = "stored";
-
-constexpr char kBlockTable[] = "Coef";
 
 }  // namespace tovrtool

@@ -1,8 +1,14 @@
 #include "tool/database/FileDiagnosis.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+
+#include "tool/database/Session.h"
+#include "tool/database/SqlQuery.h"
+#include "tool/system/Paths.h"
 
 namespace tovrtool {
 namespace {
@@ -13,7 +19,6 @@ struct Magic {
 };
 
 constexpr Magic kMagics[] = {
-    {"SQLite format 3", "an SQLite database that is not encrypted"},
     {"PK\x03\x04", "a ZIP archive"},
     {"\x1f\x8b\x08", "a gzip archive"},
     {"\x93NUMPY", "a NumPy array; tovrdb coef put stores it"},
@@ -25,7 +30,7 @@ constexpr Magic kMagics[] = {
 };
 
 std::string firstBytes(const std::string& path, std::size_t count) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(pathOf(path), std::ios::binary);
   std::string bytes(count, '\0');
   file.read(bytes.data(), static_cast<std::streamsize>(count));
   bytes.resize(static_cast<std::size_t>(file.gcount()));
@@ -47,10 +52,9 @@ bool isMostlyZero(const std::string& bytes) {
 
 // Empty where the size says nothing.
 std::string oddSize(const std::string& path, std::int64_t pageSize) {
-  const auto size = static_cast<std::int64_t>(std::filesystem::file_size(path));
+  const auto size = static_cast<std::int64_t>(std::filesystem::file_size(pathOf(path)));
   if (pageSize <= 0 || size % pageSize == 0) return {};
-  return "its " + std::to_string(size) + " bytes are no whole number of pages of " + std::to_string(pageSize) +
-         " bytes";
+  return fmt::format("its {} bytes are not a whole number of pages of {} bytes", size, pageSize);
 }
 
 }  // namespace
@@ -59,19 +63,21 @@ ToolError diagnoseUnreadable(const std::string& path, std::int64_t pageSize) {
   const std::string start = firstBytes(path, 512);
   for (const Magic& magic : kMagics) {
     if (start.rfind(magic.bytes, 0) != 0) continue;
-    return {kFileProblem, std::string("it is no encrypted database: it begins like ") + magic.what};
+    return {kFileProblem, "it is not an encrypted database: it begins like {}", magic.what};
   }
-  if (isText(start)) return {kFileProblem, "it is no database: it begins like a text"};
+  if (isText(start)) return {kFileProblem, "it is not a database: it begins like a text"};
   if (isMostlyZero(start)) {
     return {kFileProblem,
-            "its beginning is mostly zeros, as no encrypted page is: it is no database, or its first page was erased; "
-            "restore a copy"};
+            "it begins mostly with zeros, as no encrypted page does: it is not a database, or its first page was "
+            "erased; restore a copy"};
   }
   const std::string odd = oddSize(path, pageSize);
   if (!odd.empty()) {
-    return {kFileProblem, odd +
-                              ": it is truncated, or no database. Compare its size with the original's; if they are "
-                              "equal, try other keys"};
+    return {
+        kFileProblem,
+        "{}: it is truncated, or not a database. Compare its size with the original's; if they are equal, try other "
+        "keys",
+        odd};
   }
   return {
       kKeyProblem,
@@ -82,8 +88,13 @@ ToolError diagnoseUnreadable(const std::string& path, std::int64_t pageSize) {
 
 ToolError diagnoseDamaged(const std::string& path, std::int64_t pageSize) {
   const std::string odd = oddSize(path, pageSize);
-  return {kFileProblem, "the key fits, but the file is " +
-                            (odd.empty() ? "truncated or damaged" : "truncated: " + odd) + "; restore a copy"};
+  return {kFileProblem, "the key fits, but the file is {}; restore a copy",
+          odd.empty() ? "truncated or damaged" : "truncated: " + odd};
+}
+
+std::int64_t enginePageSize(const std::string& plugin) {
+  Session session = Session::openMemory(plugin);
+  return queryNumber(session.connection(), "pragma cipher_page_size");
 }
 
 }  // namespace tovrtool

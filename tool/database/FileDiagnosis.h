@@ -15,4 +15,7 @@ ToolError diagnoseUnreadable(const std::string& path, std::int64_t pageSize);
 // The same for a file whose first page the key opens, and that the engine calls damaged.
 ToolError diagnoseDamaged(const std::string& path, std::int64_t pageSize);
 
+// The size of the pages that the engine makes. Throws ToolError.
+std::int64_t enginePageSize(const std::string& plugin);
+
 }  // namespace tovrtool

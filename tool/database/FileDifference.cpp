@@ -1,17 +1,16 @@
 #include "tool/database/FileDifference.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <map>
 #include <utility>
 
-#include "tool/database/SqlQuery.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
-
-using Bytes = std::vector<unsigned char>;
 
 constexpr std::int64_t kBatchBytes = std::int64_t{256} << 20;
 
@@ -21,14 +20,12 @@ auto naming(const std::string& file, Action action) {
   try {
     return action();
   } catch (const ToolError& error) {
-    throw ToolError(error.code(), file + ": " + error.what());
+    throw about(file, error);
   }
 }
 
 Bytes storedBytes(Session& session, const Item& item) {
-  const auto blob = queryBlob(session.connection(),
-                              "select data from " + item.blob->table + " where id = " + std::to_string(item.blob->id));
-  return blob.value_or(Bytes());
+  return queryPayload(session, item.blob->table, item.blob->id).value_or(Bytes());
 }
 
 Bytes payload(Session& session, const std::string& file, const Item& item, const Bytes& stored) {
@@ -36,11 +33,11 @@ Bytes payload(Session& session, const std::string& file, const Item& item, const
 }
 
 std::string summary(const Item& item) {
-  std::string text;
+  std::vector<std::string> texts;
   for (const auto& [field, value] : item.fields) {
-    if (!value.empty()) text += (text.empty() ? "" : ", ") + field + " " + value;
+    if (!value.empty()) texts.push_back(field + " " + value);
   }
-  return text;
+  return fmt::format("{}", fmt::join(texts, ", "));
 }
 
 BytesDifference compareBytes(const Bytes& before, const Bytes& after) {
@@ -53,10 +50,7 @@ BytesDifference compareBytes(const Bytes& before, const Bytes& after) {
 }
 
 bool isBlockOf(const Item& item, const Bytes& bytes) {
-  if (!item.area || item.area->cellBytes <= 0) return false;
-  const std::int64_t rowBytes = item.area->rect.columns() * item.area->cellBytes;  // below 2^62
-  const auto size = static_cast<std::int64_t>(bytes.size());
-  return size % rowBytes == 0 && size / rowBytes == item.area->rect.rows();
+  return item.area && fills(bytes.size(), item.area->rect, item.area->cellBytes);
 }
 
 bool sameShape(const Item& before, const Item& after) {
@@ -148,14 +142,18 @@ void FileComparison::compareBlobs(Session& session, const Pair& pair, const Byte
   const Bytes storedAfter = naming(after_.path, [&] { return storedBytes(session, *pair.after); });
   const bool shaped = sameShape(*pair.before, *pair.after);
   if (storedBefore == storedAfter) {
-    if (shaped) visit(*pair.before->area, pair.before->area->cellBytes, nullptr, nullptr);
-    return;
+    if (!shaped) return;
+    const CellBlock equal{pair.before->area->rect, pair.before->area->cellBytes, nullptr};
+    return visit(*pair.before->area, equal, equal);
   }
-  const Bytes before = payload(session, before_.path, *pair.before, storedBefore);
-  const Bytes after = payload(session, after_.path, *pair.after, storedAfter);
+  Bytes before = payload(session, before_.path, *pair.before, storedBefore);
+  Bytes after = payload(session, after_.path, *pair.after, storedAfter);
   if (shaped && isBlockOf(*pair.before, before) && isBlockOf(*pair.after, after)) {
-    visit(*pair.before->area, pair.before->area->cellBytes, before.data(), after.data());
-    addCells(pair, before, after, how);
+    const StoredArea& area = *pair.before->area;
+    const CellBlock cellsBefore = blockOf(area.rect, area.cellBytes, std::move(before));
+    const CellBlock cellsAfter = blockOf(area.rect, area.cellBytes, std::move(after));
+    visit(area, cellsBefore, cellsAfter);
+    addCells(pair, cellsBefore, cellsAfter, how);
     return;
   }
   const BytesDifference bytes = compareBytes(before, after);
@@ -163,12 +161,10 @@ void FileComparison::compareBlobs(Session& session, const Pair& pair, const Byte
   differences_.push_back({pair.before->name, Difference::Kind::kBytes, "", "", "", {}, false, bytes});
 }
 
-void FileComparison::addCells(const Pair& pair, const Bytes& before, const Bytes& after, const Comparing& how) {
-  const StoredArea& area = *pair.before->area;
-  const bool numbers = how.dtype && static_cast<std::size_t>(area.cellBytes) % how.dtype->itemSize == 0;
+void FileComparison::addCells(const Pair& pair, const CellBlock& before, const CellBlock& after, const Comparing& how) {
+  const bool numbers = how.dtype && static_cast<std::size_t>(before.cellBytes) % how.dtype->itemSize == 0;
   const BlockDifference cells =
-      compareBlocks(before.data(), after.data(), area.rect, area.cellBytes, numbers ? how.dtype : std::nullopt,
-                    numbers ? how.tolerance : std::nullopt);
+      compareBlocks(before, after, numbers ? how.dtype : std::nullopt, numbers ? how.tolerance : std::nullopt);
   if (cells.differing == 0) return;
   differences_.push_back({pair.before->name, Difference::Kind::kCells, "", "", "", cells, numbers, {}});
 }

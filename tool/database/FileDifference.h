@@ -9,6 +9,7 @@
 
 #include "tool/cells/BlockDifference.h"
 #include "tool/database/Inventory.h"
+#include "tool/database/SqlQuery.h"
 
 namespace tovrtool {
 
@@ -37,12 +38,11 @@ struct Difference {
   BytesDifference bytes;
 };
 
-// Blocks that both files hold: null pointers when they are equal in every byte, and else the cells of both.
-using VisitBlock = std::function<void(const StoredArea& area, std::int32_t cellBytes, const unsigned char* before,
-                                      const unsigned char* after)>;
+// A block that both files hold: the cells of both, without bytes when they are equal in every one.
+using VisitBlock = std::function<void(const StoredArea& area, const CellBlock& before, const CellBlock& after)>;
 
 struct Comparing {
-  std::optional<Dtype> dtype;  // blocks whose cells are no whole number of these are compared to the bit
+  std::optional<Dtype> dtype;  // blocks whose cells are not a whole number of these are compared to the bit
   std::optional<Tolerance> tolerance;
 };
 
@@ -63,14 +63,13 @@ class FileComparison {
     const Item* before;
     const Item* after;
   };
-  using Bytes = std::vector<unsigned char>;
 
   std::vector<Item> inventory(const FileAndKey& file) const;
   void pairItems();
   void compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit);
   void compareBlobs(Session& session, const Pair& pair, const Bytes& before, const Comparing& how,
                     const VisitBlock& visit);
-  void addCells(const Pair& pair, const Bytes& before, const Bytes& after, const Comparing& how);
+  void addCells(const Pair& pair, const CellBlock& before, const CellBlock& after, const Comparing& how);
 
   Access access_;
   FileAndKey before_;

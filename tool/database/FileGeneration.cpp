@@ -1,5 +1,7 @@
 #include "tool/database/FileGeneration.h"
 
+#include <fmt/core.h>
+
 #include "tool/database/SqlQuery.h"
 
 namespace tovrtool {
@@ -15,6 +17,6 @@ int fileGeneration(Session& session) {
   return engineGeneration(session) == 4 && queryNumber(session.connection(), "pragma kdf_iter") != kRoundsOf3 ? 4 : 3;
 }
 
-std::string generationText(int generation) { return std::to_string(generation) + ".x"; }
+std::string generationText(int generation) { return fmt::format("{}.x", generation); }
 
 }  // namespace tovrtool

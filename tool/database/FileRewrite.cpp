@@ -1,13 +1,17 @@
 #include "tool/database/FileRewrite.h"
 
+#include <fmt/core.h>
+
 #include <filesystem>
 
 #include "tool/database/DatabaseChecks.h"
 #include "tool/database/Session.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredRows.h"
+#include "tool/database/Tables.h"
 #include "tool/io/Progress.h"
 #include "tool/io/UnfinishedFile.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -17,7 +21,8 @@ namespace fs = std::filesystem;
 
 // What tells whether somebody wrote to a file.
 struct FileState {
-  explicit FileState(const std::string& path) : size(fs::file_size(path)), time(fs::last_write_time(path)) {}
+  explicit FileState(const std::string& path)
+      : size(fs::file_size(pathOf(path))), time(fs::last_write_time(pathOf(path))) {}
   bool operator==(const FileState& other) const { return size == other.size && time == other.time; }
 
   std::uintmax_t size;
@@ -37,40 +42,40 @@ void attach(Session& session, const std::string& path, const std::string& key) {
 
 void requireSame(Session& session, const std::string& what, const std::string& countDifferences) {
   if (queryNumber(session.connection(), countDifferences) == 0) return;
-  throw ToolError(kRefused, "the new file differs in " + what + " from the old one, which was left as it is");
+  throw ToolError(kRefused, "the new file differs in {} from the old one, which was left as it is", what);
 }
 
 // Rows of `one` that `other` lacks, of a small table.
 std::string lacking(const std::string& columns, const std::string& table, const std::string& one,
                     const std::string& other) {
-  return "(select count(*) from (select " + columns + " from " + one + "." + table + " except select " + columns +
-         " from " + other + "." + table + "))";
+  return fmt::format("(select count(*) from (select {0} from {2}.{1} except select {0} from {3}.{1}))", columns, table,
+                     one, other);
 }
 
 void requireSameSmall(Session& session, const std::string& columns, const std::string& table) {
-  requireSame(
-      session, table,
-      "select " + lacking(columns, table, "main", "rewritten") + " + " + lacking(columns, table, "rewritten", "main"));
+  requireSame(session, table,
+              fmt::format("select {} + {}", lacking(columns, table, "main", "rewritten"),
+                          lacking(columns, table, "rewritten", "main")));
 }
 
 // Row by row, so that no more than two blobs are held at a time.
 void requireSameRows(Session& session, const std::string& table) {
   std::string differs = "b.id is null";
   for (const std::string& column : columnNames(session.connection(), table)) {
-    differs += " or a." + column + " is not b." + column;
+    differs += fmt::format(" or a.{0} is not b.{0}", column);
   }
   requireSame(session, table,
-              "select (select count(*) from main." + table + " a left join rewritten." + table +
-                  " b on b.id = a.id where " + differs + ") + abs((select count(*) from main." + table +
-                  ") - (select count(*) from rewritten." + table + "))");
+              fmt::format("select (select count(*) from main.{0} a left join rewritten.{0} b on b.id = a.id where {1})"
+                          " + abs((select count(*) from main.{0}) - (select count(*) from rewritten.{0}))",
+                          table, differs));
 }
 
 void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
   // Nobody else writes to the old file while it is copied.
   session.require(session.execPatiently("begin exclusive"));
-  const std::string version = std::to_string(queryNumber(session.connection(), "pragma main.user_version"));
+  const std::int64_t version = queryNumber(session.connection(), "pragma main.user_version");
   session.require(session.connection().exec("select sqlcipher_export('rewritten')"));
-  session.require(session.connection().exec(("pragma rewritten.user_version = " + version).c_str()));
+  session.require(session.connection().exec(fmt::format("pragma rewritten.user_version = {}", version).c_str()));
   progress.advance(bytes);
   requireSameSmall(session, "type, name, tbl_name, sql", "sqlite_master");
   requireSameSmall(session, "name, seq", "sqlite_sequence");

@@ -1,6 +1,7 @@
 #include "tool/database/FolderImport.h"
 
-#include <algorithm>
+#include <fmt/core.h>
+
 #include <filesystem>
 #include <map>
 
@@ -8,8 +9,10 @@
 #include "tool/database/ExportFormat.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/StoredRows.h"
+#include "tool/database/Tables.h"
 #include "tool/io/FileInput.h"
 #include "tool/io/Progress.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -20,7 +23,7 @@ namespace fs = std::filesystem;
 std::uint64_t bytesIn(const std::string& folder) {
   std::uint64_t bytes = 0;
   std::error_code error;
-  for (const auto& entry : fs::directory_iterator(folder, error)) {
+  for (const auto& entry : fs::directory_iterator(pathOf(folder), error)) {
     const std::uintmax_t size = entry.file_size(error);
     if (!error) bytes += size;
   }
@@ -53,31 +56,30 @@ class Importer {
     if (form == kCellsForm) {
       bytes = cells(parseNpy(std::move(bytes), name), table, row, name);
     } else if (form != kPayloadForm) {
-      refuseJson(name, "its form \"" + form + "\" is unknown");
+      refuseJson(name, fmt::format("its form \"{}\" is unknown", form));
     }
-    return encipherBlob(session_.host().encryption(), std::move(bytes));
+    return encipherBlob(session_.host().encryption(), bytes.data(), bytes.size());
   }
 
   // The array's numbers, which are to fill the rectangle that the rows give the block.
   Bytes cells(NpyArray array, const std::string& table, const Json& row, const std::string& name) const {
     if (table != kBlockTable) refuseJson(name, "only blocks have cells");
-    CellBlock block = blockFromArray(std::move(array), rectOf(row, name), {});
+    const CellBlock block = blockFromArray(std::move(array), rectOfBlock(row, name), {});
     const std::int32_t cellBytes = numberMember(row, "databitwidth", name);
     if (block.cellBytes != cellBytes) {
-      throw ToolError(kFileProblem, name + " has " + std::to_string(block.cellBytes) +
-                                        " bytes per cell, its row says " + std::to_string(cellBytes));
+      throw ToolError(kFileProblem, "{} has {} bytes per cell, its row says {}", name, block.cellBytes, cellBytes);
     }
-    return std::move(block.bytes);
+    return {block.bytes.get(), block.bytes.get() + block.size()};
   }
 
   // Of the first area that refers to the block.
-  Rect rectOf(const Json& block, const std::string& name) const {
+  Rect rectOfBlock(const Json& block, const std::string& name) const {
     const auto found = areas_.find(wholeNumber(member(block, "id", name)));
     if (found == areas_.end()) refuseJson(name, "no area refers to its block");
     const Json& area = *found->second;
     const Rect rect{numberMember(area, "left", name), numberMember(area, "top", name),
                     numberMember(area, "right", name), numberMember(area, "bottom", name)};
-    if (rect.columns() <= 0 || rect.rows() <= 0) refuseJson(name, "its area's rectangle is inverted");
+    if (columnsOf(rect) <= 0 || rowsOf(rect) <= 0) refuseJson(name, "its area's rectangle is inverted");
     return rect;
   }
 
@@ -92,11 +94,11 @@ class Importer {
 void setSequence(Session& session, const Json& sequence) {
   session.require(session.connection().exec("delete from sqlite_sequence"));
   for (const auto& [table, last] : requireObject(sequence, "\"sequence\"").items()) {
-    if (std::find(kTables.begin(), kTables.end(), table) == kTables.end()) continue;
+    if (!isTable(table)) continue;
     const auto number = wholeNumber(last);
-    if (!number) refuseJson("\"sequence\"", "the last key of " + table + " is no whole number");
+    if (!number) refuseJson("\"sequence\"", fmt::format("the last key of {} is not a whole number", table));
     session.require(session.connection().exec(
-        ("insert into sqlite_sequence(name, seq) values ('" + table + "', " + std::to_string(*number) + ")").c_str()));
+        fmt::format("insert into sqlite_sequence(name, seq) values ('{}', {})", table, *number).c_str()));
   }
 }
 
@@ -104,7 +106,7 @@ void setSequence(Session& session, const Json& sequence) {
 
 Json readManifest(const std::string& folder) {
   std::error_code error;
-  if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder " + folder);
+  if (!fs::is_directory(pathOf(folder), error)) throw ToolError(kFileProblem, "there is no folder {}", folder);
   Json manifest = readJson(pathInside(folder, kManifestName));
   if (textMember(manifest, "format", kManifestName) != kExportFormat ||
       numberMember(manifest, "version", kManifestName) != kExportVersion) {

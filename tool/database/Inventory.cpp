@@ -1,16 +1,19 @@
 #include "tool/database/Inventory.h"
 
-#include <cstdlib>
+#include <fmt/core.h>
+
 #include <map>
 
+#include "tool/database/GenericData.h"
+#include "tool/database/Measurements.h"
+#include "tool/database/Screens.h"
 #include "tool/database/SqlQuery.h"
+#include "tool/database/Tables.h"
 
 namespace tovrtool {
 namespace {
 
 using Items = std::vector<Item>;
-
-std::int64_t number(const std::string& text) { return std::strtoll(text.c_str(), nullptr, 10); }
 
 void addMetadata(Session& session, Items& items) {
   const auto record = session.host().makeRecord<tovr::DBInfo>();
@@ -31,53 +34,42 @@ void addMetadata(Session& session, Items& items) {
 
 void addScreens(Session& session, Items& items) {
   for (const StoredScreen& screen : storedScreens(session)) {
+    requireSound(screen.rect, "screen " + screen.name);
     items.push_back({"screen " + screen.name, {{"rectangle", toText(screen.rect)}}, {}, {}});
   }
 }
 
 void addBlocks(Session& session, Items& items) {
-  std::map<std::int64_t, Row> details;
-  for (Row& row : queryRows(session.connection(),
-                            "select i.id, length(c.data), c.version, i.multilayersize, hex(i.multilayerlist)"
-                            " from Coef_Info i left join Coef c on c.id = i.coefid")) {
-    const std::int64_t id = number(row[0]);
-    details[id] = std::move(row);
-  }
   for (const StoredArea& area : storedAreas(session)) {
-    const Row& row = details.at(area.id);
-    items.push_back({"block of " + toText(area) + ", type " + std::to_string(area.type),
+    requireSound(area.rect, fmt::format("area {}", area.id));
+    items.push_back({fmt::format("block of {}, type {}", toText(area), area.type),
                      {{"area number", std::to_string(area.number)},
                       {"bytes per cell", std::to_string(area.cellBytes)},
-                      {"version", row[2]},
-                      {"layers", row[3]},
-                      {"layer list", row[4]}},
-                     BlobPlace{"Coef", area.blockId, number(row[1])},
+                      {"version", area.version},
+                      {"layers", area.layers},
+                      {"layer list", area.layerList}},
+                     BlobPlace{kBlockTable, area.blockId, area.storedBytes},
                      area});
   }
 }
 
 void addData(Session& session, Items& items) {
-  for (const Row& row : queryRows(session.connection(),
-                                  "select i.datatype, s.screenname, d.version, d.id, length(d.data) from DataInfo i"
-                                  " left join Data d on d.id = i.dataid"
-                                  " left join Screen_Info s on s.id = i.screenid order by i.id")) {
-    items.push_back({"data of type " + row[0],
-                     {{"screen", row[1]}, {"version", row[2]}},
-                     BlobPlace{"Data", number(row[3]), number(row[4])},
+  for (const StoredData& data : storedData(session)) {
+    items.push_back({"data of type " + data.type,
+                     {{"screen", data.screen}, {"version", data.version}},
+                     BlobPlace{kDataTable, data.blobId, data.storedBytes},
                      {}});
   }
 }
 
 // Measurements have no name but their key: the library rejects the rows that would place them.
 void addMeasurements(Session& session, Items& items) {
-  for (const Row& row :
-       queryRows(session.connection(),
-                 "select d.id, d.version, length(d.data), i.datatype, i.left || ',' || i.top || '..' || i.right || ','"
-                 " || i.bottom from LumChromData d left join LumChromDataInfo i on i.dataid = d.id order by d.id")) {
-    items.push_back({"measurement " + row[0],
-                     {{"version", row[1]}, {"type", row[3]}, {"rectangle", row[4]}},
-                     BlobPlace{"LumChromData", number(row[0]), number(row[2])},
-                     {}});
+  for (const StoredMeasurement& measurement : storedMeasurements(session)) {
+    items.push_back(
+        {fmt::format("measurement {}", measurement.id),
+         {{"version", measurement.version}, {"type", measurement.type}, {"rectangle", measurement.rectangle}},
+         BlobPlace{kMeasurementTable, measurement.id, measurement.storedBytes},
+         {}});
   }
 }
 
@@ -86,7 +78,7 @@ void makeUnique(Items& items) {
   std::map<std::string, int> seen;
   for (Item& item : items) {
     const int count = ++seen[item.name];
-    if (count > 1) item.name += " (number " + std::to_string(count) + " of this name)";
+    if (count > 1) item.name += fmt::format(" (number {} of this name)", count);
   }
 }
 

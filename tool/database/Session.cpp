@@ -1,5 +1,7 @@
 #include "tool/database/Session.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -7,12 +9,14 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tool/database/EngineError.h"
+#include "tool/database/LibraryError.h"
 #include "tool/database/SqlQuery.h"
+#include "tool/database/Tables.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
+#include "tool/system/Paths.h"
 #include "tool/system/Platform.h"
 #include "tool/system/PluginPath.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
@@ -26,29 +30,25 @@ constexpr std::chrono::milliseconds kBetweenAttempts{20};
 
 std::string missingTables(tovr::IDBOperate& connection) {
   const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
-  std::string missing;
-  std::size_t count = 0;
+  std::vector<std::string> missing;
   for (const std::string& table : kTables) {
-    if (std::any_of(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == table; })) continue;
-    missing += (missing.empty() ? "" : ", ") + table;
-    ++count;
+    if (std::none_of(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == table; }))
+      missing.push_back(table);
   }
-  return count == kTables.size() ? "all nine of them" : missing;
+  if (missing.empty()) return {};
+  return missing.size() == kTables.size() ? "all nine of them" : shortList(missing);
 }
 
 }  // namespace
 
-const std::vector<std::string> kTables = {"DB_Info",      "Attach_DB_List",   "Screen_Info", "Coef",    "Coef_Info",
-                                          "LumChromData", "LumChromDataInfo", "Data",        "DataInfo"};
-
 void requireDatabaseFile(const std::string& path) {
   std::error_code error;  // opening a missing file would make it
-  const fs::file_status status = fs::status(path, error);
+  const fs::file_status status = fs::status(pathOf(path), error);
   if (!fs::exists(status)) {
     throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
   }
   if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(pathOf(path), std::ios::binary);
   if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
   constexpr std::size_t kMagicLength = 15;
   std::string start(kMagicLength, '\0');
@@ -63,7 +63,7 @@ std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin) {
   try {
     return std::make_unique<tovrhost::PluginHost>(pluginPath(plugin));
   } catch (const std::runtime_error& error) {
-    throw ToolError(kPluginProblem, std::string(error.what()) + "; say where it is with --plugin or TOVRDB_PLUGIN");
+    throw ToolError(kPluginProblem, "{}; say where it is with --plugin or TOVRDB_PLUGIN", error.what());
   }
 }
 
@@ -104,7 +104,7 @@ int Session::open(const std::string& path, const std::string& key) {
 // engine takes its key from there before it plays the journal back: the first attempt puts the file right and fails.
 int Session::openPatiently(const std::string& path, const std::string& key) {
   std::error_code error;
-  const bool unfinished = fs::exists(path + "-journal", error);
+  const bool unfinished = fs::exists(pathOf(path + "-journal"), error);
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(patience_);
   int code = open(path, key);
   if (isBusy(code) && patience_ > 0) announceWait();
@@ -116,12 +116,12 @@ int Session::openPatiently(const std::string& path, const std::string& key) {
 }
 
 void Session::setPatience(unsigned int milliseconds) {
-  require(connection().exec(("PRAGMA busy_timeout = " + std::to_string(milliseconds)).c_str()));
+  require(connection().exec(fmt::format("PRAGMA busy_timeout = {}", milliseconds).c_str()));
 }
 
 void Session::announceWait() const {
   if (!isTerminal(kStandardError)) return;
-  message("another program is using the file; waiting for it, " + std::to_string(patience_) + " s at most");
+  message("another program is using the file; waiting for it, {} s at most", patience_);
 }
 
 int Session::execPatiently(const char* sql) {
@@ -141,7 +141,9 @@ void Session::beginReading() {
 
 void Session::requireRightKey(int code) {
   if (code == kNotADatabase) {
-    throw ToolError(kKeyProblem, "26: the key is wrong, or the file is not a database (encrypted, the two look alike)");
+    ToolError error(kKeyProblem, "26: the key is wrong, or the file is not a database (encrypted, the two look alike)");
+    error.setStatus(code);
+    throw error;
   }
   require(code);
 }
@@ -157,11 +159,12 @@ void Session::probe() {
   requireRightKey(code);
   const std::string missing = missingTables(connection());
   if (!missing.empty()) {
-    throw ToolError(kFileProblem, "the key opens it, but it is no calibration database; it lacks tables: " + missing);
+    throw ToolError(kFileProblem, "the key opens it, but it is not a calibration database; it lacks tables: {}",
+                    missing);
   }
 }
 
-void Session::require(int code, const std::string& detail) { requireOk(connection(), code, "", detail); }
+void Session::require(int code, const std::string& detail) { requireEngine(connection(), code, "", detail); }
 
 void Session::close() {
   open_ = false;

@@ -3,7 +3,6 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "host/PluginHost.h"
 #include "tool/database/Access.h"
@@ -11,14 +10,11 @@
 
 namespace tovrtool {
 
-// The nine tables of a database file.
-extern const std::vector<std::string> kTables;
-
 // Loads the plug-in from `plugin`, or from where it usually lies when that is empty. Throws ToolError when there is
 // none.
 std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin);
 
-// What can be told without the key. Throws ToolError where `path` is no file that could be a database.
+// What can be told without the key. Throws ToolError where `path` cannot be a database.
 void requireDatabaseFile(const std::string& path);
 
 class Session {

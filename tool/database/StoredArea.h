@@ -1,48 +1,44 @@
-// The stored coefficient areas of a file and their cells.
+// The stored coefficient areas of a file, as the tables hold them, and their cells.
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "tool/cells/Rect.h"
+#include "tool/cells/CellBlock.h"
 #include "tool/database/Session.h"
 
 namespace tovrtool {
 
-struct StoredArea {
+// Where a block lies: a row of areas with the screen that it refers to.
+struct Placement {
   std::int64_t id = 0;
   std::int64_t screenId = 0;
   std::string screen;
+  std::optional<Rect> screenRect;  // nothing where there is no such screen
   std::int32_t type = 0;
   std::int64_t number = 0;
-  Rect rect;
+  Rect rect{};  // as stored, sound or not; edges beyond 32 bits are the nearest that have them
   std::int64_t blockId = 0;
+  std::string layers;
+  std::string layerList;  // in hexadecimal digits
+};
+
+// The same with what is stored beside the block's cells; zeros and empty texts where the block is missing.
+struct StoredArea : Placement {
   std::int32_t cellBytes = 0;
+  std::int64_t storedBytes = 0;  // enciphered
+  std::string version;
 };
 
-struct StoredScreen {
-  std::int64_t id = 0;
-  std::string name;
-  Rect rect;
-};
-
-// A rectangle of cells, row-major. Copies share the bytes.
-struct Cells {
-  Rect rect;
-  std::int32_t cellBytes = 0;
-  std::shared_ptr<const unsigned char> bytes;
-
-  const unsigned char* row(std::int32_t y) const {
-    return bytes.get() + (static_cast<std::int64_t>(y) - rect.top) * rect.columns() * cellBytes;
-  }
-};
-
-// In the order in which they were stored. Throw ToolError on failure, also for rectangles that are none.
+// In the order in which they were stored. Throw ToolError on failure.
+std::vector<Placement> placements(Session& session);
 std::vector<StoredArea> storedAreas(Session& session);
-std::vector<StoredScreen> storedScreens(Session& session);
+
+// Throws ToolError for a rectangle, of an area or a screen, in which no cells can lie.
+void requireSound(const Rect& rect, const std::string& whose);
 
 // The areas of a type, of the named screen only unless `screen` is empty. Throws ToolError, which says what there is,
 // when there are none.
@@ -53,9 +49,13 @@ std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const s
 const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect);
 
 // The cells of a part of an area. Throws ToolError. REQUIRES: the area holds `rect`.
-Cells readCells(Session& session, const StoredArea& area, const Rect& rect);
+CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect);
+
+// The cells that the library answers `record` with, whose type, rectangle and screen say what is asked for. `require`
+// gets the library's code and throws where that is a failure.
+CellBlock queryCells(Session& session, tovr::CoefData& record, const std::function<void(int code)>& require);
 
 // "left, 0,0..63,31"
-std::string toText(const StoredArea& area);
+std::string toText(const Placement& area);
 
 }  // namespace tovrtool

@@ -1,77 +1,75 @@
 #include "tool/database/StoredBlob.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <limits>
-#include <string>
 #include <utility>
 
-#include "host/StatusText.h"
+#include "storage/BlobFraming.h"
 #include "storage/StatusCodes.h"
-#include "tool/system/ToolError.h"
+#include "tool/database/LibraryError.h"
+#include "tool/database/Tables.h"
 
 namespace tovrtool {
 namespace {
 
 constexpr char kBlobKey[] = "kelptarn";  // the same in every file; key and initialisation vector
-constexpr std::size_t kLengthBytes = 4;
 constexpr std::size_t kCipherBlock = 8;
 
-[[noreturn]] void fail() {
-  throw ToolError(kRefused, std::to_string(tovr::kCipherFailed) + ": " + tovrhost::statusText(tovr::kCipherFailed));
-}
-
-// The deciphered frame and its payload's length; nothing where it is no frame.
+// A deciphered blob and where its payload ends.
 struct Frame {
-  std::vector<unsigned char> bytes;
-  std::size_t length = 0;
+  Bytes bytes;
+  std::size_t end = 0;
 
   bool filledUpAsUsual() const {
-    const auto fill = bytes.begin() + static_cast<std::ptrdiff_t>(kLengthBytes + length);
+    const auto fill = bytes.begin() + static_cast<std::ptrdiff_t>(end);
     return bytes.end() - fill < static_cast<std::ptrdiff_t>(kCipherBlock) &&
            std::all_of(fill, bytes.end(), [](unsigned char byte) { return byte == 0; });
   }
-  std::vector<unsigned char> takePayload() {
-    bytes.resize(kLengthBytes + length);
-    bytes.erase(bytes.begin(), bytes.begin() + kLengthBytes);
+  Bytes takePayload() {
+    bytes.resize(end);
+    bytes.erase(bytes.begin(), bytes.begin() + tovr::kLengthPrefixSize);
     return std::move(bytes);
   }
 };
 
-std::optional<Frame> decipherFrame(tovr::IEncryption& encryption, const std::vector<unsigned char>& stored) {
+std::optional<Frame> decipherFrame(tovr::IEncryption& encryption, const Bytes& stored) {
   Frame frame;
   const bool whole = !stored.empty() && stored.size() % kCipherBlock == 0;
   if (!whole || !encryption.decrypt(kBlobKey, kBlobKey, stored, frame.bytes)) return std::nullopt;
-  for (std::size_t i = kLengthBytes; i-- > 0;) frame.length = frame.length << 8 | frame.bytes[i];
-  if (frame.length > frame.bytes.size() - kLengthBytes) return std::nullopt;
+  const auto length = tovr::payloadLength(frame.bytes.data(), frame.bytes.size());
+  if (!length) return std::nullopt;
+  frame.end = tovr::kLengthPrefixSize + *length;
   return frame;
 }
 
 }  // namespace
 
-std::vector<unsigned char> decipherBlob(tovr::IEncryption& encryption, const std::vector<unsigned char>& stored) {
+std::optional<Bytes> queryPayload(Session& session, const std::string& table, std::int64_t id) {
+  return queryBlob(session.connection(), fmt::format("select {} from {} where id = {}", kPayloadColumn, table, id));
+}
+
+Bytes decipherBlob(tovr::IEncryption& encryption, const Bytes& stored) {
   auto frame = decipherFrame(encryption, stored);
-  if (!frame) fail();
+  if (!frame) throw libraryError(tovr::kCipherFailed);
   return frame->takePayload();
 }
 
-std::optional<std::vector<unsigned char>> decipherExactly(tovr::IEncryption& encryption,
-                                                          const std::vector<unsigned char>& stored) {
+std::optional<Bytes> decipherExactly(tovr::IEncryption& encryption, const Bytes& stored) {
   auto frame = decipherFrame(encryption, stored);
   if (!frame || !frame->filledUpAsUsual()) return std::nullopt;
   return frame->takePayload();
 }
 
-std::vector<unsigned char> encipherBlob(tovr::IEncryption& encryption, std::vector<unsigned char> payload) {
-  constexpr std::size_t kMost =
-      std::numeric_limits<std::int32_t>::max();  // the engine counts a blob's bytes in 32 bits
-  const std::size_t length = payload.size();
-  if (length > kMost - kLengthBytes - kCipherBlock) fail();
-  payload.insert(payload.begin(), kLengthBytes, 0);
-  for (std::size_t i = 0; i < kLengthBytes; ++i) payload[i] = static_cast<unsigned char>(length >> (8 * i));
-  std::vector<unsigned char> stored;
-  if (!encryption.encrypt(kBlobKey, kBlobKey, payload, stored)) fail();
+Bytes encipherBlob(tovr::IEncryption& encryption, const unsigned char* payload, std::size_t length) {
+  constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();  // the engine counts a blob in 32 bits
+  if (length > kMost - tovr::kLengthPrefixSize - kCipherBlock) throw libraryError(tovr::kCipherFailed);
+  const auto prefix = tovr::lengthPrefix(static_cast<std::uint32_t>(length));
+  Bytes frame(prefix.begin(), prefix.end());
+  frame.insert(frame.end(), payload, payload + length);
+  Bytes stored;
+  if (!encryption.encrypt(kBlobKey, kBlobKey, frame, stored)) throw libraryError(tovr::kCipherFailed);
   return stored;
 }
 

@@ -1,22 +1,26 @@
 // The form in which the tables keep payloads: a 32-bit little-endian length and the payload, enciphered as a whole.
 #pragma once
 
+#include <cstdint>
 #include <optional>
-#include <vector>
+#include <string>
 
-#include "crypto/IEncryption.h"
+#include "tool/database/Session.h"
+#include "tool/database/SqlQuery.h"
 
 namespace tovrtool {
 
+// The stored blob of a row, still enciphered; nothing where there is no such row. Throws ToolError on failure.
+std::optional<Bytes> queryPayload(Session& session, const std::string& table, std::int64_t id);
+
 // The payload in a stored blob. Throws ToolError when it is damaged.
-std::vector<unsigned char> decipherBlob(tovr::IEncryption& encryption, const std::vector<unsigned char>& stored);
+Bytes decipherBlob(tovr::IEncryption& encryption, const Bytes& stored);
 
 // The same, and nothing where enciphering the payload again would not give the same bytes: damaged, or stored by a
 // program that fills up differently.
-std::optional<std::vector<unsigned char>> decipherExactly(tovr::IEncryption& encryption,
-                                                          const std::vector<unsigned char>& stored);
+std::optional<Bytes> decipherExactly(tovr::IEncryption& encryption, const Bytes& stored);
 
 // The stored form of a payload. Throws ToolError when the service fails or the payload is too large for it.
-std::vector<unsigned char> encipherBlob(tovr::IEncryption& encryption, std::vector<unsigned char> payload);
+Bytes encipherBlob(tovr::IEncryption& encryption, const unsigned char* payload, std::size_t length);
 
 }  // namespace tovrtool

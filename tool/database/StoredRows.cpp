@@ -1,24 +1,18 @@
 #include "tool/database/StoredRows.h"
 
-#include <climits>
-#include <cstdlib>
+#include <fmt/format.h>
 
-#include "tool/database/EngineError.h"
-#include "tool/database/SqlQuery.h"
-#include "tool/system/ToolError.h"
+#include <climits>
+
+#include "tool/database/Tables.h"
 
 namespace tovrtool {
 namespace {
 
 template <class Container>
 std::string toHex(const Container& bytes) {
-  constexpr char kDigits[] = "0123456789abcdef";
   std::string hex;
-  for (const auto byte : bytes) {
-    const auto value = static_cast<unsigned char>(byte);
-    hex.push_back(kDigits[value >> 4]);
-    hex.push_back(kDigits[value & 15]);
-  }
+  for (const auto byte : bytes) fmt::format_to(std::back_inserter(hex), "{:02x}", static_cast<unsigned char>(byte));
   return hex;
 }
 
@@ -43,7 +37,7 @@ Json textAsJson(std::string text) {
   Json value = std::move(text);
   try {
     static_cast<void>(value.dump());
-  } catch (const Json::type_error&) {  // no UTF-8
+  } catch (const Json::type_error&) {  // not UTF-8
     return {{"text", toHex(value.get_ref<const std::string&>())}};
   }
   return value;
@@ -63,10 +57,10 @@ class RowBinder {
  public:
   RowBinder(tovr::IDBOperate& connection, const std::string& where) : connection_(connection), where_(where) {}
 
-  void bind(int index, const Json& value) { requireOk(connection_, bindValue(index, value), where_); }
+  void bind(int index, const Json& value) { requireEngine(connection_, bindValue(index, value), where_); }
   void bindBytes(int index, Bytes bytes) {
     Bytes& kept = keep(std::move(bytes));
-    requireOk(connection_, connection_.bind_blob(index, kept.data(), length(kept.size()), nullptr), where_);
+    requireEngine(connection_, connection_.bind_blob(index, kept.data(), length(kept.size()), nullptr), where_);
   }
 
  private:
@@ -84,7 +78,7 @@ class RowBinder {
   int bindHex(int index, const Json& value) {
     const bool known = value.is_object() && value.size() == 1 && value.begin().value().is_string();
     const std::string kind = known ? value.begin().key() : "";
-    if (kind != "blob" && kind != "text") refuseJson(where_, "a value is of no kind that a table holds");
+    if (kind != "blob" && kind != "text") refuseJson(where_, "a value is of a kind that no table holds");
     Bytes& bytes = keep(fromHex(value.begin().value().get_ref<const std::string&>(), where_));
     if (kind == "blob") return connection_.bind_blob(index, bytes.data(), length(bytes.size()), nullptr);
     return connection_.bind_text(index, reinterpret_cast<const char*>(bytes.data()), length(bytes.size()), nullptr);
@@ -108,46 +102,16 @@ class RowBinder {
 };
 
 std::string insertStatement(const std::string& table, const std::vector<std::string>& columns) {
-  std::string names;
-  std::string places;
-  for (const std::string& column : columns) {
-    names += (names.empty() ? "" : ", ") + column;
-    places += places.empty() ? "?" : ", ?";
-  }
-  return "insert into " + table + "(" + names + ") values (" + places + ")";
+  const std::vector<std::string> places(columns.size(), "?");
+  return fmt::format("insert into {}({}) values ({})", table, fmt::join(columns, ", "), fmt::join(places, ", "));
 }
 
 void requireKnown(const std::vector<std::string>& columns, const Json& row, const std::string& where) {
-  if (row.size() != columns.size()) refuseJson(where, "it does not have " + std::to_string(columns.size()) + " values");
+  if (row.size() != columns.size()) refuseJson(where, fmt::format("it does not have {} values", columns.size()));
   for (const std::string& column : columns) member(row, column.c_str(), where);
 }
 
 }  // namespace
-
-void visitRows(tovr::IDBOperate& connection, const std::string& sql, const std::function<void()>& visit) {
-  requireOk(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())), "");
-  try {
-    while (connection.step() == tovr::kStepRow) visit();
-  } catch (...) {
-    connection.finalize();
-    throw;
-  }
-  requireOk(connection, connection.finalize(), "");  // repeats the error of a failed step
-}
-
-Bytes columnBytes(tovr::IDBOperate& connection, int column) {
-  const auto* bytes = static_cast<const unsigned char*>(connection.column_blob(column));
-  return {bytes, bytes + connection.column_bytes(column)};
-}
-
-std::string columnText(tovr::IDBOperate& connection, int column) {
-  const auto* text = reinterpret_cast<const char*>(connection.column_text(column));
-  return text != nullptr ? std::string(text, static_cast<std::size_t>(connection.column_bytes(column))) : std::string();
-}
-
-std::int64_t columnNumber(tovr::IDBOperate& connection, int column) {
-  return std::strtoll(columnText(connection, column).c_str(), nullptr, 10);
-}
 
 std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table) {
   std::vector<std::string> names;
@@ -158,11 +122,9 @@ std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::st
 void readTable(tovr::IDBOperate& connection, const std::string& table, const BlobWriter& writeBlob,
                const std::function<void(Json row)>& visit) {
   const std::vector<std::string> columns = columnNames(connection, table);
-  std::string selected;
-  for (const std::string& column : columns) {
-    selected += (selected.empty() ? "typeof(" : ", typeof(") + column + "), " + column;
-  }
-  visitRows(connection, "select " + selected + " from " + table + " order by id", [&] {
+  std::vector<std::string> selected;
+  for (const std::string& column : columns) selected.push_back(fmt::format("typeof({0}), {0}", column));
+  visitRows(connection, fmt::format("select {} from {} order by id", fmt::join(selected, ", "), table), [&] {
     Json row = Json::object();
     for (std::size_t i = 0; i < columns.size(); ++i) {
       const int place = static_cast<int>(2 * i) + 1;
@@ -182,10 +144,10 @@ void readTable(tovr::IDBOperate& connection, const std::string& table, const Blo
 void insertRow(tovr::IDBOperate& connection, const std::string& table, const std::vector<std::string>& columns,
                const Json& row, const BlobReader& readBlob) {
   std::string where = "a row of " + table;
-  if (requireObject(row, where).contains("id")) where = "row " + row["id"].dump() + " of " + table;
+  if (requireObject(row, where).contains("id")) where = fmt::format("row {} of {}", row["id"].dump(), table);
   requireKnown(columns, row, where);
   const std::string sql = insertStatement(table, columns);
-  requireOk(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())), where);
+  requireEngine(connection, connection.prepare_v2(sql.c_str(), static_cast<int>(sql.size())), where);
   RowBinder binder(connection, where);
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const Json& value = row[columns[i]];
@@ -197,7 +159,7 @@ void insertRow(tovr::IDBOperate& connection, const std::string& table, const std
     }
   }
   connection.step();
-  requireOk(connection, connection.finalize(), where);
+  requireEngine(connection, connection.finalize(), where);
 }
 
 }  // namespace tovrtool

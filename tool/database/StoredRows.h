@@ -1,39 +1,21 @@
 // Rows of any table as JSON and back, without loss: every value keeps the type in which the engine stores it.
 //
 // Numbers and texts are JSON's own, NULL is null. What JSON cannot hold is an object: {"blob": HEX}, and {"text": HEX}
-// for texts that are no UTF-8.
+// for texts that are not UTF-8.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "storage/IDBOperate.h"
+#include "tool/database/SqlQuery.h"
 #include "tool/io/JsonText.h"
 
 namespace tovrtool {
 
-using Bytes = std::vector<unsigned char>;
-
-// Calls `visit` for each row of `sql`; the connection then stands on that row and may only be asked for its columns.
-// Throws ToolError on failure.
-void visitRows(tovr::IDBOperate& connection, const std::string& sql, const std::function<void()>& visit);
-
-// The blob in a column of the current row.
-Bytes columnBytes(tovr::IDBOperate& connection, int column);
-
-// A column of the current row as text; NULL is empty.
-std::string columnText(tovr::IDBOperate& connection, int column);
-
-// A column of the current row as a 64-bit number.
-std::int64_t columnNumber(tovr::IDBOperate& connection, int column);
-
 std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table);
 
-// The column of the three payload tables that holds an enciphered blob.
-constexpr char kPayloadColumn[] = "data";
-
-// What a blob in that column becomes in the JSON, an object with a member "file", and the blob that such an object
+// What a payload becomes in the JSON, an object with a member "file", and the blob that such an object
 // stands for. A row that is being read has the members before the payload only.
 using BlobWriter = std::function<Json(const Json& row, Bytes blob)>;
 using BlobReader = std::function<Bytes(const Json& row, const Json& value)>;
@@ -43,7 +25,7 @@ void readTable(tovr::IDBOperate& connection, const std::string& table, const Blo
                const std::function<void(Json row)>& visit);
 
 // Adds one row, its key included. Payloads with a "file" member are `readBlob`'s. Throws ToolError that names the row
-// when a column is missing or unknown, a value is of no kind that is stored, or the engine refuses it.
+// when a column is missing or unknown, a value is of a kind that no table holds, or the engine refuses it.
 void insertRow(tovr::IDBOperate& connection, const std::string& table, const std::vector<std::string>& columns,
                const Json& row, const BlobReader& readBlob);
 

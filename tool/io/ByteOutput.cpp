@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -9,7 +10,7 @@ namespace tovrtool {
 ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source)
     : standard_(standard), force_(options.force) {
   std::error_code error;
-  if (std::filesystem::equivalent(options.path, source, error)) {
+  if (std::filesystem::equivalent(pathOf(options.path), pathOf(source), error)) {
     throw ToolError(kUsage, "the output would replace the database that it is read from");
   }
   if (options.path == "-" || descriptorNamed(options.path) == kStandardOutput) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tool/io/FileOutput.h"
 #include "tool/system/StandardOutput.h"
@@ -26,7 +27,8 @@ class ByteOutput {
   void requireRoom(double bytes) const;
 
   void write(const void* bytes, std::size_t size);
-  void write(const std::string& bytes) { write(bytes.data(), bytes.size()); }
+  void write(const std::string& text) { write(text.data(), text.size()); }
+  void write(const std::vector<unsigned char>& bytes) { write(bytes.data(), bytes.size()); }
   // The file appears under its name. Without it, nothing does.
   void commit();
 

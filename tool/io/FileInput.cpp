@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "tool/system/Paths.h"
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
 
@@ -19,9 +20,9 @@ std::vector<unsigned char> readAll(std::FILE* file, const std::string& name) {
     bytes.resize(used + kPiece);
     count = std::fread(bytes.data() + used, 1, kPiece, file);
     used += count;
-    if (used > kLargest) throw ToolError(kFileProblem, name + " is larger than any block (2 GiB)");
+    if (used > kLargest) throw ToolError(kFileProblem, "{} is larger than any block (2 GiB)", name);
   } while (count == kPiece);
-  if (std::ferror(file) != 0) throw ToolError(kFileProblem, "cannot read " + name + ": " + systemError());
+  if (std::ferror(file) != 0) throw ToolError(kFileProblem, "cannot read {}: {}", name, systemError());
   bytes.resize(used);
   return bytes;
 }
@@ -31,9 +32,11 @@ std::vector<unsigned char> readAll(std::FILE* file, const std::string& name) {
 std::vector<unsigned char> readWholeFile(const std::string& path) {
   if (path == "-") return readAll(binaryStandardInput(), "standard input");
   std::error_code error;
-  if (std::filesystem::is_directory(path, error)) throw ToolError(kFileProblem, path + " is a folder: give a file");
+  if (std::filesystem::is_directory(pathOf(path), error)) {
+    throw ToolError(kFileProblem, "{} is a folder: give a file", path);
+  }
   const FileHandle file(std::fopen(path.c_str(), "rb"));
-  if (file == nullptr) throw ToolError(kFileProblem, "cannot read " + path + ": " + systemError());
+  if (file == nullptr) throw ToolError(kFileProblem, "cannot read {}: {}", path, systemError());
   return readAll(file.get(), path);
 }
 

@@ -1,8 +1,12 @@
 #include "tool/io/FileOutput.h"
 
+#include <fmt/core.h>
+
 #include <cerrno>
 #include <filesystem>
 
+#include "platform/FileSystem.h"
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -12,7 +16,7 @@ namespace fs = std::filesystem;
 
 bool isDevice(const std::string& path) {
   std::error_code error;
-  const fs::file_status status = fs::status(path, error);
+  const fs::file_status status = fs::status(pathOf(path), error);
   return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
 }
 
@@ -20,42 +24,43 @@ bool isDevice(const std::string& path) {
 
 std::string followedLink(const std::string& path) {
   std::error_code error;
-  const fs::path target = fs::canonical(path, error);
-  return error ? path : target.string();
+  const fs::path target = fs::canonical(pathOf(path), error);
+  return error ? path : textOf(target);
 }
 
 void refuseExisting(const std::string& path, Existing existing) {
-  const std::string force = existing == Existing::kRefuse ? ", or --force to replace it" : "";
-  throw ToolError(kFileProblem, path + " exists already and was not touched: give another name" + force);
+  throw ToolError(kFileProblem, "{} exists already and was not touched: give another name{}", path,
+                  existing == Existing::kRefuse ? ", or --force to replace it" : "");
 }
 
 void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing) {
   if (existing == Existing::kReplace) {
     std::error_code error;
-    const fs::perms permissions = fs::status(path, error).permissions();
-    if (!error && permissions != fs::perms::unknown) fs::permissions(temporary, permissions, error);
-    fs::rename(temporary, path, error);
-    if (error) throw ToolError(kFileProblem, "cannot replace " + path + ": " + error.message());
-  } else if (!moveWithoutReplacing(temporary, path)) {
+    const fs::perms permissions = fs::status(pathOf(path), error).permissions();
+    if (!error && permissions != fs::perms::unknown) fs::permissions(pathOf(temporary), permissions, error);
+    fs::rename(pathOf(temporary), pathOf(path), error);
+    if (error) throw ToolError(kFileProblem, "cannot replace {}: {}", path, error.message());
+  } else if (!tovr::renameWithoutReplacing(temporary, path)) {
     if (errno == EEXIST) refuseExisting(path, existing);
-    throw ToolError(kFileProblem, "cannot move the new file to " + path + ": " + systemError());
+    throw ToolError(kFileProblem, "cannot move the new file to {}: {}", path, systemError());
   }
   std::error_code error;
-  flushFolder(fs::absolute(path, error).parent_path().string());  // where it fails, the file is there all the same
+  flushFolder(
+      textOf(fs::absolute(pathOf(path), error).parent_path()));  // where it fails, the file is there all the same
 }
 
 std::string temporaryNameBeside(const std::string& path) {
-  std::string name = path + ".unfinished-" + std::to_string(processNumber());
+  std::string name = fmt::format("{}.unfinished-{}", path, processNumber());
   std::error_code error;
-  while (fs::exists(fs::symlink_status(name, error))) name += "x";
+  while (fs::exists(fs::symlink_status(pathOf(name), error))) name += "x";
   return name;
 }
 
 FileOutput::FileOutput(const std::string& path, Existing existing)
     : path_(followedLink(path)), existing_(existing), direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
   std::error_code error;
-  const fs::file_status status = fs::status(path_, error);
-  if (fs::is_directory(status)) throw ToolError(kFileProblem, path + " is a folder: give a file name");
+  const fs::file_status status = fs::status(pathOf(path_), error);
+  if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
   if (direct_) {
     const int descriptor = descriptorNamed(path);
     file_ = descriptor >= 0 ? duplicateAsStream(descriptor) : FileHandle(std::fopen(path_.c_str(), "wb"));
@@ -76,12 +81,11 @@ FileOutput::~FileOutput() {
 
 void FileOutput::requireRoom(double bytes) const {
   std::error_code error;
-  const fs::space_info space = fs::space(fs::absolute(path_, error).parent_path(), error);
+  const fs::space_info space = fs::space(fs::absolute(pathOf(path_), error).parent_path(), error);
   if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
-  char text[160];
-  std::snprintf(text, sizeof text, "%.1f GB, and the disk has room for %.1f GB; --force writes all the same",
-                bytes / 1e9, static_cast<double>(space.available) / 1e9);
-  throw ToolError(kFileProblem, path_ + " would take " + text);
+  throw ToolError(kFileProblem,
+                  "{} would take {:.1f} GB, and the disk has room for {:.1f} GB; --force writes all the same", path_,
+                  bytes / 1e9, static_cast<double>(space.available) / 1e9);
 }
 
 void FileOutput::write(const void* bytes, std::size_t size) {
@@ -97,7 +101,7 @@ void FileOutput::commit() {
 }
 
 void FileOutput::fail(const std::string& action) const {
-  throw ToolError(kFileProblem, "cannot " + action + " " + path_ + ": " + systemError());
+  throw ToolError(kFileProblem, "cannot {} {}: {}", action, path_, systemError());
 }
 
 }  // namespace tovrtool

@@ -11,7 +11,7 @@ namespace tovrtool {
 
 using Json = nlohmann::ordered_json;
 
-// Text to print; bytes that are no UTF-8 are shown as replacement characters.
+// Text to print; bytes that are not UTF-8 are shown as replacement characters.
 std::string jsonText(const Json& value);
 
 // The JSON in the file at `path`.
@@ -22,7 +22,7 @@ const Json& member(const Json& object, const char* name, const std::string& wher
 std::string textMember(const Json& object, const char* name, const std::string& where);
 std::int32_t numberMember(const Json& object, const char* name, const std::string& where);
 
-// Nothing when it is none, or takes more than 64 bits with sign.
+// Nothing when it is not one, or takes more than 64 bits with sign.
 std::optional<std::int64_t> wholeNumber(const Json& value);
 
 // `value` itself, after a look at its kind.

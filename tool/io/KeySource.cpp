@@ -1,8 +1,11 @@
 #include "tool/io/KeySource.h"
 
+#include <fmt/core.h>
+
 #include <cstdlib>
 #include <fstream>
 
+#include "tool/system/Paths.h"
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
 
@@ -11,11 +14,10 @@ namespace {
 
 std::string keyFromPrompt(KeyUse use, const KeyKind& kind) {
   if (!isTerminal(kStandardInput)) {
-    throw ToolError(kKeyProblem, std::string("no key: give ") + kind.option + " FILE, set " + kind.variable +
-                                     ", or run it on a terminal");
+    throw ToolError(kKeyProblem, "no key: give {} FILE, set {}, or run it on a terminal", kind.option, kind.variable);
   }
-  std::string key = readWithoutEcho(std::string(kind.prompt) + ": ");
-  if (use == KeyUse::kCreate && key != readWithoutEcho(std::string(kind.prompt) + " again: ")) {
+  std::string key = readWithoutEcho(fmt::format("{}: ", kind.prompt));
+  if (use == KeyUse::kCreate && key != readWithoutEcho(fmt::format("{} again: ", kind.prompt))) {
     throw ToolError(kKeyProblem, "the two keys differ: nothing was done");
   }
   return key;
@@ -30,10 +32,10 @@ std::string keyFromAnywhere(const std::string& keyFile, KeyUse use, const KeyKin
 }  // namespace
 
 std::string readKeyFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(pathOf(path), std::ios::binary);
   std::string line;
   if (!file || (!std::getline(file, line) && !file.eof())) {
-    throw ToolError(kKeyProblem, "cannot read the key file " + path + ": " + systemError());
+    throw ToolError(kKeyProblem, "cannot read the key file {}: {}", path, systemError());
   }
   if (!line.empty() && line.back() == '\r') line.pop_back();
   return line;

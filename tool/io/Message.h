@@ -1,12 +1,19 @@
 // Messages for the person at the terminal: standard error, one line each.
 #pragma once
 
+#include <fmt/core.h>
+
 #include <string>
+#include <utility>
 
 namespace tovrtool {
 
 // "tovrdb: TEXT", unless messages are silenced.
 void message(const std::string& text);
+template <class First, class... More>
+void message(fmt::format_string<First, More...> text, First&& first, More&&... more) {
+  message(fmt::format(text, std::forward<First>(first), std::forward<More>(more)...));
+}
 void silenceMessages();
 bool messagesAreSilent();
 

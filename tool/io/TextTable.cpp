@@ -27,7 +27,7 @@ std::string line(const std::vector<Column>& columns, const std::vector<std::size
 
 }  // namespace
 
-std::string textTable(const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows) {
+std::string textTable(const std::vector<Column>& columns, const TextRows& rows) {
   std::vector<std::string> titles;
   std::vector<std::size_t> widths;
   for (const Column& column : columns) {

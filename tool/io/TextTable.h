@@ -11,6 +11,9 @@ struct Column {
   bool number = false;  // numbers stand at the right
 };
 
-std::string textTable(const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows);
+using TextRows = std::vector<std::vector<std::string>>;
+
+// A line of titles, then one per row. REQUIRES: every row has a text for each column.
+std::string textTable(const std::vector<Column>& columns, const TextRows& rows);
 
 }  // namespace tovrtool

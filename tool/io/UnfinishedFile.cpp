@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "tool/system/Paths.h"
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
 
@@ -13,17 +14,17 @@ namespace fs = std::filesystem;
 
 void requirePlace(const std::string& path, Existing existing) {
   std::error_code error;
-  const fs::file_status status = fs::symlink_status(path, error);
-  if (fs::is_directory(status)) throw ToolError(kFileProblem, path + " is a folder: give a file name");
+  const fs::file_status status = fs::symlink_status(pathOf(path), error);
+  if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
   if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
-  const fs::path folder = fs::absolute(path, error).parent_path();
-  if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder " + folder.string());
+  const fs::path folder = fs::absolute(pathOf(path), error).parent_path();
+  if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder {}", textOf(folder));
 }
 
 void flush(const std::string& path) {
   const FileHandle file(std::fopen(path.c_str(), "r+b"));
   if (file == nullptr || !flushToDisk(file.get())) {
-    throw ToolError(kFileProblem, "the new file cannot be written to the disk: " + systemError());
+    throw ToolError(kFileProblem, "the new file cannot be written to the disk: {}", systemError());
   }
 }
 
@@ -31,9 +32,12 @@ void flush(const std::string& path) {
 void requireAtRest(const std::string& path) {
   for (const char* suffix : {"-journal", "-wal"}) {
     std::error_code error;
-    if (!fs::exists(path + suffix, error)) continue;
-    throw ToolError(kFileProblem, path + suffix + " exists: another program is using the database " + path +
-                                      ", or was ended while it wrote. Close it, or open the file once, and try again");
+    if (!fs::exists(pathOf(path + suffix), error)) continue;
+    throw ToolError(
+        kFileProblem,
+        "{0}{1} exists: another program is using the database {0}, or was ended while it wrote. Close it, or "
+        "open the file once, and try again",
+        path, suffix);
   }
 }
 
@@ -47,14 +51,14 @@ UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, c
       removed_(path_),
       companionRemoved_(companion_) {
   requirePlace(finished_, existing);
-  if (createNew(path_) == nullptr) throw ToolError(kFileProblem, "cannot create " + finished_ + ": " + systemError());
+  if (createNew(path_) == nullptr) throw ToolError(kFileProblem, "cannot create {}: {}", finished_, systemError());
   std::remove(path_.c_str());
 }
 
 UnfinishedFile::~UnfinishedFile() {
   std::error_code error;
-  if (!moved_) fs::remove(path_, error);
-  fs::remove(companion_, error);
+  if (!moved_) fs::remove(pathOf(path_), error);
+  fs::remove(pathOf(companion_), error);
 }
 
 void UnfinishedFile::finish() {

@@ -14,7 +14,7 @@ class UnfinishedFolder {
   // Tells which files a folder may hold that is to be replaced.
   using IsOurs = std::function<bool(const std::string& fileName)>;
 
-  // Makes a temporary folder beside `finished`. Throws ToolError when `finished` is no folder, when it is not empty
+  // Makes a temporary folder beside `finished`. Throws ToolError when `finished` is not a folder, when it is not empty
   // and may not be replaced, and when it holds anything that is not ours.
   UnfinishedFolder(const std::string& finished, Existing existing, const IsOurs& isOurs);
   UnfinishedFolder(const UnfinishedFolder&) = delete;

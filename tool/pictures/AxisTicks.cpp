@@ -1,8 +1,9 @@
 #include "tool/pictures/AxisTicks.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 namespace tovrtool {
@@ -48,15 +49,12 @@ Ticks wholeTicks(double low, double high, int most) { return ticksOfStepFrom(low
 
 std::string tickText(double value, double step) {
   const double size = std::max(std::abs(value), step);
-  char text[64];
   if (value != 0 && (size >= kPowerFrom || step < kPowerBelow)) {
     const int digits = static_cast<int>(std::lround(std::floor(std::log10(size)) - std::floor(std::log10(step)))) + 1;
-    std::snprintf(text, sizeof text, "%.*g", std::clamp(digits, 1, 15), value);
-  } else {
-    const int decimals = std::clamp(static_cast<int>(-std::floor(std::log10(step) + 1e-9)), 0, 15);
-    std::snprintf(text, sizeof text, "%.*f", decimals, value == 0 ? 0.0 : value);
+    return fmt::format("{:.{}g}", value, std::clamp(digits, 1, 15));
   }
-  return text;
+  const int decimals = std::clamp(static_cast<int>(-std::floor(std::log10(step) + 1e-9)), 0, 15);
+  return fmt::format("{:.{}f}", value == 0 ? 0.0 : value, decimals);
 }
 
 }  // namespace tovrtool

@@ -49,7 +49,7 @@ class Canvas {
   Canvas& operator=(const Canvas&) = delete;
   ~Canvas();
 
-  // The text as it can be drawn: what is no text (control characters, broken UTF-8) is replaced.
+  // The text as it can be drawn: what is not text (control characters, broken UTF-8) is replaced.
   static std::string drawable(const std::string& text);
   double textWidth(const std::string& text, const Font& font);
   // The text's beginning, middle or end at `x`, its base line at `y`.

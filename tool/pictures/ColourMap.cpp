@@ -139,8 +139,6 @@ std::vector<Colour> coolToWarm() {
 
 }  // namespace
 
-double lightness(const Colour& colour) { return toLab(colour).x; }
-
 ColourMap::ColourMap(Palette palette) : colours_(palette == Palette::kSequential ? viridis() : coolToWarm()) {}
 
 const Colour& ColourMap::at(double position) const {

@@ -14,9 +14,6 @@ struct Colour {
   bool operator==(const Colour& other) const { return red == other.red && green == other.green && blue == other.blue; }
 };
 
-// CIE 1976 lightness L* of an sRGB colour, 0 (black) to 100 (white).
-double lightness(const Colour& colour);
-
 enum class Palette {
   kSequential,  // viridis: for values; lightness rises from end to end
   kDiverging    // cool to warm: for differences; lightest in the middle, which is to be zero

@@ -10,7 +10,7 @@
 namespace tovrtool {
 
 bool GatheredNumbers::covered(const Rect& rect) const {
-  return std::any_of(added_.begin(), added_.end(), [&](const Rect& earlier) { return earlier.holds(rect); });
+  return std::any_of(added_.begin(), added_.end(), [&](const Rect& earlier) { return holds(earlier, rect); });
 }
 
 bool GatheredNumbers::overlaps(const Rect& rect) const {
@@ -19,7 +19,7 @@ bool GatheredNumbers::overlaps(const Rect& rect) const {
 }
 
 void GatheredNumbers::add(const Rect& rect, const ReadRow& readRow) {
-  std::vector<double> numbers(static_cast<std::size_t>(rect.columns()));
+  std::vector<double> numbers(static_cast<std::size_t>(columnsOf(rect)));
   for (std::int64_t y = rect.top; y <= rect.bottom; ++y) {
     readRow(static_cast<std::int32_t>(y), numbers.data());
     hideCovered(rect, static_cast<std::int32_t>(y), numbers);
@@ -64,18 +64,6 @@ NumberRange GatheredNumbers::balancedRange(double percent) const {
   }
   const double bound = sizes.empty() ? 1.0 : percentiles(sizes, {percent}).front();
   return {-bound, bound};
-}
-
-std::optional<Rect> common(const Rect& one, const Rect& other) {
-  const Rect both{std::max(one.left, other.left), std::max(one.top, other.top), std::min(one.right, other.right),
-                  std::min(one.bottom, other.bottom)};
-  if (both.left > both.right || both.top > both.bottom) return std::nullopt;
-  return both;
-}
-
-Rect united(const Rect& one, const Rect& other) {
-  return {std::min(one.left, other.left), std::min(one.top, other.top), std::max(one.right, other.right),
-          std::max(one.bottom, other.bottom)};
 }
 
 }  // namespace tovrtool

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -43,11 +42,5 @@ class GatheredNumbers {
   std::vector<Rect> added_;
   std::vector<double> values_;
 };
-
-// What both hold; nothing where they are apart.
-std::optional<Rect> common(const Rect& one, const Rect& other);
-
-// The smallest that holds both.
-Rect united(const Rect& one, const Rect& other);
 
 }  // namespace tovrtool

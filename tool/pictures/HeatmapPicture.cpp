@@ -1,8 +1,9 @@
 #include "tool/pictures/HeatmapPicture.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "tool/pictures/AxisTicks.h"
 #include "tool/pictures/Canvas.h"
@@ -72,11 +73,7 @@ bool hasMissing(const Raster& raster) {
   return false;
 }
 
-std::string beyondText(const char* which, double value) {
-  char text[48];
-  std::snprintf(text, sizeof text, "%s %.6g", which, value);
-  return text;
-}
+std::string beyondText(const char* which, double value) { return fmt::format("{} {:.6g}", which, value); }
 
 class Picture {
  public:
@@ -179,13 +176,13 @@ void Picture::drawOutlines() {
   canvas_.clip(layout_.plot);
   for (const bool areas : {true, false}) {  // screens on top
     for (const Outline& outline : heatmap_.outlines) {
-      if (outline.area != areas || outline.rect.holds(raster_.region())) continue;
+      if (outline.area != areas || holds(outline.rect, raster_.region())) continue;
       canvas_.frame(boxOf(outline.rect), kBlack, areas ? 1.5 : 3);
       canvas_.frame(boxOf(outline.rect), kPaper, areas ? 0.8 : 1.2, areas);
     }
   }
   for (const Outline& outline : heatmap_.outlines) {
-    if (!outline.rect.holds(raster_.region())) drawName(outline, boxOf(outline.rect), taken);
+    if (!holds(outline.rect, raster_.region())) drawName(outline, boxOf(outline.rect), taken);
   }
   canvas_.unclip();
 }

@@ -11,7 +11,7 @@
 namespace tovrtool {
 
 struct Outline {
-  Rect rect;
+  Rect rect{};
   std::string name;
   bool area = false;  // of a screen otherwise
 };

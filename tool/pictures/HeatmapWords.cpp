@@ -1,23 +1,20 @@
 #include "tool/pictures/HeatmapWords.h"
 
-#include <cstdio>
+#include <fmt/core.h>
 
 namespace tovrtool {
 
-std::string numberText(double number) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g", number);
-  return text;
-}
+std::string numberText(double number) { return fmt::format("{:.6g}", number); }
 
 std::string scaleNote(const RasterScale& scale, Merge merge) {
-  const auto times = [](auto across, auto down) { return std::to_string(across) + " x " + std::to_string(down); };
-  const std::string stretched = scale.square() ? "" : " Not drawn to scale: cells are no squares here.";
+  const auto times = [](auto across, auto down) { return fmt::format("{} x {}", across, down); };
+  const std::string stretched = scale.square() ? "" : " Not drawn to scale: cells are not square here.";
   if (scale.across.cellsPerPixel > 1 || scale.down.cellsPerPixel > 1) {
-    return std::string("A pixel shows the ") + (merge == Merge::kMean ? "mean" : "largest difference") + " of " +
-           times(scale.across.cellsPerPixel, scale.down.cellsPerPixel) + " cells." + stretched;
+    return fmt::format("A pixel shows the {} of {} cells.{}", merge == Merge::kMean ? "mean" : "largest difference",
+                       times(scale.across.cellsPerPixel, scale.down.cellsPerPixel), stretched);
   }
-  return "A cell takes " + times(scale.across.pixelsPerCell, scale.down.pixelsPerCell) + " pixels." + stretched;
+  return fmt::format("A cell takes {} pixels.{}", times(scale.across.pixelsPerCell, scale.down.pixelsPerCell),
+                     stretched);
 }
 
 void setColours(const GatheredNumbers& numbers, const NumberRange& range, Heatmap& heatmap) {

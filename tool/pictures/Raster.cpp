@@ -25,8 +25,8 @@ AxisScale axis(std::int64_t cells, std::int64_t cellsPerPixel, std::int64_t pixe
 }  // namespace
 
 RasterScale fitScale(const Rect& region) {
-  const std::int64_t columns = region.columns();
-  const std::int64_t rows = region.rows();
+  const std::int64_t columns = columnsOf(region);
+  const std::int64_t rows = rowsOf(region);
   const std::int64_t shrink = std::max(roundedUp(columns, kMostAcross), roundedUp(rows, kMostDown));
   const std::int64_t grow =
       std::clamp<std::int64_t>(std::min(kMostAcross / columns, kMostDown / rows), 1, kLargestCell);

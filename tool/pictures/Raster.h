@@ -40,8 +40,8 @@ class Raster {
  public:
   Raster(const Rect& region, Merge merge);
 
-  // The numbers of cells of row `y` from column `x` on. What lies outside the region, and what is no finite number, is
-  // left out.
+  // The numbers of cells of row `y` from column `x` on. What lies outside the region, and what is not a finite number,
+  // is left out.
   void addRow(std::int32_t x, std::int32_t y, const std::vector<double>& numbers);
 
   const Rect& region() const { return region_; }

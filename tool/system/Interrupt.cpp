@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 #if defined(_WIN32)
@@ -88,7 +89,7 @@ void handleInterrupts() {
 
 InterruptibleFile::InterruptibleFile(const std::string& path) : slot_(-1) {
   std::error_code error;
-  const std::string whole = std::filesystem::absolute(path, error).string();
+  const std::string whole = textOf(std::filesystem::absolute(pathOf(path), error));
   if (error || whole.size() >= kLongestPath) return;
   for (int i = 0; i < kSlots && slot_ < 0; ++i) {
     if (slots[i].taken) continue;

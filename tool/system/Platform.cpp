@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
 #if defined(_WIN32)
@@ -17,7 +18,6 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -93,18 +93,11 @@ bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fi
 
 bool flushFolder(const std::string&) { return true; }  // the file system's journal keeps names
 
-bool moveWithoutReplacing(const std::string& from, const std::string& to) {
-  if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0) return true;
-  const DWORD code = GetLastError();
-  errno = code == ERROR_ALREADY_EXISTS || code == ERROR_FILE_EXISTS ? EEXIST : EACCES;
-  return false;
-}
-
 std::string programFolder() {
   char path[MAX_PATH] = {};
   const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
   if (length == 0 || length == MAX_PATH) return {};
-  return std::filesystem::path(path).parent_path().string();
+  return textOf(pathOf(path).parent_path());
 }
 
 int processNumber() { return _getpid(); }
@@ -230,21 +223,10 @@ bool flushFolder(const std::string& folder) {
   return done;
 }
 
-bool moveWithoutReplacing(const std::string& from, const std::string& to) {
-  if (link(from.c_str(), to.c_str()) == 0) return unlink(from.c_str()) == 0;  // link() is atomic and never replaces
-  if (errno != EPERM && errno != ENOTSUP && errno != ENOSYS) return false;
-  struct stat present;  // a file system without hard links: the best it offers
-  if (lstat(to.c_str(), &present) == 0) {
-    errno = EEXIST;
-    return false;
-  }
-  return std::rename(from.c_str(), to.c_str()) == 0;
-}
-
 std::string programFolder() {
   std::error_code error;
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-  return error ? std::string() : program.parent_path().string();
+  return error ? std::string() : textOf(program.parent_path());
 }
 
 int processNumber() { return getpid(); }

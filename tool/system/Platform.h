@@ -1,4 +1,4 @@
-// Everything that the operating systems do differently: descriptors, terminals, moving files, the program's own path.
+// Everything that the operating systems do differently: descriptors, terminals, new files, the program's own path.
 #pragma once
 
 #include <cstdio>
@@ -49,9 +49,6 @@ bool flushToDisk(std::FILE* file);
 
 // The names of the files in a folder reach the disk, where the system has such an operation. False when that fails.
 bool flushFolder(const std::string& folder);
-
-// Moves a file within its folder and never replaces: false when `to` exists, with errno EEXIST, or on any other error.
-bool moveWithoutReplacing(const std::string& from, const std::string& to);
 
 // The text of errno.
 std::string systemError();

@@ -1,8 +1,11 @@
 // The program's exit codes, and the one exception with which a command gives up.
 #pragma once
 
+#include <fmt/core.h>
+
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace tovrtool {
 
@@ -22,10 +25,26 @@ enum ExitCode : int {
 class ToolError : public std::runtime_error {
  public:
   ToolError(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  template <class First, class... More>
+  ToolError(ExitCode code, fmt::format_string<First, More...> text, First&& first, More&&... more)
+      : ToolError(code, fmt::format(text, std::forward<First>(first), std::forward<More>(more)...)) {}
+
   ExitCode code() const { return code_; }
+
+  // The status code with which the library refused; 0 where it was not asked.
+  int status() const { return status_; }
+  void setStatus(int status) { status_ = status; }
 
  private:
   ExitCode code_;
+  int status_ = 0;
 };
+
+// The same failure, said with what it happened on: "wall.db: ...".
+inline ToolError about(const std::string& what, const ToolError& error) {
+  ToolError told(error.code(), what + ": " + error.what());
+  told.setStatus(error.status());
+  return told;
+}
 
 }  // namespace tovrtool

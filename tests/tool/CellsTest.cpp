@@ -1,0 +1,258 @@
+// The pure parts of the tool that know cells: rectangles, .npy arrays, blocks, CSV, differences, statistics.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <numeric>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/tool/NpyText.h"
+#include "tool/cells/BlockDifference.h"
+#include "tool/cells/CellCsv.h"
+#include "tool/cells/CellNumbers.h"
+#include "tool/cells/Statistics.h"
+#include "tool/system/ToolError.h"
+
+namespace {
+
+using namespace tovrtool;
+using namespace tovrtest;
+
+std::vector<unsigned char> bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
+
+NpyArray parsed(const std::string& file) { return parseNpy(bytesOf(file), "a.npy"); }
+
+// What `action` complains about; empty when it does not.
+template <class Action>
+std::string complaint(Action action) {
+  try {
+    action();
+    return {};
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+TEST(RectTest, IsReadInTheOrderLeftTopRightBottom) {
+  EXPECT_EQ(toText(parseRect("1,2,3,4")), "1,2..3,4");
+  EXPECT_EQ(toText(parseRect("0,0,2147483647,0")), "0,0..2147483647,0");
+  for (const char* text :
+       {"", "1,2,3", "1,2,3,4,", "1,2,3,4,5", " 1,2,3,4", "-1,2,3,4", "1,2,3,2147483648", "a,b,c,d"}) {
+    EXPECT_NE(complaint([&] { parseRect(text); }).find("is not of the form L,T,R,B"), std::string::npos) << text;
+  }
+  EXPECT_NE(complaint([] { parseRect("3,0,2,0"); }).find("is inverted"), std::string::npos);
+  EXPECT_NE(complaint([] { parseSize("0x5"); }).find("whole numbers from 1"), std::string::npos);
+}
+
+TEST(RectTest, BytesFillItOnlyWhenTheyAreExactlyItsCells) {
+  EXPECT_TRUE(fills(24, {0, 0, 3, 2}, 2));
+  EXPECT_FALSE(fills(23, {0, 0, 3, 2}, 2));
+  EXPECT_FALSE(fills(48, {0, 0, 3, 2}, 2));
+  EXPECT_FALSE(fills(0, {0, 0, 3, 2}, 0));
+  EXPECT_FALSE(fills(0, {1, 0, 0, 0}, 1));
+  EXPECT_FALSE(fills(0, {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, INT32_MAX));  // the product overflows 64 bits
+}
+
+TEST(RectTest, AnArraysRectangleEndsWhereItsCellsEnd) {
+  EXPECT_EQ(toText(rectAt({5, 6}, 3, 2)), "5,6..7,7");
+  EXPECT_EQ(toText(rectAt({INT32_MAX, 0}, 1, 1)), "2147483647,0..2147483647,0");
+  EXPECT_THROW(rectAt({INT32_MAX, 0}, 2, 1), std::invalid_argument);
+  EXPECT_THROW(rectAt({0, 0}, 0, 1), std::invalid_argument);
+  EXPECT_EQ(common({0, 0, 4, 4}, {5, 0, 9, 4}), std::nullopt);
+  EXPECT_EQ(common({0, 0, 5, 4}, {5, 1, 9, 9}), (Rect{5, 1, 5, 4}));
+  EXPECT_EQ(united({0, 3, 1, 4}, {5, 1, 9, 2}), (Rect{0, 1, 9, 4}));
+}
+
+TEST(NpyTest, HeadersAreTakenInEverySpellingOfEveryVersion) {
+  const std::string shape = "'shape': (2, 3), ", order = "'fortran_order': False, ", type = "'descr': '<u2', ";
+  const std::string headers[] = {
+      "{" + type + order + shape + "}\n",
+      "{" + shape + type + order + "}      \n",
+      "{'descr':'<u2','fortran_order':False,'shape':(2,3)}\n",
+      "{ \"descr\" : \"<u2\" , \"fortran_order\" : False , \"shape\" : ( 2 , 3 , ) , }\n",
+      "{" + type + order + "'shape': (2L, 3L)}\n",  // Python 2
+  };
+  for (const std::string& header : headers) {
+    for (const char version : {'\1', '\2', '\3'}) {
+      const NpyArray array = parsed(npyFile(version, header, payload(12)));
+      EXPECT_EQ(array.shape, (std::vector<std::size_t>{2, 3})) << header;
+      EXPECT_EQ(array.dtype.descr, "<u2") << header;
+      EXPECT_EQ(array.bytes, bytesOf(payload(12))) << header;
+    }
+  }
+}
+
+TEST(NpyTest, WhatIsWrittenIsWhatNumPyWrites) {
+  EXPECT_EQ(npyHeader(parseDtype("uint16"), {4, 8}), npy("<u2", "4, 8", ""));
+  EXPECT_EQ(npyHeader(parseDtype("float64"), {1080, 1920, 9}), npy("<f8", "1080, 1920, 9", ""));
+  EXPECT_EQ(npyHeader(parseDtype("<u1"), {7}), npy("|u1", "7,", ""));
+}
+
+TEST(NpyTest, FilesThatAreNotSuchAnArrayAreRefused) {
+  const std::string good = npy("<u2", "4, 8", payload(64));
+  const auto header = [](const std::string& text) { return npyFile('\1', text, ""); };
+  const struct {
+    std::string file;
+    const char* words;
+  } cases[] = {
+      {"", "is not a .npy file"},
+      {good.substr(0, 9), "is not a .npy file"},
+      {good.substr(0, 60), "truncated inside its header"},
+      {npyFile('\4', "", ""), "version 4 is unknown"},
+      {std::string("\x93NUMPY\x02\x00\xff\xff\xff\xff", 12), "is too long"},
+      {good.substr(0, good.size() - 1), "it is truncated"},
+      {good + "x", "it is too long"},
+      {npy("<u2", "4294967296, 4294967296", payload(64)), "it is truncated"},
+      {npy("<u2", "18446744073709551616", ""), "whole numbers"},
+      {npy("<u2", "-1, 8", ""), "whole numbers"},
+      {npy("<u2", "4 8", ""), "',' or ')' is missing"},
+      {npy(">u2", "4, 8", payload(64)), "big-endian (>u2)"},
+      {npy("<u2", "4, 8", payload(64), "True"), "Fortran order"},
+      {npy("<u2", "4, 8", payload(64), "Maybe"), "neither True nor False"},
+      {npy("<c8", "4, 8", payload(256)), "<c8 is not one of uint8, "},
+      {npy("", "4, 8", payload(64)), "its type is empty"},
+      {header("{}\n"), "exactly three keys"},
+      {header("  \n"), "'{' is missing"},
+      {header("{'descr': [('a', '<u2')], 'fortran_order': False, 'shape': (1,)}\n"), "''' is missing"},
+      {header("{'descr': '<u2', 'descr': '<u2', 'shape': (1,)}\n"), "twice"},
+      {header("{'descr': '<u2', 'fortran_order': False, 'shape': (1,), 'more': 1}\n"), "'more' is unknown"},
+      {header("{'descr': '<u2', 'fortran_order': False, 'shape': (1,)}"), "does not end with a newline"},
+      {header("{'descr': '<u2', 'fortran_order': False, 'shape': (1,"), "whole numbers"},
+      {header("{'descr': '<u2"), "a text does not end"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_NE(complaint([&] { parsed(c.file); }).find(c.words), std::string::npos)
+        << c.words << " expected, got: " << complaint([&] { parsed(c.file); });
+  }
+}
+
+TEST(CellBlockTest, ArraysAreBlocksOfTheirOwnRectangle) {
+  const auto complaintAbout = [](const char* shape, std::size_t bytes) {
+    return complaint([&] { blockFromArray(parsed(npy("<u2", shape, payload(bytes))), Rect{0, 0, 7, 3}, {}); });
+  };
+  EXPECT_EQ(complaintAbout("4, 8", 64), "");
+  EXPECT_NE(complaintAbout("8, 4", 64).find("its shape would begin with (4, 8)"), std::string::npos);
+  EXPECT_NE(complaintAbout("32,", 64).find("(rows, columns, values)"), std::string::npos);
+  EXPECT_NE(complaintAbout("4, 0", 0).find("none of them 0"), std::string::npos);
+  const CellBlock block = blockFromArray(parsed(npy("<u2", "4, 8, 3, 3", payload(576))), {}, CellPair{10, 20});
+  EXPECT_EQ(toText(block.rect), "10,20..17,23");
+  EXPECT_EQ(block.cellBytes, 18);
+  EXPECT_EQ(blockShape(block.rect, 18, parseDtype("uint16")), (std::vector<std::size_t>{4, 8, 9}));
+  EXPECT_THROW(blockShape(block.rect, 18, parseDtype("uint32")), ToolError);
+  EXPECT_THROW(blockFromBytes(bytesOf(payload(30)), {0, 0, 2, 1}, 4), ToolError);
+}
+
+TEST(CellBlockTest, APartHasTheCellsOfItsRectangle) {
+  const std::string cells = "abcdefghijkl";  // 3 x 2 cells of 2 bytes
+  const CellBlock part = cut(blockFromBytes(bytesOf(cells), {5, 5, 7, 6}, 2), {6, 5, 7, 6});
+  EXPECT_EQ(std::string(part.bytes.get(), part.bytes.get() + part.size()), "cdefijkl");
+}
+
+TEST(CellCsvTest, NumbersKeepEveryDigit) {
+  const float numbers[] = {1.5F, -2, 0.1F, 16777216};
+  const std::string cells(reinterpret_cast<const char*>(numbers), sizeof numbers);
+  std::string text;
+  const auto append = [&text](const std::string& line) { text += line; };
+  writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), parseDtype("float32"), append);
+  EXPECT_EQ(text, "column,row,value0,value1\n3,2,1.5,-2\n4,2,0.100000001,16777216\n");
+  EXPECT_THROW(writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), parseDtype("int64"), append), ToolError);
+}
+
+TEST(CellNumbersTest, EveryTypeIsRead) {
+  const auto first = [](const char* dtype, const std::string& bytes) {
+    double number = 0;
+    readNumbers(parseDtype(dtype), reinterpret_cast<const unsigned char*>(bytes.data()), 1, 1, &number);
+    return number;
+  };
+  EXPECT_EQ(first("uint8", "\xFF"), 255);
+  EXPECT_EQ(first("int8", "\xFF"), -1);
+  EXPECT_EQ(first("uint16", "\xFE\xFF"), 65534);
+  EXPECT_EQ(first("int32", "\xFE\xFF\xFF\xFF"), -2);
+  EXPECT_EQ(first("float16", std::string("\x00\x3C", 2)), 1);
+  EXPECT_EQ(first("float16", std::string("\x01\x80", 2)), -std::ldexp(1, -24));
+  EXPECT_EQ(first("float16", std::string("\x00\xFC", 2)), -HUGE_VAL);
+  EXPECT_TRUE(std::isnan(first("float16", std::string("\x00\x7E", 2))));
+}
+
+TEST(BlockDifferenceTest, NumbersWithinEitherToleranceAreEqual) {
+  const double nan = std::nan("");
+  const struct {
+    double before, after;
+    Tolerance tolerance;
+    bool differs;
+  } cases[] = {
+      {1, 1.5, {0.5, 0}, false},     {1, 1.5, {0.49, 0}, true},       {-100, -101, {0, 0.01}, false},
+      {-100, -102, {0, 0.01}, true}, {nan, nan, {0, 0}, false},       {nan, 1, {1e9, 1}, true},
+      {HUGE_VAL, 1, {1e9, 1}, true}, {HUGE_VAL, HUGE_VAL, {}, false}, {0.0, -0.0, {}, false},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(differ(c.before, c.after, c.tolerance), c.differs) << c.before << " " << c.after;
+}
+
+TEST(BlockDifferenceTest, TheLargestDifferenceIsNamedByItsCellAndComponent) {
+  std::string cells(16, '\0');
+  const Rect rect{10, 20, 13, 21};
+  const CellBlock before = blockFromBytes(bytesOf(cells), rect, 2);
+  cells[3] = 2;   // cell 1, component 1
+  cells[12] = 9;  // cell 6, component 0
+  const CellBlock after = blockFromBytes(bytesOf(cells), rect, 2);
+  const BlockDifference found = compareBlocks(before, after, parseDtype("uint8"), std::nullopt);
+  EXPECT_EQ(found.cells, 8);
+  EXPECT_EQ(found.differing, 2);
+  EXPECT_EQ(found.at.x, 12);
+  EXPECT_EQ(found.at.y, 21);
+  EXPECT_EQ(found.component, 0U);
+  EXPECT_EQ(found.after, 9);
+  EXPECT_EQ(compareBlocks(before, after, parseDtype("uint8"), Tolerance{2, 0}).differing, 1);
+  EXPECT_EQ(compareBlocks(before, after, std::nullopt, std::nullopt).at.x, 11);  // to the bit: the first
+}
+
+TEST(StatisticsTest, SummariesFollowTheirDefinitionsForEverySize) {
+  std::vector<double> values = {std::nan(""), HUGE_VAL};
+  for (int n = 1; n <= 60; ++n) {
+    values.push_back((n * 7919) % 61 - 20);
+    std::vector<double> sorted(values.begin() + 2, values.end());
+    std::sort(sorted.begin(), sorted.end());
+    const Summary summary = summarize(values);
+    ASSERT_EQ(summary.count, sorted.size());
+    ASSERT_EQ(summary.others, 2U);
+    const double sum = std::accumulate(sorted.begin(), sorted.end(), 0.0);
+    const double squares = std::inner_product(sorted.begin(), sorted.end(), sorted.begin(), 0.0);
+    EXPECT_NEAR(summary.mean, sum / n, 1e-9);
+    EXPECT_NEAR(summary.deviation, std::sqrt(std::max(0.0, squares / n - sum / n * sum / n)), 1e-6);
+    for (std::size_t i = 0; i < kPercents.size(); ++i) {
+      const double rank = kPercents[i] / 100 * (n - 1);
+      const double low = sorted[static_cast<std::size_t>(rank)];
+      const double high = sorted[static_cast<std::size_t>(std::ceil(rank))];
+      EXPECT_NEAR(summary.percentiles[i], low + (high - low) * (rank - std::floor(rank)), 1e-9) << n << " " << i;
+    }
+  }
+}
+
+TEST(StatisticsTest, EveryFiniteNumberIsInOnePlaceOfTheHistogram) {
+  const Histogram found = histogram({-6, -5, 0, 9.9, 10, 15, 15.1, std::nan("")}, -5, 15, 4);
+  EXPECT_EQ(found.below, 1U);
+  EXPECT_EQ(found.bins[0].count, 1U);
+  EXPECT_EQ(found.bins[1].count, 1U);
+  EXPECT_EQ(found.bins[2].count, 1U);
+  EXPECT_EQ(found.bins[3].count, 2U);  // 15, its upper end, too
+  EXPECT_EQ(found.above, 1U);
+}
+
+TEST(StatisticsTest, WildCellsStandOutAndDoNotHideEachOther) {
+  std::vector<double> values(1000, 100.0);
+  for (std::size_t i = 0; i < values.size(); i += 2) values[i] += static_cast<double>(i % 7);
+  values[10] = 1e6;
+  values[20] = -1e7;
+  const Outliers found = standOut(values, 6, 1);
+  EXPECT_EQ(found.count, 2U);
+  EXPECT_EQ(found.strongest.at(0).index, 20U);
+  std::vector<double> equal(1000, 5.0);
+  equal[3] = 9;  // more than half are equal: their median deviation is 0
+  EXPECT_EQ(standOut(equal, 6, 10).count, 1U);
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+#include "tool/database/FileFacts.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "tool/database/FileGeneration.h"
+#include "tool/database/SqlQuery.h"
+#include "tool/database/StoredArea.h"
+#include "tool/database/Tables.h"
+
+namespace tovrtool {
+namespace {
+
+std::vector<Fact> description(Session& session) {
+  auto record = session.host().makeRecord<tovr::DBInfo>();
+  session.require(session.manager().queryData(record.get()));
+  return {{"name", "name", record->dbname},
+          {"structure version", "structureVersion", record->datastructversion},
+          {"software version", "softwareVersion", record->softwareversion},
+          {"software type", "softwareType", record->softwaretype},
+          {"database version", "databaseVersion", record->dbversion}};
+}
+
+// Engines leave questions that they do not know unanswered.
+std::vector<Fact> engine(Session& session) {
+  struct Question {
+    const char* label;
+    const char* name;
+    const char* sql;
+  };
+  constexpr Question kQuestions[] = {
+      {"engine", "sqliteVersion", "select sqlite_version()"},
+      {"page encryption", "cipherVersion", "pragma cipher_version"},
+      {"cipher", "cipher", "pragma cipher"},
+      {"cipher provider", "cipherProvider", "pragma cipher_provider"},
+      {"key derivation", "kdfIterations", "pragma kdf_iter"},
+      {"page checksums", "pageHmac", "pragma cipher_use_hmac"},
+      {"page size", "pageSize", "pragma page_size"},
+      {"pages", "pages", "pragma page_count"},
+      {"free pages", "freePages", "pragma freelist_count"},
+  };
+  std::vector<Fact> facts = {{"generation", "generation", generationText(fileGeneration(session))}};
+  for (const Question& question : kQuestions) {
+    const auto rows = queryRows(session.connection(), question.sql);
+    if (!rows.empty() && !rows[0][0].empty()) facts.push_back({question.label, question.name, rows[0][0]});
+  }
+  return facts;
+}
+
+// A blob's length is known without reading it.
+std::string bytesOf(const Row& column) {
+  const std::string value = column[2] == "BLOB" ? column[1] : fmt::format("cast({} as blob)", column[1]);
+  return fmt::format("ifnull(sum(length({})), 0)", value);
+}
+
+TableFacts tableFacts(Session& session, const std::string& table) {
+  std::vector<std::string> bytes;
+  for (const Row& column : queryRows(session.connection(), fmt::format("pragma table_info({})", table))) {
+    bytes.push_back(bytesOf(column));
+  }
+  TableFacts facts{table, 0, 0};
+  visitRows(session.connection(), fmt::format("select count(*), {} from {}", fmt::join(bytes, " + "), table), [&] {
+    facts.rows = columnNumber(session.connection(), 0);
+    facts.bytes = columnNumber(session.connection(), 1);
+  });
+  return facts;
+}
+
+std::vector<ScreenFacts> screenFacts(Session& session) {
+  const auto areas = placements(session);
+  std::vector<ScreenFacts> facts;
+  for (const StoredScreen& screen : storedScreens(session)) {
+    facts.push_back({screen, std::count_if(areas.begin(), areas.end(),
+                                           [&](const Placement& area) { return area.screenId == screen.id; })});
+  }
+  return facts;
+}
+
+}  // namespace
+
+FileFacts factsOf(Session& session) {
+  FileFacts facts;
+  facts.type = session.manager().getDBType();
+  facts.description = description(session);
+  facts.engine = engine(session);
+  for (const std::string& table : kTables) facts.tables.push_back(tableFacts(session, table));
+  facts.screens = screenFacts(session);
+  return facts;
+}
+
+}  // namespace tovrtool

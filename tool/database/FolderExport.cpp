@@ -1,0 +1,145 @@
+#include "tool/database/FolderExport.h"
+
+#include <fmt/core.h>
+
+#include <cstdlib>
+#include <map>
+
+#include "tool/cells/CellBlock.h"
+#include "tool/database/ExportFormat.h"
+#include "tool/database/StoredArea.h"
+#include "tool/database/StoredBlob.h"
+#include "tool/database/StoredRows.h"
+#include "tool/database/Tables.h"
+#include "tool/io/Progress.h"
+#include "tool/io/UnfinishedFolder.h"
+
+namespace tovrtool {
+namespace {
+
+// The manifest, or TABLE-KEY.npy or .bin.
+bool isOurs(const std::string& fileName) {
+  if (fileName == kManifestName) return true;
+  const std::size_t dash = fileName.find('-');
+  const std::size_t dot = fileName.find('.');
+  if (dash == std::string::npos || dot == std::string::npos || dot <= dash + 1) return false;
+  const std::string key = fileName.substr(dash + 1, dot - dash - 1);
+  const std::string kind = fileName.substr(dot);
+  return isTable(fileName.substr(0, dash)) && key.find_first_not_of("0123456789") == std::string::npos &&
+         (kind == ".npy" || kind == ".bin");
+}
+
+// The first area that refers to a block, by the block's key.
+std::map<std::int64_t, StoredArea> areasByBlock(Session& session) {
+  std::map<std::int64_t, StoredArea> found;
+  for (StoredArea& area : storedAreas(session)) found.emplace(area.blockId, std::move(area));
+  return found;
+}
+
+class Exporter {
+ public:
+  Exporter(Session& session, const UnfinishedFolder& folder, const Dtype& dtype)
+      : session_(session),
+        folder_(folder),
+        dtype_(dtype),
+        areas_(areasByBlock(session)),
+        progress_("export", payloadBytes(session)) {}
+
+  Json everything() {
+    Json tables = Json::object();
+    for (const std::string& table : kTables) tables[table] = rows(table);
+    Json sequence = Json::object();
+    for (const Row& row : queryRows(session_.connection(), "select name, seq from sqlite_sequence order by name")) {
+      sequence[row[0]] = std::strtoll(row[1].c_str(), nullptr, 10);
+    }
+    return {{"format", kExportFormat}, {"version", kExportVersion}, {"tables", tables}, {"sequence", sequence}};
+  }
+
+  std::size_t files() const { return files_; }
+
+ private:
+  static std::uint64_t payloadBytes(Session& session) {
+    std::int64_t bytes = 0;
+    for (const char* table : kPayloadTables) {
+      bytes += queryNumber(session.connection(), fmt::format("select sum(length({})) from {}", kPayloadColumn, table));
+    }
+    return static_cast<std::uint64_t>(bytes);
+  }
+
+  Json rows(const std::string& table) {
+    Json all = Json::array();
+    readTable(
+        session_.connection(), table, [&](const Json& row, Bytes blob) { return write(table, row, std::move(blob)); },
+        [&](Json row) { all.push_back(std::move(row)); });
+    return all;
+  }
+
+  // The file for a payload.
+  Json write(const std::string& table, const Json& row, Bytes stored) {
+    const std::size_t size = stored.size();
+    const std::int64_t key = row.at("id").get<std::int64_t>();
+    const std::string name = fmt::format("{}-{}", table, key);
+    Json place;
+    if (const auto payload = decipherExactly(session_.host().encryption(), stored)) {
+      const auto area = table == kBlockTable ? areas_.find(key) : areas_.end();
+      const bool cells = area != areas_.end() && fills(payload->size(), area->second.rect, area->second.cellBytes);
+      place = cells ? writeCells(name + ".npy", area->second, *payload)
+                    : writeFile(name + ".bin", kPayloadForm, {}, *payload);
+    } else {
+      place = writeFile(name + ".bin", kStoredForm, {}, stored);
+    }
+    progress_.advance(size);
+    return place;
+  }
+
+  Json writeCells(const std::string& name, const StoredArea& area, const Bytes& cells) {
+    return writeFile(name, kCellsForm, npyHeader(dtype_, blockShape(area.rect, area.cellBytes, dtype_)), cells);
+  }
+
+  Json writeFile(const std::string& name, const char* form, const std::string& header, const Bytes& bytes) {
+    FileOutput file(folder_.file(name), Existing::kRefuse);
+    file.write(header.data(), header.size());
+    file.write(bytes.data(), bytes.size());
+    file.commit();
+    ++files_;
+    return {{"file", name}, {"form", form}};
+  }
+
+  Session& session_;
+  const UnfinishedFolder& folder_;
+  Dtype dtype_;
+  std::map<std::int64_t, StoredArea> areas_;
+  Progress progress_;
+  std::size_t files_ = 0;
+};
+
+std::vector<std::string> otherObjects(Session& session) {
+  std::vector<std::string> others;
+  for (const Row& row :
+       queryRows(session.connection(), "select type, name from sqlite_master where name not like 'sqlite_%'")) {
+    if (!isTable(row[1])) others.push_back(row[0] + " " + row[1]);
+  }
+  return others;
+}
+
+}  // namespace
+
+ExportReport exportFolder(Session& session, const std::string& path, Existing existing, const Dtype& dtype) {
+  UnfinishedFolder folder(path, existing, isOurs);
+  session.beginReading();
+  ExportReport report;
+  {
+    Exporter exporter(session, folder, dtype);
+    const std::string manifest = jsonText(exporter.everything());
+    FileOutput file(folder.file(kManifestName), Existing::kRefuse);
+    file.write(manifest.data(), manifest.size());
+    file.commit();
+    report.payloadFiles = exporter.files();
+  }
+  report.leftOut = otherObjects(session);
+  session.require(session.connection().exec("COMMIT"));
+  folder.finish();
+  return report;
+}
+
+}  // namespace tovrtool

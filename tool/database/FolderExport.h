@@ -1,0 +1,24 @@
+// Writes the whole content of a database as a folder of arrays and one manifest (ExportFormat.h).
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tool/cells/NpyFile.h"
+#include "tool/database/Session.h"
+#include "tool/io/FileOutput.h"
+
+namespace tovrtool {
+
+struct ExportReport {
+  std::size_t payloadFiles = 0;
+  std::vector<std::string> leftOut;  // what else the file holds, beside the nine tables: "index of_screens"
+};
+
+// The folder appears when it is complete, with one state of the file, whoever else writes to it. `dtype` is the type of
+// the arrays' numbers. Throws ToolError when the folder exists and may not be replaced or holds anything that no export
+// has written, when a cell is not a whole number of `dtype` values, and on any other failure.
+ExportReport exportFolder(Session& session, const std::string& folder, Existing existing, const Dtype& dtype);
+
+}  // namespace tovrtool

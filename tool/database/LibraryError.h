@@ -1,0 +1,20 @@
+// What is said when the library or the engine refuses.
+#pragma once
+
+#include <string>
+
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+
+// Another program is using the file: nothing is wrong with it.
+bool isBusy(int status);
+
+// "4113: WHAT IT MEANS (the engine's own words); detail", with the code as the error's status. Empty texts are left
+// out. Where the file is busy the error says how to wait, and nothing else.
+ToolError libraryError(int status, const std::string& engineWords, const std::string& detail);
+
+// Codes of the library's own say it all.
+inline ToolError libraryError(int status, const std::string& detail = "") { return libraryError(status, "", detail); }
+
+}  // namespace tovrtool

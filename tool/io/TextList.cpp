@@ -1,0 +1,17 @@
+#include "tool/io/TextList.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tovrtool {
+
+std::string shortList(const std::vector<std::string>& items, const std::string& separator) {
+  constexpr std::size_t kMost = 8;
+  if (items.empty()) return "none";
+  const auto shown = static_cast<std::ptrdiff_t>(std::min(items.size(), kMost));
+  const std::string text = fmt::format("{}", fmt::join(items.begin(), items.begin() + shown, separator));
+  return items.size() <= kMost ? text : fmt::format("{} and {} more", text, items.size() - kMost);
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,12 @@
+// Lists in messages.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tovrtool {
+
+// "a, b, c"; of long lists the beginning: "a, b and 12 more"; "none" of an empty one.
+std::string shortList(const std::vector<std::string>& items, const std::string& separator = ", ");
+
+}  // namespace tovrtool
