@@ -68,9 +68,10 @@ TEST_F(StoreTest, ByRectangleNoBlockHidesAnotherUnasked) {
   expectRefused(kConflict, "whole.npy too", "coef put wall.db --manifest list.json");
   succeed("coef put wall.db --type 1 --at 2,1 part.npy");
   expectRefused(kConflict, "overlaps area 1 (2,1..4,2): coef get of 2,1..4,2 would answer from area 1, which is older",
-                "coef put wall.db --type 1 --at 0,0 whole.npy");
+                "coef put wall.db --type 1 --at 0,0 whole.npy --backup before.db");
   expectTold("removed area 1 (2,1..4,2), the block of 12 bytes, 2 per cell, of 20",
-             "coef put wall.db --type 1 --at 0,0 whole.npy --replace");
+             "coef put wall.db --type 1 --at 0,0 whole.npy --replace --backup before.db");
+  EXPECT_EQ(get("before.db --type 1 --rect 2,1,4,2"), std::string(12, 'p'));
   EXPECT_EQ(get("wall.db --type 1 --rect 2,1,4,2"), std::string(12, 'w'));
   expectRefused(kConflict, "--patch puts the cells into the stored block",
                 "coef put wall.db --type 1 --at 2,1 part.npy");
@@ -137,7 +138,7 @@ TEST_F(StoreTest, RowsAreThoseThatTheLibraryWrites) {
     fs::copy_file(path(name), path("library.db"), fs::copy_options::overwrite_existing);
     const bool byName = name == "named.db";
     {
-      auto session = tovrtool::Session::openExisting(TOVR_PLUGIN_FILE, path("library.db"), "the test key");
+      auto session = tovrtool::Session::openExisting({TOVR_PLUGIN_FILE}, path("library.db"), "the test key");
       for (const Put& put : puts) {
         auto record = session.host().makeRecord<tovr::CoefData>();
         std::string cells = payload(

@@ -5,9 +5,11 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/database/Backup.h"
 #include "tool/database/BlockFiles.h"
 #include "tool/database/StoreBlocks.h"
 #include "tool/io/FileInput.h"
+#include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/io/Progress.h"
 #include "tool/system/ToolError.h"
@@ -32,6 +34,7 @@ struct Options {
   bool beside = false;
   bool update = false;
   bool force = false;
+  std::string backup;
 };
 
 constexpr char kHelp[] =
@@ -84,11 +87,26 @@ void tell(const std::vector<std::string>& notices) {
   if (told < notices.size()) message("and so on: {} more", notices.size() - told);
 }
 
+// Copied only when the blocks can be stored, and before anything is.
+Session openForStoring(const Context& context, const Options& options, const std::vector<WantedBlock>& wanted) {
+  if (options.backup.empty()) return openDatabase(context, options.file);
+  requireDatabaseFile(options.file);
+  const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
+  {
+    Session session = openDatabase(context, options.file, key);
+    requireStorable(session, wanted, rulesOf(options));
+    session.close();
+  }
+  backUp(context.options.access, options.file, key, options.backup, Existing::kRefuse);
+  message("copied {} to {} first", options.file, options.backup);
+  return openDatabase(context, options.file, key);
+}
+
 void putOne(Context& context, const Options& options) {
   requireBlock(options);
   const CellBlock block = readBlock(options);
   const WantedBlock wanted{"", {*options.type, options.screen, block.rect}, options.text, block.cellBytes};
-  Session session = openDatabase(context, options.file);
+  Session session = openForStoring(context, options, {wanted});
   const StoreReport report = storeBlocks(session, {wanted}, rulesOf(options), [&](std::size_t) { return block; });
   session.close();
   tell(report.notices);
@@ -100,7 +118,7 @@ void putMany(Context& context, const Options& options) {
   const auto files = options.manifest.empty() ? blocksOfFolder(options.folder) : blocksOfManifest(options.manifest);
   if (files.empty()) throw ToolError(kFileProblem, "there are no blocks to store");
   const std::vector<WantedBlock> wanted = wantedOf(files);
-  Session session = openDatabase(context, options.file);
+  Session session = openForStoring(context, options, wanted);
   StoreReport report;
   {
     Progress progress("coef put", bytesOf(wanted));
@@ -176,6 +194,7 @@ void addRules(CLI::App& command, Options& options) {
       ->excludes(beside)
       ->excludes("--manifest")
       ->excludes("--folder");
+  command.add_option("--backup", options.backup, "Copy the database file to this new file first")->type_name("COPY");
   patch->excludes("--area")->excludes("--version-text");
 }
 

@@ -108,4 +108,8 @@ StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted
   return report;
 }
 
+void requireStorable(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules) {
+  requireNoObjections(planStore(placesOf(session), wanted, rules));
+}
+
 }  // namespace tovrtool

@@ -25,4 +25,7 @@ struct StoreReport {
 StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules,
                         const BlockLoader& load);
 
+// Throws ToolError where storeBlocks would object; nothing is written in any case.
+void requireStorable(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules);
+
 }  // namespace tovrtool
