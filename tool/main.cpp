@@ -36,7 +36,8 @@ constexpr const char* kFooter =
     "Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).\n"
     "Exit codes: 0 done; 1 the library refused; 2 the command line is wrong; 3 a file is missing, exists, or cannot\n"
     "be used; 4 no key, or a key that does not open the file; 5 the plug-in library cannot be loaded;\n"
-    "6 another program is using the file; 130 interrupted (nothing unfinished is left).";
+    "6 another program is using the file; 7 what is stored stands against it (nothing was written);\n"
+    "130 interrupted (nothing unfinished is left).";
 
 constexpr int kLongestWait = 86400;
 
@@ -114,6 +115,7 @@ int report(const std::string& what, Action action) {
   try {
     return action();
   } catch (const ToolError& error) {
+    for (const std::string& detail : error.details()) complain(detail);
     return failed(error.code(), error.what());
   } catch (const std::bad_alloc&) {
     return failed(kRefused, "out of memory");

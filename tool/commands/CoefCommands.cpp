@@ -86,6 +86,7 @@ void addCoefCommands(CommandGroup& program) {
   addGet(group);
   const auto [command, options] = group.add("list", "List the stored areas", &ListOptions::file, list);
   addFile(command, options.file);
+  addCoefDeleteCommand(group);
   addCoefStatsCommand(group);
 }
 

@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
+#include "tool/io/FileInput.h"
 #include "tool/io/JsonText.h"
 #include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
@@ -95,14 +97,30 @@ std::vector<BlockFile> blocksOfFolder(const std::string& folder) {
   return blocks;
 }
 
-std::uint64_t bytesOf(const std::vector<BlockFile>& files) {
-  std::uint64_t bytes = 0;
-  for (const BlockFile& file : files) {
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(pathOf(file.path), error);
-    if (!error) bytes += size;
+CellBlock readBlock(const BlockFile& file) {
+  NpyArray array = parseNpy(readWholeFile(file.path), file.path);
+  try {
+    return blockFromArray(std::move(array), file.area.rect, {});
+  } catch (const ToolError& error) {
+    throw about(file.path, error);
   }
-  return bytes;
+}
+
+std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files) {
+  std::vector<WantedBlock> wanted;
+  std::vector<std::string> faults;
+  for (const BlockFile& file : files) {
+    try {
+      wanted.push_back({file.path, file.area, file.text, readBlock(file).cellBytes});
+    } catch (const ToolError& error) {
+      faults.emplace_back(error.what());
+    }
+  }
+  if (faults.empty()) return wanted;
+  if (faults.size() == 1) throw ToolError(kFileProblem, "{}; nothing was stored", faults[0]);
+  ToolError error(kFileProblem, "{} files cannot be used; nothing was stored", faults.size());
+  error.setDetails(std::move(faults));
+  throw error;
 }
 
 }  // namespace tovrtool
