@@ -237,11 +237,16 @@ std::vector<Row> expectedSchema(const std::string& plugin) {
 std::vector<std::string> pageFaults(Session& session) {
   tovr::IDBOperate& connection = session.connection();
   std::vector<std::string> faults;
-  // Engines that do not know the first statement answer nothing.
-  for (const Row& row : queryRows(connection, "pragma cipher_integrity_check")) faults.push_back(row[0]);
-  for (const Row& row : queryRows(connection, "pragma integrity_check")) {
-    std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
-    for (std::string line; std::getline(lines, line);) faults.push_back(line);
+  try {
+    // Engines that do not know the first statement answer nothing.
+    for (const Row& row : queryRows(connection, "pragma cipher_integrity_check")) faults.push_back(row[0]);
+    for (const Row& row : queryRows(connection, "pragma integrity_check")) {
+      std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
+      for (std::string line; std::getline(lines, line);) faults.push_back(line);
+    }
+  } catch (const ToolError& error) {  // a page that ends the reading
+    if (isNoFault(error)) throw;
+    faults.emplace_back(error.what());
   }
   return faults;
 }
