@@ -1,5 +1,6 @@
 #include "tool/cells/CellBlock.h"
 #include "tool/commands/Arguments.h"
+#include "tool/commands/CellArguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
@@ -41,18 +42,22 @@ void requireBlock(const PutOptions& options) {
   if (!options.rect && !options.position) throw ToolError(kUsage, "--rect or --at is required");
 }
 
-CellBlock readBlock(const PutOptions& options) {
+// And the type of its numbers, where the file tells it.
+CellBlock readBlock(const PutOptions& options, std::optional<Dtype>& dtype) {
   if (!options.raw.empty()) {
     return blockFromBytes(readWholeFile(options.raw), *options.rect, options.cellBytes);
   }
-  return blockFromArray(parseNpy(readWholeFile(options.array), options.array), options.rect, options.position);
+  NpyArray array = parseNpy(readWholeFile(options.array), options.array);
+  dtype = array.dtype;
+  return blockFromArray(std::move(array), options.rect, options.position);
 }
 
 void putOne(Context& context, const PutOptions& options) {
   requireBlock(options);
-  const CellBlock block = readBlock(options);
+  BlockText text = options.text;
+  const CellBlock block = readBlock(options, text.dtype);
   Session session = openDatabase(context, options.file);
-  const StoreReport report = storeBlock(session, {*options.type, options.screen, block.rect}, options.text, block,
+  const StoreReport report = storeBlock(session, {*options.type, options.screen, block.rect}, text, block,
                                         options.update ? StoreMode::kUpdate : StoreMode::kInsert);
   session.close();
   message("stored {}, {} bytes per cell, under block key {}", toText(block.rect), block.cellBytes, report.blockId);
@@ -120,6 +125,7 @@ void addCoefPutCommand(CommandGroup& coef) {
   command.add_option("--area", options.text.number,
                      "An area number. Blocks with a number are added beside what is there, never in its place");
   command.add_option("--version-text", options.text.version, "Text kept with the block");
+  addForm(command, options.text.form, "Kept with the block: the type of the numbers in a cell [an array's own]");
   command.add_flag("--update", options.update,
                    "Rewrite what is stored and add nothing. The rectangle is the whole screen's (type 0), or becomes "
                    "the screen's (type 1)");

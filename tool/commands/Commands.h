@@ -9,6 +9,8 @@ class CommandGroup;
 void addCheckCommand(CommandGroup& program);
 void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
 void addCoefCommands(CommandGroup& program);    // coef put, get, list, stats
+void addCoefGetCommand(CommandGroup& coef);
+void addCoefListCommand(CommandGroup& coef);
 void addCoefPutCommand(CommandGroup& coef);
 void addCoefStatsCommand(CommandGroup& coef);
 void addCreateCommand(CommandGroup& program);

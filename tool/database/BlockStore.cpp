@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "storage/StatusCodes.h"
+#include "tool/database/LibraryError.h"
+#include "tool/database/NumberForms.h"
 #include "tool/database/Screens.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/io/FileInput.h"
@@ -64,6 +66,7 @@ std::unique_ptr<tovr::CoefData> store(Session& session, const AreaName& area, co
   tovr::IDBManager& manager = session.manager();
   requireArea(session, mode == StoreMode::kUpdate ? manager.updateData(record.get()) : manager.insertData(record.get()),
               area);
+  keepForm(session, record->coefid, block.cellBytes, {text.form, text.dtype, !text.version.empty(), text.version});
   return record;
 }
 
@@ -82,8 +85,10 @@ std::uint64_t storeFile(Session& session, const BlockFile& entry) {
   try {
     Bytes file = readWholeFile(entry.path);
     const std::uint64_t size = file.size();
-    const CellBlock block = blockFromArray(parseNpy(std::move(file), entry.path), entry.area.rect, {});
-    store(session, entry.area, entry.text, block, StoreMode::kInsert);
+    NpyArray array = parseNpy(std::move(file), entry.path);
+    BlockText text = entry.text;
+    text.dtype = array.dtype;
+    store(session, entry.area, text, blockFromArray(std::move(array), entry.area.rect, {}), StoreMode::kInsert);
     return size;
   } catch (const ToolError& error) {
     throw ToolError(error.code(), "{}: {}; nothing was stored", entry.path, error.what());
@@ -109,7 +114,11 @@ void storeFiles(Session& session, const std::vector<BlockFile>& files, Progress&
 
 CellBlock fetchBlock(Session& session, const AreaName& area) {
   const auto record = recordOf(session, area);
-  return queryCells(session, *record, [&](int code) { requireArea(session, code, area); });
+  return queryCells(session, *record, [&](int code) {
+    if (code != tovr::kNoMatchingArea) return requireArea(session, code, area);
+    std::vector<StoredArea> areas = areasOfType(session, area.type, area.screen);
+    throw libraryError(code, fmt::format("asked for {}; {}", toText(area.rect), insteadOf(area.rect, areas)));
+  });
 }
 
 }  // namespace tovrtool

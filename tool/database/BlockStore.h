@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tool/cells/CellBlock.h"
+#include "tool/cells/NumberForm.h"
 #include "tool/database/Session.h"
 #include "tool/database/StoredArea.h"
 #include "tool/io/Progress.h"
@@ -24,6 +25,8 @@ struct AreaName {
 struct BlockText {
   std::int32_t number = -1;
   std::string version;
+  FormOptions form;            // of the numbers, kept with the block
+  std::optional<Dtype> dtype;  // as the array tells it
 };
 
 enum class StoreMode {
