@@ -31,6 +31,7 @@ constexpr double kMostBar = 420;
 constexpr double kLeastWidth = 400;
 constexpr double kLineHeight = 16;
 constexpr double kDigitHeight = 8;
+constexpr double kLeastOutlined = 16;  // smaller areas would vanish under their outlines
 
 // Where everything lies.
 struct Layout {
@@ -181,9 +182,11 @@ void Picture::drawOutlines() {
   canvas_.clip(layout_.plot);
   for (const bool areas : {true, false}) {  // screens on top
     for (const Outline& outline : heatmap_.outlines) {
-      if (outline.area != areas || holds(outline.rect, raster_.region())) continue;
-      canvas_.frame(boxOf(outline.rect), kBlack, areas ? 1.5 : 3);
-      canvas_.frame(boxOf(outline.rect), kPaper, areas ? 0.8 : 1.2, areas);
+      const Box box = boxOf(outline.rect);
+      const bool tiny = areas && std::min(box.width, box.height) < kLeastOutlined;
+      if (outline.area != areas || tiny || holds(outline.rect, raster_.region())) continue;
+      canvas_.frame(box, kBlack, areas ? 1.5 : 3);
+      canvas_.frame(box, kPaper, areas ? 0.8 : 1.2, areas);
     }
   }
   for (const Outline& outline : heatmap_.outlines) {
