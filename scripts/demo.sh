@@ -32,7 +32,7 @@ done
 sample --rect "$region" --raw -o "$out/expected.bin"
 
 compare() {  # FILE EXPECTED WHAT
-  cmp -s "$1" "$2" || { echo "  $3 DIFFERS"; exit 1; }
+  cmp "$1" "$2" || { echo "  $3 DIFFERS"; exit 1; }
   echo "  $3: exact to the byte ($(stat -c %s "$1") bytes)"
 }
 
@@ -55,7 +55,7 @@ for type in 0 1; do
   db coef get "$file" --type 1 --rect "$region" "${named[@]}" --raw -o "$out/region.bin" --force
   compare "$out/region.bin" "$out/expected.bin" "rectangle $region of screen main"
   db coef get "$file" --type 1 --rect "${rect[main]}" "${named[@]}" --dtype uint16 -o "$out/whole.npy" --force
-  cmp -s <(tail -c 37324800 "$out/whole.npy") <(tail -c 37324800 "$out/main.npy") || { echo "  screen main DIFFERS"; exit 1; }
+  cmp <(tail -c 37324800 "$out/whole.npy") <(tail -c 37324800 "$out/main.npy") || { echo "  screen main DIFFERS"; exit 1; }
   echo "  the whole of screen main: exact to the byte (37324800 bytes)"
 
   head -c 5000 /dev/urandom | base64 >"$out/config.txt"

@@ -51,8 +51,8 @@ if [ "$who" = user ]; then
   chroot "$root" useradd --create-home --uid $id user
   echo 'user ALL=(ALL) NOPASSWD: ALL' >"$root/etc/sudoers.d/user"
 fi
-git clone --quiet --depth 1 "file://$PWD" "$root$home/clone"
-chown -R $id:$id "$root$home/clone"
+git clone --quiet --depth 1 "file://$PWD" "$root/clone"  # the same folder for all, so that they share kept objects
+chown -R $id:$id "$root/clone"
 
 # Its mounts and processes are in namespaces of their own and end with them, however that comes about.
 objects=$cache/fresh-ccache
@@ -74,7 +74,7 @@ mkdir -p build
 : >"$log"
 for command in "${commands[@]}"; do
   echo "-- $suite, as $who: $command"
-  inside "$home/clone/$command" </dev/null 2>&1 | tee -a "$log" || {
+  inside "/clone/$command" </dev/null 2>&1 | tee -a "$log" || {
     echo "exit code ${PIPESTATUS[0]} from: $command, in a fresh system; all it printed is in $log" >&2
     exit 1
   }

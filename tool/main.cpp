@@ -36,15 +36,25 @@ constexpr const char* kFooter =
     "Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).\n"
     "Exit codes: 0 done; 1 the library refused; 2 the command line is wrong; 3 a file is missing, exists, or cannot\n"
     "be used; 4 no key, or a key that does not open the file; 5 the plug-in library cannot be loaded;\n"
+    "6 another program is using the file; 7 what is stored stands against it (nothing was written);\n"
     "130 interrupted (nothing unfinished is left).";
 
+constexpr int kLongestWait = 86400;
+
 void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
-  app.add_option("--plugin", options.plugin, "The plug-in library [found beside the program]")->type_name("FILE");
+  app.add_option("--plugin", options.access.plugin, "The plug-in library [found beside the program]")
+      ->type_name("FILE");
   app.add_option("--key-file", options.keyFile, "The key is this file's first line [TOVRDB_KEY, else a prompt]")
       ->type_name("FILE");
   CLI::Option* log = app.add_option("--log", options.log, "Append the library's own lines to this file");
   log->type_name("FILE");
   app.add_flag("--verbose", options.verbose, "Show the library's own lines on standard error")->excludes(log);
+  app.add_option("--wait", options.access.patience, "How long other programs that use the file are waited for [5]")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0, kLongestWait).description(""));
+  app.add_flag_callback(
+      "--fast", [&options] { options.access.flushed = false; },
+      "Do not wait for the disk; a power cut can then damage the file");
   app.add_flag("-q,--quiet", options.quiet, "No messages but those of failures, and no progress bar");
 }
 
@@ -60,6 +70,7 @@ void addCommands(CommandGroup program) {
   addDataCommands(program);
   addMeasureCommands(program);
   addCheckCommand(program);
+  addBackupCommand(program);
   addExportCommands(program);
   addRewriteCommands(program);
   addCipherCommands(program);
@@ -104,6 +115,7 @@ int report(const std::string& what, Action action) {
   try {
     return action();
   } catch (const ToolError& error) {
+    for (const std::string& detail : error.details()) complain(detail);
     return failed(error.code(), error.what());
   } catch (const std::bad_alloc&) {
     return failed(kRefused, "out of memory");

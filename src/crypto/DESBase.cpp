@@ -1,5 +1,8 @@
 #include "crypto/DESBase.h"
 
+#define OPENSSL_SUPPRESS_DEPRECATED  // single DES is deprecated since OpenSSL 3.0; the core's contract has it
+#include <openssl/des.h>
+
 #include <algorithm>
 #include <cstdint>
 
@@ -24,6 +27,28 @@ std::shared_ptr<const DESKey> readyKey(const DESBase& cipher, const Bytes& bytes
   wipe(key.bytes, kBlockSize);
   return ready;
 }
+
+// ECB, which no service asks for, is left to libcrypto, block by block.
+class EcbKey {
+ public:
+  explicit EcbKey(const Bytes& bytes) {
+    DESBlock key = firstBlock(bytes);
+    DES_set_key_unchecked(&key.bytes, &schedule_);
+    wipe(key.bytes, kBlockSize);
+  }
+  EcbKey(const EcbKey&) = delete;
+  EcbKey& operator=(const EcbKey&) = delete;
+  ~EcbKey() { wipe(&schedule_, sizeof schedule_); }
+
+  void crypt(DESBlock in, unsigned char* out, int direction) {
+    DESBlock result;
+    DES_ecb_encrypt(&in.bytes, &result.bytes, &schedule_, direction);
+    std::copy_n(result.bytes, kBlockSize, out);
+  }
+
+ private:
+  DES_key_schedule schedule_;
+};
 
 }  // namespace
 
@@ -61,25 +86,23 @@ bool DESBase::cbcDecrypt(const Bytes& iv, const Bytes& input, Bytes& output, con
   return true;
 }
 
-// In ECB every block is a chain of its own that starts from zeros.
-
 bool DESBase::ecbEncrypt(const Bytes& /*iv*/, const Bytes& input, Bytes& output, const Bytes& key) const {
   if (tooLong(input)) return false;
-  const auto ready = readyKey(*this, key);
+  EcbKey schedule(key);
   const std::size_t length = input.size();
   output.resize(wholeBlocks(length + kBlockSize - 1));
-  for (std::size_t at = 0; at < length; at += kBlockSize) {
-    ready->encryptCbc(input.data() + at, std::min(kBlockSize, length - at), output.data() + at, {});
+  for (std::size_t at = 0; at < output.size(); at += kBlockSize) {
+    schedule.crypt(DESBlock::firstOf(input.data() + at, length - at), output.data() + at, DES_ENCRYPT);
   }
   return true;
 }
 
 bool DESBase::ecbDecrypt(const Bytes& /*iv*/, const Bytes& input, Bytes& output, const Bytes& key) const {
   if (tooLong(input) || input.size() % kBlockSize != 0) return false;
-  const auto ready = readyKey(*this, key);
+  EcbKey schedule(key);
   output.resize(input.size());
   for (std::size_t at = 0; at < output.size(); at += kBlockSize) {
-    ready->decryptCbc(input.data() + at, kBlockSize, output.data() + at, {});
+    schedule.crypt(DESBlock::firstOf(input.data() + at, kBlockSize), output.data() + at, DES_DECRYPT);
   }
   return true;
 }

@@ -50,10 +50,10 @@ constexpr RoundTable makeRoundTable() {
 constexpr RoundTable kRound = makeRoundTable();
 
 // `left` with the round's function of `right`. No two boxes have a bit in common, so a sum, an OR and a XOR of what
-// they give are the same; taken in turn, they keep the compiler from making one long chain of them.
+// they give are the same; in turn, they keep the compiler from making one long chain of them.
 std::uint64_t mix(std::uint64_t left, std::uint64_t right) {
   const auto box = [right](int index) { return kRound.of[index][right >> (56 - 8 * index) & 0xFF]; };
-  return (left ^ ((box(7) + box(6)) | (box(0) + box(1)))) ^ ((box(2) + box(3)) | (box(4) + box(5)));
+  return ((left ^ (box(7) + box(6))) ^ (box(0) + box(1))) ^ ((box(2) + box(3)) | (box(4) + box(5)));
 }
 
 template <int Distance>
@@ -126,8 +126,6 @@ struct Halves {
   std::uint64_t right;
 };
 
-Halves operator^(Halves a, Halves b) { return {a.left ^ b.left, a.right ^ b.right}; }
-
 // IP and E of a block, and back.
 Halves open(std::uint64_t block) {
   const std::uint64_t rows = transpose(block);
@@ -136,10 +134,11 @@ Halves open(std::uint64_t block) {
 
 std::uint64_t close(Halves halves) { return transpose(shrink(halves.left) | shrink(halves.right) << 8); }
 
-// The sixteen rounds between IP and its inverse.
-Halves cross(Halves halves, const DESRounds& keys) {
-  std::uint64_t left = halves.left ^ keys.first[1];
-  std::uint64_t right = halves.right ^ keys.first[0];
+// The sixteen rounds between IP and its inverse. Halves come one by one: compilers would make a vector of a pair, and
+// the way there and back is long.
+Halves cross(std::uint64_t left, std::uint64_t right, const DESRounds& keys) {
+  left ^= keys.first[1];
+  right ^= keys.first[0];
   for (const std::uint64_t difference : keys.differences) {
     const std::uint64_t mixed = mix(left, right);
     left = right ^ difference;
@@ -152,7 +151,8 @@ void decryptBlocks(const DESRounds& rounds, unsigned char* bytes, std::size_t si
   std::uint64_t before = load(chain.bytes);
   for (std::size_t at = 0; at < size; at += kBlock) {
     const std::uint64_t block = load(bytes + at);
-    store(close(cross(open(block), rounds)) ^ before, bytes + at);
+    const Halves opened = open(block);
+    store(close(cross(opened.left, opened.right, rounds)) ^ before, bytes + at);
     before = block;
   }
   store(before, chain.bytes);
@@ -172,12 +172,16 @@ DESKey::~DESKey() { wipe(this, sizeof *this); }
 bool DESKey::isMadeOf(const DESBlock& key) const { return std::memcmp(key_.bytes, key.bytes, kBlock) == 0; }
 
 void DESKey::encryptCbc(const unsigned char* in, std::size_t size, unsigned char* out, DESBlock iv) const {
-  Halves chain = open(load(iv.bytes));
+  const Halves start = open(load(iv.bytes));
+  std::uint64_t left = start.left;
+  std::uint64_t right = start.right;
   for (std::size_t at = 0; at < size; at += kBlock) {
     const bool isWhole = size - at >= kBlock;
     const Halves plain = open(load(isWhole ? in + at : DESBlock::firstOf(in + at, size - at).bytes));
-    chain = cross(plain ^ chain, forwards_);
-    store(close(chain), out + at);
+    const Halves enciphered = cross(plain.left ^ left, plain.right ^ right, forwards_);
+    store(close(enciphered), out + at);
+    left = enciphered.left;
+    right = enciphered.right;
   }
 }
 

@@ -30,6 +30,11 @@ struct PlainLanes {
 
 using WordLanes = PlainLanes<std::uint64_t>;
 
+#if defined(__GNUC__)  // and Clang
+#define TOVR_LANES_OF_VECTORS
+using VectorLanes = PlainLanes<std::uint64_t __attribute__((vector_size(16)))>;
+#endif
+
 #if defined(TOVR_LANES_OF_SSE2)  // every x86-64 processor, and the one form that its compilers share
 struct NativeLanes {
   using Lane = __m128i;
@@ -41,8 +46,8 @@ struct NativeLanes {
   static Lane down(Lane a, int bits) { return _mm_srli_epi64(a, bits); }
   static Lane fill(std::uint64_t word) { return _mm_set1_epi64x(static_cast<long long>(word)); }
 };
-#elif defined(__GNUC__)  // GCC and Clang, on processors with 16-byte registers and, in two parts, on others
-using NativeLanes = PlainLanes<std::uint64_t __attribute__((vector_size(16)))>;
+#elif defined(TOVR_LANES_OF_VECTORS) && (defined(__ARM_NEON) || defined(__ALTIVEC__) || defined(__VX__))
+using NativeLanes = VectorLanes;
 #else
 using NativeLanes = WordLanes;
 #endif

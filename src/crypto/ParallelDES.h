@@ -38,8 +38,7 @@ class ParallelDES {
   // Holds plaintext after decipher(): the caller wipes it.
   explicit ParallelDES(const Lane* keys) : keys_(keys) {}
 
-  // One batch. `before`: the eight bytes before the batch's second block are in it; of the first, `chain`, which
-  // becomes the last block of the batch. `out` may be `in`.
+  // One batch. `chain`: the cipher block before it, then its own last one. `out` may be `in`; else they do not overlap.
   void decipher(const unsigned char* in, unsigned char* out, unsigned char (&chain)[8]) {
     std::memcpy(lanes_, in, kBatchSize);
     transpose();
@@ -47,7 +46,7 @@ class ParallelDES {
     transpose();
     unsigned char last[8];
     std::memcpy(last, in + kBatchSize - sizeof last, sizeof last);
-    for (std::size_t i = 64; i-- > 1;) store(i, load(in + i * sizeof(Lane) - 8), out);  // backwards: `out` may be `in`
+    for (std::size_t i = 64; i-- > 1;) store(i, load(in + i * sizeof(Lane) - 8), out);  // backwards, for in place
     unsigned char first[sizeof(Lane)];
     std::memcpy(first, chain, 8);
     std::memcpy(first + 8, in, sizeof(Lane) - 8);
@@ -68,28 +67,21 @@ class ParallelDES {
   }
 
   // Bit j of word i becomes bit i of word j, for every 64 words: squares of 32, 16, ... bits beside the diagonal change
-  // places. Three sizes at a time on eight rows, which stay in registers.
+  // places.
   void transpose() {
-    for (std::size_t i = 0; i < 8; ++i) exchangeRows<8>(lanes_ + i);
-    for (std::size_t i = 0; i < 8; ++i) exchangeRows<1>(lanes_ + 8 * i);
+    exchangeAll<32>();
+    exchangeAll<16>();
+    exchangeAll<8>();
+    exchangeAll<4>();
+    exchangeAll<2>();
+    exchangeAll<1>();
   }
 
-  template <int Stride>
-  static void exchangeRows(Lane* rows) {
-    using Pairs = std::make_index_sequence<4>;
-    Lane r[8] = {rows[0],          rows[Stride],     rows[2 * Stride], rows[3 * Stride],
-                 rows[4 * Stride], rows[5 * Stride], rows[6 * Stride], rows[7 * Stride]};
-    exchangeSquares<4 * Stride, 4>(r, Pairs());
-    exchangeSquares<2 * Stride, 2>(r, Pairs());
-    exchangeSquares<Stride, 1>(r, Pairs());
-    for (int i = 0; i < 8; ++i) rows[i * Stride] = r[i];
-  }
-
-  template <int Size, std::size_t Distance, std::size_t... Pair>
-  static void exchangeSquares(Lane* r, std::index_sequence<Pair...> /*pairs*/) {
-    (exchange<Size>(r[Pair / Distance * 2 * Distance + Pair % Distance],
-                    r[Pair / Distance * 2 * Distance + Pair % Distance + Distance]),
-     ...);
+  template <int Size>
+  void exchangeAll() {
+    for (int i = 0; i < 64; i += 2 * Size) {
+      for (int j = i; j < i + Size; ++j) exchange<Size>(lanes_[j], lanes_[j + Size]);
+    }
   }
 
   template <int Size>

@@ -94,23 +94,32 @@ TEST(DESKeyTest, PiecesGoOnWithTheLastCipherBlock) {
   EXPECT_TRUE(back == plain);
 }
 
-// What processors without 16-byte registers compute with.
-TEST(DESKeyTest, LanesOfOneWordGiveWhatLibcryptoGives) {
-  using Words = tovr::ParallelDES<tovr::WordLanes>;
+// Whatever lanes a processor has.
+template <class Lanes>
+void expectLibcryptosAnswersOf() {
+  using Parallel = tovr::ParallelDES<Lanes>;
   for (int i = 0; i < 50; ++i) {
     const tovr::DESBlock key = randomBlock();
     const tovr::DESBlock iv = randomBlock();
-    Bytes blocks = randomBytes(3 * Words::kBatchSize);
+    Bytes blocks = randomBytes(3 * Parallel::kBatchSize);
     const Bytes plain = chainedByLibcrypto(DES_DECRYPT, key, iv, blocks);
-    std::uint64_t keys[Words::kKeyLanes];
-    Words::makeKeyLanes(tovr::DESSchedule(key), keys);
-    Words words(keys);
+    typename Lanes::Lane keys[Parallel::kKeyLanes];
+    Parallel::makeKeyLanes(tovr::DESSchedule(key), keys);
+    Parallel parallel(keys);
     tovr::DESBlock chain = iv;
-    for (auto at = blocks.data(); at < blocks.data() + blocks.size(); at += Words::kBatchSize) {
-      words.decipher(at, at, chain.bytes);
+    for (auto at = blocks.data(); at < blocks.data() + blocks.size(); at += Parallel::kBatchSize) {
+      parallel.decipher(at, at, chain.bytes);
     }
     EXPECT_TRUE(blocks == plain);
   }
+}
+
+TEST(DESKeyTest, LanesOfEveryKindGiveWhatLibcryptoGives) {
+  expectLibcryptosAnswersOf<tovr::NativeLanes>();
+  expectLibcryptosAnswersOf<tovr::WordLanes>();
+#if defined(TOVR_LANES_OF_VECTORS)
+  expectLibcryptosAnswersOf<tovr::VectorLanes>();
+#endif
 }
 
 TEST(DESKeyTest, ThreadsThatShareACipherEachGetTheirOwnKey) {

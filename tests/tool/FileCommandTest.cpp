@@ -95,7 +95,7 @@ TEST_F(FileCommandTest, CheckTellsWhyAFileDoesNotOpen) {
       {"", 3, "is empty", kKey},
       {"SQLite format 3" + std::string(1009, '\0'), 3, "not an encrypted one", kKey},
       {npy("<u2", "4, 8", payload(64)), 3, "a NumPy array", kKey},
-      {std::string(4096, '\0'), 3, "mostly zeros", kKey},
+      {std::string(4096, '\0'), 3, "mostly with zeros", kKey},
       {std::string(4096, 'a'), 3, "a text", kKey},
       {flipped, 1, "failed  pages", kKey},
   };

@@ -75,7 +75,7 @@ TEST_F(ReadingTest, SeveralAreasReadAsOneArray) {
   expectFailure(2, "-1 is not a number of type uint16", wider + " --fill -1");
 
   write("c.npy", npy("<u2", "1, 3", bytesOf<std::uint16_t>({90, 91, 92})));
-  succeed("coef put wall.db --type 1 --at 1,0 --scale 1/4 --unit cd/m2 --area 5 c.npy");
+  succeed("coef put wall.db --type 1 --at 1,0 --scale 1/4 --unit cd/m2 --beside c.npy");
   const Outcome top = run("coef get wall.db --type 1 --rect 0,0,3,0 --mosaic --raw -o -");
   EXPECT_EQ(top.out, bytesOf<std::uint16_t>({0, 1, 2, 3})) << "the first stored counts";
   EXPECT_NE(top.err.find("areas overlap"), std::string::npos) << top.err;

@@ -62,9 +62,9 @@ std::optional<Session> open(Context& context, const Options& options, const std:
   } catch (const ToolError& error) {
     ToolError reason = error;
     if (error.code() == kKeyProblem) {
-      reason = diagnoseUnreadable(options.file, enginePageSize(context.options.plugin));
+      reason = diagnoseUnreadable(options.file, enginePageSize(context.options.access.plugin));
     } else if (error.code() == kRefused) {
-      const ToolError diagnosis = diagnoseDamaged(options.file, enginePageSize(context.options.plugin));
+      const ToolError diagnosis = diagnoseDamaged(options.file, enginePageSize(context.options.access.plugin));
       reason = ToolError(diagnosis.code(), "{}; {}", error.what(), diagnosis.what());
     } else if (error.code() != kFileProblem) {
       throw;
@@ -80,7 +80,7 @@ std::optional<Session> open(Context& context, const Options& options, const std:
 
 void check(Context& context, const Options& options) {
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
-  const auto schema = expectedSchema(context.options.plugin);
+  const auto schema = expectedSchema(context.options.access.plugin);
   auto session = open(context, options, key);
   std::vector<Verdict> verdicts(1);
   verdicts[0].name = "opens with this key";

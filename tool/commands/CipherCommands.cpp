@@ -93,7 +93,7 @@ void encrypt(Context& context, const Options& options) {
   const Keys keys = readKeys(options, KeyUse::kCreate);
   const std::uintmax_t size = requireText(options.input);
   UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
-  const auto host = loadPlugin(context.options.plugin);
+  const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().encryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
   if (sizeOf(unfinished.path()) != (size + kCipherBlock - 1) / kCipherBlock * kCipherBlock) {
@@ -111,7 +111,7 @@ void decrypt(Context& context, const Options& options) {
                     options.input, size);
   }
   UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
-  const auto host = loadPlugin(context.options.plugin);
+  const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().decryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
   // Only the last block of a text is filled up with zeros, by less than its length.

@@ -8,6 +8,7 @@ void addCoefCommands(CommandGroup& program) {
   addCoefPutCommand(group);
   addCoefGetCommand(group);
   addCoefListCommand(group);
+  addCoefDeleteCommand(group);
   addCoefStatsCommand(group);
 }
 

@@ -6,12 +6,13 @@
 #include <memory>
 #include <string>
 
+#include "tool/database/Access.h"
 #include "tool/system/StandardOutput.h"
 
 namespace tovrtool {
 
 struct GlobalOptions {
-  std::string plugin;
+  Access access;
   std::string keyFile;
   std::string log;
   bool verbose = false;

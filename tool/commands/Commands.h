@@ -6,15 +6,17 @@ namespace tovrtool {
 
 class CommandGroup;
 
+void addBackupCommand(CommandGroup& program);
 void addCheckCommand(CommandGroup& program);
 void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
-void addCoefCommands(CommandGroup& program);    // coef put, get, list, stats
+void addCoefCommands(CommandGroup& program);    // coef put, get, list, delete, stats
+void addCoefDeleteCommand(CommandGroup& coef);
 void addCoefGetCommand(CommandGroup& coef);
 void addCoefListCommand(CommandGroup& coef);
 void addCoefPutCommand(CommandGroup& coef);
 void addCoefStatsCommand(CommandGroup& coef);
 void addCreateCommand(CommandGroup& program);
-void addDataCommands(CommandGroup& program);  // data put, get, list
+void addDataCommands(CommandGroup& program);  // data put, get, list, delete
 void addDiffCommand(CommandGroup& program);
 void addDocCommands(CommandGroup& program);     // manual, completion
 void addExportCommands(CommandGroup& program);  // export, import
@@ -24,6 +26,6 @@ void addInspectCommand(CommandGroup& program);
 void addMeasureCommands(CommandGroup& program);  // measure put, list, get, clear
 void addRewriteCommands(CommandGroup& program);  // rekey, upgrade
 void addSampleCommand(CommandGroup& program);
-void addScreenCommands(CommandGroup& program);  // screen add, list
+void addScreenCommands(CommandGroup& program);  // screen add, list, delete
 
 }  // namespace tovrtool

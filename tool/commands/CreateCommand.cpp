@@ -1,5 +1,3 @@
-#include <filesystem>
-
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/database/Session.h"
@@ -7,12 +5,9 @@
 #include "tool/io/Message.h"
 #include "tool/io/UnfinishedFile.h"
 #include "tool/system/Paths.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct Options {
   std::string file;
@@ -37,8 +32,8 @@ void describe(Session& session, const Options& options) {
 
 void create(Context& context, const Options& options) {
   UnfinishedFile unfinished(options.file, Existing::kKeep, "-journal");
-  Session session =
-      Session::openNew(context.options.plugin, unfinished.path(), readKey(context.options.keyFile, KeyUse::kCreate));
+  Session session = Session::openNew(context.options.access.plugin, unfinished.path(),
+                                     readKey(context.options.keyFile, KeyUse::kCreate));
   session.require(session.manager().createTables());
   describe(session, options);
   session.close();

@@ -3,9 +3,11 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/Confirmation.h"
 #include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/GenericData.h"
+#include "tool/database/Removal.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/FileInput.h"
 #include "tool/io/Message.h"
@@ -20,6 +22,7 @@ struct Options {
   std::string input;
   std::string versionText;
   OutputOptions output;
+  bool force = false;
   bool json = false;
 };
 
@@ -37,6 +40,15 @@ void get(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
   output.write(getData(session, options.type));
   output.commit();
+}
+
+void deleteData(Context& context, const Options& options) {
+  Session session = openDatabase(context, options.file);
+  const Removal removal = dataOfType(session, options.type);
+  confirmDeletion(toTexts(removal), options.force, "--force");
+  deleteRows(session, removal);
+  session.close();
+  message("deleted the data of type {}", options.type);
 }
 
 std::string asJson(const std::vector<StoredData>& all) {
@@ -88,6 +100,12 @@ void addDataCommands(CommandGroup& program) {
     addFile(command, options.file);
     addType(command, options);
     addOutput(command, options.output);
+  }
+  {
+    const auto [command, options] = group.add("delete", "Delete the data of a type", &Options::file, deleteData);
+    addFile(command, options.file);
+    addType(command, options);
+    addForcedDeletion(command, options.force);
   }
   {
     const auto [command, options] = group.add("list", "List what is stored", &Options::file, list);

@@ -249,7 +249,7 @@ void diff(Context& context, const Options& options) {
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
   const std::string keyAfter = options.keyFileAfter.empty() ? key : readKey(options.keyFileAfter, KeyUse::kOpen);
   for (const std::string& file : {options.before, options.after}) requireOtherThanLog(context, file);
-  FileComparison files(context.options.plugin, {options.before, key}, {options.after, keyAfter});
+  FileComparison files(context.options.access, {options.before, key}, {options.after, keyAfter});
   std::optional<DifferencePicture> picture;
   if (!options.picture.path.empty()) picture.emplace(context, options, files);
 

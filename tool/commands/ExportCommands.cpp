@@ -39,8 +39,8 @@ struct ImportOptions {
 void import(Context& context, const ImportOptions& options) {
   const Json manifest = readManifest(options.folder);
   UnfinishedFile unfinished(options.file, options.force ? Existing::kReplace : Existing::kRefuse, "-journal");
-  Session session =
-      Session::openNew(context.options.plugin, unfinished.path(), readKey(context.options.keyFile, KeyUse::kCreate));
+  Session session = Session::openNew(context.options.access.plugin, unfinished.path(),
+                                     readKey(context.options.keyFile, KeyUse::kCreate));
   importFolder(session, options.folder, manifest);
   session.close();
   unfinished.finish();

@@ -61,7 +61,7 @@ std::string asJson(const tovr::PluginInfo& info, const std::vector<ClassFacts>& 
 }
 
 void inspect(Context& context, const Options& options) {
-  const auto host = loadPlugin(context.options.plugin);
+  const auto host = loadPlugin(context.options.access.plugin);
   const auto facts = classes(*host);
   context.output.print(options.json ? asJson(host->info(), facts) : asText(host->info(), facts));
 }

@@ -1,11 +1,11 @@
 #include <fmt/core.h>
 
-#include <iostream>
 #include <utility>
 
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/Confirmation.h"
 #include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/Measurements.h"
@@ -81,21 +81,10 @@ void get(Context& context, const Options& options) {
   output.commit();
 }
 
-void confirm(const Options& options, std::int64_t count) {
-  if (options.yes) return;
-  if (!isTerminal(kStandardInput)) {
-    throw ToolError(kUsage, "this deletes {} measurements: give --yes to do it", count);
-  }
-  std::cerr << "Delete all " << count << " measurements of " << printable(options.file) << "? [y/N] " << std::flush;
-  std::string answer;
-  std::getline(std::cin, answer);
-  if (answer != "y" && answer != "yes") throw ToolError(kUsage, "nothing was deleted");
-}
-
 void clear(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
   const std::int64_t count = countMeasurements(session);
-  confirm(options, count);
+  confirmDeletion({fmt::format("all {} measurements", count)}, options.yes, "--yes");
   clearMeasurements(session);
   session.close();
   message("deleted {} measurements", count);

@@ -11,12 +11,12 @@ namespace tovrtool {
 Session openDatabase(const Context& context, const std::string& path) {
   requireDatabaseFile(path);
   requireOtherThanLog(context, path);
-  return Session::openExisting(context.options.plugin, path, readKey(context.options.keyFile, KeyUse::kOpen));
+  return Session::openExisting(context.options.access, path, readKey(context.options.keyFile, KeyUse::kOpen));
 }
 
 Session openDatabase(const Context& context, const std::string& path, const std::string& key) {
   requireOtherThanLog(context, path);
-  return Session::openExisting(context.options.plugin, path, key);
+  return Session::openExisting(context.options.access, path, key);
 }
 
 void requireOtherThanLog(const Context& context, const std::string& path) {

@@ -25,7 +25,7 @@ void rekey(Context& context, const RekeyOptions& options) {
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
   openDatabase(context, options.file, key).close();  // the old key is right: now ask for the new one
   const std::string newKey = readKey(options.newKeyFile, KeyUse::kCreate, kNewPageKey);
-  rewriteFile(context.options.plugin, options.file, key, newKey, "rekey");
+  rewriteFile(context.options.access, options.file, key, newKey, "rekey");
   message("the file has the new key; copies made before keep the old one");
 }
 
@@ -41,7 +41,7 @@ void upgrade(Context& context, const UpgradeOptions& options) {
                       generationText(made));
     }
   }
-  rewriteFile(context.options.plugin, options.file, key, key, "upgrade");
+  rewriteFile(context.options.access, options.file, key, key, "upgrade");
   message("the file is now one of SQLCipher 4.x, which 3.x cannot open; the key is the same");
 }
 

@@ -1,8 +1,10 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/Confirmation.h"
 #include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/database/Removal.h"
 #include "tool/database/Screens.h"
 #include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
@@ -14,6 +16,13 @@ struct AddOptions {
   std::string file;
   std::string name;
   std::optional<Rect> rect;
+};
+
+struct DeleteOptions {
+  std::string file;
+  std::string name;
+  bool withAreas = false;
+  bool force = false;
 };
 
 struct ListOptions {
@@ -28,6 +37,15 @@ void add(Context& context, const AddOptions& options) {
   transaction.commit();
   session.close();
   message("added the screen {} ({})", options.name, toText(*options.rect));
+}
+
+void deleteScreen(Context& context, const DeleteOptions& options) {
+  Session session = openDatabase(context, options.file);
+  const Removal removal = screenOf(session, options.name, options.withAreas);
+  confirmDeletion(toTexts(removal), options.force, "--force");
+  deleteRows(session, removal);
+  session.close();
+  message("deleted the screen {} and {} areas", options.name, removal.areas.size());
 }
 
 std::string asJson(const std::vector<StoredScreen>& screens) {
@@ -68,6 +86,13 @@ void addScreenCommands(CommandGroup& program) {
     addFile(command, options.file);
     command.add_option("--name", options.name, "The screen's name, unique in the file")->required()->check(nameFault);
     addRect(command, options.rect, "The cells that it covers, both edges inclusive")->required();
+  }
+  {
+    const auto [command, options] = group.add("delete", "Delete a screen", &DeleteOptions::file, deleteScreen);
+    addFile(command, options.file);
+    command.add_option("--name", options.name, "The screen's name")->required();
+    command.add_flag("--with-areas", options.withAreas, "Delete the areas that are on it, too");
+    addForcedDeletion(command, options.force);
   }
   {
     const auto [command, options] = group.add("list", "List the screens", &ListOptions::file, list);

@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
+#include "tool/io/FileInput.h"
 #include "tool/io/JsonText.h"
 #include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
@@ -65,6 +67,16 @@ BlockFile blockOfName(const std::string& name) {
   return block;
 }
 
+CellBlock readBlock(const BlockFile& file, std::optional<Dtype>& dtype) {
+  NpyArray array = parseNpy(readWholeFile(file.path), file.path);
+  dtype = array.dtype;
+  try {
+    return blockFromArray(std::move(array), file.area.rect, {});
+  } catch (const ToolError& error) {
+    throw about(file.path, error);
+  }
+}
+
 }  // namespace
 
 std::vector<BlockFile> blocksOfManifest(const std::string& path) {
@@ -95,14 +107,28 @@ std::vector<BlockFile> blocksOfFolder(const std::string& folder) {
   return blocks;
 }
 
-std::uint64_t bytesOf(const std::vector<BlockFile>& files) {
-  std::uint64_t bytes = 0;
+CellBlock readBlock(const BlockFile& file) {
+  std::optional<Dtype> dtype;
+  return readBlock(file, dtype);
+}
+
+std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files) {
+  std::vector<WantedBlock> wanted;
+  std::vector<std::string> faults;
   for (const BlockFile& file : files) {
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(pathOf(file.path), error);
-    if (!error) bytes += size;
+    try {
+      BlockText text = file.text;
+      const std::int32_t cellBytes = readBlock(file, text.dtype).cellBytes;
+      wanted.push_back({file.path, file.area, text, cellBytes});
+    } catch (const ToolError& error) {
+      faults.emplace_back(error.what());
+    }
   }
-  return bytes;
+  if (faults.empty()) return wanted;
+  if (faults.size() == 1) throw ToolError(kFileProblem, "{}; nothing was stored", faults[0]);
+  ToolError error(kFileProblem, "{} files cannot be used; nothing was stored", faults.size());
+  error.setDetails(std::move(faults));
+  throw error;
 }
 
 }  // namespace tovrtool

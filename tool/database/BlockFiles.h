@@ -4,9 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "tool/database/BlockStore.h"
+#include "tool/cells/CellBlock.h"
+#include "tool/database/BlockPlace.h"
+#include "tool/database/StorePlan.h"
 
 namespace tovrtool {
+
+struct BlockFile {
+  std::string path;
+  AreaName area;
+  BlockText text;
+};
 
 // The files of a manifest: a JSON list of {"file": NAME, "type": NUMBER, "rect": [L, T, R, B]} and, where wanted,
 // "screen", "area" and "version"; files lie in the manifest's folder or below it. Throws ToolError, which names the
@@ -17,7 +25,10 @@ std::vector<BlockFile> blocksOfManifest(const std::string& path);
 // alone. Throws ToolError for a .npy file of another name.
 std::vector<BlockFile> blocksOfFolder(const std::string& folder);
 
-// What can be told of the files' size; those that cannot be read count nothing.
-std::uint64_t bytesOf(const std::vector<BlockFile>& files);
+// The cells in a file. Throws ToolError, which names it, where they are not those of the rectangle.
+CellBlock readBlock(const BlockFile& file);
+
+// Each file is looked at. Throws ToolError, with every file at fault among its details.
+std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files);
 
 }  // namespace tovrtool

@@ -2,15 +2,13 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
-
 #include "storage/StatusCodes.h"
 #include "tool/database/LibraryError.h"
 #include "tool/database/NumberForms.h"
 #include "tool/database/Screens.h"
-#include "tool/database/SqlQuery.h"
-#include "tool/io/FileInput.h"
+#include "tool/database/StoredArea.h"
 #include "tool/io/TextList.h"
+#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
@@ -40,13 +38,7 @@ void requireArea(Session& session, int code, const AreaName& area) {
 
 // Throws ToolError where the name does not suit the database's type.
 std::unique_ptr<tovr::CoefData> recordOf(Session& session, const AreaName& area) {
-  const int databaseType = session.manager().getDBType();
-  if (databaseType == 1 && area.screen.empty()) {
-    throw ToolError(kUsage, "the database finds screens by name (type 1): say which with --screen");
-  }
-  if (databaseType == 0 && !area.screen.empty()) {
-    throw ToolError(kUsage, "the database finds screens by rectangle (type 0): leave out --screen");
-  }
+  requireSuits(area, session.manager().getDBType());
   auto record = session.host().makeRecord<tovr::CoefData>();
   record->coeftype = area.type;
   record->screenname = area.screen;
@@ -54,63 +46,7 @@ std::unique_ptr<tovr::CoefData> recordOf(Session& session, const AreaName& area)
   return record;
 }
 
-// The record as the library leaves it: with the keys of the block and of its screen.
-std::unique_ptr<tovr::CoefData> store(Session& session, const AreaName& area, const BlockText& text,
-                                      const CellBlock& block, StoreMode mode) {
-  auto record = recordOf(session, area);
-  record->areaid = text.number;
-  record->version = text.version;
-  record->coefBuffer.databitwidth = block.cellBytes;
-  record->coefBuffer.data = block.bytes.get();
-  record->coefBuffer.datasize = static_cast<std::int32_t>(block.size());
-  tovr::IDBManager& manager = session.manager();
-  requireArea(session, mode == StoreMode::kUpdate ? manager.updateData(record.get()) : manager.insertData(record.get()),
-              area);
-  keepForm(session, record->coefid, block.cellBytes, {text.form, text.dtype, !text.version.empty(), text.version});
-  return record;
-}
-
-// The library answers a rectangle from the first area that holds it, so an older one can hide a new one.
-std::optional<Placement> hidingArea(Session& session, const tovr::CoefData& record) {
-  const auto areas = placements(session);
-  const auto first = std::find_if(areas.begin(), areas.end(), [&](const Placement& area) {
-    return area.screenId == record.screenid && area.type == record.coeftype && holds(area.rect, rectOf(record));
-  });
-  if (first == areas.end() || first->blockId == record.coefid) return std::nullopt;
-  return *first;
-}
-
-// The bytes of the file that was stored.
-std::uint64_t storeFile(Session& session, const BlockFile& entry) {
-  try {
-    Bytes file = readWholeFile(entry.path);
-    const std::uint64_t size = file.size();
-    NpyArray array = parseNpy(std::move(file), entry.path);
-    BlockText text = entry.text;
-    text.dtype = array.dtype;
-    store(session, entry.area, text, blockFromArray(std::move(array), entry.area.rect, {}), StoreMode::kInsert);
-    return size;
-  } catch (const ToolError& error) {
-    throw ToolError(error.code(), "{}: {}; nothing was stored", entry.path, error.what());
-  }
-}
-
 }  // namespace
-
-StoreReport storeBlock(Session& session, const AreaName& area, const BlockText& text, const CellBlock& block,
-                       StoreMode mode) {
-  const std::size_t screens = storedScreens(session).size();
-  Transaction transaction(session);
-  const auto record = store(session, area, text, block, mode);
-  transaction.commit();
-  return {record->coefid, storedScreens(session).size() > screens, hidingArea(session, *record)};
-}
-
-void storeFiles(Session& session, const std::vector<BlockFile>& files, Progress& progress) {
-  Transaction transaction(session);
-  for (const BlockFile& file : files) progress.advance(storeFile(session, file));
-  transaction.commit();
-}
 
 CellBlock fetchBlock(Session& session, const AreaName& area) {
   const auto record = recordOf(session, area);

@@ -22,10 +22,13 @@ constexpr char kTableSchema[] =
 
 // From here on one state of the file is read, whoever else writes to it. After a page that could not be read the
 // engine refuses every other until its transaction has ended.
-void beginReading(Session& session) {
+void beginAgain(Session& session) {
   session.connection().exec("rollback");  // fails where there is none
-  session.require(session.connection().exec("begin"));
+  session.beginReading();
 }
+
+// What says nothing about the file.
+bool isNoFault(const ToolError& error) { return error.code() == kInterrupted || error.code() == kBusy; }
 
 // Runs one check; what ends it is its last fault.
 template <class Check>
@@ -35,10 +38,10 @@ Verdict verdictOf(Session& session, const std::string& name, Check check) {
   try {
     check(verdict);
   } catch (const ToolError& error) {
-    if (error.code() == kInterrupted) throw;
+    if (isNoFault(error)) throw;
     verdict.faults.emplace_back(error.what());
   }
-  if (!verdict.ok()) beginReading(session);
+  if (!verdict.ok()) beginAgain(session);
   return verdict;
 }
 
@@ -46,12 +49,7 @@ void checkPages(Session& session, Verdict& verdict) {
   tovr::IDBOperate& connection = session.connection();
   verdict.detail = fmt::format("{} pages of {} bytes", queryNumber(connection, "pragma page_count"),
                                queryNumber(connection, "pragma page_size"));
-  // Engines that do not know the first statement answer nothing.
-  for (const Row& row : queryRows(connection, "pragma cipher_integrity_check")) verdict.faults.push_back(row[0]);
-  for (const Row& row : queryRows(connection, "pragma integrity_check")) {
-    std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
-    for (std::string line; std::getline(lines, line);) verdict.faults.push_back(line);
-  }
+  verdict.faults = pageFaults(session);
 }
 
 void checkSchema(Session& session, const std::vector<Row>& expected, Verdict& verdict) {
@@ -115,9 +113,9 @@ void checkBlob(Session& session, const std::string& table, std::int64_t key, Ver
     if (block) sizes[key] = {payload.size(), cellBytes};
     progress.advance(blob.size());
   } catch (const ToolError& error) {
-    if (error.code() == kInterrupted) throw;
+    if (isNoFault(error)) throw;
     verdict.faults.push_back(fmt::format("row {} of {}: {}", key, table, error.what()));
-    beginReading(session);
+    beginAgain(session);
   }
 }
 
@@ -195,6 +193,23 @@ std::vector<Row> expectedSchema(const std::string& plugin) {
   return queryRows(session.connection(), kTableSchema);
 }
 
+std::vector<std::string> pageFaults(Session& session) {
+  tovr::IDBOperate& connection = session.connection();
+  std::vector<std::string> faults;
+  try {
+    // Engines that do not know the first statement answer nothing.
+    for (const Row& row : queryRows(connection, "pragma cipher_integrity_check")) faults.push_back(row[0]);
+    for (const Row& row : queryRows(connection, "pragma integrity_check")) {
+      std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
+      for (std::string line; std::getline(lines, line);) faults.push_back(line);
+    }
+  } catch (const ToolError& error) {  // a page that ends the reading
+    if (isNoFault(error)) throw;
+    faults.emplace_back(error.what());
+  }
+  return faults;
+}
+
 std::uint64_t bytesToCheck(Session& session) {
   const std::int64_t pages = queryNumber(session.connection(), "pragma page_count");
   return static_cast<std::uint64_t>(pages * queryNumber(session.connection(), "pragma page_size")) * 2;
@@ -202,7 +217,7 @@ std::uint64_t bytesToCheck(Session& session) {
 
 std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress) {
   std::vector<Verdict> verdicts;
-  beginReading(session);
+  beginAgain(session);
   const std::uint64_t bytes = bytesToCheck(session);
   verdicts.push_back(verdictOf(session, "pages", [&](Verdict& verdict) { checkPages(session, verdict); }));
   progress.advance(bytes / 2);

@@ -17,6 +17,9 @@ std::vector<Row> expectedSchema(const std::string& plugin);
 // Bytes that checkDatabase reads, as it reports them to `progress`.
 std::uint64_t bytesToCheck(Session& session);
 
+// What is wrong with the pages of an open file: nothing where it is whole.
+std::vector<std::string> pageFaults(Session& session);
+
 // One verdict per check; a check that the file's damage ends reports that as a fault.
 std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress);
 

@@ -77,8 +77,8 @@ std::optional<NumberForm> commonForm(const StoredArea& before, const StoredArea&
 
 }  // namespace
 
-FileComparison::FileComparison(const std::string& plugin, FileAndKey before, FileAndKey after)
-    : plugin_(plugin), before_(std::move(before)), after_(std::move(after)) {
+FileComparison::FileComparison(const Access& access, FileAndKey before, FileAndKey after)
+    : access_(access), before_(std::move(before)), after_(std::move(after)) {
   itemsBefore_ = inventory(before_);
   itemsAfter_ = inventory(after_);
   pairItems();
@@ -86,7 +86,7 @@ FileComparison::FileComparison(const std::string& plugin, FileAndKey before, Fil
 
 std::vector<Item> FileComparison::inventory(const FileAndKey& file) const {
   return naming(file.path, [&] {
-    Session session = Session::openExisting(plugin_, file.path, file.key);
+    Session session = Session::openExisting(access_, file.path, file.key);
     std::vector<Item> items = takeInventory(session);
     session.close();
     return items;
@@ -143,11 +143,11 @@ std::vector<Difference> FileComparison::compare(const Comparing& how, const Visi
 void FileComparison::compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit) {
   std::vector<Bytes> stored;
   naming(before_.path, [&] {
-    Session session = Session::openExisting(plugin_, before_.path, before_.key);
+    Session session = Session::openExisting(access_, before_.path, before_.key);
     for (std::size_t i = from; i < to; ++i) stored.push_back(storedBytes(session, *blobs_[i].before));
     session.close();
   });
-  Session session = naming(after_.path, [&] { return Session::openExisting(plugin_, after_.path, after_.key); });
+  Session session = naming(after_.path, [&] { return Session::openExisting(access_, after_.path, after_.key); });
   for (std::size_t i = from; i < to; ++i) {
     compareBlobs(session, blobs_[i], stored[i - from], how, visit);
     stored[i - from] = Bytes();

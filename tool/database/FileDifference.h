@@ -52,7 +52,7 @@ struct Comparing {
 class FileComparison {
  public:
   // Reads what both files hold, but no payloads. Throws ToolError, which names the file.
-  FileComparison(const std::string& plugin, FileAndKey before, FileAndKey after);
+  FileComparison(const Access& access, FileAndKey before, FileAndKey after);
 
   // Areas of blocks that both hold in the same shape, in the order of the first file.
   std::vector<StoredArea> commonAreas() const;
@@ -76,7 +76,7 @@ class FileComparison {
   void addCells(const Pair& pair, const CellBlock& before, const CellBlock& after,
                 const std::optional<NumberForm>& form, const std::optional<Tolerance>& tolerance);
 
-  std::string plugin_;
+  Access access_;
   FileAndKey before_;
   FileAndKey after_;
   std::vector<Item> itemsBefore_;

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "tool/database/DatabaseChecks.h"
 #include "tool/database/Session.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredRows.h"
@@ -71,7 +72,7 @@ void requireSameRows(Session& session, const std::string& table) {
 
 void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
   // Nobody else writes to the old file while it is copied.
-  session.require(session.connection().exec("begin exclusive"));
+  session.require(session.execPatiently("begin exclusive"));
   const std::int64_t version = queryNumber(session.connection(), "pragma main.user_version");
   session.require(session.connection().exec("select sqlcipher_export('rewritten')"));
   session.require(session.connection().exec(fmt::format("pragma rewritten.user_version = {}", version).c_str()));
@@ -85,10 +86,9 @@ void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
 }
 
 // Reads every page from the disk with the new key.
-void requireWhole(const std::string& plugin, const std::string& path, const std::string& key) {
-  Session session = Session::openExisting(plugin, path, key);
-  const auto rows = queryRows(session.connection(), "pragma integrity_check");
-  if (rows.size() != 1 || rows[0][0] != "ok") {
+void requireWhole(const Access& access, const std::string& path, const std::string& key) {
+  Session session = Session::openExisting(access, path, key);
+  if (!pageFaults(session).empty()) {
     throw ToolError(kRefused, "the new file is damaged; the old one was left as it is");
   }
   session.close();
@@ -96,20 +96,20 @@ void requireWhole(const std::string& plugin, const std::string& path, const std:
 
 }  // namespace
 
-void rewriteFile(const std::string& plugin, const std::string& file, const std::string& key, const std::string& newKey,
+void rewriteFile(const Access& access, const std::string& file, const std::string& key, const std::string& newKey,
                  const std::string& verb) {
   UnfinishedFile unfinished(file, Existing::kReplace, "-journal");
   const FileState before(file);
   Progress progress(verb, before.size * 3);
   {
-    Session session = Session::openExisting(plugin, file, key);
+    Session session = Session::openExisting(access, file, key);
     attach(session, unfinished.path(), newKey);
     copyAll(session, progress, before.size);
     session.require(session.connection().exec("commit"));
     session.require(session.connection().exec("detach database rewritten"));
     session.close();
   }
-  requireWhole(plugin, unfinished.path(), newKey);
+  requireWhole(access, unfinished.path(), newKey);
   progress.advance(0);
   if (!(FileState(file) == before)) {
     throw ToolError(kRefused, "another program wrote to the file meanwhile; it was left as it is: try again");

@@ -3,12 +3,14 @@
 
 #include <string>
 
+#include "tool/database/Access.h"
+
 namespace tovrtool {
 
 // Copies everything in `file`, opened with `key`, into a new file with `newKey`, compares the two, reads the new one
 // back from the disk, and replaces the old one: at every moment the name leads to a complete file. `verb` is for the
 // progress line. Throws ToolError, with the file as it was.
-void rewriteFile(const std::string& plugin, const std::string& file, const std::string& key, const std::string& newKey,
+void rewriteFile(const Access& access, const std::string& file, const std::string& key, const std::string& newKey,
                  const std::string& verb);
 
 }  // namespace tovrtool

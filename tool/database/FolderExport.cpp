@@ -130,7 +130,7 @@ std::vector<std::string> otherObjects(Session& session) {
 ExportReport exportFolder(Session& session, const std::string& path, Existing existing,
                           const std::optional<Dtype>& dtype) {
   UnfinishedFolder folder(path, existing, isOurs);
-  session.require(session.connection().exec("BEGIN"));
+  session.beginReading();
   ExportReport report;
   {
     Exporter exporter(session, folder, dtype);

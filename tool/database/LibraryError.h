@@ -7,8 +7,11 @@
 
 namespace tovrtool {
 
+// Another program is using the file: nothing is wrong with it.
+bool isBusy(int status);
+
 // "4113: WHAT IT MEANS (the engine's own words); detail", with the code as the error's status. Empty texts are left
-// out.
+// out. Where the file is busy the error says how to wait, and nothing else.
 ToolError libraryError(int status, const std::string& engineWords, const std::string& detail);
 
 // Codes of the library's own say it all.

@@ -91,4 +91,12 @@ void keepForm(Session& session, std::int64_t blockId, std::int32_t cellBytes, co
   }
 }
 
+void requireKeptForm(const StoredArea& area, const FormToKeep& what) {
+  const auto kept = keptForm(area);
+  const auto given = chosenForm(withType(what, true), kept);
+  if (!kept || !given || *given == *kept) return;
+  throw ToolError(kUsage, "the numbers of {} are {}, those of the patch {}; nothing was stored", named(area),
+                  toText(*kept), toText(*given));
+}
+
 }  // namespace tovrtool

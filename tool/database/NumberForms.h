@@ -34,4 +34,7 @@ struct FormToKeep {
 // REQUIRES: a transaction, in which the block was stored.
 void keepForm(Session& session, std::int64_t blockId, std::int32_t cellBytes, const FormToKeep& what);
 
+// Before a patch, whose cells join others: throws ToolError where they are said to be other numbers than those.
+void requireKeptForm(const StoredArea& area, const FormToKeep& what);
+
 }  // namespace tovrtool

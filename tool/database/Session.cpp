@@ -1,16 +1,21 @@
 #include "tool/database/Session.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <thread>
 
-#include "storage/StatusCodes.h"
 #include "tool/database/LibraryError.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/Tables.h"
+#include "tool/io/Message.h"
 #include "tool/io/TextList.h"
 #include "tool/system/Paths.h"
+#include "tool/system/Platform.h"
 #include "tool/system/PluginPath.h"
 
 namespace tovrtool {
@@ -19,6 +24,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kNotADatabase = 26;
+constexpr unsigned int kSecond = 1000;
+constexpr unsigned int kNotWorthAWord = 300;  // milliseconds
+constexpr std::chrono::milliseconds kBetweenAttempts{20};
 
 std::string missingTables(tovr::IDBOperate& connection) {
   const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
@@ -59,23 +67,27 @@ std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin) {
   }
 }
 
-Session Session::openExisting(const std::string& plugin, const std::string& path, const std::string& key) {
+Session Session::openExisting(const Access& access, const std::string& path, const std::string& key) {
   requireDatabaseFile(path);
-  Session session(loadPlugin(plugin));
-  session.open(path, key);
+  Session session(loadPlugin(access.plugin));
+  session.patience_ = access.patience;
+  session.requireRightKey(session.openPatiently(path, key));
+  session.setPatience(access.patience * kSecond);
+  // More than FULL, which flushes all but the end of the journal, and so may undo the last change.
+  if (access.flushed) session.require(session.connection().exec("PRAGMA synchronous = EXTRA"));
   session.probe();
   return session;
 }
 
 Session Session::openMemory(const std::string& plugin) {
   Session session(loadPlugin(plugin));
-  session.open(":memory:", "memory");
+  session.requireRightKey(session.open(":memory:", "memory"));
   return session;
 }
 
 Session Session::openNew(const std::string& plugin, const std::string& path, const std::string& key) {
   Session session(loadPlugin(plugin));
-  session.open(path, key);
+  session.requireRightKey(session.open(path, key));
   return session;
 }
 
@@ -83,10 +95,48 @@ Session::~Session() {
   if (host_ != nullptr && open_) host_->manager().closeDB();
 }
 
-void Session::open(const std::string& path, const std::string& key) {
-  const int code = manager().openDB(path, key);
-  open_ = true;  // also when it failed half-way
-  requireRightKey(code);
+int Session::open(const std::string& path, const std::string& key) {
+  open_ = true;  // also when it fails half-way
+  return manager().openDB(path, key);
+}
+
+// The library reads the file before it can be told to wait. Where a power cut has torn the beginning of the file, the
+// engine takes its key from there before it plays the journal back: the first attempt puts the file right and fails.
+int Session::openPatiently(const std::string& path, const std::string& key) {
+  std::error_code error;
+  const bool unfinished = fs::exists(pathOf(path + "-journal"), error);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(patience_);
+  int code = open(path, key);
+  if (isBusy(code) && patience_ > 0) announceWait();
+  while (isBusy(code) && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(kBetweenAttempts);
+    code = open(path, key);
+  }
+  return code == kNotADatabase && unfinished ? open(path, key) : code;
+}
+
+void Session::setPatience(unsigned int milliseconds) {
+  require(connection().exec(fmt::format("PRAGMA busy_timeout = {}", milliseconds).c_str()));
+}
+
+void Session::announceWait() const {
+  if (!isTerminal(kStandardError)) return;
+  message("another program is using the file; waiting for it, {} s at most", patience_);
+}
+
+int Session::execPatiently(const char* sql) {
+  if (patience_ == 0) return connection().exec(sql);
+  setPatience(kNotWorthAWord);
+  int code = connection().exec(sql);
+  setPatience(patience_ * kSecond);
+  if (!isBusy(code)) return code;
+  announceWait();
+  return connection().exec(sql);
+}
+
+void Session::beginReading() {
+  require(connection().exec("begin"));
+  queryNumber(connection(), "select count(*) from sqlite_master");
 }
 
 void Session::requireRightKey(int code) {
@@ -114,12 +164,7 @@ void Session::probe() {
   }
 }
 
-void Session::require(int code, const std::string& detail) {
-  if (code == 0) return;
-  // Codes of the library's own say it all; for those of the engine its own words help.
-  const char* words = code < tovr::kNoConnection ? manager().errMsg() : nullptr;
-  throw libraryError(code, words != nullptr ? words : "", detail);
-}
+void Session::require(int code, const std::string& detail) { requireEngine(connection(), code, "", detail); }
 
 void Session::close() {
   open_ = false;
@@ -127,7 +172,7 @@ void Session::close() {
 }
 
 Transaction::Transaction(Session& session) : session_(session) {
-  session_.require(session_.connection().exec("BEGIN IMMEDIATE"));
+  session_.require(session_.execPatiently("BEGIN IMMEDIATE"));
 }
 
 Transaction::~Transaction() {
@@ -136,7 +181,7 @@ Transaction::~Transaction() {
 
 void Transaction::commit() {
   interrupt_.check();
-  session_.require(session_.connection().exec("COMMIT"));
+  session_.require(session_.execPatiently("COMMIT"));
   committed_ = true;
 }
 

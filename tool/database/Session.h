@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/PluginHost.h"
+#include "tool/database/Access.h"
 #include "tool/system/Interrupt.h"
 
 namespace tovrtool {
@@ -18,9 +19,10 @@ void requireDatabaseFile(const std::string& path);
 
 class Session {
  public:
-  // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError.
-  static Session openExisting(const std::string& plugin, const std::string& path, const std::string& key);
-  // Opens a file that does not exist yet; the first write makes it.
+  // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError,
+  // also where other programs keep it busy for longer than the patience.
+  static Session openExisting(const Access& access, const std::string& path, const std::string& key);
+  // Opens a file that does not exist yet; the first write makes it. It is flushed only when it is complete.
   static Session openNew(const std::string& plugin, const std::string& path, const std::string& key);
   // A database that lives in memory only.
   static Session openMemory(const std::string& plugin);
@@ -35,6 +37,12 @@ class Session {
   tovr::IDBManager& manager() { return host_->manager(); }
   tovr::IDBOperate& connection() { return host_->connection(); }
 
+  // Reads one state of the file from here on; until then other programs may have written to it.
+  void beginReading();
+
+  // Runs a statement that waits for other programs, and says so on a terminal. Returns the library's code.
+  int execPatiently(const char* sql);
+
   // Throws ToolError with the code, its meaning, the engine's words and `detail` unless `code` is 0.
   void require(int code, const std::string& detail = "");
   // The file is complete and closed. Throws ToolError where the library says otherwise.
@@ -42,12 +50,16 @@ class Session {
 
  private:
   explicit Session(std::unique_ptr<tovrhost::PluginHost> host) : host_(std::move(host)) {}
-  void open(const std::string& path, const std::string& key);
+  int open(const std::string& path, const std::string& key);
+  int openPatiently(const std::string& path, const std::string& key);
+  void setPatience(unsigned int milliseconds);
+  void announceWait() const;
   void probe();
   void requireRightKey(int code);
 
   std::unique_ptr<tovrhost::PluginHost> host_;
   bool open_ = false;
+  unsigned int patience_ = 0;  // seconds
 };
 
 // Several statements that are kept together or not at all: the library itself rolls nothing back.

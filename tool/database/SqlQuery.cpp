@@ -8,9 +8,11 @@
 
 namespace tovrtool {
 
-void requireEngine(tovr::IDBOperate& connection, int code, const std::string& where) {
+void requireEngine(tovr::IDBOperate& connection, int code, const std::string& where, const std::string& detail) {
   if (code == 0) return;
-  const ToolError error = libraryError(code, connection.errMsg(), "");
+  // Codes of the library's own say it all, and so does one that the connection knows nothing of.
+  const char* words = code < tovr::kNoConnection && connection.errCode() != 0 ? connection.errMsg() : nullptr;
+  const ToolError error = libraryError(code, words != nullptr ? words : "", detail);
   throw where.empty() ? error : about(where, error);
 }
 

@@ -31,7 +31,9 @@ std::string columnText(tovr::IDBOperate& connection, int column);
 Bytes columnBytes(tovr::IDBOperate& connection, int column);
 std::int64_t columnNumber(tovr::IDBOperate& connection, int column);
 
-// Throws ToolError with the engine's words and, in front, `where`, unless `code` is 0.
-void requireEngine(tovr::IDBOperate& connection, int code, const std::string& where = "");
+// Throws ToolError with `where`, the code, its meaning, the engine's own words where it has any, and `detail`, unless
+// `code`, which may be the library's own, is 0.
+void requireEngine(tovr::IDBOperate& connection, int code, const std::string& where = "",
+                   const std::string& detail = "");
 
 }  // namespace tovrtool

@@ -23,7 +23,7 @@ namespace {
 // Screens in columns 0 to 5, areas from there on.
 constexpr char kPlacements[] =
     "select s.id is not null, s.screenname, s.left, s.top, s.right, s.bottom, i.id, i.screenid, i.coeftype, i.areaid,"
-    " i.coefid, i.left, i.top, i.right, i.bottom, i.multilayersize, hex(i.multilayerlist)"
+    " i.coefid, i.left, i.top, i.right, i.bottom, i.multilayersize, hex(i.multilayerlist), i.mtime"
     " from Coef_Info i left join Screen_Info s on s.id = i.screenid order by i.id";
 
 // Four columns of the current row from `first` on: left, top, right, bottom.
@@ -48,6 +48,7 @@ Placement placementOf(tovr::IDBOperate& connection) {
   area.rect = rectAtColumn(connection, 11);
   area.layers = columnText(connection, 15);
   area.layerList = columnText(connection, 16);
+  area.changed = columnText(connection, 17);
   return area;
 }
 

@@ -24,6 +24,7 @@ struct Placement {
   std::int64_t blockId = 0;
   std::string layers;
   std::string layerList;  // in hexadecimal digits
+  std::string changed;    // when it was written last
 };
 
 // The same with what is stored beside the block's cells; zeros and empty texts where the block is missing.

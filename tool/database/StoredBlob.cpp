@@ -73,4 +73,29 @@ Bytes encipherBlob(tovr::IEncryption& encryption, const unsigned char* payload, 
   return stored;
 }
 
+std::size_t payloadLengthOf(tovr::IEncryption& encryption, const Bytes& stored) {
+  Bytes first;
+  const bool whole = !stored.empty() && stored.size() % kCipherBlock == 0;
+  if (!whole || !encryption.decrypt(kBlobKey, kBlobKey, Bytes(stored.begin(), stored.begin() + kCipherBlock), first)) {
+    throw libraryError(tovr::kCipherFailed);
+  }
+  const auto length = tovr::payloadLength(first.data(), stored.size());
+  if (!length) throw libraryError(tovr::kCipherFailed);
+  return *length;
+}
+
+void changePayload(tovr::IEncryption& encryption, Bytes& stored, std::size_t skipped,
+                   const std::function<void(unsigned char* payload)>& change) {
+  const std::size_t framed = tovr::kLengthPrefixSize + skipped;
+  const std::size_t begin = framed / kCipherBlock * kCipherBlock;
+  const auto tail = stored.begin() + static_cast<std::ptrdiff_t>(begin);
+  const std::string vector = begin == 0 ? kBlobKey : std::string(tail - kCipherBlock, tail);
+  Bytes plain;
+  if (!encryption.decrypt(kBlobKey, vector, Bytes(tail, stored.end()), plain)) throw libraryError(tovr::kCipherFailed);
+  change(plain.data() + (framed - begin));
+  Bytes enciphered;
+  if (!encryption.encrypt(kBlobKey, vector, plain, enciphered)) throw libraryError(tovr::kCipherFailed);
+  std::copy(enciphered.begin(), enciphered.end(), tail);
+}
+
 }  // namespace tovrtool

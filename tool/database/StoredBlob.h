@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -22,5 +23,14 @@ std::optional<Bytes> decipherExactly(tovr::IEncryption& encryption, const Bytes&
 
 // The stored form of a payload. Throws ToolError when the service fails or the payload is too large for it.
 Bytes encipherBlob(tovr::IEncryption& encryption, const unsigned char* payload, std::size_t length);
+
+// The bytes of a stored blob's payload. Throws ToolError when it is damaged.
+std::size_t payloadLengthOf(tovr::IEncryption& encryption, const Bytes& stored);
+
+// Changes a stored blob in place. `change` gets the payload from its byte `skipped` on; what lies before is neither
+// deciphered nor enciphered, for each cipher block depends on those before it only. Throws ToolError when the service
+// fails. REQUIRES: payloadLengthOf() succeeded and is larger than `skipped`.
+void changePayload(tovr::IEncryption& encryption, Bytes& stored, std::size_t skipped,
+                   const std::function<void(unsigned char* payload)>& change);
 
 }  // namespace tovrtool

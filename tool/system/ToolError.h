@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace tovrtool {
 
@@ -17,6 +18,8 @@ enum ExitCode : int {
   kFileProblem = 3,    // a file is missing, exists already, cannot be read or written, or holds something else
   kKeyProblem = 4,     // no key, or the key does not open the file
   kPluginProblem = 5,  // the plug-in library cannot be loaded
+  kBusy = 6,           // another program is using the file, which is as it was
+  kConflict = 7,       // what is stored stands against it; nothing was written
   kInterrupted = 130   // ended by the user, as shells number it; nothing unfinished is left
 };
 
@@ -30,6 +33,10 @@ class ToolError : public std::runtime_error {
 
   ExitCode code() const { return code_; }
 
+  // Lines that a person reads before what(), where one is not enough.
+  const std::vector<std::string>& details() const { return details_; }
+  void setDetails(std::vector<std::string> details) { details_ = std::move(details); }
+
   // The status code with which the library refused; 0 where it was not asked.
   int status() const { return status_; }
   void setStatus(int status) { status_ = status; }
@@ -37,12 +44,14 @@ class ToolError : public std::runtime_error {
  private:
   ExitCode code_;
   int status_ = 0;
+  std::vector<std::string> details_;
 };
 
 // The same failure, said with what it happened on: "wall.db: ...".
 inline ToolError about(const std::string& what, const ToolError& error) {
   ToolError told(error.code(), what + ": " + error.what());
   told.setStatus(error.status());
+  told.setDetails(error.details());
   return told;
 }
 

@@ -1,0 +1,31 @@
+#include "tool/commands/Confirmation.h"
+
+#include <iostream>
+
+#include "tool/io/Message.h"
+#include "tool/io/TextList.h"
+#include "tool/system/Platform.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+
+void confirmDeletion(const std::vector<std::string>& what, bool forced, const std::string& option) {
+  if (forced) {
+    for (const std::string& thing : what) message("deleting {}", thing);
+    return;
+  }
+  if (!isTerminal(kStandardInput)) {
+    throw ToolError(kUsage, "this deletes {}: give {} to do it", shortList(what, "; "), option);
+  }
+  for (const std::string& thing : what) complain("this deletes " + thing);
+  std::cerr << "Delete? [y/N] " << std::flush;
+  std::string answer;
+  std::getline(std::cin, answer);
+  if (answer != "y" && answer != "yes") throw ToolError(kUsage, "nothing was deleted");
+}
+
+void addForcedDeletion(CLI::App& command, bool& force) {
+  command.add_flag("--force", force, "Do not ask; needed where there is no terminal");
+}
+
+}  // namespace tovrtool

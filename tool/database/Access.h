@@ -1,0 +1,14 @@
+// How the program reaches database files.
+#pragma once
+
+#include <string>
+
+namespace tovrtool {
+
+struct Access {
+  std::string plugin;         // the plug-in library; empty: where it usually lies
+  unsigned int patience = 5;  // seconds that another program may make this one wait
+  bool flushed = true;        // what is committed is on the disk, and survives a power cut
+};
+
+}  // namespace tovrtool

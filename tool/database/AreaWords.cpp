@@ -1,0 +1,29 @@
+#include "tool/database/AreaWords.h"
+
+#include <fmt/core.h>
+
+namespace tovrtool {
+namespace {
+
+// "37,324,800"
+std::string grouped(std::int64_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, 1, ',');
+  return text;
+}
+
+}  // namespace
+
+std::string placeText(const AreaName& area) {
+  return fmt::format("{} of type {}{}", toText(area.rect), area.type,
+                     area.screen.empty() ? "" : " on the screen " + area.screen);
+}
+
+std::string areaText(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area.rect)); }
+
+std::string blockText(const StoredArea& area) {
+  const std::int64_t bytes = columnsOf(area.rect) * rowsOf(area.rect) * area.cellBytes;
+  return fmt::format("the block of {} bytes, {} per cell, of {}", grouped(bytes), area.cellBytes, area.changed);
+}
+
+}  // namespace tovrtool

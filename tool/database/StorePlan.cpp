@@ -1,0 +1,289 @@
+#include "tool/database/StorePlan.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "manager/DataRecords.h"
+#include "storage/StatusCodes.h"
+#include "tool/database/AreaWords.h"
+#include "tool/database/LibraryError.h"
+#include "tool/database/PlaceIndex.h"
+#include "tool/io/TextList.h"
+
+namespace tovrtool {
+namespace {
+
+template <class Things>
+std::string listedPlaces(const Things& things) {
+  std::vector<std::string> texts;
+  for (const auto& thing : things) texts.push_back(fmt::format("{} ({})", thing.first, toText(thing.second)));
+  return shortList(texts);
+}
+
+constexpr Remedies kForce{true, false, false, false};
+
+class Planner {
+ public:
+  Planner(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules)
+      : stored_(stored),
+        wanted_(wanted),
+        rules_(rules),
+        areas_(stored.areas,
+               [](const StoredArea& area) {
+                 return PlaceIndex::Place{area.type, area.rect};
+               }),
+        blocks_(wanted, [](const WantedBlock& block) {
+          return PlaceIndex::Place{block.area.type, block.area.rect};
+        }) {
+    for (std::size_t i = 0; i < stored.areas.size(); ++i) {
+      firstOfType_.emplace(std::pair(stored.areas[i].screenId, stored.areas[i].type), i);
+    }
+  }
+
+  StorePlan plan() {
+    for (std::size_t block = 0; block < wanted_.size(); ++block) {
+      step_ = {};
+      step_.block = block;
+      decide();
+      plan_.steps.push_back(std::move(step_));
+    }
+    return std::move(plan_);
+  }
+
+ private:
+  bool byName() const { return stored_.databaseType == 1; }
+  const WantedBlock& block() const { return wanted_[step_.block]; }
+  const Rect& rect() const { return block().area.rect; }
+
+  void object(const Remedies& remedies, const std::string& text, ExitCode code = kConflict) {
+    plan_.objections.push_back({code, remedies, block().name.empty() ? text : block().name + ": " + text});
+  }
+  void refuse(int status, const std::string& title, const std::string& instead) {
+    const std::string asked = fmt::format("asked for {}; {}: {}", toText(rect()), title, instead);
+    object({}, libraryError(status, asked).what(), kRefused);
+  }
+
+  void decide() {
+    try {
+      requireSuits(block().area, stored_.databaseType);
+    } catch (const ToolError& error) {
+      if (block().name.empty()) throw;
+      throw about(block().name, error);
+    }
+    if (block().area.type == tovr::kDataTypeNotGiven) {
+      return object({}, libraryError(tovr::kTypeNotGiven).what(), kRefused);
+    }
+    objectToTwice();
+    const StoredScreen* screen = findScreen();
+    const bool adds =
+        screen == nullptr && byName() && rules_.mode != StoreMode::kPatch && rules_.mode != StoreMode::kUpdate;
+    if (screen == nullptr && !adds) return refuseScreen();
+    step_.screenId = adds ? 0 : screen->id;
+    if (rules_.mode == StoreMode::kPatch) return decidePatch();
+    if (rules_.mode == StoreMode::kUpdate) return decideUpdate(*screen);
+    if (byName()) objectToOutside(screen);
+    decideStore();
+  }
+
+  const StoredScreen* findScreen() const {
+    const auto found = std::find_if(stored_.screens.begin(), stored_.screens.end(), [&](const StoredScreen& screen) {
+      if (byName()) return screen.name == block().area.screen;
+      return rules_.mode == StoreMode::kUpdate ? screen.rect == rect() : holds(screen.rect, rect());
+    });
+    return found != stored_.screens.end() ? &*found : nullptr;
+  }
+
+  void refuseScreen() {
+    std::vector<std::pair<std::string, Rect>> screens;
+    for (const StoredScreen& screen : stored_.screens) screens.emplace_back(screen.name, screen.rect);
+    refuse(byName() ? tovr::kNoSuchScreenName : tovr::kNoScreenForRectangle, "screens", listedPlaces(screens));
+  }
+
+  void refuseArea() {
+    std::vector<std::pair<std::string, Rect>> areas;
+    for (const StoredArea& area : stored_.areas) {
+      if (area.type == block().area.type) areas.emplace_back(area.screen, area.rect);
+    }
+    refuse(tovr::kNoMatchingArea, fmt::format("areas of type {}", block().area.type), listedPlaces(areas));
+  }
+
+  // Blocks of one batch that would replace or hide one another.
+  void objectToTwice() {
+    const AreaName& area = block().area;
+    if (byName() && rules_.mode != StoreMode::kPatch) {
+      const auto [first, added] = firstWanted_.emplace(std::pair(area.screen, area.type), step_.block);
+      if (!added) {
+        object({}, fmt::format("{} would replace {}: a database of type 1 keeps one area of a type "
+                               "on a screen",
+                               placeText(area), nameOf(first->second)));
+      }
+      return;
+    }
+    for (const std::size_t other : blocks_.overlapping({area.type, rect()})) {
+      if (other >= step_.block) return;
+      if (wanted_[other].area.screen != area.screen) continue;
+      const bool same = wanted_[other].area.rect == rect();
+      if (rules_.mode == StoreMode::kBeside && !(same && replaces(wanted_[other]) && replaces(block()))) continue;
+      object({}, fmt::format(same ? "{} is the place of {} too" : "{} overlaps {} of this batch", placeText(area),
+                             nameOf(other)));
+      return;
+    }
+  }
+
+  static bool replaces(const WantedBlock& block) { return block.text.number == BlockText().number; }
+  std::string nameOf(std::size_t block) const {
+    const WantedBlock& other = wanted_[block];
+    return other.name.empty() ? toText(other.area.rect) : other.name;
+  }
+
+  void decidePatch() {
+    step_.kind = StoreStep::Kind::kPatch;
+    for (const std::size_t index : overlapping()) {
+      if (!holds(stored_.areas[index].rect, rect())) continue;
+      step_.area = index;
+      if (stored_.areas[index].cellBytes != block().cellBytes) {
+        object({}, fmt::format("{} lies in {}, which has {} bytes per cell; this block has {}", placeText(block().area),
+                               areaText(stored_.areas[index]), stored_.areas[index].cellBytes, block().cellBytes));
+      }
+      return;
+    }
+    refuseArea();
+  }
+
+  void decideUpdate(const StoredScreen& screen) {
+    const auto found = firstOfType_.find({step_.screenId, block().area.type});
+    if (found == firstOfType_.end()) return refuseArea();
+    rewrite(found->second);
+    step_.movesScreen = byName() && !(screen.rect == rect());
+    if (!step_.movesScreen || rules_.force) return;
+    for (const StoredArea& area : stored_.areas) {
+      if (area.screenId != screen.id || &area == &stored_.areas[found->second] || holds(rect(), area.rect)) continue;
+      object(kForce, fmt::format("the screen {} would become {}, and {} would lie outside", screen.name, toText(rect()),
+                                 areaText(area)));
+    }
+  }
+
+  void decideStore() {
+    const std::optional<std::size_t> same = takenOver();
+    if (same) rewrite(*same);
+    if (rules_.mode == StoreMode::kBeside) return;
+    std::vector<std::string> met;
+    Remedies remedies{false, false, true, !byName()};
+    for (const std::size_t index : overlapping()) {
+      const StoredArea& area = stored_.areas[index];
+      const bool inside = holds(rect(), area.rect);
+      if (same && index == *same) continue;
+      if (rules_.mode == StoreMode::kReplace && inside) {
+        step_.removed.push_back(index);
+      } else if (!liesBehindAlready(same, index)) {
+        met.push_back(fmt::format("{}: {}", areaText(area), answerBeside(index, same)));
+        remedies.replace = remedies.replace && inside;
+        remedies.patch = remedies.patch || (holds(area.rect, rect()) && area.cellBytes == block().cellBytes);
+      }
+    }
+    if (!met.empty()) object(remedies, fmt::format("{} overlaps {}", placeText(block().area), shortList(met, "; ")));
+  }
+
+  // An area that came after the one that is rewritten in its very place.
+  bool liesBehindAlready(const std::optional<std::size_t>& rewritten, std::size_t index) const {
+    return rewritten && index > *rewritten && stored_.areas[*rewritten].rect == rect();
+  }
+
+  // The stored area that the library rewrites instead of adding one.
+  std::optional<std::size_t> takenOver() const {
+    if (byName()) {
+      const auto found = firstOfType_.find({step_.screenId, block().area.type});
+      return found != firstOfType_.end() ? std::optional(found->second) : std::nullopt;
+    }
+    if (!replaces(block())) return std::nullopt;
+    for (const std::size_t index : overlapping()) {
+      const StoredArea& area = stored_.areas[index];
+      if (area.screenId == step_.screenId && area.rect == rect()) return index;
+    }
+    return std::nullopt;
+  }
+
+  void rewrite(std::size_t index) {
+    step_.kind = StoreStep::Kind::kRewrite;
+    step_.area = index;
+    if (rules_.force) return;
+    const StoredArea& area = stored_.areas[index];
+    const bool inside = rules_.mode == StoreMode::kReplace && holds(rect(), area.rect);
+    if (!(area.rect == rect()) && !inside) {
+      object(kForce, fmt::format("{} would replace {} of another place, {}, which would be lost",
+                                 placeText(block().area), areaText(area), blockText(area)));
+    } else if (area.cellBytes != block().cellBytes) {
+      object(kForce, fmt::format("{} is stored with {} bytes per cell; this block has {}", placeText(block().area),
+                                 area.cellBytes, block().cellBytes));
+    }
+  }
+
+  void objectToOutside(const StoredScreen* screen) {
+    const Rect whole =
+        screen != nullptr ? screen->rect : addedScreens_.emplace(block().area.screen, rect()).first->second;
+    if (rules_.force || holds(whole, rect())) return;
+    object(kForce, fmt::format("{} leaves its screen, which is {}", placeText(block().area), toText(whole)));
+  }
+
+  // Stored areas on which the block would lie: databases of type 0 have one plane for all screens.
+  std::vector<std::size_t> overlapping() const {
+    std::vector<std::size_t> found = areas_.overlapping({block().area.type, rect()});
+    const bool one = byName() || rules_.mode == StoreMode::kPatch;
+    found.erase(
+        std::remove_if(found.begin(), found.end(),
+                       [&](std::size_t index) { return one && stored_.areas[index].screenId != step_.screenId; }),
+        found.end());
+    return found;
+  }
+
+  // What would be read where the block and a stored area overlap, as the library looks: the first screen that holds the
+  // rectangle, the first area of the type there that does.
+  std::string answerBeside(std::size_t index, const std::optional<std::size_t>& same) const {
+    const Rect both = *common(stored_.areas[index].rect, rect());
+    const std::int64_t screen = byName() ? step_.screenId : screenHolding(both);
+    const std::string asked = "coef get of " + toText(both) + " would ";
+    for (const std::size_t other : areas_.overlapping({block().area.type, both})) {
+      const bool rewritten = same && other == *same;
+      const StoredArea& area = stored_.areas[other];
+      if (area.screenId != screen || !holds(rewritten ? rect() : area.rect, both)) continue;
+      return asked +
+             (rewritten ? "answer from this block" : fmt::format("answer from area {}, which is older", area.id));
+    }
+    return asked + (screen == step_.screenId ? "answer from this block" : "find nothing on its screen");
+  }
+
+  std::int64_t screenHolding(const Rect& part) const {
+    for (const StoredScreen& screen : stored_.screens) {
+      if (holds(screen.rect, part)) return screen.id;
+    }
+    return 0;
+  }
+
+  const StoredPlaces& stored_;
+  const std::vector<WantedBlock>& wanted_;
+  const StoreRules& rules_;
+  const PlaceIndex areas_;
+  const PlaceIndex blocks_;
+  std::map<std::pair<std::int64_t, std::int32_t>, std::size_t> firstOfType_;  // by screen and type
+  std::map<std::pair<std::string, std::int32_t>, std::size_t> firstWanted_;   // in databases of type 1
+  std::map<std::string, Rect> addedScreens_;                                  // each of the first block that names it
+  StorePlan plan_;
+  StoreStep step_;
+};
+
+}  // namespace
+
+StorePlan planStore(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules) {
+  if (stored.databaseType != 0 && stored.databaseType != 1) throw libraryError(tovr::kTypeNotGiven);
+  if (rules.mode == StoreMode::kBeside && stored.databaseType == 1) {
+    throw ToolError(kUsage,
+                    "a database of type 1 keeps one area of a type on a screen: nothing can be stored beside it");
+  }
+  return Planner(stored, wanted, rules).plan();
+}
+
+}  // namespace tovrtool
