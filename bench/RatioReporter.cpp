@@ -35,7 +35,7 @@ void RatioReporter::print(std::FILE* out, const std::vector<Bound>& bounds) cons
     if (library == seconds_.end() || floor == seconds_.end()) continue;
     const double ours = median(library->second) * 1e3;
     const double bare = median(floor->second) * 1e3;
-    std::fprintf(out, "| %s | %.3f | %.3f | %.3f | %.2f |\n", bound.work.c_str(), ours, bare, ours / bare, bound.ratio);
+    std::fprintf(out, "| %s | %.3f | %.3f | %.3f | %.3f |\n", bound.work.c_str(), ours, bare, ours / bare, bound.ratio);
   }
 }
 

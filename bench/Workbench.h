@@ -51,6 +51,7 @@ class StoreUnderTest {
   std::unique_ptr<unsigned char[]> query(const Rectangle& rectangle);
   // What the flows read before they decide: all screens and all areas.
   void readLists();
+  tovr::IEncryption& encryption() { return host_.encryption(); }
 
  private:
   tovrhost::PluginHost host_;

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <memory>
 #include <new>
+#include <numeric>
 #include <stdexcept>
 #include <string>
 

@@ -5,7 +5,8 @@
 
 namespace tovr {
 
-// Renames `from` to `to`; false, and nothing changed, where `to` exists (errno is EEXIST) or the rename fails otherwise.
+// Renames `from` to `to`; false, and nothing changed, where `to` exists (errno is EEXIST) or the rename fails
+// otherwise.
 bool renameWithoutReplacing(const std::string& from, const std::string& to);
 
 }  // namespace tovr

@@ -57,6 +57,7 @@ TEST_F(StoreTest, ByNameNoBlockTakesThePlaceOfAnotherUnasked) {
   succeed(put + "--at 0,0 whole.npy");
   expectRefused(kConflict, "would replace area 1 (0,0..7,3) of another place, the block of 64 bytes, 2 per cell, of 20",
                 put + "--at 0,0 part.npy");
+  expectRefused(kConflict, "--patch puts the cells into the stored block; --force", put + "--at 0,0 part.npy");
   expectTold("replaced the block of 64 bytes, 2 per cell, of 20", put + "--at 0,0 whole.npy");
   expectTold("replaced the block of 64 bytes", put + "--at 0,0 part.npy --force");
   EXPECT_EQ(get("named.db --type 1 --screen S --rect 0,0,2,1"), std::string(12, 'p'));

@@ -86,7 +86,7 @@ class Planner {
     if (rules_.mode == StoreMode::kPatch) return decidePatch();
     if (rules_.mode == StoreMode::kUpdate) return decideUpdate(*screen);
     if (byName()) objectToOutside(screen);
-    decideStore();
+    if (!adds) decideStore();
   }
 
   const StoredScreen* findScreen() const {
@@ -212,10 +212,12 @@ class Planner {
     step_.area = index;
     if (rules_.force) return;
     const StoredArea& area = stored_.areas[index];
-    const bool inside = rules_.mode == StoreMode::kReplace && holds(rect(), area.rect);
-    if (!(area.rect == rect()) && !inside) {
-      object(kForce, fmt::format("{} would replace {} of another place, {}, which would be lost",
-                                 placeText(block().area), areaText(area), blockText(area)));
+    const bool inside = holds(rect(), area.rect);
+    if (!(area.rect == rect()) && !(rules_.mode == StoreMode::kReplace && inside)) {
+      const bool patchable = holds(area.rect, rect()) && area.cellBytes == block().cellBytes;
+      object({true, patchable, inside, false},
+             fmt::format("{} would replace {} of another place, {}, which would be lost", placeText(block().area),
+                         areaText(area), blockText(area)));
     } else if (area.cellBytes != block().cellBytes) {
       object(kForce, fmt::format("{} is stored with {} bytes per cell; this block has {}", placeText(block().area),
                                  area.cellBytes, block().cellBytes));
