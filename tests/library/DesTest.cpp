@@ -1,4 +1,9 @@
-// The cipher core against published vectors, its padding, and what it refuses.
+// The cipher core against published vectors and another implementation, its padding, and what it refuses.
+#if !defined(_WIN32)  // nettle is not built there
+#include <nettle/cbc.h>
+#include <nettle/des.h>
+#endif
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -47,20 +52,34 @@ TEST(DesTest, ChainsAsPublished) {
   EXPECT_EQ(crypt(kDecrypt, kCbc, cipher), plain);
 }
 
-// A partial block is deciphered as far as it goes in a chain, and refused without one. That the chains are right,
-// DESKeyTest shows.
+// The chain of whole blocks as another implementation gives it, or as our own does.
+Bytes chainOf(Bytes blocks) {
+#if defined(_WIN32)
+  return crypt(kEncrypt, kCbc, blocks);
+#else
+  struct CBC_CTX(des_ctx, DES_BLOCK_SIZE) context;
+  des_set_key(&context.ctx, kDesKey.data());
+  CBC_SET_IV(&context, kDesIv.data());
+  CBC_ENCRYPT(&context, des_encrypt, blocks.size(), blocks.data(), blocks.data());
+  return blocks;
+#endif
+}
+
+// A partial block is deciphered as far as it goes in a chain, and refused without one.
 TEST(DesTest, EveryLengthIsPaddedWithZerosToWholeBlocks) {
-  for (std::size_t length = 0; length <= 64; ++length) {
+  std::vector<std::size_t> lengths = {1000, 65536, 65539, 1234567};
+  for (std::size_t length = 0; length <= 64; ++length) lengths.push_back(length);
+  for (const std::size_t length : lengths) {
     SCOPED_TRACE(length);
     const Bytes input = pattern(length, 5);
     const Bytes padded = zeroPadded(input);
-    const Bytes chained = crypt(kEncrypt, kCbc, padded);
-    EXPECT_EQ(crypt(kEncrypt, kCbc, input), chained);
-    EXPECT_EQ(crypt(kDecrypt, kCbc, chained), padded);
-    EXPECT_EQ(crypt(kDecrypt, kEcb, crypt(kEncrypt, kEcb, input)), padded);
+    const Bytes chained = chainOf(padded);
+    EXPECT_TRUE(crypt(kEncrypt, kCbc, input) == chained);
+    EXPECT_TRUE(crypt(kDecrypt, kCbc, chained) == padded);
+    EXPECT_TRUE(crypt(kDecrypt, kEcb, crypt(kEncrypt, kEcb, input)) == padded);
     Bytes partial = crypt(kDecrypt, kCbc, padded);
     partial.resize(length);
-    EXPECT_EQ(crypt(kDecrypt, kCbc, input), partial);
+    EXPECT_TRUE(crypt(kDecrypt, kCbc, input) == partial);
     Bytes out = {9};
     EXPECT_EQ(DES().crypt(kDecrypt, kEcb, {}, input, out, kDesKey), length % 8 == 0);
     EXPECT_EQ(out != Bytes{9}, length % 8 == 0) << "a refused block leaves the output alone";
