@@ -3,7 +3,6 @@
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <openssl/des.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <random>
@@ -33,40 +32,63 @@ Bytes chainedByLibcrypto(int direction, tovr::DESBlock key, tovr::DESBlock iv, B
   return blocks;
 }
 
-using Operation = void (tovr::DESKey::*)(const unsigned char*, std::size_t, unsigned char*, tovr::DESBlock) const;
-
-constexpr std::size_t kSpare = 24;  // behind what is ciphered: shows what is written there
+constexpr std::size_t kSpare = 24;  // around what is ciphered: shows what is written beside it
 constexpr std::size_t kLongest = 4200;
 
-// Ciphers `input` in a buffer where it begins at `shift`, and the result does too: in place or elsewhere.
-void expectCiphered(const tovr::DESKey& key, Operation cipher, const tovr::DESBlock& iv, const Bytes& input,
-                    const Bytes& expected, bool inPlace) {
+// Ciphers `input` at any alignment, in place or not. `written`: the bytes that this gives.
+template <class Cipher>
+Bytes ciphered(const Bytes& input, std::size_t written, const Cipher& cipher) {
   const std::size_t shift = randomBits() % 17;
-  Bytes in(shift + std::max(input.size(), expected.size()) + kSpare, 0xEE);
-  std::copy(input.begin(), input.end(), in.begin() + static_cast<std::ptrdiff_t>(shift));
+  const bool inPlace = randomBits() % 2 == 0;
+  Bytes in(shift);
+  in.insert(in.end(), input.begin(), input.end());
+  in.resize(shift + std::max(input.size(), written) + kSpare, 0xEE);
   Bytes out = inPlace ? in : Bytes(in.size(), 0xEE);
-  (key.*cipher)(inPlace ? out.data() + shift : in.data() + shift, input.size(), out.data() + shift, iv);
-  const auto begin = out.begin() + static_cast<std::ptrdiff_t>(shift);
-  const auto end = begin + static_cast<std::ptrdiff_t>(expected.size());
-  EXPECT_TRUE(Bytes(begin, end) == expected) << input.size() << " bytes" << (inPlace ? " in place" : "");
-  EXPECT_EQ(std::count(end, end + kSpare, 0xEE), kSpare) << input.size() << " bytes" << (inPlace ? " in place" : "");
+  cipher(inPlace ? out.data() + shift : in.data() + shift, out.data() + shift);
+  const auto end = out.begin() + static_cast<std::ptrdiff_t>(shift + written);
+  EXPECT_EQ(std::count(end, end + kSpare, 0xEE), kSpare);
+  return {out.begin() + static_cast<std::ptrdiff_t>(shift), end};
 }
 
-// Cut into pieces, they are fuzz/DesFuzz's to test.
 TEST(DESKeyTest, EveryLengthAlignmentAndKeyGivesWhatLibcryptoGives) {
   for (std::size_t length = 0; length <= kLongest; ++length) {
     const tovr::DESBlock key = randomBlock();
     const tovr::DESBlock iv = randomBlock();
     const Bytes input = randomBytes(length);
-    const Bytes enciphered = chainedByLibcrypto(DES_ENCRYPT, key, iv, zeroPadded(input));
-    Bytes deciphered = chainedByLibcrypto(DES_DECRYPT, key, iv, zeroPadded(input));
+    Bytes whole = input;
+    whole.resize((length + 7) / 8 * 8);
+    const Bytes enciphered = chainedByLibcrypto(DES_ENCRYPT, key, iv, whole);
+    Bytes deciphered = chainedByLibcrypto(DES_DECRYPT, key, iv, whole);
     deciphered.resize(length);
     const tovr::DESKey ready(key);
-    for (const bool inPlace : {false, true}) {
-      expectCiphered(ready, &tovr::DESKey::encryptCbc, iv, input, enciphered, inPlace);
-      expectCiphered(ready, &tovr::DESKey::decryptCbc, iv, input, deciphered, inPlace);
-    }
+    EXPECT_TRUE(ciphered(input, whole.size(),
+                         [&](const unsigned char* in, unsigned char* out) { ready.encryptCbc(in, length, out, iv); }) ==
+                enciphered)
+        << length;
+    EXPECT_TRUE(ciphered(input, length,
+                         [&](const unsigned char* in, unsigned char* out) { ready.decryptCbc(in, length, out, iv); }) ==
+                deciphered)
+        << length;
   }
+}
+
+TEST(DESKeyTest, PiecesGoOnWithTheLastCipherBlock) {
+  const tovr::DESBlock key = randomBlock();
+  const Bytes plain = randomBytes(20000);
+  const tovr::DESKey ready(key);
+  tovr::DESBlock enciphering = randomBlock();
+  tovr::DESBlock deciphering = enciphering;
+  const Bytes whole = chainedByLibcrypto(DES_ENCRYPT, key, enciphering, plain);
+  Bytes pieces(plain.size());
+  Bytes back(plain.size());
+  for (std::size_t at = 0, size = 0; at < plain.size(); at += size) {
+    size = std::min(plain.size() - at, randomBits() % 400 * 8 + 8);
+    ready.encryptCbc(plain.data() + at, size, pieces.data() + at, enciphering);
+    ready.decryptCbc(pieces.data() + at, size, back.data() + at, deciphering);
+    enciphering = deciphering = tovr::DESBlock::firstOf(pieces.data() + at + size - 8, 8);
+  }
+  EXPECT_TRUE(pieces == whole);
+  EXPECT_TRUE(back == plain);
 }
 
 // Whatever lanes a processor has.
@@ -100,8 +122,9 @@ TEST(DESKeyTest, LanesOfEveryKindGiveWhatLibcryptoGives) {
 TEST(DESKeyTest, ThreadsThatShareACipherEachGetTheirOwnKey) {
   const DES shared;
   std::atomic<int> wrong{0};
-  const auto work = [&](const std::string& key) {
-    const Bytes plain = pattern(1504, 1);
+  const auto work = [&](char name) {
+    const std::string key(8, name);
+    const Bytes plain = pattern(1500, static_cast<unsigned char>(name));
     Bytes first;
     shared.encrypt(key, key, plain, first);
     for (int i = 0; i < 200; ++i) {
@@ -109,11 +132,12 @@ TEST(DESKeyTest, ThreadsThatShareACipherEachGetTheirOwnKey) {
       Bytes back;
       shared.encrypt(key, key, plain, enciphered);
       shared.decrypt(key, key, enciphered, back);
+      back.resize(plain.size());
       if (enciphered != first || back != plain) ++wrong;
     }
   };
   std::vector<std::thread> threads;
-  for (const char* key : {"a", "b", "c", "d"}) threads.emplace_back(work, key);
+  for (const char name : {'a', 'b', 'c', 'd'}) threads.emplace_back(work, name);
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
 }
