@@ -34,11 +34,11 @@ cp wall.db later.db
 cabinet later.db 2 64 45
 cabinet later.db 2 160 0
 
-"$tovrdb" heatmap wall.db -o "$out/cabinet.png" --force --type 1 --dtype uint16 --component 0 \
+"$tovrdb" heatmap wall.db -o "$out/cabinet.png" --force --type 1 --component 0 \
   --rect 0,0,31,44 --unit 'red of red, 1/16384' --title 'One cabinet'
-"$tovrdb" heatmap wall.db -o "$out/wall.png" --force --type 1 --dtype uint16 --component 0 \
+"$tovrdb" heatmap wall.db -o "$out/wall.png" --force --type 1 --component 0 \
   --wall --unit 'red of red, 1/16384'
-"$tovrdb" diff wall.db later.db --dtype uint16 --component 0 --heatmap "$out/difference.png" --force \
+"$tovrdb" diff wall.db later.db --component 0 --heatmap "$out/difference.png" --force \
   --unit 'red of red, 1/16384' || [ $? -eq 1 ]
 
 for picture in "$out"/*.png; do

@@ -1,12 +1,14 @@
 // tovrdb: the command line of the database plug-in. Reads the command line, runs the command that it names and turns
 // its outcome into an exit code.
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <new>
 #include <sstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
@@ -88,11 +90,13 @@ std::string complaintAbout(const CLI::App& app, const CLI::ParseError& error) {
   const auto commands = group->get_subcommands([](const CLI::App*) { return true; });
   const auto rest = app.remaining(true);
   if (dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || commands.empty()) return error.what();
-  std::string names;
-  for (const CLI::App* command : commands) names += (names.empty() ? "" : ", ") + command->get_name();
-  if (rest.empty()) return "say what to do" + (named.empty() ? ": one of " : ": " + named + "takes one of ") + names;
+  std::vector<std::string> words;
+  for (const CLI::App* command : commands) words.push_back(command->get_name());
+  const std::string names = fmt::format("{}", fmt::join(words, ", "));
+  if (rest.empty() && named.empty()) return "say what to do: one of " + names;
+  if (rest.empty()) return fmt::format("say what to do: {}takes one of {}", named, names);
   if (rest.front()[0] == '-') return "there is no option " + rest.front();
-  return "there is no command " + named + rest.front() + "; there are " + names;
+  return fmt::format("there is no command {}{}; there are {}", named, rest.front(), names);
 }
 
 int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {

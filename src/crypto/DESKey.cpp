@@ -1,5 +1,5 @@
-// Two forms of one cipher. Deciphering of many blocks is bitsliced (ParallelDES). What is left is one block after the
-// other, so it is arranged for a short way from a round to the next:
+// Deciphering is ParallelDES's. A chain is enciphered one block after the other, arranged for a short way from a round
+// to the next:
 //
 // - A half is kept as E expands it: eight groups of six bits, a byte each, the first the most significant.
 // - S-box, P and the next E are one table of such halves. E only copies bits, so halves still add up by XOR.
@@ -22,11 +22,6 @@ namespace {
 using Decipherer = ParallelDES<NativeLanes>;
 
 constexpr std::size_t kBlock = 8;
-
-// A batch takes one time however full it is: that of some twelve blocks one by one.
-constexpr std::size_t kFewBytes = 12 * kBlock;
-
-constexpr std::size_t kBatch = Decipherer::kBatchSize;
 
 struct RoundTable {
   std::uint64_t of[8][64] = {};  // by S-box and its input
@@ -112,12 +107,10 @@ std::uint64_t placed(std::uint64_t roundKey) {
   return bytes;
 }
 
-DESRounds inOrder(const DESSchedule& schedule, bool backwards) {
-  const auto key = [&](int round) { return placed(schedule.rounds[backwards ? 15 - round : round]); };
+DESRounds roundsOf(const DESSchedule& schedule) {
+  const auto key = [&](int round) { return round < 16 ? placed(schedule.rounds[round]) : 0; };
   DESRounds rounds = {{key(0), key(1)}, {}};
-  for (int i = 0; i < 14; ++i) rounds.differences[i] = key(i) ^ key(i + 2);
-  rounds.differences[14] = key(14);
-  rounds.differences[15] = key(15);
+  for (int i = 0; i < 16; ++i) rounds.differences[i] = key(i) ^ key(i + 2);
   return rounds;
 }
 
@@ -147,23 +140,11 @@ Halves cross(std::uint64_t left, std::uint64_t right, const DESRounds& keys) {
   return {right, left};
 }
 
-void decryptBlocks(const DESRounds& rounds, unsigned char* bytes, std::size_t size, DESBlock& chain) {
-  std::uint64_t before = load(chain.bytes);
-  for (std::size_t at = 0; at < size; at += kBlock) {
-    const std::uint64_t block = load(bytes + at);
-    const Halves opened = open(block);
-    store(close(cross(opened.left, opened.right, rounds)) ^ before, bytes + at);
-    before = block;
-  }
-  store(before, chain.bytes);
-}
-
 }  // namespace
 
 DESKey::DESKey(const DESBlock& key) : key_(key) {
   const DESSchedule schedule(key);
-  forwards_ = inOrder(schedule, false);
-  backwards_ = inOrder(schedule, true);
+  rounds_ = roundsOf(schedule);
   Decipherer::makeKeyLanes(schedule, lanes_);
 }
 
@@ -178,7 +159,7 @@ void DESKey::encryptCbc(const unsigned char* in, std::size_t size, unsigned char
   for (std::size_t at = 0; at < size; at += kBlock) {
     const bool isWhole = size - at >= kBlock;
     const Halves plain = open(load(isWhole ? in + at : DESBlock::firstOf(in + at, size - at).bytes));
-    const Halves enciphered = cross(plain.left ^ left, plain.right ^ right, forwards_);
+    const Halves enciphered = cross(plain.left ^ left, plain.right ^ right, rounds_);
     store(close(enciphered), out + at);
     left = enciphered.left;
     right = enciphered.right;
@@ -186,28 +167,18 @@ void DESKey::encryptCbc(const unsigned char* in, std::size_t size, unsigned char
 }
 
 void DESKey::decryptCbc(const unsigned char* in, std::size_t size, unsigned char* out, DESBlock iv) const {
+  constexpr std::size_t kBatch = Decipherer::kBatchSize;
+  Decipherer decipherer(lanes_);
   const std::size_t rest = size % kBatch;
-  if (size > rest) {
-    Decipherer decipherer(lanes_);
-    for (; size > rest; in += kBatch, out += kBatch, size -= kBatch) decipherer.decipher(in, out, iv.bytes);
-    wipe(&decipherer, sizeof decipherer);
+  for (; size > rest; in += kBatch, out += kBatch, size -= kBatch) decipherer.decipher(in, out, iv.bytes);
+  if (rest > 0) {
+    unsigned char batch[kBatch] = {};
+    std::copy_n(in, rest, batch);
+    decipherer.decipher(batch, batch, iv.bytes);
+    std::copy_n(batch, rest, out);
+    wipe(batch, sizeof batch);
   }
-  if (rest > 0) decryptRest(in, rest, out, iv);
-}
-
-// Less than a batch. Its last block may be a partial one, so it is not done in place.
-void DESKey::decryptRest(const unsigned char* in, std::size_t size, unsigned char* out, DESBlock& chain) const {
-  unsigned char bytes[kBatch] = {};
-  std::copy_n(in, size, bytes);
-  if (size <= kFewBytes) {
-    decryptBlocks(backwards_, bytes, size, chain);
-  } else {
-    Decipherer decipherer(lanes_);
-    decipherer.decipher(bytes, bytes, chain.bytes);
-    wipe(&decipherer, sizeof decipherer);
-  }
-  std::copy_n(bytes, size, out);
-  wipe(bytes, size);
+  wipe(&decipherer, sizeof decipherer);
 }
 
 }  // namespace tovr

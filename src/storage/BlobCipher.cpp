@@ -132,20 +132,22 @@ void EncipheredBlob::readAcrossGaps(std::size_t offset, std::size_t rowSize, std
   }
 }
 
-// `size` bytes of the frame from `begin`. Where they begin or end inside a cipher block, it is deciphered by itself.
+// `size` bytes of the frame from `begin`. Long runs of whole cipher blocks go straight into `out`; what is short, or
+// begins or ends inside a block, by a piece that has all of its blocks.
 void EncipheredBlob::decipher(std::size_t begin, std::size_t size, unsigned char* out) const {
   while (size > 0) {
+    unsigned char piece[512];
     const std::size_t start = roundDown(begin);
     const DESBlock vector = start == 0 ? blockAt(kBlobKey) : blockAt(bytes_ + start - kBlock);
     std::size_t taken = roundDown(size);
-    if (begin == start && taken > 0) {
+    if (begin == start && size > sizeof piece) {
       key_->decryptCbc(bytes_ + start, taken, out, vector);
     } else {
-      DESBlock block;
-      key_->decryptCbc(bytes_ + start, std::min(kBlock, size_ - start), block.bytes, vector);
-      taken = std::min(size, start + kBlock - begin);
-      std::copy_n(block.bytes + (begin - start), taken, out);
-      wipe(block.bytes, kBlock);
+      const std::size_t end = std::min({roundUp(begin + size), start + sizeof piece, size_});
+      key_->decryptCbc(bytes_ + start, end - start, piece, vector);
+      taken = std::min(size, end - begin);
+      std::copy_n(piece + (begin - start), taken, out);
+      wipe(piece, end - start);
     }
     begin += taken;
     size -= taken;

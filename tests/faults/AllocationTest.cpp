@@ -55,12 +55,11 @@ class ReleasedMemoryTest : public DatabaseTest, public testing::WithParamInterfa
     createFile(kByRectangle);
     ASSERT_EQ(addScreen("", kScreen), kOk);
   }
-  int secretsReleasedBy(const std::function<void()>& operation) {
+  void expectClean(const std::string& name, int code, const std::function<int()>& operation) {
     watchReleases(secret);
-    operation();
-    const int seen = releasesSeen();
+    EXPECT_EQ(operation(), code) << name;
+    EXPECT_EQ(releasesSeen(), 0) << name;
     watchReleases("");
-    return seen;
   }
 
   Bytes cells = pattern(300 * 100 * 4, 9);
@@ -71,72 +70,56 @@ class ReleasedMemoryTest : public DatabaseTest, public testing::WithParamInterfa
 INSTANTIATE_TEST_SUITE_P(OwnCipher, ReleasedMemoryTest, testing::Bool());
 
 TEST_P(ReleasedMemoryTest, IsWatched) {
-  EXPECT_GT(secretsReleasedBy([&] { delete new std::string(secret + secret); }), 0);
+  watchReleases(secret);
+  delete new std::string(secret + secret);
+  EXPECT_GT(releasesSeen(), 0);
 }
 
-TEST_P(ReleasedMemoryTest, HoldsNoCellsOfBlocks) {
+TEST_P(ReleasedMemoryTest, HoldsNoPayload) {
   CoefData area = coef(kScreen, cells, 4);
-  EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->insertData(&area), kOk); }), 0);
+  expectClean("a block stored", kOk, [&] { return manager->insertData(&area); });
   for (const Rect& part : {kScreen, Rect{2, 90, 20, 90}}) {
     CoefData record = coef(part, cells, 0);
-    EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->queryData(&record), kOk); }), 0);
+    expectClean("a block read", kOk, [&] { return manager->queryData(&record); });
     delete[] record.coefBuffer.data;
   }
-  CoefDataTableOperate table;
   CoefBuffer block;
-  EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(table.selectCoef(area.coefid, &block), kOk); }), 0);
+  expectClean("a block read whole", kOk, [&] { return CoefDataTableOperate().selectCoef(area.coefid, &block); });
   delete[] block.data;
-}
-
-TEST_P(ReleasedMemoryTest, HoldsNoGenericData) {
   ConfigData data;
   data.datatype = 1;
   data.data = cells.data();
   data.dataSize = static_cast<std::uint32_t>(cells.size());
-  EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->insertData(&data), kOk); }), 0);
-  EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->queryData(&data), kOk); }), 0);
+  expectClean("generic data stored", kOk, [&] { return manager->insertData(&data); });
+  expectClean("generic data read", kOk, [&] { return manager->queryData(&data); });
   delete[] data.data;
-}
-
-TEST_P(ReleasedMemoryTest, HoldsNoMeasurements) {
   LumChromaData measurement;
   measurement.data = row;
   measurement.dataSize = 256;
-  EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(manager->insertData(&measurement), SQLITE_CONSTRAINT); }), 0);
-  LumChromaDataTableOperate table;
-  EXPECT_EQ(secretsReleasedBy([&] { EXPECT_EQ(table.query(&measurement), kOk); }), 0);
+  expectClean("a measurement stored", SQLITE_CONSTRAINT, [&] { return manager->insertData(&measurement); });
+  expectClean("measurements printed", kOk, [&] { return LumChromaDataTableOperate().query(&measurement); });
 }
 
 TEST(BlobAllocationTest, ABlockIsDoneWholeOrNotAtAllAndTheFirstCallReadiesTheKey) {
   const Bytes payload = pattern(200000, 5);
   Bytes blob;
-  {
+  ASSERT_TRUE(encipherPayload(*std::make_unique<Encryption>(), payload.data(), 200000, blob));
+  const std::pair<Bytes, std::function<bool(Encryption&, Bytes&)>> cases[] = {
+      {blob, [&](Encryption& by, Bytes& out) { return encipherPayload(by, payload.data(), 200000, out); }},
+      {payload, [&](Encryption& by, Bytes& out) { return decipherPayload(by, blob.data(), blob.size(), out); }}};
+  for (const auto& [wanted, operation] : cases) {
     Encryption encryption;
-    ASSERT_TRUE(encipherPayload(encryption, payload.data(), 200000, blob));
-  }
-  const auto everyAllocation = [](const std::function<void()>& operation, const std::function<void()>& afterFailure) {
-    for (int point = 1;; ++point) {
+    Bytes out = {9};
+    for (const int point : {1, 2}) {
       allocations().arm(point);
-      try {
-        operation();
-        allocations().disarm();
-        return point - 1;
-      } catch (const std::bad_alloc&) {
-        allocations().disarm();
-        afterFailure();
-      }
+      EXPECT_THROW(operation(encryption, out), std::bad_alloc) << "allocation " << point;
+      EXPECT_EQ(out, Bytes{9}) << "allocation " << point;
     }
-  };
-  Bytes stored = {9};
-  Encryption enciphering;
-  const auto encipher = [&] { EXPECT_TRUE(encipherPayload(enciphering, payload.data(), 200000, stored)); };
-  EXPECT_EQ(everyAllocation(encipher, [&] { EXPECT_EQ(stored, Bytes{9}); }), 2);
-  EXPECT_TRUE(stored == blob);
-  Bytes read = {9};
-  Encryption deciphering;
-  const auto decipher = [&] { EXPECT_TRUE(decipherPayload(deciphering, blob.data(), blob.size(), read)); };
-  EXPECT_EQ(everyAllocation(decipher, [&] { EXPECT_EQ(read, Bytes{9}); }), 2);
-  EXPECT_TRUE(read == payload);
+    allocations().arm(3);
+    EXPECT_TRUE(operation(encryption, out));
+    allocations().disarm();
+    EXPECT_TRUE(out == wanted);
+  }
 }
 
 }  // namespace tovrtest

@@ -50,15 +50,12 @@ class OperationSweep : public DatabaseTest, public testing::WithParamInterface<i
   std::vector<Operation> blockOperations();
   std::vector<Operation> tableOperations();
   std::vector<Operation> deletions();
-  Operation creatingTables();
-  Operation closing();
   Operation storing(const std::string& name, Call call, const Rect& rect, const std::string& screen, int areaid);
   Operation readingAWindow();
   Operation readingGenericData();
   Operation onRecord(const std::string& name, Call call, const std::function<Record()>& makeRecord);
   Operation changing(Operation operation, const std::string& sql, int wanted);
 
-  int sweepOne(const Operation& operation, FaultSource& source, Failing how);
   bool meetsFault(const Operation& operation, FaultSource& source, int point, Failing how);
   void openFresh();
   void reopen();

@@ -1,5 +1,6 @@
 // The power fails at every sync of a put, a patch, a deletion and a replacement, each in a transaction as the tool runs
-// it. Of every moment images are made that the disk may hold then, and what they hold is looked at.
+// it. Of every moment images are made that the disk may hold then, and what they hold is looked at. The same for a
+// program that is killed, at every step that it writes.
 #include <algorithm>
 #include <iostream>
 
@@ -37,9 +38,12 @@ class PowerCutTest : public DatabaseTest {
     manager->closeDB();
   }
 
+  enum class Fails { kPower, kProgram };
+
   // The changes, `rounds` times over, with "PRAGMA synchronous" as told.
-  Tally cutDuringChanges(const std::string& synchronous, int rounds) {
+  Tally cutDuringChanges(const std::string& synchronous, int rounds, Fails fails = Fails::kPower) {
     synchronous_ = synchronous;
+    fails_ = fails;
     const std::string printed = printedBy([&] {
       for (int round = 0; round < rounds && !HasFailure(); ++round) {
         const int left = round * 200;
@@ -69,7 +73,10 @@ class PowerCutTest : public DatabaseTest {
 
   void put(const Rect& rect) {
     const int cells = (rect.right - rect.left + 1) * (rect.bottom - rect.top + 1);
-    Bytes bytes = pattern(static_cast<std::size_t>(cells) * kCellBytes, ++seed_);
+    put(rect, pattern(static_cast<std::size_t>(cells) * kCellBytes, ++seed_));
+  }
+
+  void put(const Rect& rect, Bytes bytes) {
     CoefData record = coef(rect, bytes, kCellBytes);
     ASSERT_EQ(manager->insertData(&record), kOk);
   }
@@ -78,8 +85,7 @@ class PowerCutTest : public DatabaseTest {
     Bytes bytes = cellsAt(rect);
     const Bytes cells = pattern(600, ++seed_);
     std::copy(cells.begin(), cells.end(), bytes.begin() + 1000);
-    CoefData record = coef(rect, bytes, kCellBytes);
-    ASSERT_EQ(manager->insertData(&record), kOk);
+    put(rect, std::move(bytes));
   }
 
   void remove(const std::string& which) {
@@ -101,15 +107,21 @@ class PowerCutTest : public DatabaseTest {
 
   void change(const std::function<void()>& act) {
     std::set<DiskImage> during;
-    vfs_.beforeSync = [&] { vfs_.disk.addCuts(kImagesPerSync, random_, during); };
+    std::set<DiskImage> committed;
+    const auto addImages = [&](std::set<DiskImage>& images) {
+      fails_ == Fails::kPower ? vfs_.disk.addCuts(kImagesPerSync, random_, images) : vfs_.disk.addEnds(images);
+    };
+    if (fails_ == Fails::kProgram) vfs_.disk = VolatileDisk(vfs_.disk.written());
+    vfs_.beforeSync = [&] { addImages(during); };
     open();
     run("BEGIN IMMEDIATE");
     act();
     const Rows after = content();
     run("COMMIT");
+    if (fails_ == Fails::kProgram) addImages(during);
     vfs_.beforeSync = nullptr;
-    std::set<DiskImage> committed;
-    vfs_.disk.addCuts(kImagesPerSync, random_, committed);
+    if (fails_ == Fails::kPower) addImages(committed);
+    committed.insert(vfs_.disk.written());
     manager->closeDB();
 
     const VolatileDisk disk = vfs_.disk;
@@ -123,7 +135,8 @@ class PowerCutTest : public DatabaseTest {
   // Every eighth image loses its power again while the engine recovers it.
   void judge(const DiskImage& image, std::size_t oldest) {
     std::set<DiskImage> again;
-    if (++tally_.images % 8 == 0) vfs_.beforeSync = [&] { vfs_.disk.addCuts(4, random_, again); };
+    if (++tally_.images % 8 == 0 && fails_ == Fails::kPower)
+      vfs_.beforeSync = [&] { vfs_.disk.addCuts(4, random_, again); };
     judgeOnce(image, oldest);
     vfs_.beforeSync = nullptr;
     again.erase(image);
@@ -170,6 +183,7 @@ class PowerCutTest : public DatabaseTest {
 
   PowerCutVfs vfs_;
   std::string synchronous_ = "OFF";
+  Fails fails_ = Fails::kPower;
   std::vector<Rows> history_;  // the contents of the file, change by change
   std::mt19937 random_{20261123};
   unsigned int seed_ = 0;
@@ -191,6 +205,14 @@ TEST_F(PowerCutTest, UndoesAtMostTheLastChangeWhereItIsNot) {
   EXPECT_EQ(tally.mixed, 0);
   EXPECT_GT(tally.undone, 0);
   EXPECT_EQ(tally.undoneFurther, 0);
+}
+
+TEST_F(PowerCutTest, IsNotWhatAKilledProgramLeavesThatFlushesNothing) {
+  const Tally tally = cutDuringChanges("OFF", 2, Fails::kProgram);
+  EXPECT_GT(tally.images, 200);
+  EXPECT_EQ(tally.damaged, 0);
+  EXPECT_EQ(tally.mixed, 0);
+  EXPECT_EQ(tally.undone, 0);
 }
 
 TEST_F(PowerCutTest, LeavesDamagedFilesWhereNothingIsFlushed) {

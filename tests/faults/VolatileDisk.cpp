@@ -11,34 +11,21 @@ constexpr std::size_t kSector = 512;  // what a disk writes whole or not at all,
 
 enum class Fate { kKept, kLost, kTorn };
 
-// What becomes of a number of steps in one power cut.
-class Fates {
- public:
-  Fates(std::size_t steps, std::mt19937& random) : random_(random), way_(random() % 4), one_(random() % steps) {}
+Fate anyFate(std::mt19937& random) {
+  const auto chance = random() % 8;
+  return chance == 0 ? Fate::kTorn : chance % 2 == 0 ? Fate::kKept : Fate::kLost;
+}
 
-  Fate of(std::size_t step) {
-    switch (way_) {
-      case 0:
-        return step == one_ ? Fate::kTorn : step < one_ ? Fate::kKept : Fate::kLost;
-      case 1:
-        return step == one_ ? any() : Fate::kKept;
-      case 2:
-        return step == one_ ? any() : Fate::kLost;
-      default:
-        return any();
-    }
-  }
-
- private:
-  Fate any() {
-    const auto chance = random_() % 8;
-    return chance == 0 ? Fate::kTorn : chance % 2 == 0 ? Fate::kKept : Fate::kLost;
-  }
-
-  std::mt19937& random_;
-  std::mt19937::result_type way_;
-  std::size_t one_;
-};
+// What becomes of each of a number of steps in one power cut.
+std::vector<Fate> fates(std::size_t steps, std::mt19937& random) {
+  const auto way = random() % 4;
+  const std::size_t one = random() % steps;
+  std::vector<Fate> all(steps, way == 1 ? Fate::kKept : Fate::kLost);
+  if (way == 0) std::fill_n(all.begin(), one, Fate::kKept);
+  if (way == 3) std::generate(all.begin(), all.end(), [&] { return anyFate(random); });
+  all[one] = way == 0 ? Fate::kTorn : anyFate(random);
+  return all;
+}
 
 }  // namespace
 
@@ -82,6 +69,14 @@ void VolatileDisk::addCuts(int attempts, std::mt19937& random, std::set<DiskImag
   images.insert(written());
   images.insert(imageOf(synced_));
   for (int i = 0; i < attempts && !unsynced_.empty(); ++i) images.insert(cut(random));
+}
+
+void VolatileDisk::addEnds(std::set<DiskImage>& images) const {
+  State state = synced_;
+  for (const Step& step : unsynced_) {
+    images.insert(imageOf(state));
+    apply(step, state);
+  }
 }
 
 DiskImage VolatileDisk::imageOf(const State& state) {
@@ -143,11 +138,10 @@ void VolatileDisk::settle(Chosen chosen) {
 
 DiskImage VolatileDisk::cut(std::mt19937& random) const {
   State state = synced_;
-  Fates fates(unsynced_.size(), random);
+  const std::vector<Fate> decided = fates(unsynced_.size(), random);
   for (std::size_t i = 0; i < unsynced_.size(); ++i) {
-    const Fate fate = fates.of(i);
-    if (fate == Fate::kKept) apply(unsynced_[i], state);
-    if (fate == Fate::kTorn) applyTorn(unsynced_[i], state, random);
+    if (decided[i] == Fate::kKept) apply(unsynced_[i], state);
+    if (decided[i] == Fate::kTorn) applyTorn(unsynced_[i], state, random);
   }
   return imageOf(state);
 }

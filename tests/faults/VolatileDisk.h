@@ -41,6 +41,9 @@ class VolatileDisk {
   // them in the order of the writes, or with a single step lost or kept.
   void addCuts(int attempts, std::mt19937& random, std::set<DiskImage>& images) const;
 
+  // Adds the images that a program leaves which ends at any step since the last sync: the disk gets what was written.
+  void addEnds(std::set<DiskImage>& images) const;
+
  private:
   struct State {
     std::map<std::string, int> names;

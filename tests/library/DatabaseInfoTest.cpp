@@ -18,23 +18,17 @@ class DatabaseInfoTest : public DatabaseTest {
   DBInfo info;
 };
 
-TEST_F(DatabaseInfoTest, EveryFieldHasItsColumn) {
+TEST_F(DatabaseInfoTest, EveryFieldHasItsColumnAndTheFirstRowIsRead) {
   createFileWithoutType();
+  info.dbname = "untouched";
+  EXPECT_EQ(manager->queryData(&info), kOk);
+  EXPECT_EQ(info.dbname, "untouched") << "there is no row";
   EXPECT_EQ(insert("first", 1), kOk);
   EXPECT_EQ(insert("second's", 0), kOk);
   EXPECT_EQ(rows("select id, dbname, dbtype, datastructversion, softwareversion, softwaretype, dbversion from DB_Info"),
             (Rows{{"1", "first", "1", "struct", "software", "kind", "layout"},
                   {"2", "second's", "0", "struct", "software", "kind", "layout"}}));
   EXPECT_EQ(rows("select id, dbname from Attach_DB_List"), (Rows{{"1", "first"}, {"2", "second's"}}));
-}
-
-TEST_F(DatabaseInfoTest, TheFirstRowIsRead) {
-  createFileWithoutType();
-  info.dbname = "untouched";
-  EXPECT_EQ(manager->queryData(&info), kOk);
-  EXPECT_EQ(info.dbname, "untouched") << "there is no row";
-  ASSERT_EQ(insert("first", 1), kOk);
-  ASSERT_EQ(insert("second", 0), kOk);
   EXPECT_EQ(manager->queryData(&info), kOk);
   EXPECT_EQ(info.id, 1);
   EXPECT_EQ(info.dbname, "first");

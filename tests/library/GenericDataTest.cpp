@@ -3,12 +3,8 @@
 
 namespace tovrtest {
 
-class GenericDataTest : public DatabaseTest {
+class GenericDataTest : public ScreenFileTest {
  protected:
-  void SetUp() override {
-    createFile(kByRectangle);
-    ASSERT_EQ(addScreen("", {0, 0, 9, 9}), kOk);
-  }
   Rows placements() { return rows("select screenid, dataid, datatype from DataInfo order by id"); }
 };
 
@@ -26,16 +22,9 @@ TEST_F(GenericDataTest, StoringReplacesTheBlobOfItsTypeUnderANewKey) {
   EXPECT_EQ(insertData(5, pattern(20, 2)), kOk);
   EXPECT_EQ(placements(), (Rows{{"2", "2", "-6"}, {"2", "3", "5"}})) << "on the screen that was issued last";
   EXPECT_EQ(rows("select id, length(data), version from Data"), (Rows{{"2", "8", "v"}, {"3", "24", "v"}}));
-}
-
-TEST_F(GenericDataTest, BlobsAreReadByTheirType) {
-  ASSERT_EQ(insertData(5, pattern(20, 2)), kOk);
-  ASSERT_EQ(insertData(-6, {}), kOk);
-  EXPECT_EQ(readData(5).code, kOk);
   EXPECT_EQ(readData(5).bytes, pattern(20, 2));
   EXPECT_EQ(readData(-6).code, kOk);
   EXPECT_EQ(readData(-6).bytes, Bytes{});
-  EXPECT_EQ(readData(6).code, kNoData);
 }
 
 TEST_F(GenericDataTest, NothingIsClearedAndNothingUpdated) {
@@ -61,18 +50,15 @@ TEST_F(GenericDataTest, OfSeveralBlobsTheFirstListedIsReadAndAllAreReplaced) {
 class DataQueryTest : public GenericDataTest {
  protected:
   void SetUp() override {
-    GenericDataTest::SetUp();
+    ScreenFileTest::SetUp();
     ASSERT_EQ(insertData(5, pattern(9, 1)), kOk);
-  }
-  int query(int datatype) {
-    record.datatype = datatype;
     record.reserved2 = 8;
     record.data = &mine;
     record.dataSize = 1;
-    return manager->queryData(&record);
   }
   int queryUnchanged(int datatype) {
-    const int code = query(datatype);
+    record.datatype = datatype;
+    const int code = manager->queryData(&record);
     EXPECT_EQ(record.data, &mine);
     EXPECT_EQ(record.dataSize, 1U);
     EXPECT_EQ(record.reserved2, 8U);
@@ -94,7 +80,8 @@ TEST_F(DataQueryTest, WhatCannotBeReadLeavesTheRecordAlone) {
 }
 
 TEST_F(DataQueryTest, WhatIsReadIsANewArrayOfTheCallers) {
-  ASSERT_EQ(query(5), kOk);
+  record.datatype = 5;
+  ASSERT_EQ(manager->queryData(&record), kOk);
   const std::unique_ptr<unsigned char[]> owner(record.data);
   EXPECT_NE(record.data, &mine);
   EXPECT_EQ(Bytes(record.data, record.data + record.dataSize), pattern(9, 1));
@@ -102,18 +89,7 @@ TEST_F(DataQueryTest, WhatIsReadIsANewArrayOfTheCallers) {
   EXPECT_EQ(record.dataSizeUpper, 0U);
 }
 
-TEST_F(DataQueryTest, ASizeWithoutBytesIsNotStoredAndDoesNotHinderTheNextCall) {
-  ConfigData broken;
-  broken.datatype = 5;
-  broken.dataSize = 4;
-  EXPECT_EQ(manager->insertData(&broken), kCipherFailed);
-  EXPECT_EQ(insertData(5, {4}), kOk);
-  EXPECT_EQ(readData(5).bytes, Bytes{4});
-}
-
-TEST_F(GenericDataTest, ABlobThatDoesNotDecipherLeavesTheFileToOtherPrograms) {
-  ASSERT_EQ(addScreen("", {0, 0, 9, 9}), 0);
-  ASSERT_EQ(insertData(5, pattern(9, 1)), 0);
+TEST_F(DataQueryTest, ABlobThatDoesNotDecipherLeavesTheFileToOtherPrograms) {
   run("update Data set data = x'00'");
   EXPECT_EQ(printedBy([&] { EXPECT_EQ(readData(5).code, kCipherFailed); }), "");
   Sqlite3DB other;

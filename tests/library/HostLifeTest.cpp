@@ -14,6 +14,7 @@
 #include "host/PluginHost.h"
 #include "storage/StatusCodes.h"
 #include "tests/support/FolderTest.h"
+#include "tests/support/RecordAnswers.h"
 
 namespace tovrtest {
 
@@ -24,25 +25,27 @@ struct HostLifeTest : FolderTest {
   const std::string file = path("file.db");
 };
 
-// A new file with a screen 0,0..7,3.
+template <class Record>
+std::unique_ptr<Record> placed(std::unique_ptr<Record> record) {
+  record->left = record->top = 0;
+  record->right = 7;
+  record->bottom = 3;
+  return record;
+}
+
+// A new file with a screen.
 void makeFile(tovrhost::PluginHost& host, const std::string& file) {
   ASSERT_EQ(host.manager().openDB(file, kRawKey), kOk);
   ASSERT_EQ(host.manager().createTables(), kOk);
   ASSERT_EQ(host.manager().insertData(host.makeRecord<DBInfo>().get()), kOk);
-  auto screen = host.makeRecord<ScreenInfoData>();
+  auto screen = placed(host.makeRecord<ScreenInfoData>());
   screen->dbid = 1;
-  screen->left = screen->top = 0;
-  screen->right = 7;
-  screen->bottom = 3;
   ASSERT_EQ(host.manager().insertData(screen.get()), kOk);
 }
 
 std::unique_ptr<CoefData> area(tovrhost::PluginHost& host) {
-  auto record = host.makeRecord<CoefData>();
+  auto record = placed(host.makeRecord<CoefData>());
   record->coeftype = 1;
-  record->left = record->top = 0;
-  record->right = 7;
-  record->bottom = 3;
   return record;
 }
 
@@ -111,23 +114,7 @@ void expectClosed(IDBManager& manager) {
   EXPECT_EQ(manager.createTables(), SQLITE_MISUSE);
   EXPECT_EQ(manager.getDBType(), kUnknownDatabaseType);
   EXPECT_STREQ(manager.errMsg(), "no database file is open");
-  const struct {
-    DataType type;
-    int query, insert, update, remove;
-  } cases[] = {{kCoefData, kTypeNotGiven, kTypeNotGiven, kTypeNotGiven, SQLITE_MISUSE},
-               {kLumChromaData, kOk, SQLITE_MISUSE, kOk, SQLITE_MISUSE},
-               {kScreenInfoData, kInvalidRecord, SQLITE_MISUSE, SQLITE_MISUSE, SQLITE_MISUSE},
-               {kConfigData, SQLITE_MISUSE, SQLITE_MISUSE, kOk, kOk},
-               {kDBInfo, SQLITE_MISUSE, SQLITE_MISUSE, kOk, SQLITE_MISUSE},
-               {kCoefDataResult, SQLITE_MISUSE, kOk, kInvalidRecord, SQLITE_MISUSE},
-               {kScreenInfoDataResult, SQLITE_MISUSE, kOk, kOk, SQLITE_MISUSE}};
-  for (const auto& c : cases) {
-    const std::unique_ptr<DataBase> record(manager.createData(c.type));
-    EXPECT_EQ(manager.queryData(record.get()), c.query) << c.type;
-    EXPECT_EQ(manager.insertData(record.get()), c.insert) << c.type;
-    EXPECT_EQ(manager.updateData(record.get()), c.update) << c.type;
-    EXPECT_EQ(manager.deleteData(record.get()), c.remove) << c.type;
-  }
+  expectEveryRecordRefused(manager, SQLITE_MISUSE);
 }
 
 TEST_F(HostLifeTest, BeforeAFileIsOpenAndAfterItIsClosedEveryCallSaysSo) {
@@ -141,10 +128,6 @@ TEST_F(HostLifeTest, BeforeAFileIsOpenAndAfterItIsClosedEveryCallSaysSo) {
 // Keeps the two services of a loaded library by itself, and ends them when it is told to.
 struct OwnHost final : IPluginHost {
   explicit OwnHost(const std::string& file) {
-    library.init(this);
-    connection = library.findClass("cpp.DBOperate")->create();
-    encryption = library.findClass("cpp.Encryption")->create();
-    manager = static_cast<IDBManager*>(managerClass().create());
     EXPECT_EQ(manager->openDB(file, kRawKey), kOk);
     EXPECT_EQ(manager->createTables(), kOk);
   }
@@ -154,17 +137,17 @@ struct OwnHost final : IPluginHost {
   void reserved2() override {}
   void* findObject(const char* name) override { return name == std::string("DBOperate") ? connection : encryption; }
 
-  const ClassInfo& managerClass() const { return *library.findClass("cpp.DBManager"); }
-  void destroyManager() { managerClass().destroy(manager); }
+  void* make(const char* name) { return library.init(this), library.findClass(name)->create(); }
+  void destroyManager() { library.findClass("cpp.DBManager")->destroy(manager); }
   void destroyServices() {
     library.findClass("cpp.Encryption")->destroy(encryption);
     library.findClass("cpp.DBOperate")->destroy(connection);
   }
 
   const tovrhost::PluginLibrary library{TOVR_PLUGIN_FILE};
-  void* connection = nullptr;
-  void* encryption = nullptr;
-  IDBManager* manager = nullptr;
+  void* const connection = make("cpp.DBOperate");
+  void* const encryption = make("cpp.Encryption");
+  IDBManager* const manager = static_cast<IDBManager*>(make("cpp.DBManager"));
 };
 
 // Records and the blocks in them are the host's: they outlive the file and the services, though not the library.

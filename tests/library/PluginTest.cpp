@@ -3,6 +3,7 @@
 #include "manager/DBManager.h"
 #include "plugin/PluginInfo.h"
 #include "tests/support/Fixture.h"
+#include "tests/support/RecordAnswers.h"
 
 namespace tovrtest {
 
@@ -58,7 +59,7 @@ class LonelyManagerTest : public FolderTest, public testing::WithParamInterface<
 INSTANTIATE_TEST_SUITE_P(WithoutServices, LonelyManagerTest, testing::Bool(),
                          [](const auto& host) { return host.param ? "OnAHost" : "WithoutAHost"; });
 
-TEST_P(LonelyManagerTest, OpensNothing) {
+TEST_P(LonelyManagerTest, OpensNothingAndAnswersEveryRecord) {
   EXPECT_EQ(manager->openDB(path("a.db"), "key"), kNoConnection);
   EXPECT_EQ(manager->closeDB(), kNoConnection);
   EXPECT_EQ(manager->createTables(), kNoConnection);
@@ -66,26 +67,7 @@ TEST_P(LonelyManagerTest, OpensNothing) {
   EXPECT_EQ(manager->errMsg(), nullptr);
   EXPECT_FALSE(manager->checkDB(path("a.db")));
   EXPECT_FALSE(std::filesystem::exists(path("a.db")));
-}
-
-TEST_P(LonelyManagerTest, AnswersEveryRecord) {
-  const struct {
-    DataType type;
-    int query, insert, remove, update;
-  } cases[] = {{kCoefData, kTypeNotGiven, kTypeNotGiven, kNoConnection, kTypeNotGiven},
-               {kLumChromaData, kOk, kNoConnection, kNoConnection, kOk},
-               {kScreenInfoData, kInvalidRecord, kNoConnection, kNoConnection, kNoConnection},
-               {kConfigData, kNoConnection, kNoConnection, kOk, kOk},
-               {kDBInfo, kNoConnection, kNoConnection, kNoConnection, kOk},
-               {kCoefDataResult, kNoConnection, kOk, kNoConnection, kInvalidRecord},
-               {kScreenInfoDataResult, kNoConnection, kOk, kNoConnection, kOk}};
-  for (const auto& c : cases) {
-    const std::unique_ptr<DataBase> record(manager->createData(c.type));
-    EXPECT_EQ(manager->queryData(record.get()), c.query) << c.type;
-    EXPECT_EQ(manager->insertData(record.get()), c.insert) << c.type;
-    EXPECT_EQ(manager->deleteData(record.get()), c.remove) << c.type;
-    EXPECT_EQ(manager->updateData(record.get()), c.update) << c.type;
-  }
+  expectEveryRecordRefused(*manager, kNoConnection);
 }
 
 using HostServicesTest = FolderTest;

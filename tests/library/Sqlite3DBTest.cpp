@@ -37,13 +37,18 @@ class Sqlite3DBTest : public FolderTest {
   }
 
   void expectClosed() {
-    char** cells = nullptr;
-    int count = 0;
+    static char* row[] = {nullptr};
+    char** cells = row;
+    int rows = 7;
+    int columns = 7;
     expectNoStatement();
     EXPECT_EQ(db.setKey("k", 1), SQLITE_MISUSE);
     EXPECT_EQ(db.exec("select 1"), SQLITE_MISUSE);
     EXPECT_EQ(db.prepare_v2("select 1", -1), SQLITE_MISUSE);
-    EXPECT_EQ(db.get_table("select 1", &cells, &count, &count), SQLITE_MISUSE);
+    EXPECT_EQ(db.get_table("select 1", &cells, &rows, &columns), SQLITE_MISUSE);
+    EXPECT_EQ(cells, nullptr);
+    EXPECT_EQ(rows, 0);
+    EXPECT_EQ(columns, 0);
     db.free_table(cells);
   }
 
@@ -57,11 +62,14 @@ TEST_F(Sqlite3DBTest, BeforeAFileIsOpenedEverythingAnswers) {
   EXPECT_EQ(db.open(nullptr), SQLITE_MISUSE);
 }
 
-TEST_F(Sqlite3DBTest, AFailedOpenKeepsItsReason) {
+TEST_F(Sqlite3DBTest, AFailedOpenKeepsItsReasonUntilTheClose) {
   EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN);
   expectClosed();
   EXPECT_EQ(db.errCode(), SQLITE_CANTOPEN);
   EXPECT_STREQ(db.errMsg(), "unable to open database file");
+  EXPECT_EQ(db.close(), kOk);
+  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
+  EXPECT_EQ(db.close(), kOk);
   EXPECT_EQ(db.open(path("a.db").c_str()), kOk);
 }
 
@@ -70,33 +78,37 @@ TEST_F(Sqlite3DBTest, WithoutAStatementEverythingAnswers) {
   expectNoStatement();
   EXPECT_EQ(db.prepare_v2(nullptr, 0), SQLITE_MISUSE);
   EXPECT_EQ(db.prepare_v2("nonsense", -1), SQLITE_ERROR);
+  EXPECT_EQ(db.errCode(), SQLITE_ERROR);
   expectNoStatement();
   EXPECT_EQ(db.close(), kOk);
+  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
+  EXPECT_STREQ(db.errMsg(), "no database file is open");
   expectClosed();
 }
 
-TEST_F(Sqlite3DBTest, AStatementIsReplacedByTheNext) {
-  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
-  ASSERT_EQ(db.prepare_v2("select 6", -1), kOk);
-  ASSERT_EQ(db.step(), kStepRow);
-  ASSERT_EQ(db.prepare_v2("select 7 union select 8; not read", 24), kOk);
-  ASSERT_EQ(db.step(), kStepRow);
-  EXPECT_EQ(db.column_int(0), 7);
-}
-
-TEST_F(Sqlite3DBTest, ALiveStatementNeverKeepsAFileOpen) {
-  for (const char* name : {"a.db", "b.db", "a.db"}) {
-    ASSERT_EQ(db.open(path(name).c_str()), kOk) << "closes the file before";
-    ASSERT_EQ(setKey(db), kOk);
-    ASSERT_EQ(db.exec("create table if not exists t(a); insert into t values(1), (2)"), kOk);
-    ASSERT_EQ(db.prepare_v2("select count(*) from t", -1), kOk);
-    ASSERT_EQ(db.step(), kStepRow);
-  }
-  EXPECT_EQ(db.column_int(0), 4);
+// The engine counts the memory of its connections and statements.
+TEST_F(Sqlite3DBTest, ALiveStatementIsReplacedByTheNextAndNeverKeepsAFileOpen) {
+  const auto useWithoutEnd = [&](const char* name) {
+    EXPECT_EQ(db.open(path(name).c_str()), kOk) << "closes the file before";
+    EXPECT_EQ(setKey(db), kOk);
+    EXPECT_EQ(db.exec("create table if not exists t(a); insert into t values(1), (2)"), kOk);
+    EXPECT_EQ(db.prepare_v2("select count(*) from t", -1), kOk);
+    EXPECT_EQ(db.step(), kStepRow);
+  };
+  useWithoutEnd("a.db");  // what the engine keeps for good, it has then
   EXPECT_EQ(db.close(), kOk);
-  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
-  ASSERT_EQ(db.prepare_v2("select 1", -1), kOk);
-  ASSERT_EQ(db.step(), kStepRow);  // and is destroyed like this
+  const sqlite3_int64 before = sqlite3_memory_used();
+  useWithoutEnd("b.db");
+  useWithoutEnd("a.db");
+  EXPECT_EQ(db.column_int(0), 4);
+  EXPECT_EQ(db.prepare_v2("select 7 union select 8; not read", 24), kOk);
+  EXPECT_EQ(db.step(), kStepRow);
+  EXPECT_EQ(db.column_int(0), 7);
+  EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN);
+  useWithoutEnd("a.db");
+  EXPECT_EQ(db.close(), kOk);
+  EXPECT_EQ(sqlite3_memory_used(), before) << "after closing";
+  useWithoutEnd("a.db");  // and is destroyed like this
 }
 
 class OpenSqlite3DBTest : public Sqlite3DBTest {
@@ -121,11 +133,8 @@ TEST_F(OpenSqlite3DBTest, DestructorsOfBoundDataRunAlsoWhereTheDataIsRefused) {
   EXPECT_EQ(destroyed, 2);
 }
 
-TEST_F(OpenSqlite3DBTest, AFullFileAnswersItsCode) {
+TEST_F(OpenSqlite3DBTest, AFileThatIsFullOrThatAnotherWritesAnswersItsCodeAndWorksAgain) {
   EXPECT_EQ(db.exec("PRAGMA max_page_count = 2; insert into t values(zeroblob(100000), 0)"), SQLITE_FULL);
-}
-
-TEST_F(OpenSqlite3DBTest, AFileThatAnotherWritesAnswersBusyAndWorksAgainAfterwards) {
   Sqlite3DB other;
   ASSERT_EQ(other.open(path("a.db").c_str()), kOk);
   ASSERT_EQ(setKey(other), kOk);
@@ -135,94 +144,33 @@ TEST_F(OpenSqlite3DBTest, AFileThatAnotherWritesAnswersBusyAndWorksAgainAfterwar
   EXPECT_EQ(db.exec("insert into t values(0, 0)"), kOk);
 }
 
-TEST_F(Sqlite3DBTest, AfterCloseNothingIsLeftOfTheLastResult) {
-  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
-  EXPECT_EQ(db.exec("nonsense"), SQLITE_ERROR);
-  EXPECT_EQ(db.errCode(), SQLITE_ERROR);
-  EXPECT_EQ(db.close(), kOk);
-  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
-  EXPECT_STREQ(db.errMsg(), "no database file is open");
-  EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN);
-  EXPECT_EQ(db.errCode(), SQLITE_CANTOPEN);
-  EXPECT_EQ(db.close(), kOk);
-  EXPECT_EQ(db.errCode(), SQLITE_MISUSE);
-  EXPECT_EQ(db.close(), kOk);
-}
-
 TEST_F(Sqlite3DBTest, TablesWriteEveryOutputThatThereIs) {
-  static char cell[] = "not null";
-  static char* row[] = {cell};
-  char** cells = row;
-  int rows = 7;
-  int columns = 7;
-  const auto get = [&](const char* sql, char*** result, int* rowCount, int* columnCount) {
-    cells = row;
-    rows = columns = 7;
-    return db.get_table(sql, result, rowCount, columnCount);
-  };
-  const auto expectNothing = [&] {
-    EXPECT_EQ(cells, nullptr);
-    EXPECT_EQ(rows, 0);
-    EXPECT_EQ(columns, 0);
-    db.free_table(cells);
-  };
-  EXPECT_EQ(get("select 1", &cells, &rows, &columns), SQLITE_MISUSE);
-  expectNothing();
   ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
-  EXPECT_EQ(get("nonsense", &cells, &rows, &columns), SQLITE_ERROR);
-  expectNothing();
-  EXPECT_EQ(get(nullptr, &cells, &rows, &columns), SQLITE_MISUSE);
-  expectNothing();
-  EXPECT_EQ(get("select 1", nullptr, &rows, &columns), SQLITE_MISUSE);
-  EXPECT_EQ(rows, 0);
-  EXPECT_EQ(columns, 0);
-  EXPECT_EQ(get("select 1", &cells, nullptr, &columns), kOk);
-  EXPECT_EQ(columns, 1);
-  EXPECT_STREQ(cells[1], "1");
-  db.free_table(cells);
-  EXPECT_EQ(get("select 1", &cells, &rows, nullptr), kOk);
-  EXPECT_EQ(rows, 1);
-  db.free_table(cells);
-  EXPECT_EQ(get("select 1", nullptr, nullptr, nullptr), SQLITE_MISUSE);
-}
-
-// The engine counts the memory of its connections and statements.
-TEST_F(Sqlite3DBTest, NothingOfAFileStaysWhenAnotherFollows) {
-  const auto useWithoutEnd = [&](const char* name) {
-    EXPECT_EQ(db.open(path(name).c_str()), kOk);
-    EXPECT_EQ(setKey(db), kOk);
-    EXPECT_EQ(db.exec("create table if not exists t(a); insert into t values(1)"), kOk);
-    EXPECT_EQ(db.prepare_v2("select a from t", -1), kOk);
-    EXPECT_EQ(db.step(), kStepRow);
-  };
-  const auto failToOpen = [&] { EXPECT_EQ(db.open(path("no folder/a.db").c_str()), SQLITE_CANTOPEN); };
-  const auto keyWrongly = [&] {  // with a live statement
-    EXPECT_EQ(db.open(path("a.db").c_str()), kOk);
-    EXPECT_EQ(db.prepare_v2("select 1", -1), kOk);
-    EXPECT_EQ(db.step(), kStepRow);
-    EXPECT_EQ(db.setKey("wrong", 5), kOk);
-    EXPECT_EQ(db.exec("select * from t"), SQLITE_NOTADB);
-  };
-  const std::pair<const char*, std::function<void()>> ways[] = {
-      {"closed", [&] { useWithoutEnd("a.db"); }},
-      {"followed by another", [&] { useWithoutEnd("a.db"), useWithoutEnd("b.db"); }},
-      {"followed by one that cannot be opened", [&] { useWithoutEnd("a.db"), failToOpen(); }},
-      {"that cannot be opened, followed by another", [&] { failToOpen(), useWithoutEnd("a.db"); }},
-      {"keyed wrongly", keyWrongly}};
-  useWithoutEnd("a.db");  // what the engine keeps for good, it has then
-  ASSERT_EQ(db.close(), kOk);
-  const sqlite3_int64 before = sqlite3_memory_used();
-  for (const auto& [name, way] : ways) {
-    way();
-    EXPECT_EQ(db.close(), kOk) << name;
-    EXPECT_EQ(sqlite3_memory_used(), before) << "a file " << name;
+  const struct {
+    const char* sql;
+    bool toCells, toRows, toColumns;
+    int code;
+  } cases[] = {{"nonsense", true, true, true, SQLITE_ERROR},   {nullptr, true, true, true, SQLITE_MISUSE},
+               {"select 2", false, true, true, SQLITE_MISUSE}, {"select 3", true, false, true, kOk},
+               {"select 4", true, true, false, kOk},           {"select 5", false, false, false, SQLITE_MISUSE}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.sql != nullptr ? c.sql : "no statement");
+    char** cells = nullptr;
+    int rows = 7;
+    int columns = 7;
+    EXPECT_EQ(
+        db.get_table(c.sql, c.toCells ? &cells : nullptr, c.toRows ? &rows : nullptr, c.toColumns ? &columns : nullptr),
+        c.code);
+    EXPECT_EQ(rows, !c.toRows ? 7 : c.code == kOk ? 1 : 0);
+    EXPECT_EQ(columns, !c.toColumns ? 7 : c.code == kOk ? 1 : 0);
+    EXPECT_EQ(cells != nullptr, c.code == kOk);
+    db.free_table(cells);
   }
 }
 
-TEST_F(Sqlite3DBTest, AFailedStatementDoesNotHideWhyTheNextIsRefused) {
-  ASSERT_EQ(db.open(path("a.db").c_str()), kOk);
-  ASSERT_EQ(db.exec("create table t(a not null)"), kOk);
-  ASSERT_EQ(db.prepare_v2("insert into t values(null)", -1), kOk);
+TEST_F(OpenSqlite3DBTest, AFailedStatementDoesNotHideWhyTheNextIsRefused) {
+  ASSERT_EQ(db.exec("create unique index i on t(a); insert into t values(1, 1)"), kOk);
+  ASSERT_EQ(db.prepare_v2("insert into t values(1, 1)", -1), kOk);
   EXPECT_EQ(db.step(), SQLITE_CONSTRAINT);
   EXPECT_EQ(db.prepare_v2("nonsense", -1), SQLITE_ERROR);
   EXPECT_EQ(db.errCode(), SQLITE_ERROR);

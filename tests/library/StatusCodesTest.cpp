@@ -25,9 +25,6 @@ TEST(StatusCodesTest, EveryCodeHasItsNumber) {
   EXPECT_EQ(kNoSuchScreenName, 4112);
   EXPECT_EQ(kNoMatchingArea, 4113);
   EXPECT_EQ(kNoScreenForRectangle, 4116);
-}
-
-TEST(StatusCodesTest, StepsAnswerAsTheEngine) {
   EXPECT_EQ(kStepRow, SQLITE_ROW);
   EXPECT_EQ(kStepDone, SQLITE_DONE);
 }

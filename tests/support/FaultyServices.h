@@ -85,7 +85,7 @@ class FaultyConnection final : public tovr::IDBOperate {
 
 // Every enciphering and deciphering of a buffer is a point named "cipher". A service of the host's own: one call a
 // blob.
-class FaultyEncryption final : public tovr::IEncryption {
+class FaultyEncryption : public tovr::IEncryption {
  public:
   using Text = std::string;
 

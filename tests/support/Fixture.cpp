@@ -126,4 +126,9 @@ std::string DatabaseTest::value(const std::string& sql) { return rows(sql).at(0)
 
 int DatabaseTest::number(const std::string& sql) { return std::stoi(value(sql)); }
 
+void ScreenFileTest::SetUp() {
+  createFile(kByRectangle);
+  ASSERT_EQ(addScreen("", {0, 0, 99, 99}), kOk);
+}
+
 }  // namespace tovrtest

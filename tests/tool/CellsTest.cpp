@@ -156,9 +156,11 @@ TEST(CellCsvTest, NumbersKeepEveryDigit) {
   const std::string cells(reinterpret_cast<const char*>(numbers), sizeof numbers);
   std::string text;
   const auto append = [&text](const std::string& line) { text += line; };
-  writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), parseDtype("float32"), append);
+  writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), NumberForm{parseDtype("float32"), {}, {}}, append);
   EXPECT_EQ(text, "column,row,value0,value1\n3,2,1.5,-2\n4,2,0.100000001,16777216\n");
-  EXPECT_THROW(writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), parseDtype("int64"), append), ToolError);
+  EXPECT_THROW(
+      writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), NumberForm{parseDtype("int64"), {}, {}}, append),
+      ToolError);
 }
 
 TEST(CellNumbersTest, EveryTypeIsRead) {
@@ -199,14 +201,14 @@ TEST(BlockDifferenceTest, TheLargestDifferenceIsNamedByItsCellAndComponent) {
   cells[3] = 2;   // cell 1, component 1
   cells[12] = 9;  // cell 6, component 0
   const CellBlock after = blockFromBytes(bytesOf(cells), rect, 2);
-  const BlockDifference found = compareBlocks(before, after, parseDtype("uint8"), std::nullopt);
+  const BlockDifference found = compareBlocks(before, after, NumberForm{parseDtype("uint8"), {}, {}}, std::nullopt);
   EXPECT_EQ(found.cells, 8);
   EXPECT_EQ(found.differing, 2);
   EXPECT_EQ(found.at.x, 12);
   EXPECT_EQ(found.at.y, 21);
   EXPECT_EQ(found.component, 0U);
   EXPECT_EQ(found.after, 9);
-  EXPECT_EQ(compareBlocks(before, after, parseDtype("uint8"), Tolerance{2, 0}).differing, 1);
+  EXPECT_EQ(compareBlocks(before, after, NumberForm{parseDtype("uint8"), {}, {}}, Tolerance{2, 0}).differing, 1);
   EXPECT_EQ(compareBlocks(before, after, std::nullopt, std::nullopt).at.x, 11);  // to the bit: the first
 }
 

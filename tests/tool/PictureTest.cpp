@@ -81,15 +81,16 @@ TEST(RasterTest, APixelShowsTheMeanOrTheNumberFarthestFromZero) {
 
 TEST(GatheredNumbersTest, WhatWasAddedFirstCounts) {
   GatheredNumbers numbers({0, 0, 3, 1}, Merge::kMean);
-  const auto all = [](double value) { return [value](std::int32_t, double* row) { std::fill(row, row + 2, value); }; };
+  const auto all = [](double value) {
+    return [value](const CellRun& run, double* row) { std::fill(row, row + (run.right - run.left + 1), value); };
+  };
   numbers.add({0, 0, 1, 1}, all(1));
   numbers.add({1, 0, 2, 1}, all(7));
   EXPECT_EQ(numbers.count(), 6U);
   EXPECT_EQ(numbers.raster().at(1 * 48, 0), 1);
   EXPECT_EQ(numbers.raster().at(2 * 48, 0), 7);
-  EXPECT_TRUE(numbers.covered({0, 0, 1, 0}));
-  EXPECT_FALSE(numbers.covered({0, 0, 2, 0}));
-  EXPECT_FALSE(numbers.overlaps({3, 0, 3, 1}));
+  EXPECT_TRUE(numbers.covered().holds({0, 0, 2, 0}));
+  EXPECT_FALSE(numbers.covered().meets({3, 0, 3, 1}));
 }
 
 long countPixels(const std::string& path, const Colour& colour) {
@@ -147,9 +148,18 @@ TEST_F(PictureTest, DiffTellsSameDifferentAndTrouble) {
   EXPECT_EQ(outcome.out, cells + "most at 0,0, component 0: 0 -> 9\n");
   EXPECT_GE(countPixels(path("d.png"), {221, 221, 221}), 30 * kCell);
   succeed("data put b.db --type 4 cells.npy");
-  EXPECT_EQ(run("diff b.db a.db").out, "only in b.db: data of type 4 (screen right)\n" + cells + "the first at 0,0\n");
+  EXPECT_EQ(run("diff b.db a.db").out,
+            "only in b.db: data of type 4 (screen right)\n" + cells + "most at 0,0, component 0: 9 -> 0\n");
   expectFailure(2, "no.db: there is no such file", "diff a.db no.db");
   expectFailure(2, "the key is wrong", "diff a.db b.db", "TOVRDB_KEY=another ");
+  // What the tolerance lets pass is drawn as no difference: only one cell has another colour than the middle.
+  std::string many(64, '\0');
+  for (std::size_t i = 0; i < 32; ++i) many[2 * i] = static_cast<char>(i == 0 ? 100 : i + 1);
+  write("many.npy", npy("<u2", "4, 8", many));
+  makeTwo("c.db", 0);
+  succeed("coef put c.db --type 1 --at 0,0 many.npy");
+  EXPECT_EQ(run("diff a.db c.db --atol 60 --heatmap t.png").out, cells + "most at 0,0, component 0: 0 -> 100\n");
+  EXPECT_GE(countPixels(path("t.png"), {221, 221, 221}), 31 * kCell - kCell / 4);
   expectFailure(2, "would replace b.db", "diff a.db b.db --dtype uint16 --force --heatmap b.db");
 }
 

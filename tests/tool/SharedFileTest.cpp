@@ -110,7 +110,7 @@ TEST_F(SharedFileTest, AFileWhoseFirstBytesAPowerCutToreOpensAtOnce) {
   succeed("info cut.db");
   EXPECT_EQ(succeed("check cut.db").find("failed"), std::string::npos);
   EXPECT_EQ(sql(path("cut.db"), "select version, seq from Coef, sqlite_sequence where name = 'Coef'", "the test key"),
-            "|1\n");
+            "[1 x uint8]|1\n");
 }
 
 }  // namespace

@@ -112,7 +112,7 @@ TEST_F(ToolTest, RefusalsSayWhatThereIsInstead) {
   EXPECT_EQ(succeed("coef list wall.db").find("left"), std::string::npos) << "nothing was stored";
 
   succeed("coef put wall.db --type 1 --at 0,0 block.npy");
-  expectFailure(1, "areas of type 1: left (0,0..7,3)", "coef get wall.db --type 1 --rect 0,0,8,3 -o out.npy");
+  expectFailure(1, "areas that overlap it: 1 (0,0..7,3)", "coef get wall.db --type 1 --rect 0,0,8,3 -o out.npy");
   expectFailure(3, "not a whole number", "coef get wall.db --type 1 --rect 0,0,7,3 --dtype uint32 -o out.npy");
   EXPECT_FALSE(fs::exists(path("out.npy")));
   EXPECT_EQ(succeed("coef get wall.db --type 1 --rect 1,1,2,1 --dtype uint8 --csv -o -"),

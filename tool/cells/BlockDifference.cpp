@@ -11,21 +11,15 @@
 namespace tovrtool {
 namespace {
 
-double distance(double before, double after) {
-  if (before == after || (std::isnan(before) && std::isnan(after))) return 0;  // also of infinities
-  const double difference = std::abs(after - before);
-  return std::isnan(difference) ? std::numeric_limits<double>::infinity() : difference;
-}
-
 // Row by row, since most rows are equal.
 class Comparison {
  public:
-  Comparison(const Rect& rect, std::size_t cellBytes, const std::optional<Dtype>& dtype,
+  Comparison(const Rect& rect, std::size_t cellBytes, const std::optional<NumberForm>& form,
              const std::optional<Tolerance>& tolerance)
-      : rect_(rect), cellBytes_(cellBytes), dtype_(dtype), tolerance_(tolerance) {
+      : rect_(rect), cellBytes_(cellBytes), form_(form), tolerance_(tolerance) {
     result_.cells = columnsOf(rect) * rowsOf(rect);
-    if (dtype) {
-      values_ = cellBytes / dtype->itemSize;
+    if (form) {
+      values_ = cellBytes / form->dtype.itemSize;
       before_.resize(values_ * static_cast<std::size_t>(columnsOf(rect)));
       after_.resize(before_.size());
     }
@@ -34,9 +28,9 @@ class Comparison {
   void addRow(std::int32_t y, const unsigned char* before, const unsigned char* after) {
     const auto columns = static_cast<std::size_t>(columnsOf(rect_));
     if (std::memcmp(before, after, columns * cellBytes_) == 0) return;
-    if (dtype_) {
-      readNumbers(*dtype_, before, dtype_->itemSize, before_.size(), before_.data());
-      readNumbers(*dtype_, after, dtype_->itemSize, after_.size(), after_.data());
+    if (form_) {
+      readNumbers(*form_, before, form_->dtype.itemSize, before_.size(), before_.data());
+      readNumbers(*form_, after, form_->dtype.itemSize, after_.size(), after_.data());
     }
     for (std::size_t i = 0; i < columns; ++i) {
       const bool same = std::memcmp(before + i * cellBytes_, after + i * cellBytes_, cellBytes_) == 0;
@@ -49,7 +43,7 @@ class Comparison {
  private:
   void addCell(std::size_t column, CellPair cell) {
     bool counts = !tolerance_;
-    if (!dtype_ && result_.differing == 0) result_.at = cell;
+    if (!form_ && result_.differing == 0) result_.at = cell;
     for (std::size_t k = 0; k < values_; ++k) {
       const double before = before_[column * values_ + k];
       const double after = after_[column * values_ + k];
@@ -69,7 +63,7 @@ class Comparison {
 
   Rect rect_;
   std::size_t cellBytes_;
-  std::optional<Dtype> dtype_;
+  std::optional<NumberForm> form_;
   std::optional<Tolerance> tolerance_;
   std::size_t values_ = 0;
   std::vector<double> before_;
@@ -80,6 +74,12 @@ class Comparison {
 
 }  // namespace
 
+double distance(double before, double after) {
+  if (before == after || (std::isnan(before) && std::isnan(after))) return 0;  // also of infinities
+  const double difference = std::abs(after - before);
+  return std::isnan(difference) ? std::numeric_limits<double>::infinity() : difference;
+}
+
 bool differ(double before, double after, const Tolerance& tolerance) {
   const double apart = distance(before, after);
   if (apart == 0) return false;
@@ -87,10 +87,10 @@ bool differ(double before, double after, const Tolerance& tolerance) {
   return apart > tolerance.absolute && apart > tolerance.relative * std::max(std::abs(before), std::abs(after));
 }
 
-BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<Dtype>& dtype,
+BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<NumberForm>& form,
                               const std::optional<Tolerance>& tolerance) {
   const Rect& rect = before.rect;
-  Comparison comparison(rect, static_cast<std::size_t>(before.cellBytes), dtype, tolerance);
+  Comparison comparison(rect, static_cast<std::size_t>(before.cellBytes), form, tolerance);
   for (std::int64_t row = rect.top; row <= rect.bottom; ++row) {
     const auto y = static_cast<std::int32_t>(row);
     comparison.addRow(y, before.at(rect.left, y), after.at(rect.left, y));

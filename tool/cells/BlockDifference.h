@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tool/cells/CellBlock.h"
+#include "tool/cells/NumberForm.h"
 
 namespace tovrtool {
 
@@ -29,9 +30,12 @@ struct BlockDifference {
 
 bool differ(double before, double after, const Tolerance& tolerance);
 
-// To the bit without `dtype` or `tolerance`. REQUIRES: both have the same rectangle and bytes per cell, a whole number
-// of `dtype` values; a tolerance comes with a type.
-BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<Dtype>& dtype,
+// How far apart: 0 of equal numbers, infinite where one of them is not finite.
+double distance(double before, double after);
+
+// To the bit without `form` or `tolerance`; numbers and tolerance are scaled. REQUIRES: both have the same rectangle
+// and bytes per cell, a whole number of values of the form; a tolerance comes with a form.
+BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<NumberForm>& form,
                               const std::optional<Tolerance>& tolerance);
 
 }  // namespace tovrtool

@@ -22,17 +22,18 @@ std::string heading(std::size_t values) {
 
 }  // namespace
 
-void writeCsv(const CellBlock& block, const Dtype& dtype, const std::function<void(const std::string&)>& write) {
+void writeCsv(const CellBlock& block, const NumberForm& form, const std::function<void(const std::string&)>& write) {
+  const Dtype& dtype = form.dtype;
   if (dtype.itemSize == 8 && dtype.descr[1] != 'f') {
     throw ToolError(kUsage, "64-bit whole numbers do not fit CSV's decimal numbers; write .npy instead");
   }
   const Rect& rect = block.rect;
   const std::size_t values = valuesPerCell(block.cellBytes, dtype);
-  const int digits = digitsOf(dtype);
+  const int digits = form.isScaled() ? 17 : digitsOf(dtype);
   std::vector<double> numbers(static_cast<std::size_t>(columnsOf(rect)) * values);
   write(heading(values));
   for (std::int64_t y = rect.top; y <= rect.bottom; ++y) {
-    readNumbers(dtype, block.at(rect.left, static_cast<std::int32_t>(y)), dtype.itemSize, numbers.size(),
+    readNumbers(form, block.at(rect.left, static_cast<std::int32_t>(y)), dtype.itemSize, numbers.size(),
                 numbers.data());
     std::string text;
     const auto end = std::back_inserter(text);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -203,6 +204,12 @@ Dtype parseDtype(const std::string& name) {
     names.emplace_back(known.name);
   }
   throw std::invalid_argument(fmt::format("the type {} is not one of {}", name, fmt::join(names, ", ")));
+}
+
+std::string dtypeName(const Dtype& dtype) {
+  const auto known = std::find_if(std::begin(kDtypes), std::end(kDtypes),
+                                  [&](const NamedDtype& named) { return dtype.descr == named.descr; });
+  return known == std::end(kDtypes) ? dtype.descr : known->name;
 }
 
 std::vector<std::string> dtypeNames() {

@@ -18,6 +18,9 @@ struct Dtype {
 // Takes NumPy's names (uint16, float32, ...) and type strings (<u2). Throws std::invalid_argument for others.
 Dtype parseDtype(const std::string& name);
 
+// NumPy's name: "uint16".
+std::string dtypeName(const Dtype& dtype);
+
 // Every name that parseDtype knows.
 std::vector<std::string> dtypeNames();
 

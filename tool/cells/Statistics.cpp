@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 
 namespace tovrtool {
 namespace {
@@ -20,18 +21,41 @@ std::vector<double> finiteOf(const std::vector<double>& values) {
 }
 
 double meanOf(const std::vector<double>& values) {
-  double mean = 0;  // running, so that no sum overflows
+  double mean = 0;  // running, so that neither a sum nor a difference overflows
   double count = 0;
-  for (const double value : values) mean += (value - mean) / ++count;
+  for (const double value : values) {
+    ++count;
+    mean += value / count - mean / count;
+  }
   return mean;
+}
+
+// Beyond the largest number lies the largest number.
+double bounded(double number) {
+  return std::clamp(number, -std::numeric_limits<double>::max(), std::numeric_limits<double>::max());
+}
+
+// Root of the mean square of the distances from the mean, in units of the largest, whose square stays small; by halves
+// where a distance would be beyond the largest number.
+double deviationOf(const std::vector<double>& values, double mean) {
+  const auto [least, most] = std::minmax_element(values.begin(), values.end());
+  const double share = std::isfinite(*most - *least) ? 1 : 0.5;
+  const double farthest = std::max(*most * share - mean * share, mean * share - *least * share);
+  if (!(farthest > 0)) return 0;
+  double squares = 0;
+  for (const double value : values) {
+    const double distance = (value * share - mean * share) / farthest;
+    squares += distance * distance;
+  }
+  return bounded(farthest * std::sqrt(squares / static_cast<double>(values.size())) / share);
 }
 
 double spreadOf(const std::vector<double>& values, double median) {
   std::vector<double> distances;
   distances.reserve(values.size());
-  for (const double value : values) distances.push_back(std::abs(value - median));
+  for (const double value : values) distances.push_back(bounded(std::abs(value - median)));
   const double mad = percentiles(distances, {50}).front();
-  return mad > 0 ? kNormalMad * mad : kNormalMean * meanOf(distances);
+  return bounded(mad > 0 ? kNormalMad * mad : kNormalMean * meanOf(distances));
 }
 
 }  // namespace
@@ -48,9 +72,7 @@ Summary summarize(const std::vector<double>& values) {
   summary.least = *least;
   summary.most = *most;
   summary.mean = meanOf(numbers);
-  double squares = 0;
-  for (const double value : numbers) squares += (value - summary.mean) * (value - summary.mean);
-  summary.deviation = std::sqrt(squares / static_cast<double>(numbers.size()));
+  summary.deviation = deviationOf(numbers, summary.mean);
   summary.percentiles = percentiles(numbers, kPercents);
   return summary;
 }
@@ -104,8 +126,9 @@ Outliers standOut(const std::vector<double>& values, double limit, std::size_t m
   if (!(result.spread > 0)) return result;
   std::vector<Outlier> all;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    const double distance = (values[i] - result.median) / result.spread;
-    if (finite(values[i]) && std::abs(distance) > limit) all.push_back({i, values[i], distance});
+    if (!finite(values[i])) continue;
+    const double distance = bounded(bounded(values[i] - result.median) / result.spread);
+    if (std::abs(distance) > limit) all.push_back({i, values[i], distance});
   }
   result.count = all.size();
   const auto farther = [](const Outlier& one, const Outlier& other) {

@@ -10,22 +10,6 @@
 namespace tovrtool {
 namespace {
 
-// An option whose text `parse` turns into the value; its complaint becomes the command line's.
-template <class Value, class Parse>
-CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value, Parse parse,
-                       const std::string& description) {
-  return command.add_option_function<std::string>(
-      name,
-      [&value, parse, name](const std::string& text) {
-        try {
-          value = parse(text);
-        } catch (const std::invalid_argument& error) {
-          throw CLI::ValidationError(name, error.what());
-        }
-      },
-      description);
-}
-
 std::pair<double, double> parseNumberRange(const std::string& text) {
   const char* const end = text.data() + text.size();
   double low = 0;
@@ -55,6 +39,10 @@ void addOutput(CLI::App& command, OutputOptions& options) {
   command.add_flag("--force", options.force, "Replace the output file if it exists");
 }
 
+void addJsonFlag(CLI::App& command, bool& json) {
+  command.add_flag("--json", json, "Print JSON; the manual tells its form");
+}
+
 CLI::Option* addFile(CLI::App& command, std::string& file) {
   return command.add_option("FILE", file, "The database file")->required();
 }
@@ -70,10 +58,6 @@ CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::st
 CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
                          const std::string& description) {
   return addParsed(command, name, position, parsePosition, description)->type_name("L,T");
-}
-
-CLI::Option* addDtype(CLI::App& command, Dtype& dtype, const std::string& description) {
-  return addParsed(command, "--dtype", dtype, parseDtype, description)->type_name("TYPE");
 }
 
 CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std::string& description) {

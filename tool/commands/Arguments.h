@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -12,7 +13,25 @@
 
 namespace tovrtool {
 
+// An option whose text `parse` turns into the value; its complaint becomes the command line's.
+template <class Value, class Parse>
+CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value, Parse parse,
+                       const std::string& description) {
+  return command.add_option_function<std::string>(
+      name,
+      [&value, parse, name](const std::string& text) {
+        try {
+          value = parse(text);
+        } catch (const std::invalid_argument& error) {
+          throw CLI::ValidationError(name, error.what());
+        }
+      },
+      description);
+}
+
 void addOutput(CLI::App& command, OutputOptions& options);
+// --json.
+void addJsonFlag(CLI::App& command, bool& json);
 CLI::Option* addFile(CLI::App& command, std::string& file);
 CLI::Option* addScreenName(CLI::App& command, std::string& name);
 // A coefficient type. std::int32_t or std::optional<std::int32_t>.
@@ -23,8 +42,7 @@ CLI::Option* addCoefType(CLI::App& command, Type& type) {
 CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::string& description);
 CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
                          const std::string& description);
-// A type of the numbers in a cell. Dtype or std::optional<Dtype>.
-CLI::Option* addDtype(CLI::App& command, Dtype& dtype, const std::string& description);
+// A type of the numbers in a cell.
 CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std::string& description);
 // Two finite numbers, the first below the second.
 CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,

@@ -106,7 +106,7 @@ void addCheckCommand(CommandGroup& program) {
       "does\n"
       "not open it.");
   addFile(command, options.file);
-  command.add_flag("--json", options.json, "Print the verdicts as JSON");
+  addJsonFlag(command, options.json);
 }
 
 }  // namespace tovrtool

@@ -2,6 +2,7 @@
 
 #include "tool/cells/CellBlock.h"
 #include "tool/commands/Arguments.h"
+#include "tool/commands/CellArguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
@@ -68,9 +69,12 @@ void requireBlock(const Options& options) {
   if (!options.rect && !options.position) throw ToolError(kUsage, "--rect or --at is required");
 }
 
-CellBlock readBlock(const Options& options) {
+// And the type of its numbers, where the file tells it.
+CellBlock readBlock(const Options& options, std::optional<Dtype>& dtype) {
   if (!options.raw.empty()) return blockFromBytes(readWholeFile(options.raw), *options.rect, options.cellBytes);
-  return blockFromArray(parseNpy(readWholeFile(options.array), options.array), options.rect, options.position);
+  NpyArray array = parseNpy(readWholeFile(options.array), options.array);
+  dtype = array.dtype;
+  return blockFromArray(std::move(array), options.rect, options.position);
 }
 
 std::uint64_t bytesOf(const std::vector<WantedBlock>& blocks) {
@@ -104,8 +108,9 @@ Session openForStoring(const Context& context, const Options& options, const std
 
 void putOne(Context& context, const Options& options) {
   requireBlock(options);
-  const CellBlock block = readBlock(options);
-  const WantedBlock wanted{"", {*options.type, options.screen, block.rect}, options.text, block.cellBytes};
+  BlockText text = options.text;
+  const CellBlock block = readBlock(options, text.dtype);
+  const WantedBlock wanted{"", {*options.type, options.screen, block.rect}, text, block.cellBytes};
   Session session = openForStoring(context, options, {wanted});
   const StoreReport report = storeBlocks(session, {wanted}, rulesOf(options), [&](std::size_t) { return block; });
   session.close();
@@ -209,6 +214,7 @@ void addCoefPutCommand(CommandGroup& coef) {
   command.add_option("--area", options.text.number,
                      "An area number. Blocks with a number are added, never put in the place of the same rectangle");
   command.add_option("--version-text", options.text.version, "Text kept with the block");
+  addForm(command, options.text.form, "Kept with the block: the type of the numbers in a cell [an array's own]");
   addMany(command, options);
   addRules(command, options);
   command.footer(kHelp);

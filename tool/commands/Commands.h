@@ -11,6 +11,8 @@ void addCheckCommand(CommandGroup& program);
 void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
 void addCoefCommands(CommandGroup& program);    // coef put, get, list, delete, stats
 void addCoefDeleteCommand(CommandGroup& coef);
+void addCoefGetCommand(CommandGroup& coef);
+void addCoefListCommand(CommandGroup& coef);
 void addCoefPutCommand(CommandGroup& coef);
 void addCoefStatsCommand(CommandGroup& coef);
 void addCreateCommand(CommandGroup& program);

@@ -4,6 +4,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Confirmation.h"
+#include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/GenericData.h"
 #include "tool/database/Removal.h"
@@ -22,6 +23,7 @@ struct Options {
   std::string versionText;
   OutputOptions output;
   bool force = false;
+  bool json = false;
 };
 
 void put(Context& context, const Options& options) {
@@ -49,15 +51,32 @@ void deleteData(Context& context, const Options& options) {
   message("deleted the data of type {}", options.type);
 }
 
-void list(Context& context, const Options& options) {
-  Session session = openDatabase(context, options.file);
+std::string asJson(const std::vector<StoredData>& all) {
+  Json list = Json::array();
+  for (const StoredData& data : all) {
+    list.push_back({{"type", numberOrText(data.type)},
+                    {"id", data.id},
+                    {"blob_id", data.blobId},
+                    {"stored_bytes", data.storedBytes},
+                    {"version", data.version},
+                    {"screen", data.screen}});
+  }
+  return jsonText(list);
+}
+
+std::string asText(const std::vector<StoredData>& all) {
   TextRows rows;
-  for (const StoredData& data : storedData(session)) {
+  for (const StoredData& data : all) {
     rows.push_back({data.type, std::to_string(data.id), std::to_string(data.blobId), std::to_string(data.storedBytes),
                     data.version});
   }
-  context.output.print(
-      textTable({{"type", true}, {"id", true}, {"blob", true}, {"stored bytes", true}, {"version"}}, rows));
+  return textTable({{"type", true}, {"id", true}, {"blob", true}, {"stored bytes", true}, {"version"}}, rows);
+}
+
+void list(Context& context, const Options& options) {
+  Session session = openDatabase(context, options.file);
+  const std::vector<StoredData> all = storedData(session);
+  context.output.print(options.json ? asJson(all) : asText(all));
 }
 
 void addType(CLI::App& command, Options& options) {
@@ -91,6 +110,7 @@ void addDataCommands(CommandGroup& program) {
   {
     const auto [command, options] = group.add("list", "List what is stored", &Options::file, list);
     addFile(command, options.file);
+    addJsonFlag(command, options.json);
   }
 }
 

@@ -1,19 +1,23 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <new>
 #include <set>
 
 #include "tool/cells/CellNumbers.h"
+#include "tool/cells/NumberText.h"
 #include "tool/commands/Arguments.h"
+#include "tool/commands/CellArguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/FileDifference.h"
 #include "tool/io/ByteOutput.h"
-#include "tool/io/JsonText.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/pictures/GatheredNumbers.h"
@@ -37,13 +41,17 @@ struct Options {
   std::string keyFileAfter;
   std::optional<double> absolute;
   std::optional<double> relative;
-  std::optional<Dtype> dtype;
+  FormOptions form;
   OutputOptions picture;
   std::optional<std::int32_t> type;
   std::string screen;
   std::size_t component = 0;
-  std::string unit;
   bool json = false;
+
+  std::optional<Tolerance> tolerance() const {
+    if (!absolute && !relative) return std::nullopt;
+    return Tolerance{absolute.value_or(0), relative.value_or(0)};
+  }
 };
 
 // The picture of the differences of one number of every cell.
@@ -55,16 +63,24 @@ class DifferencePicture {
         type_(typeOf(options, files)),
         numbers_(regionOf(files), Merge::kFarthestFromZero) {}
 
-  void add(const StoredArea& area, const CellBlock& before, const CellBlock& after) {
+  // What counts as equal is drawn as equal.
+  void add(const StoredArea& area, const CellBlock& before, const CellBlock& after,
+           const std::optional<NumberForm>& form) {
     if (!drawn(area)) return;
-    requireComponent(area.cellBytes, *options_.dtype, options_.component);
-    std::vector<double> minuend(static_cast<std::size_t>(columnsOf(area.rect)));
-    numbers_.add(area.rect, [&](std::int32_t y, double* row) {
-      std::fill(row, row + minuend.size(), 0.0);
+    if (form) describe(*form, area.cellBytes);
+    if (before.bytes != nullptr && !form) {
+      throw ToolError(kUsage, "nothing tells the numbers of {}, type {}: say it with --dtype", toText(area), area.type);
+    }
+    numbers_.add(area.rect, [&](const CellRun& run, double* row) {
+      const std::size_t count = static_cast<std::size_t>(run.right - run.left) + 1;
+      std::fill(row, row + count, 0.0);
       if (before.bytes == nullptr) return;
-      readRow(before, *options_.dtype, options_.component, area.rect, y, row);
-      readRow(after, *options_.dtype, options_.component, area.rect, y, minuend.data());
-      std::transform(minuend.begin(), minuend.end(), row, row, std::minus<>());
+      std::vector<double> minuend(count);
+      const Rect part{run.left, run.y, run.right, run.y};
+      readRow(before, *form, options_.component, part, run.y, row);
+      readRow(after, *form, options_.component, part, run.y, minuend.data());
+      std::transform(minuend.begin(), minuend.end(), row, row,
+                     [this](double late, double early) { return difference(early, late); });
     });
   }
 
@@ -73,7 +89,8 @@ class DifferencePicture {
     heatmap.palette = Palette::kDiverging;
     heatmap.title = fmt::format("{} - {}: type {}, component {}", nameOf(options_.after), nameOf(options_.before),
                                 type_, options_.component);
-    heatmap.label = options_.unit.empty() ? "difference" : options_.unit;
+    heatmap.label = form_.unit.empty() ? "difference" : form_.unit;
+    heatmap.textOf = [form = form_](double number) { return form.text(number); };
     heatmap.outlines = outlines_;
     setColours(numbers_, numbers_.balancedRange(kPicturedPercent), heatmap);
     heatmap.notes = {
@@ -85,6 +102,19 @@ class DifferencePicture {
   }
 
  private:
+  void describe(const NumberForm& form, std::int32_t cellBytes) {
+    requireComponent(cellBytes, form.dtype, options_.component);
+    form_ = form;
+  }
+
+  double difference(double before, double after) const {
+    const auto tolerance = options_.tolerance();
+    if (tolerance && !differ(before, after, *tolerance)) return 0;
+    constexpr double kLargest = std::numeric_limits<double>::max();
+    const double apart = after - before;
+    return std::isfinite(before) && std::isfinite(after) ? std::clamp(apart, -kLargest, kLargest) : apart;
+  }
+
   static std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
   static std::int32_t typeOf(const Options& options, const FileComparison& files) {
@@ -115,6 +145,7 @@ class DifferencePicture {
   const Options& options_;
   ByteOutput output_;
   std::int32_t type_;
+  NumberForm form_{parseDtype("float64"), {}, {}};  // as long as no block tells another
   std::vector<Outline> outlines_;
   GatheredNumbers numbers_;
 };
@@ -122,9 +153,9 @@ class DifferencePicture {
 std::string cellsText(const Difference& difference) {
   const BlockDifference& cells = difference.cells;
   const std::string text = fmt::format("{} of {} cells differ, ", cells.differing, cells.cells);
-  if (!difference.numbers) return fmt::format("{}the first at {},{}", text, cells.at.x, cells.at.y);
+  if (!difference.form) return fmt::format("{}the first at {},{}", text, cells.at.x, cells.at.y);
   return fmt::format("{}most at {},{}, component {}: {} -> {}", text, cells.at.x, cells.at.y, cells.component,
-                     numberText(cells.before), numberText(cells.after));
+                     difference.form->text(cells.before), difference.form->text(cells.after));
 }
 
 std::string bytesText(const BytesDifference& bytes) {
@@ -154,8 +185,18 @@ std::string lineOf(const Difference& difference, const Options& options) {
   return difference.item + ": " + bytesText(difference.bytes);
 }
 
+Json jsonOf(const ItemPlace& place) {
+  Json json{{"kind", place.kind}};
+  if (!place.screen.empty()) json["screen"] = place.screen;
+  if (!place.type.empty()) json["type"] = numberOrText(place.type);
+  if (place.rect) json["rect"] = rectJson(*place.rect);
+  if (place.id) json["id"] = *place.id;
+  return json;
+}
+
 Json jsonOf(const Difference& difference) {
   Json json{{"item", difference.item}};
+  json.update(jsonOf(difference.place));
   switch (difference.kind) {
     case Difference::Kind::kOnlyBefore:
       json["only_in"] = "a";
@@ -169,7 +210,7 @@ Json jsonOf(const Difference& difference) {
     case Difference::Kind::kCells: {
       const BlockDifference& cells = difference.cells;
       json.update({{"cells", cells.cells}, {"differing", cells.differing}, {"at", {cells.at.x, cells.at.y}}});
-      if (difference.numbers) {
+      if (difference.form) {
         json.update(
             {{"component", cells.component}, {"a", cells.before}, {"b", cells.after}, {"largest", cells.largest}});
       }
@@ -212,13 +253,11 @@ void diff(Context& context, const Options& options) {
   std::optional<DifferencePicture> picture;
   if (!options.picture.path.empty()) picture.emplace(context, options, files);
 
-  Comparing how{options.dtype, std::nullopt};
-  if (options.absolute || options.relative)
-    how.tolerance = Tolerance{options.absolute.value_or(0), options.relative.value_or(0)};
-  const auto differences =
-      files.compare(how, [&](const StoredArea& area, const CellBlock& before, const CellBlock& after) {
-        if (picture) picture->add(area, before, after);
-      });
+  const VisitBlock visit = [&](const StoredArea& area, const CellBlock& before, const CellBlock& after,
+                               const std::optional<NumberForm>& form) {
+    if (picture) picture->add(area, before, after, form);
+  };
+  const auto differences = files.compare({options.form, options.tolerance()}, visit);
   if (picture) picture->write();
   context.output.print(report(differences, options));
   context.output.finish();
@@ -248,7 +287,6 @@ void addPictureOptions(CLI::App& command, Options& options) {
   command.add_option("--component", options.component, "Which number of each cell to draw, from 0")
       ->capture_default_str()
       ->needs(picture);
-  command.add_option("--unit", options.unit, "Text beside the picture's colour bar")->type_name("TEXT")->needs(picture);
 }
 
 }  // namespace
@@ -260,22 +298,22 @@ void addDiffCommand(CommandGroup& program) {
       "Exit codes of this command: 0 the same, 1 different, 2 trouble of any kind.\n\n"
       "Compared are metadata, screens, blocks (found by screen, type and rectangle), generic data and measurements;\n"
       "not the times and the keys of rows. Without a tolerance cells differ when a bit does.\n"
-      "The picture shows B - A in cool to warm colours, zero in the middle. Regions of more than 1280 x 800 cells are\n"
-      "made smaller: a pixel then shows the largest difference of its cells.");
+      "Numbers, tolerances and the picture are scaled where the form that is kept with the blocks says so.\n"
+      "The picture shows B - A in cool to warm colours, zero in the middle; what a tolerance lets pass is drawn as 0.\n"
+      "Regions of more than 1280 x 800 cells are made smaller: a pixel then shows the largest difference of its "
+      "cells.");
   command.add_option("A", options.before, "The first database file")->required();
   command.add_option("B", options.after, "The second database file")->required();
   command.add_option("--key-file-b", options.keyFileAfter, "The key of B is this file's first line [as for A]")
       ->type_name("FILE");
-  CLI::Option* dtype = addDtype(command, options.dtype, "Type of the numbers in a cell (uint16, float32, ...)");
+  addForm(command, options.form, "Type of the numbers in a cell (uint16, float32, ...) [as kept with the blocks]");
   CLI::Option* absolute = command.add_option("--atol", options.absolute, "Numbers this far apart count as equal");
-  absolute->check(CLI::NonNegativeNumber)->needs(dtype);
+  absolute->check(CLI::NonNegativeNumber);
   command.add_option("--rtol", options.relative, "The same, as a share of the larger of the two")
       ->check(CLI::NonNegativeNumber)
-      ->needs(dtype)
       ->excludes(absolute);
   addPictureOptions(command, options);
-  command.get_option("--heatmap")->needs(dtype);
-  command.add_flag("--json", options.json, "Write JSON");
+  addJsonFlag(command, options.json);
 }
 
 }  // namespace tovrtool

@@ -4,6 +4,7 @@
 #include "tool/commands/CommandTree.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Completion.h"
+#include "tool/commands/JsonForms.h"
 #include "tool/commands/ManualPage.h"
 
 namespace tovrtool {
@@ -15,7 +16,7 @@ struct Options {
 };
 
 void manual(Context& context, const Options& options) {
-  context.output.print(manualPage(commandPages(*options.program)));
+  context.output.print(manualPage(commandPages(*options.program), kJsonManual));
 }
 
 void completion(Context& context, const Options& options) {

@@ -15,7 +15,7 @@ namespace {
 struct ExportOptions {
   std::string file;
   std::string folder;
-  Dtype dtype = parseDtype("uint8");
+  std::optional<Dtype> dtype;
   bool force = false;
 };
 
@@ -55,7 +55,8 @@ void addExport(CommandGroup& program) {
       "that is equal in every stored value.");
   addFile(command, options.file);
   command.add_option("DIR", options.folder, "The folder to make")->required();
-  addDtype(command, options.dtype, "Type of the numbers in a cell (uint16, float32, ...); it is not stored [uint8]");
+  addDtype(command, options.dtype,
+           "Type of the numbers in a cell (uint16, float32, ...); for all blocks [as kept with each, else bytes]");
   command.add_flag("--force", options.force, "Replace the folder if it holds an export, and nothing else");
 }
 

@@ -2,9 +2,9 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/FileFacts.h"
-#include "tool/io/JsonText.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrtool {
@@ -41,9 +41,16 @@ std::string asText(const std::string& file, const FileFacts& facts) {
                    screenRows);
 }
 
-Json asObject(const std::vector<Fact>& facts) {
+// Texts, as their writers chose them.
+Json descriptionOf(const std::vector<Fact>& facts) {
   Json object = Json::object();
   for (const Fact& fact : facts) object[fact.name] = fact.value;
+  return object;
+}
+
+Json engineOf(const std::vector<Fact>& facts) {
+  Json object = Json::object();
+  for (const Fact& fact : facts) object[fact.name] = numberOrText(fact.value);
   return object;
 }
 
@@ -55,15 +62,13 @@ std::string asJson(const std::string& file, const FileFacts& facts) {
   Json screenList = Json::array();
   for (const ScreenFacts& entry : facts.screens) {
     const Rect& rect = entry.screen.rect;
-    screenList.push_back({{"id", entry.screen.id},
-                          {"name", entry.screen.name},
-                          {"rect", {rect.left, rect.top, rect.right, rect.bottom}},
-                          {"blocks", entry.areas}});
+    screenList.push_back(
+        {{"id", entry.screen.id}, {"name", entry.screen.name}, {"rect", rectJson(rect)}, {"blocks", entry.areas}});
   }
   return jsonText({{"file", file},
-                   {"databaseType", facts.type},
-                   {"description", asObject(facts.description)},
-                   {"engine", asObject(facts.engine)},
+                   {"database_type", facts.type},
+                   {"description", descriptionOf(facts.description)},
+                   {"engine", engineOf(facts.engine)},
                    {"tables", tables},
                    {"screens", screenList}});
 }
@@ -79,7 +84,7 @@ void info(Context& context, const Options& options) {
 void addInfoCommand(CommandGroup& program) {
   const auto [command, options] = program.add("info", "What a database file holds", &Options::file, info);
   addFile(command, options.file);
-  command.add_flag("--json", options.json, "Print it as JSON");
+  addJsonFlag(command, options.json);
 }
 
 }  // namespace tovrtool

@@ -53,7 +53,7 @@ std::string commandSection(const CommandPage& page, const std::string& commonFoo
 
 }  // namespace
 
-std::string manualPage(const std::vector<CommandPage>& pages) {
+std::string manualPage(const std::vector<CommandPage>& pages, const std::string& jsonManual) {
   const CommandPage& program = pages.front();
   std::string text = ".TH TOVRDB 1 \"\" \"tovrdb " TOVRDB_VERSION
                      "\"\n.SH NAME\ntovrdb \\- calibration data of LED "
@@ -63,7 +63,8 @@ std::string manualPage(const std::vector<CommandPage>& pages) {
   for (const CommandPage& page : pages) {
     if (!page.name.empty() && page.subcommands.empty()) text += commandSection(page, program.footer);
   }
-  return text + ".SH \"ENVIRONMENT AND EXIT STATUS\"\n" + verbatim(program.footer);
+  return text + ".SH \"JSON\"\n" + verbatim(jsonManual) + ".SH \"ENVIRONMENT AND EXIT STATUS\"\n" +
+         verbatim(program.footer);
 }
 
 }  // namespace tovrtool

@@ -8,7 +8,7 @@
 
 namespace tovrtool {
 
-// Section 1, in the man macros of roff (man(7)).
-std::string manualPage(const std::vector<CommandPage>& pages);
+// Section 1, with what it says about JSON, in the man macros of roff (man(7)).
+std::string manualPage(const std::vector<CommandPage>& pages, const std::string& jsonManual);
 
 }  // namespace tovrtool

@@ -6,6 +6,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Confirmation.h"
+#include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/Measurements.h"
 #include "tool/io/ByteOutput.h"
@@ -26,6 +27,7 @@ struct Options {
   std::int64_t id = 0;
   bool yes = false;
   OutputOptions output;
+  bool json = false;
 };
 
 void put(Context& context, const Options& options) {
@@ -46,15 +48,30 @@ void put(Context& context, const Options& options) {
   }
 }
 
+std::string asJson(const std::vector<StoredMeasurement>& all) {
+  Json list = Json::array();
+  for (const StoredMeasurement& measurement : all) {
+    Json object{{"id", measurement.id}, {"stored_bytes", measurement.storedBytes}, {"version", measurement.version}};
+    if (!measurement.type.empty()) object["type"] = numberOrText(measurement.type);
+    if (measurement.rect) object["rect"] = rectJson(*measurement.rect);
+    list.push_back(std::move(object));
+  }
+  return jsonText(list);
+}
+
+std::string asText(const std::vector<StoredMeasurement>& all) {
+  TextRows rows;
+  for (const StoredMeasurement& measurement : all) {
+    rows.push_back({std::to_string(measurement.id), std::to_string(measurement.storedBytes), measurement.version,
+                    measurement.type, measurement.rect ? toText(*measurement.rect) : ""});
+  }
+  return textTable({{"id", true}, {"stored bytes", true}, {"version"}, {"type", true}, {"rectangle"}}, rows);
+}
+
 void list(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
-  TextRows rows;
-  for (const StoredMeasurement& measurement : storedMeasurements(session)) {
-    rows.push_back({std::to_string(measurement.id), std::to_string(measurement.storedBytes), measurement.version,
-                    measurement.type, measurement.rectangle});
-  }
-  context.output.print(
-      textTable({{"id", true}, {"stored bytes", true}, {"version"}, {"type", true}, {"rectangle"}}, rows));
+  const std::vector<StoredMeasurement> all = storedMeasurements(session);
+  context.output.print(options.json ? asJson(all) : asText(all));
 }
 
 void get(Context& context, const Options& options) {
@@ -93,6 +110,7 @@ void addMeasureCommands(CommandGroup& program) {
   {
     const auto [command, options] = group.add("list", "List the measurements", &Options::file, list);
     addFile(command, options.file);
+    addJsonFlag(command, options.json);
   }
   {
     const auto [command, options] = group.add("get", "Read a measurement", &Options::file, get);

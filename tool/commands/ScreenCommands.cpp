@@ -2,6 +2,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Confirmation.h"
+#include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/Removal.h"
 #include "tool/database/Screens.h"
@@ -26,6 +27,7 @@ struct DeleteOptions {
 
 struct ListOptions {
   std::string file;
+  bool json = false;
 };
 
 void add(Context& context, const AddOptions& options) {
@@ -46,14 +48,31 @@ void deleteScreen(Context& context, const DeleteOptions& options) {
   message("deleted the screen {} and {} areas", options.name, removal.areas.size());
 }
 
-void list(Context& context, const ListOptions& options) {
-  Session session = openDatabase(context, options.file);
+std::string asJson(const std::vector<StoredScreen>& screens) {
+  Json list = Json::array();
+  for (const StoredScreen& screen : screens) {
+    list.push_back({{"id", screen.id},
+                    {"name", screen.name},
+                    {"rect", rectJson(screen.rect)},
+                    {"columns", columnsOf(screen.rect)},
+                    {"rows", rowsOf(screen.rect)}});
+  }
+  return jsonText(list);
+}
+
+std::string asText(const std::vector<StoredScreen>& screens) {
   TextRows rows;
-  for (const StoredScreen& screen : storedScreens(session)) {
+  for (const StoredScreen& screen : screens) {
     rows.push_back({std::to_string(screen.id), screen.name, toText(screen.rect), std::to_string(columnsOf(screen.rect)),
                     std::to_string(rowsOf(screen.rect))});
   }
-  context.output.print(textTable({{"id", true}, {"name"}, {"rectangle"}, {"columns", true}, {"rows", true}}, rows));
+  return textTable({{"id", true}, {"name"}, {"rectangle"}, {"columns", true}, {"rows", true}}, rows);
+}
+
+void list(Context& context, const ListOptions& options) {
+  Session session = openDatabase(context, options.file);
+  const std::vector<StoredScreen> screens = storedScreens(session);
+  context.output.print(options.json ? asJson(screens) : asText(screens));
 }
 
 std::string nameFault(const std::string& name) { return name.empty() ? "must not be empty" : ""; }
@@ -78,6 +97,7 @@ void addScreenCommands(CommandGroup& program) {
   {
     const auto [command, options] = group.add("list", "List the screens", &ListOptions::file, list);
     addFile(command, options.file);
+    addJsonFlag(command, options.json);
   }
 }
 

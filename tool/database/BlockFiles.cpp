@@ -67,6 +67,16 @@ BlockFile blockOfName(const std::string& name) {
   return block;
 }
 
+CellBlock readBlock(const BlockFile& file, std::optional<Dtype>& dtype) {
+  NpyArray array = parseNpy(readWholeFile(file.path), file.path);
+  dtype = array.dtype;
+  try {
+    return blockFromArray(std::move(array), file.area.rect, {});
+  } catch (const ToolError& error) {
+    throw about(file.path, error);
+  }
+}
+
 }  // namespace
 
 std::vector<BlockFile> blocksOfManifest(const std::string& path) {
@@ -98,12 +108,8 @@ std::vector<BlockFile> blocksOfFolder(const std::string& folder) {
 }
 
 CellBlock readBlock(const BlockFile& file) {
-  NpyArray array = parseNpy(readWholeFile(file.path), file.path);
-  try {
-    return blockFromArray(std::move(array), file.area.rect, {});
-  } catch (const ToolError& error) {
-    throw about(file.path, error);
-  }
+  std::optional<Dtype> dtype;
+  return readBlock(file, dtype);
 }
 
 std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files) {
@@ -111,7 +117,9 @@ std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files) {
   std::vector<std::string> faults;
   for (const BlockFile& file : files) {
     try {
-      wanted.push_back({file.path, file.area, file.text, readBlock(file).cellBytes});
+      BlockText text = file.text;
+      const std::int32_t cellBytes = readBlock(file, text.dtype).cellBytes;
+      wanted.push_back({file.path, file.area, text, cellBytes});
     } catch (const ToolError& error) {
       faults.emplace_back(error.what());
     }

@@ -3,6 +3,8 @@
 #include <fmt/core.h>
 
 #include "storage/StatusCodes.h"
+#include "tool/database/LibraryError.h"
+#include "tool/database/NumberForms.h"
 #include "tool/database/Screens.h"
 #include "tool/database/StoredArea.h"
 #include "tool/io/TextList.h"
@@ -48,7 +50,11 @@ std::unique_ptr<tovr::CoefData> recordOf(Session& session, const AreaName& area)
 
 CellBlock fetchBlock(Session& session, const AreaName& area) {
   const auto record = recordOf(session, area);
-  return queryCells(session, *record, [&](int code) { requireArea(session, code, area); });
+  return queryCells(session, *record, [&](int code) {
+    if (code != tovr::kNoMatchingArea) return requireArea(session, code, area);
+    std::vector<StoredArea> areas = areasOfType(session, area.type, area.screen);
+    throw libraryError(code, fmt::format("asked for {}; {}", toText(area.rect), insteadOf(area.rect, areas)));
+  });
 }
 
 }  // namespace tovrtool

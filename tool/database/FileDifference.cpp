@@ -6,6 +6,7 @@
 #include <map>
 #include <utility>
 
+#include "tool/database/NumberForms.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/system/ToolError.h"
 
@@ -57,6 +58,23 @@ bool sameShape(const Item& before, const Item& after) {
   return before.area && after.area && before.area->cellBytes == after.area->cellBytes;
 }
 
+// One form for both; nothing where it is not known, where the two are kept differently, or the cells do not fit it.
+std::optional<NumberForm> commonForm(const StoredArea& before, const StoredArea& after, const FormOptions& options) {
+  auto form = chosenForm(options, keptForm(before));
+  const auto other = chosenForm(options, keptForm(after));
+  if (form && other && !(*form == *other)) return std::nullopt;
+  if (!form) form = other;
+  if (form && static_cast<std::size_t>(before.cellBytes) % form->dtype.itemSize != 0) return std::nullopt;
+  return form;
+}
+
+[[noreturn]] void refuseUnknownNumbers(const Item& before, const Item& after) {
+  const bool kept = keptForm(*before.area) && keptForm(*after.area);
+  throw ToolError(
+      kUsage, "{}: {}: say it with --dtype", before.name,
+      kept ? "the files keep different types or scales of its numbers" : "nothing tells the type of its numbers");
+}
+
 }  // namespace
 
 FileComparison::FileComparison(const Access& access, FileAndKey before, FileAndKey after)
@@ -82,7 +100,7 @@ void FileComparison::pairItems() {
   for (const Item& item : itemsBefore_) {
     const auto found = after.find(item.name);
     if (found == after.end()) {
-      differences_.push_back({item.name, Difference::Kind::kOnlyBefore, "", summary(item), "", {}, false, {}});
+      differences_.push_back({item.name, item.place, Difference::Kind::kOnlyBefore, "", summary(item), "", {}, {}, {}});
       continue;
     }
     const Item& other = *found->second;
@@ -90,13 +108,14 @@ void FileComparison::pairItems() {
     for (std::size_t i = 0; i < item.fields.size(); ++i) {
       const auto& [field, text] = item.fields[i];
       if (text == other.fields[i].second) continue;
-      differences_.push_back({item.name, Difference::Kind::kField, field, text, other.fields[i].second, {}, false, {}});
+      differences_.push_back(
+          {item.name, item.place, Difference::Kind::kField, field, text, other.fields[i].second, {}, {}, {}});
     }
     if (item.blob) blobs_.push_back({&item, &other});
   }
   for (const Item& item : itemsAfter_) {
     if (after.count(item.name) == 0) continue;
-    differences_.push_back({item.name, Difference::Kind::kOnlyAfter, "", "", summary(item), {}, false, {}});
+    differences_.push_back({item.name, item.place, Difference::Kind::kOnlyAfter, "", "", summary(item), {}, {}, {}});
   }
 }
 
@@ -141,10 +160,11 @@ void FileComparison::compareBlobs(Session& session, const Pair& pair, const Byte
                                   const VisitBlock& visit) {
   const Bytes storedAfter = naming(after_.path, [&] { return storedBytes(session, *pair.after); });
   const bool shaped = sameShape(*pair.before, *pair.after);
+  const auto form = shaped ? commonForm(*pair.before->area, *pair.after->area, how.form) : std::nullopt;
   if (storedBefore == storedAfter) {
     if (!shaped) return;
     const CellBlock equal{pair.before->area->rect, pair.before->area->cellBytes, nullptr};
-    return visit(*pair.before->area, equal, equal);
+    return visit(*pair.before->area, equal, equal, form);
   }
   Bytes before = payload(session, before_.path, *pair.before, storedBefore);
   Bytes after = payload(session, after_.path, *pair.after, storedAfter);
@@ -152,21 +172,22 @@ void FileComparison::compareBlobs(Session& session, const Pair& pair, const Byte
     const StoredArea& area = *pair.before->area;
     const CellBlock cellsBefore = blockOf(area.rect, area.cellBytes, std::move(before));
     const CellBlock cellsAfter = blockOf(area.rect, area.cellBytes, std::move(after));
-    visit(area, cellsBefore, cellsAfter);
-    addCells(pair, cellsBefore, cellsAfter, how);
+    if (how.tolerance && !form && !how.form.dtype) refuseUnknownNumbers(*pair.before, *pair.after);
+    visit(area, cellsBefore, cellsAfter, form);
+    addCells(pair, cellsBefore, cellsAfter, form, how.tolerance);
     return;
   }
   const BytesDifference bytes = compareBytes(before, after);
   if (bytes.differing == 0 && bytes.sizeBefore == bytes.sizeAfter) return;  // only the padding of the cipher
-  differences_.push_back({pair.before->name, Difference::Kind::kBytes, "", "", "", {}, false, bytes});
+  differences_.push_back({pair.before->name, pair.before->place, Difference::Kind::kBytes, "", "", "", {}, {}, bytes});
 }
 
-void FileComparison::addCells(const Pair& pair, const CellBlock& before, const CellBlock& after, const Comparing& how) {
-  const bool numbers = how.dtype && static_cast<std::size_t>(before.cellBytes) % how.dtype->itemSize == 0;
-  const BlockDifference cells =
-      compareBlocks(before, after, numbers ? how.dtype : std::nullopt, numbers ? how.tolerance : std::nullopt);
+void FileComparison::addCells(const Pair& pair, const CellBlock& before, const CellBlock& after,
+                              const std::optional<NumberForm>& form, const std::optional<Tolerance>& tolerance) {
+  const BlockDifference cells = compareBlocks(before, after, form, form ? tolerance : std::nullopt);
   if (cells.differing == 0) return;
-  differences_.push_back({pair.before->name, Difference::Kind::kCells, "", "", "", cells, numbers, {}});
+  differences_.push_back(
+      {pair.before->name, pair.before->place, Difference::Kind::kCells, "", "", "", cells, form, {}});
 }
 
 }  // namespace tovrtool

@@ -28,21 +28,24 @@ struct BytesDifference {
 struct Difference {
   enum class Kind { kOnlyBefore, kOnlyAfter, kField, kCells, kBytes };
   std::string item;
+  ItemPlace place;
   Kind kind;
   // kField: of what, and its texts. Items that one file lacks: field and text of the whole.
   std::string field;
   std::string before;
   std::string after;
   BlockDifference cells;
-  bool numbers = false;  // `cells` compares numbers
+  std::optional<NumberForm> form;  // of the numbers that `cells` compares; nothing where it compares bits
   BytesDifference bytes;
 };
 
-// A block that both files hold: the cells of both, without bytes when they are equal in every one.
-using VisitBlock = std::function<void(const StoredArea& area, const CellBlock& before, const CellBlock& after)>;
+// A block that both files hold: the cells of both, without bytes when they are equal in every one, and the form of
+// their numbers as far as it is known.
+using VisitBlock = std::function<void(const StoredArea& area, const CellBlock& before, const CellBlock& after,
+                                      const std::optional<NumberForm>& form)>;
 
 struct Comparing {
-  std::optional<Dtype> dtype;  // blocks whose cells are not a whole number of these are compared to the bit
+  FormOptions form;  // blocks whose cells are not a whole number of such values are compared to the bit
   std::optional<Tolerance> tolerance;
 };
 
@@ -55,7 +58,8 @@ class FileComparison {
   std::vector<StoredArea> commonAreas() const;
 
   // Compares everything. Only one file can be open at a time, so payloads are read in turns, some hundred megabytes of
-  // the first file and then the same ones of the second.
+  // the first file and then the same ones of the second. Throws ToolError where a tolerance is asked for and nothing
+  // tells the numbers of blocks that differ.
   std::vector<Difference> compare(const Comparing& how, const VisitBlock& visit);
 
  private:
@@ -69,7 +73,8 @@ class FileComparison {
   void compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit);
   void compareBlobs(Session& session, const Pair& pair, const Bytes& before, const Comparing& how,
                     const VisitBlock& visit);
-  void addCells(const Pair& pair, const CellBlock& before, const CellBlock& after, const Comparing& how);
+  void addCells(const Pair& pair, const CellBlock& before, const CellBlock& after,
+                const std::optional<NumberForm>& form, const std::optional<Tolerance>& tolerance);
 
   Access access_;
   FileAndKey before_;

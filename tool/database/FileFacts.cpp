@@ -16,10 +16,10 @@ std::vector<Fact> description(Session& session) {
   auto record = session.host().makeRecord<tovr::DBInfo>();
   session.require(session.manager().queryData(record.get()));
   return {{"name", "name", record->dbname},
-          {"structure version", "structureVersion", record->datastructversion},
-          {"software version", "softwareVersion", record->softwareversion},
-          {"software type", "softwareType", record->softwaretype},
-          {"database version", "databaseVersion", record->dbversion}};
+          {"structure version", "structure_version", record->datastructversion},
+          {"software version", "software_version", record->softwareversion},
+          {"software type", "software_type", record->softwaretype},
+          {"database version", "database_version", record->dbversion}};
 }
 
 // Engines leave questions that they do not know unanswered.
@@ -30,15 +30,15 @@ std::vector<Fact> engine(Session& session) {
     const char* sql;
   };
   constexpr Question kQuestions[] = {
-      {"engine", "sqliteVersion", "select sqlite_version()"},
-      {"page encryption", "cipherVersion", "pragma cipher_version"},
+      {"engine", "sqlite_version", "select sqlite_version()"},
+      {"page encryption", "cipher_version", "pragma cipher_version"},
       {"cipher", "cipher", "pragma cipher"},
-      {"cipher provider", "cipherProvider", "pragma cipher_provider"},
-      {"key derivation", "kdfIterations", "pragma kdf_iter"},
-      {"page checksums", "pageHmac", "pragma cipher_use_hmac"},
-      {"page size", "pageSize", "pragma page_size"},
+      {"cipher provider", "cipher_provider", "pragma cipher_provider"},
+      {"key derivation", "kdf_iterations", "pragma kdf_iter"},
+      {"page checksums", "page_hmac", "pragma cipher_use_hmac"},
+      {"page size", "page_size", "pragma page_size"},
       {"pages", "pages", "pragma page_count"},
-      {"free pages", "freePages", "pragma freelist_count"},
+      {"free pages", "free_pages", "pragma freelist_count"},
   };
   std::vector<Fact> facts = {{"generation", "generation", generationText(fileGeneration(session))}};
   for (const Question& question : kQuestions) {

@@ -7,6 +7,7 @@
 
 #include "tool/cells/CellBlock.h"
 #include "tool/database/ExportFormat.h"
+#include "tool/database/NumberForms.h"
 #include "tool/database/StoredArea.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/StoredRows.h"
@@ -38,7 +39,7 @@ std::map<std::int64_t, StoredArea> areasByBlock(Session& session) {
 
 class Exporter {
  public:
-  Exporter(Session& session, const UnfinishedFolder& folder, const Dtype& dtype)
+  Exporter(Session& session, const UnfinishedFolder& folder, const std::optional<Dtype>& dtype)
       : session_(session),
         folder_(folder),
         dtype_(dtype),
@@ -93,7 +94,9 @@ class Exporter {
   }
 
   Json writeCells(const std::string& name, const StoredArea& area, const Bytes& cells) {
-    return writeFile(name, kCellsForm, npyHeader(dtype_, blockShape(area.rect, area.cellBytes, dtype_)), cells);
+    const auto kept = keptForm(area);
+    const Dtype dtype = dtype_ ? *dtype_ : kept ? kept->dtype : parseDtype("uint8");
+    return writeFile(name, kCellsForm, npyHeader(dtype, blockShape(area.rect, area.cellBytes, dtype)), cells);
   }
 
   Json writeFile(const std::string& name, const char* form, const std::string& header, const Bytes& bytes) {
@@ -107,7 +110,7 @@ class Exporter {
 
   Session& session_;
   const UnfinishedFolder& folder_;
-  Dtype dtype_;
+  std::optional<Dtype> dtype_;
   std::map<std::int64_t, StoredArea> areas_;
   Progress progress_;
   std::size_t files_ = 0;
@@ -124,7 +127,8 @@ std::vector<std::string> otherObjects(Session& session) {
 
 }  // namespace
 
-ExportReport exportFolder(Session& session, const std::string& path, Existing existing, const Dtype& dtype) {
+ExportReport exportFolder(Session& session, const std::string& path, Existing existing,
+                          const std::optional<Dtype>& dtype) {
   UnfinishedFolder folder(path, existing, isOurs);
   session.beginReading();
   ExportReport report;

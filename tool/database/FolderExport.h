@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,9 +17,11 @@ struct ExportReport {
   std::vector<std::string> leftOut;  // what else the file holds, beside the nine tables: "index of_screens"
 };
 
-// The folder appears when it is complete, with one state of the file, whoever else writes to it. `dtype` is the type of
-// the arrays' numbers. Throws ToolError when the folder exists and may not be replaced or holds anything that no export
-// has written, when a cell is not a whole number of `dtype` values, and on any other failure.
-ExportReport exportFolder(Session& session, const std::string& folder, Existing existing, const Dtype& dtype);
+// The folder appears when it is complete, with one state of the file, whoever else writes to it. Without
+// `dtype` the arrays have the types that are kept with the blocks, and bytes where none is. Throws ToolError when the
+// folder exists and may not be replaced or holds anything that no export has written, when a cell is not a whole number
+// of `dtype` values, and on any other failure.
+ExportReport exportFolder(Session& session, const std::string& folder, Existing existing,
+                          const std::optional<Dtype>& dtype);
 
 }  // namespace tovrtool

@@ -6,6 +6,7 @@
 
 #include "tool/database/GenericData.h"
 #include "tool/database/Measurements.h"
+#include "tool/database/NumberForms.h"
 #include "tool/database/Screens.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/Tables.h"
@@ -19,6 +20,7 @@ void addMetadata(Session& session, Items& items) {
   const auto record = session.host().makeRecord<tovr::DBInfo>();
   session.require(session.manager().queryData(record.get()));
   items.push_back({"metadata",
+                   {"metadata", {}, {}, {}, {}},
                    {{"database type", std::to_string(session.manager().getDBType())},
                     {"name", record->dbname},
                     {"structure version", record->datastructversion},
@@ -28,24 +30,31 @@ void addMetadata(Session& session, Items& items) {
                    {},
                    {}});
   for (const Row& row : queryRows(session.connection(), "select dbname from Attach_DB_List order by id")) {
-    items.push_back({"attached database " + row[0], {}, {}, {}});
+    items.push_back({"attached database " + row[0], {"attached_database", {}, {}, {}, {}}, {}, {}, {}});
   }
 }
 
 void addScreens(Session& session, Items& items) {
   for (const StoredScreen& screen : storedScreens(session)) {
     requireSound(screen.rect, "screen " + screen.name);
-    items.push_back({"screen " + screen.name, {{"rectangle", toText(screen.rect)}}, {}, {}});
+    items.push_back({"screen " + screen.name,
+                     {"screen", screen.name, {}, screen.rect, {}},
+                     {{"rectangle", toText(screen.rect)}},
+                     {},
+                     {}});
   }
 }
 
 void addBlocks(Session& session, Items& items) {
   for (const StoredArea& area : storedAreas(session)) {
     requireSound(area.rect, fmt::format("area {}", area.id));
+    const auto form = keptForm(area);
     items.push_back({fmt::format("block of {}, type {}", toText(area), area.type),
+                     {"block", area.screen, std::to_string(area.type), area.rect, {}},
                      {{"area number", std::to_string(area.number)},
                       {"bytes per cell", std::to_string(area.cellBytes)},
-                      {"version", area.version},
+                      {"version", splitVersion(area.version, area.cellBytes).text},
+                      {"numbers", form ? toText(*form) : ""},
                       {"layers", area.layers},
                       {"layer list", area.layerList}},
                      BlobPlace{kBlockTable, area.blockId, area.storedBytes},
@@ -56,6 +65,7 @@ void addBlocks(Session& session, Items& items) {
 void addData(Session& session, Items& items) {
   for (const StoredData& data : storedData(session)) {
     items.push_back({"data of type " + data.type,
+                     {"data", {}, data.type, {}, {}},
                      {{"screen", data.screen}, {"version", data.version}},
                      BlobPlace{kDataTable, data.blobId, data.storedBytes},
                      {}});
@@ -65,11 +75,13 @@ void addData(Session& session, Items& items) {
 // Measurements have no name but their key: the library rejects the rows that would place them.
 void addMeasurements(Session& session, Items& items) {
   for (const StoredMeasurement& measurement : storedMeasurements(session)) {
-    items.push_back(
-        {fmt::format("measurement {}", measurement.id),
-         {{"version", measurement.version}, {"type", measurement.type}, {"rectangle", measurement.rectangle}},
-         BlobPlace{kMeasurementTable, measurement.id, measurement.storedBytes},
-         {}});
+    items.push_back({fmt::format("measurement {}", measurement.id),
+                     {"measurement", {}, {}, {}, measurement.id},
+                     {{"version", measurement.version},
+                      {"type", measurement.type},
+                      {"rectangle", measurement.rect ? toText(*measurement.rect) : ""}},
+                     BlobPlace{kMeasurementTable, measurement.id, measurement.storedBytes},
+                     {}});
   }
 }
 

@@ -19,8 +19,18 @@ struct BlobPlace {
   std::int64_t bytes = 0;
 };
 
+// What an item is, in parts.
+struct ItemPlace {
+  const char* kind = "";  // metadata, attached_database, screen, block, data, measurement
+  std::string screen;     // of a block; the screen itself
+  std::string type;       // of a block and of data
+  std::optional<Rect> rect;
+  std::optional<std::int64_t> id;  // of a measurement
+};
+
 struct Item {
-  std::string name;                                         // unique: "block of left, 0,0..63,31, type 1"
+  std::string name;  // unique: "block of left, 0,0..63,31, type 1"
+  ItemPlace place;
   std::vector<std::pair<std::string, std::string>> fields;  // in the same order for all items of a kind
   std::optional<BlobPlace> blob;
   std::optional<StoredArea> area;  // of a block

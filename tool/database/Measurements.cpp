@@ -19,11 +19,17 @@ std::vector<StoredMeasurement> storedMeasurements(Session& session) {
   std::vector<StoredMeasurement> found;
   tovr::IDBOperate& connection = session.connection();
   visitRows(connection,
-            "select d.id, length(d.data), d.version, i.datatype, i.left || ',' || i.top || '..' || i.right || ',' ||"
-            " i.bottom from LumChromData d left join LumChromDataInfo i on i.dataid = d.id order by d.id",
+            "select d.id, length(d.data), d.version, i.datatype, i.id is not null, i.left, i.top, i.right, i.bottom"
+            " from LumChromData d left join LumChromDataInfo i on i.dataid = d.id order by d.id",
             [&] {
-              found.push_back({columnNumber(connection, 0), columnNumber(connection, 1), columnText(connection, 2),
-                               columnText(connection, 3), columnText(connection, 4)});
+              StoredMeasurement& measurement = found.emplace_back();
+              measurement.id = columnNumber(connection, 0);
+              measurement.storedBytes = columnNumber(connection, 1);
+              measurement.version = columnText(connection, 2);
+              measurement.type = columnText(connection, 3);
+              if (columnNumber(connection, 4) == 0) return;
+              measurement.rect = Rect{connection.column_int(5), connection.column_int(6), connection.column_int(7),
+                                      connection.column_int(8)};
             });
   return found;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,7 +17,7 @@ struct StoredMeasurement {
   std::int64_t storedBytes = 0;  // enciphered
   std::string version;
   std::string type;  // this and the next: empty, unless another program has stored them
-  std::string rectangle;
+  std::optional<Rect> rect;
 };
 
 // In the order of their keys. Every function throws ToolError on failure.

@@ -7,6 +7,7 @@
 
 #include "tool/database/AreaPatch.h"
 #include "tool/database/BlockRows.h"
+#include "tool/database/NumberForms.h"
 #include "tool/database/StoreWords.h"
 
 namespace tovrtool {
@@ -99,9 +100,15 @@ StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted
   report.notices = noticesOf(plan, stored, wanted);
   Execution execution(session, stored, wanted, load);
   for (const StoreStep& step : plan.steps) {
-    report.blockKeys.push_back(rules.mode == StoreMode::kUpdate
-                                   ? updateByLibrary(session, wanted[step.block], load(step.block))
-                                   : execution.run(step));
+    const WantedBlock& block = wanted[step.block];
+    report.blockKeys.push_back(rules.mode == StoreMode::kUpdate ? updateByLibrary(session, block, load(step.block))
+                                                                : execution.run(step));
+    const FormToKeep form{block.text.form, block.text.dtype, !block.text.version.empty(), block.text.version};
+    if (step.kind == StoreStep::Kind::kPatch) {
+      requireKeptForm(stored.areas[step.area], form);
+    } else {
+      keepForm(session, report.blockKeys.back(), block.cellBytes, form);
+    }
   }
   execution.patch();
   transaction.commit();

@@ -58,30 +58,55 @@ std::string listed(const std::vector<StoredArea>& areas) {
   return shortList(texts, "; ");
 }
 
-std::string storedTypes(const std::vector<StoredArea>& areas) {
+std::string storedTypes(const std::vector<Placement>& areas) {
   if (areas.empty()) return "the file holds no areas; tovrdb coef put stores them";
   std::set<std::int32_t> types;
-  for (const StoredArea& area : areas) types.insert(area.type);
+  for (const Placement& area : areas) types.insert(area.type);
   std::vector<std::string> texts;
   for (const std::int32_t type : types) texts.push_back(std::to_string(type));
   return "there are areas of type " + shortList(texts);
 }
 
-// Whether the library, asked for the rectangle, answers from this very area and not from one that was stored before.
-bool answersFrom(Session& session, const StoredArea& area, const Rect& rect) {
+// `areas` with what is stored beside their blocks. `which` chooses the rows of areas: reading what lies behind a blob
+// costs as much as the blob.
+std::vector<StoredArea> withBlocks(Session& session, std::vector<Placement> placed, const std::string& which) {
+  std::vector<StoredArea> areas;
+  std::map<std::int64_t, std::vector<std::size_t>> ofBlock;
+  for (Placement& placement : placed) {
+    ofBlock[placement.blockId].push_back(areas.size());
+    static_cast<Placement&>(areas.emplace_back()) = std::move(placement);
+  }
+  tovr::IDBOperate& connection = session.connection();
+  visitRows(connection,
+            fmt::format("select id, databitwidth, length(data), version from Coef where id in"
+                        " (select coefid from Coef_Info where {})",
+                        which),
+            [&] {
+              for (const std::size_t index : ofBlock[columnNumber(connection, 0)]) {
+                areas[index].cellBytes = static_cast<std::int32_t>(columnNumber(connection, 1));
+                areas[index].storedBytes = columnNumber(connection, 2);
+                areas[index].version = columnText(connection, 3);
+              }
+            });
+  return areas;
+}
+
+std::optional<Placement> answeringPlacement(Session& session, std::int32_t type, const std::string& screenName,
+                                            const Rect& rect) {
   const int databaseType = session.manager().getDBType();
-  if (databaseType > 1) return false;  // the library does not know how to look
+  if (databaseType > 1) return std::nullopt;  // the library does not know how to look
   const bool byName = databaseType == 1;
   const auto screens = storedScreens(session);
   const auto screen = std::find_if(screens.begin(), screens.end(), [&](const StoredScreen& candidate) {
-    return byName ? candidate.name == area.screen : holds(candidate.rect, rect);
+    return byName ? candidate.name == screenName : holds(candidate.rect, rect);
   });
-  if (screen == screens.end() || screen->id != area.screenId) return false;
+  if (screen == screens.end()) return std::nullopt;
   const auto areas = placements(session);
   const auto first = std::find_if(areas.begin(), areas.end(), [&](const Placement& candidate) {
-    return candidate.screenId == area.screenId && candidate.type == area.type && holds(candidate.rect, rect);
+    return candidate.screenId == screen->id && candidate.type == type && holds(candidate.rect, rect);
   });
-  return first != areas.end() && first->id == area.id;
+  if (first == areas.end()) return std::nullopt;
+  return *first;
 }
 
 void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes) {
@@ -98,15 +123,6 @@ CellBlock readByLibrary(Session& session, const StoredArea& area, const Rect& re
   return queryCells(session, *record, [&](int code) { session.require(code, toText(area)); });
 }
 
-// The whole block of an area that the library does not answer from.
-CellBlock readByKey(Session& session, const StoredArea& area) {
-  const auto blob = queryPayload(session, kBlockTable, area.blockId);
-  if (!blob) throw ToolError(kRefused, "block {} of {} is missing", area.blockId, toText(area));
-  Bytes cells = decipherBlob(session.host().encryption(), *blob);
-  requireFilled(cells.size(), area.rect, area.cellBytes);
-  return blockOf(area.rect, area.cellBytes, std::move(cells));
-}
-
 }  // namespace
 
 std::vector<Placement> placements(Session& session) {
@@ -115,25 +131,7 @@ std::vector<Placement> placements(Session& session) {
   return areas;
 }
 
-std::vector<StoredArea> storedAreas(Session& session) {
-  std::vector<StoredArea> areas;
-  std::map<std::int64_t, std::vector<std::size_t>> ofBlock;
-  for (Placement& placement : placements(session)) {
-    ofBlock[placement.blockId].push_back(areas.size());
-    static_cast<Placement&>(areas.emplace_back()) = std::move(placement);
-  }
-  tovr::IDBOperate& connection = session.connection();
-  visitRows(connection, "select id, databitwidth, length(data), version from Coef", [&] {
-    const auto found = ofBlock.find(columnNumber(connection, 0));
-    if (found == ofBlock.end()) return;
-    for (const std::size_t index : found->second) {
-      areas[index].cellBytes = static_cast<std::int32_t>(columnNumber(connection, 1));
-      areas[index].storedBytes = columnNumber(connection, 2);
-      areas[index].version = columnText(connection, 3);
-    }
-  });
-  return areas;
-}
+std::vector<StoredArea> storedAreas(Session& session) { return withBlocks(session, placements(session), "1"); }
 
 void requireSound(const Rect& rect, const std::string& whose) {
   if (isSound(rect)) return;
@@ -142,17 +140,24 @@ void requireSound(const Rect& rect, const std::string& whose) {
 }
 
 std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const std::string& screen) {
-  const std::vector<StoredArea> all = storedAreas(session);
-  std::vector<StoredArea> areas;
-  std::copy_if(all.begin(), all.end(), std::back_inserter(areas),
-               [&](const StoredArea& area) { return area.type == type && (screen.empty() || area.screen == screen); });
-  if (areas.empty()) {
+  const std::vector<Placement> all = placements(session);
+  std::vector<Placement> chosen;
+  std::copy_if(all.begin(), all.end(), std::back_inserter(chosen),
+               [&](const Placement& area) { return area.type == type && (screen.empty() || area.screen == screen); });
+  if (chosen.empty()) {
     throw libraryError(tovr::kNoMatchingArea,
                        fmt::format("asked for type {}{}; {}", type, screen.empty() ? "" : " of the screen " + screen,
                                    storedTypes(all)));
   }
-  for (const StoredArea& area : areas) requireSound(area.rect, fmt::format("area {}", area.id));
-  return areas;
+  for (const Placement& area : chosen) requireSound(area.rect, fmt::format("area {}", area.id));
+  return withBlocks(session, std::move(chosen), fmt::format("coeftype = {}", type));
+}
+
+std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, const std::string& screen,
+                                        const Rect& rect) {
+  const auto placement = answeringPlacement(session, type, screen, rect);
+  if (!placement) return std::nullopt;
+  return withBlocks(session, {*placement}, fmt::format("id = {}", placement->id)).front();
 }
 
 const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect) {
@@ -166,9 +171,27 @@ const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::op
   throw libraryError(tovr::kNoMatchingArea, fmt::format("asked for {}; there are {}", toText(*rect), listed(areas)));
 }
 
+std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {
+  std::vector<std::string> overlapping;
+  for (const StoredArea& area : areas) {
+    if (common(area.rect, rect)) overlapping.push_back(fmt::format("{} ({})", area.id, toText(area.rect)));
+  }
+  if (overlapping.empty()) return "there are " + listed(areas);
+  return fmt::format("areas that overlap it: {}; read across them with --mosaic", shortList(overlapping));
+}
+
+CellBlock readBlock(Session& session, const StoredArea& area) {
+  const auto blob = queryPayload(session, kBlockTable, area.blockId);
+  if (!blob) throw ToolError(kRefused, "block {} of {} is missing", area.blockId, toText(area));
+  Bytes cells = decipherBlob(session.host().encryption(), *blob);
+  requireFilled(cells.size(), area.rect, area.cellBytes);
+  return blockOf(area.rect, area.cellBytes, std::move(cells));
+}
+
 CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect) {
-  if (answersFrom(session, area, rect)) return readByLibrary(session, area, rect);
-  return cut(readByKey(session, area), rect);
+  const auto answering = answeringPlacement(session, area.type, area.screen, rect);
+  if (answering && answering->id == area.id) return readByLibrary(session, area, rect);
+  return cut(readBlock(session, area), rect);
 }
 
 CellBlock queryCells(Session& session, tovr::CoefData& record, const std::function<void(int code)>& require) {

@@ -45,11 +45,23 @@ void requireSound(const Rect& rect, const std::string& whose);
 // when there are none.
 std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const std::string& screen);
 
-// The one that is meant: without a rectangle the only one, else the first that holds it, as `coef get` answers.
-// Throws ToolError, which lists them, when that names none or several.
+// The area from which the library answers when it is asked for the rectangle; nothing where it has no answer. `screen`
+// counts in databases of type 1 only, as in the library.
+std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, const std::string& screen,
+                                        const Rect& rect);
+
+// The one that is meant: without a rectangle the only one, else the first that holds it. Throws ToolError, which lists
+// them, when that names none or several.
 const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect);
 
-// The cells of a part of an area. Throws ToolError. REQUIRES: the area holds `rect`.
+// What to say where no single area holds the rectangle: those that overlap it, else all of them.
+std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas);
+
+// The whole block of an area, by its key. Throws ToolError.
+CellBlock readBlock(Session& session, const StoredArea& area);
+
+// The cells of a part of an area, by the library where it answers from this very one: that deciphers no more than it
+// has to. Throws ToolError. REQUIRES: the area holds `rect`.
 CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect);
 
 // The cells that the library answers `record` with, whose type, rectangle and screen say what is asked for. `require`

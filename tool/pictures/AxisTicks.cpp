@@ -31,9 +31,10 @@ Ticks multiples(double low, double high, int most, double step) {
 }
 
 Ticks ticksOfStepFrom(double low, double high, int most, double least) {
-  double step = roundStep(std::max({(high - low) / most, least, std::numeric_limits<double>::min()}));
+  double step = roundStep(std::max({high / most - low / most, least, std::numeric_limits<double>::min()}));
+  if (!std::isfinite(step)) return {std::numeric_limits<double>::max(), {}};  // no round number lies that far apart
   const auto count = [&] { return std::floor(high / step + 1e-9) - std::ceil(low / step - 1e-9) + 1; };
-  while (count() > most) step = roundStep(step * 1.5);
+  while (std::isfinite(step) && count() > most) step = roundStep(step * 1.5);
   return multiples(low, high, most, step);
 }
 

@@ -9,34 +9,14 @@
 
 namespace tovrtool {
 
-bool GatheredNumbers::covered(const Rect& rect) const {
-  return std::any_of(added_.begin(), added_.end(), [&](const Rect& earlier) { return holds(earlier, rect); });
-}
-
-bool GatheredNumbers::overlaps(const Rect& rect) const {
-  return std::any_of(added_.begin(), added_.end(),
-                     [&](const Rect& earlier) { return common(earlier, rect).has_value(); });
-}
-
-void GatheredNumbers::add(const Rect& rect, const ReadRow& readRow) {
-  std::vector<double> numbers(static_cast<std::size_t>(columnsOf(rect)));
-  for (std::int64_t y = rect.top; y <= rect.bottom; ++y) {
-    readRow(static_cast<std::int32_t>(y), numbers.data());
-    hideCovered(rect, static_cast<std::int32_t>(y), numbers);
-    raster_.addRow(rect.left, static_cast<std::int32_t>(y), numbers);
+void GatheredNumbers::add(const Rect& rect, const ReadRun& readRun) {
+  covered_.add(rect, [&](const CellRun& run) {
+    std::vector<double> numbers(static_cast<std::size_t>(run.right - run.left) + 1);
+    readRun(run, numbers.data());
+    raster_.addRow(run.left, run.y, numbers);
     std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(values_),
                  [](double number) { return std::isfinite(number); });
-  }
-  added_.push_back(rect);
-}
-
-void GatheredNumbers::hideCovered(const Rect& rect, std::int32_t y, std::vector<double>& numbers) const {
-  for (const Rect& earlier : added_) {
-    const std::optional<Rect> hidden = common(earlier, {rect.left, y, rect.right, y});
-    if (!hidden) continue;
-    std::fill(numbers.begin() + (hidden->left - rect.left), numbers.begin() + (hidden->right - rect.left) + 1,
-              std::numeric_limits<double>::quiet_NaN());
-  }
+  });
 }
 
 NumberRange GatheredNumbers::extremes() const {
@@ -54,7 +34,8 @@ NumberRange GatheredNumbers::percentileRange(const NumberRange& percents) const 
   }
   if (range.first < range.second) return range;
   const double room = std::max(0.5, std::abs(range.first) * 1e-6);  // all are equal
-  return {range.first - room, range.second + room};
+  constexpr double kLargest = std::numeric_limits<double>::max();
+  return {std::max(range.first - room, -kLargest), std::min(range.second + room, kLargest)};
 }
 
 NumberRange GatheredNumbers::balancedRange(double percent) const {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "tool/cells/CoveredCells.h"
 #include "tool/pictures/Raster.h"
 
 namespace tovrtool {
@@ -17,14 +18,13 @@ class GatheredNumbers {
  public:
   GatheredNumbers(const Rect& region, Merge merge) : raster_(region, merge) {}
 
-  // Fills the numbers of row `y`, as many as the rectangle has columns.
-  using ReadRow = std::function<void(std::int32_t y, double* numbers)>;
+  // Fills the numbers of a run's cells.
+  using ReadRun = std::function<void(const CellRun& run, double* numbers)>;
 
-  // Whether nothing of the rectangle is left to add: areas may overlap, and what was stored first is what counts.
-  bool covered(const Rect& rect) const;
-  bool overlaps(const Rect& rect) const;
+  // What was added: rectangles may overlap, and the first one counts.
+  const CoveredCells& covered() const { return covered_; }
   // The cells of a rectangle that lie in no earlier one. REQUIRES: the region holds it.
-  void add(const Rect& rect, const ReadRow& readRow);
+  void add(const Rect& rect, const ReadRun& readRun);
 
   const Raster& raster() const { return raster_; }
   std::size_t count() const { return values_.size(); }  // of finite numbers
@@ -36,10 +36,8 @@ class GatheredNumbers {
   NumberRange balancedRange(double percent) const;
 
  private:
-  void hideCovered(const Rect& rect, std::int32_t y, std::vector<double>& numbers) const;
-
   Raster raster_;
-  std::vector<Rect> added_;
+  CoveredCells covered_;
   std::vector<double> values_;
 };
 

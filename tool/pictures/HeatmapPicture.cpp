@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tool/cells/NumberText.h"
 #include "tool/pictures/AxisTicks.h"
 #include "tool/pictures/Canvas.h"
 
@@ -30,6 +31,7 @@ constexpr double kMostBar = 420;
 constexpr double kLeastWidth = 400;
 constexpr double kLineHeight = 16;
 constexpr double kDigitHeight = 8;
+constexpr double kLeastOutlined = 16;  // smaller areas would vanish under their outlines
 
 // Where everything lies.
 struct Layout {
@@ -73,7 +75,11 @@ bool hasMissing(const Raster& raster) {
   return false;
 }
 
-std::string beyondText(const char* which, double value) { return fmt::format("{} {:.6g}", which, value); }
+// How far from `low` to `high` a value lies; also of ranges that are wider than the largest number.
+double shareOf(double value, double low, double high) {
+  if (std::isfinite(high - low)) return (value - low) / (high - low);
+  return (value / 2 - low / 2) / (high / 2 - low / 2);
+}
 
 class Picture {
  public:
@@ -98,7 +104,9 @@ class Picture {
 
  private:
   Layout arrange() const;
-  double position(double value) const { return (value - heatmap_.low) / (heatmap_.high - heatmap_.low); }
+  double position(double value) const { return shareOf(value, heatmap_.low, heatmap_.high); }
+  std::string mostText() const { return "max " + heatmap_.textOf(heatmap_.most); }
+  std::string leastText() const { return "min " + heatmap_.textOf(heatmap_.least); }
   Colour colourAt(int x, int y) const;
   Box boxOf(const Rect& rect) const;
   void drawCells();
@@ -129,10 +137,8 @@ Layout Picture::arrange() const {
   layout.scale = {layout.plot.x + layout.plot.width + 3 * kGap, layout.plot.y + kBarTip, kBarWidth, barHeight};
 
   double labels = widest(measure, layout.bar);
-  if (heatmap_.most > heatmap_.high)
-    labels = std::max(labels, measure.textWidth(beyondText("max", heatmap_.most), kSmall));
-  if (heatmap_.least < heatmap_.low)
-    labels = std::max(labels, measure.textWidth(beyondText("min", heatmap_.least), kSmall));
+  if (heatmap_.most > heatmap_.high) labels = std::max(labels, measure.textWidth(mostText(), kSmall));
+  if (heatmap_.least < heatmap_.low) labels = std::max(labels, measure.textWidth(leastText(), kSmall));
   layout.barLabelX = layout.scale.x + kBarWidth + kTick + kGap + labels + kLineHeight;
   double right = layout.barLabelX + kGap;
   for (const std::string& note : heatmap_.notes) right = std::max(right, kEdge + measure.textWidth(note, kNote));
@@ -176,9 +182,11 @@ void Picture::drawOutlines() {
   canvas_.clip(layout_.plot);
   for (const bool areas : {true, false}) {  // screens on top
     for (const Outline& outline : heatmap_.outlines) {
-      if (outline.area != areas || holds(outline.rect, raster_.region())) continue;
-      canvas_.frame(boxOf(outline.rect), kBlack, areas ? 1.5 : 3);
-      canvas_.frame(boxOf(outline.rect), kPaper, areas ? 0.8 : 1.2, areas);
+      const Box box = boxOf(outline.rect);
+      const bool tiny = areas && std::min(box.width, box.height) < kLeastOutlined;
+      if (outline.area != areas || tiny || holds(outline.rect, raster_.region())) continue;
+      canvas_.frame(box, kBlack, areas ? 1.5 : 3);
+      canvas_.frame(box, kPaper, areas ? 0.8 : 1.2, areas);
     }
   }
   for (const Outline& outline : heatmap_.outlines) {
@@ -247,7 +255,7 @@ void Picture::drawTip(bool upper) {
   const double base = upper ? bar.y : bar.y + bar.height;
   const double tip = upper ? base - kBarTip : base + kBarTip;
   canvas_.fill({{bar.x, base}, {bar.x + bar.width / 2, tip}, {bar.x + bar.width, base}}, colours_.at(upper ? 1 : 0));
-  const std::string text = upper ? beyondText("max", heatmap_.most) : beyondText("min", heatmap_.least);
+  const std::string text = upper ? mostText() : leastText();
   canvas_.text(text, bar.x + bar.width + kTick + 4, upper ? tip + 5 : tip + 3, Align::kLeft, kSmall);
 }
 

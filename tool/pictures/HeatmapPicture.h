@@ -1,9 +1,11 @@
 // A raster of numbers as a picture: colours, axes in cells, colour bar, outlines, words.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "tool/cells/NumberText.h"
 #include "tool/cells/Rect.h"
 #include "tool/pictures/ColourMap.h"
 #include "tool/pictures/Raster.h"
@@ -26,6 +28,7 @@ struct Heatmap {
   double least = 0;  // of all cells; where they lie beyond low or high, the colour bar's end says so
   double most = 1;
   std::vector<Outline> outlines;
+  std::function<std::string(double)> textOf = [](double number) { return numberText(number); };  // of a cell's number
 };
 
 // What pixels without cells show: a pattern of two greys that no palette has.

@@ -4,8 +4,6 @@
 
 namespace tovrtool {
 
-std::string numberText(double number) { return fmt::format("{:.6g}", number); }
-
 std::string scaleNote(const RasterScale& scale, Merge merge) {
   const auto times = [](auto across, auto down) { return fmt::format("{} x {}", across, down); };
   const std::string stretched = scale.square() ? "" : " Not drawn to scale: cells are not square here.";

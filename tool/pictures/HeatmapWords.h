@@ -8,9 +8,6 @@
 
 namespace tovrtool {
 
-// Up to six digits.
-std::string numberText(double number);
-
 // How cells came to pixels.
 std::string scaleNote(const RasterScale& scale, Merge merge);
 

@@ -39,7 +39,7 @@ Raster::Raster(const Rect& region, Merge merge)
       merge_(merge),
       columns_(static_cast<std::size_t>(width() / scale_.across.pixelsPerCell)) {
   const std::size_t size = columns_ * static_cast<std::size_t>(height() / scale_.down.pixelsPerCell);
-  sums_.resize(size);
+  numbers_.resize(size);
   counts_.resize(size);
 }
 
@@ -53,18 +53,13 @@ void Raster::addRow(std::int32_t x, std::int32_t y, const std::vector<double>& n
     if (!std::isfinite(number)) continue;
     const std::size_t at = static_cast<std::size_t>(row) * columns_ +
                            static_cast<std::size_t>((column - region_.left) / scale_.across.cellsPerPixel);
-    if (merge_ == Merge::kMean) {
-      sums_[at] += number;
-    } else if (std::abs(number) > std::abs(sums_[at])) {
-      sums_[at] = number;
-    }
     ++counts_[at];
+    if (merge_ == Merge::kMean) {
+      numbers_[at] += number / counts_[at] - numbers_[at] / counts_[at];  // never beyond its cells' range
+    } else if (std::abs(number) > std::abs(numbers_[at])) {
+      numbers_[at] = number;
+    }
   }
-}
-
-double Raster::at(int x, int y) const {
-  const std::size_t at = place(x, y);
-  return merge_ == Merge::kMean ? sums_[at] / counts_[at] : sums_[at];
 }
 
 }  // namespace tovrtool

@@ -50,7 +50,7 @@ class Raster {
   int height() const { return scale_.down.pixels(); }
   // Whether a cell was added there, and what the pixel shows. REQUIRES: 0 <= x < width(), 0 <= y < height().
   bool has(int x, int y) const { return counts_[place(x, y)] > 0; }
-  double at(int x, int y) const;
+  double at(int x, int y) const { return numbers_[place(x, y)]; }
   // The pixel, of a whole picture's, where a cell's left or top edge lies; the region's far edges are one cell on.
   double pixelAcross(std::int64_t x) const { return pixelOf(scale_.across, x - region_.left); }
   double pixelDown(std::int64_t y) const { return pixelOf(scale_.down, y - region_.top); }
@@ -68,7 +68,7 @@ class Raster {
   RasterScale scale_;
   Merge merge_;
   std::size_t columns_;
-  std::vector<double> sums_;
+  std::vector<double> numbers_;
   std::vector<std::uint32_t> counts_;
 };
 

@@ -1,0 +1,68 @@
+#include "tool/commands/Arguments.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/commands/JsonForms.h"
+#include "tool/commands/OpenDatabase.h"
+#include "tool/database/NumberForms.h"
+#include "tool/io/TextTable.h"
+
+namespace tovrtool {
+namespace {
+
+struct Options {
+  std::string file;
+  bool json = false;
+};
+
+std::string asText(const std::vector<StoredArea>& areas) {
+  TextRows rows;
+  for (const StoredArea& area : areas) {
+    rows.push_back({std::to_string(area.id), area.screen, std::to_string(area.type), std::to_string(area.number),
+                    toText(area.rect), std::to_string(area.blockId), std::to_string(area.cellBytes),
+                    std::to_string(area.storedBytes), area.version});
+  }
+  return textTable({{"id", true},
+                    {"screen"},
+                    {"type", true},
+                    {"area", true},
+                    {"rectangle"},
+                    {"block", true},
+                    {"cell bytes", true},
+                    {"stored bytes", true},
+                    {"version"}},
+                   rows);
+}
+
+std::string asJson(const std::vector<StoredArea>& areas) {
+  Json list = Json::array();
+  for (const StoredArea& area : areas) {
+    Json object{{"id", area.id},
+                {"screen", area.screen},
+                {"type", area.type},
+                {"area_number", area.number},
+                {"rect", rectJson(area.rect)},
+                {"block_id", area.blockId},
+                {"bytes_per_cell", area.cellBytes},
+                {"stored_bytes", area.storedBytes},
+                {"version", area.version}};
+    if (const auto form = keptForm(area)) addJson(object, *form);
+    list.push_back(std::move(object));
+  }
+  return jsonText(list);
+}
+
+void list(Context& context, const Options& options) {
+  Session session = openDatabase(context, options.file);
+  const std::vector<StoredArea> areas = storedAreas(session);
+  context.output.print(options.json ? asJson(areas) : asText(areas));
+}
+
+}  // namespace
+
+void addCoefListCommand(CommandGroup& coef) {
+  const auto [command, options] = coef.add("list", "List the stored areas", &Options::file, list);
+  addFile(command, options.file);
+  addJsonFlag(command, options.json);
+}
+
+}  // namespace tovrtool

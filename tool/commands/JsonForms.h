@@ -1,0 +1,24 @@
+// The JSON that commands print with --json: what its parts look like, and what the manual says about it.
+//
+// An interface with scripts: members may be added, never renamed. Names are in lower case with underscores; numbers are
+// numbers; what is not known is left out, what is no finite number is null.
+#pragma once
+
+#include "tool/cells/NumberForm.h"
+#include "tool/cells/Rect.h"
+#include "tool/io/JsonText.h"
+
+namespace tovrtool {
+
+extern const char kJsonManual[];
+
+// [left, top, right, bottom]
+Json rectJson(const Rect& rect);
+
+// A value of a column that holds numbers as a number, and a text that some program stored there as it is.
+Json numberOrText(const std::string& value);
+
+// Adds "dtype", "scale" and, if there is one, "unit".
+void addJson(Json& object, const NumberForm& form);
+
+}  // namespace tovrtool

@@ -1,0 +1,38 @@
+// Cells as commands ask for them: of one area, of a rectangle that one area holds, or of one that several cover
+// together.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tool/cells/CellBlock.h"
+#include "tool/cells/NumberForm.h"
+#include "tool/database/StoredArea.h"
+
+namespace tovrtool {
+
+struct CellQuery {
+  std::optional<std::int64_t> areaId;  // instead of type and screen
+  std::optional<std::int32_t> type;
+  std::string screen;
+  std::optional<Rect> rect;  // without one: all of the area, with `mosaic` of all areas
+  bool mosaic = false;
+  std::optional<double> fill;  // the number, as it is stored, of cells that no area covers
+  FormOptions form;
+};
+
+struct CellAnswer {
+  CellBlock cells;
+  std::vector<StoredArea> areas;   // that the cells are from
+  std::optional<NumberForm> form;  // given or kept
+  bool overlapping = false;        // the first stored area shows
+  std::int64_t filled = 0;         // cells
+};
+
+// A rectangle that one area holds is answered as the library answers it. Throws ToolError, which tells what there is
+// instead.
+CellAnswer findCells(Session& session, const CellQuery& query);
+
+}  // namespace tovrtool
