@@ -82,7 +82,7 @@ class HeaderParser {
     expect(quote);
     const char* const close = std::find(at_, end_, quote);
     if (close == end_) throw std::invalid_argument("a text does not end");
-    const std::string text(at_, close);
+    std::string text(at_, close);
     at_ = close + 1;
     return text;
   }
