@@ -112,7 +112,8 @@ void putOne(Context& context, const Options& options) {
   const CellBlock block = readBlock(options, text.dtype);
   const WantedBlock wanted{"", {*options.type, options.screen, block.rect}, text, block.cellBytes};
   Session session = openForStoring(context, options, {wanted});
-  const StoreReport report = storeBlocks(session, {wanted}, rulesOf(options), [&](std::size_t) { return block; });
+  const StoreReport report =
+      storeBlocks(session, {wanted}, rulesOf(options), [&](std::size_t) { return CellBlock(block); });
   session.close();
   tell(report.notices);
   if (options.patch) return;
