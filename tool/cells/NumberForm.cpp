@@ -30,7 +30,7 @@ double positiveNumber(const std::string& text) {
 std::string cutAfter(std::string& text, const std::string& mark) {
   const std::size_t at = text.rfind(mark);
   if (at == std::string::npos) return {};
-  const std::string after = text.substr(at + mark.size());
+  std::string after = text.substr(at + mark.size());
   text.erase(at);
   return after;
 }
