@@ -140,7 +140,7 @@ VersionText splitVersion(const std::string& version, std::int32_t cellBytes) {
 
 std::string joinVersion(const std::string& text, const NumberForm& form, std::int32_t cellBytes) {
   const std::size_t values = static_cast<std::size_t>(cellBytes) / form.dtype.itemSize;
-  const std::string joined = text + (text.empty() ? "[" : " [") + std::to_string(values) + kTimes + toText(form) + "]";
+  std::string joined = text + (text.empty() ? "[" : " [") + std::to_string(values) + kTimes + toText(form) + "]";
   if (characters(joined) > kLongestVersion) {
     throw std::invalid_argument("the text kept with a block has " + std::to_string(kLongestVersion) +
                                 " characters at most, and '" + joined + "' has " + std::to_string(characters(joined)) +
