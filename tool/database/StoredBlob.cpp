@@ -66,8 +66,8 @@ Bytes encipherBlob(tovr::IEncryption& encryption, const unsigned char* payload, 
   constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();  // the engine counts a blob in 32 bits
   if (length > kMost - tovr::kLengthPrefixSize - kCipherBlock) throw libraryError(tovr::kCipherFailed);
   const auto prefix = tovr::lengthPrefix(static_cast<std::uint32_t>(length));
-  Bytes frame(prefix.begin(), prefix.end());
-  frame.insert(frame.end(), payload, payload + length);
+  Bytes frame(tovr::kLengthPrefixSize + length);
+  std::copy_n(payload, length, std::copy(prefix.begin(), prefix.end(), frame.begin()));
   Bytes stored;
   if (!encryption.encrypt(kBlobKey, kBlobKey, frame, stored)) throw libraryError(tovr::kCipherFailed);
   return stored;
