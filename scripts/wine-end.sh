@@ -11,3 +11,4 @@ code=0
 wineserver64 --kill 8>&- || code=$?
 [ $code -le 1 ] || { echo "exit code $code from: wineserver64 --kill" >&2; exit 1; }  # 1: none is running
 wineserver64 --wait 8>&-
+rm -f "$cache/wineserver.start"

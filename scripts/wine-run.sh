@@ -13,6 +13,10 @@ flock --shared 8
 # the program that started them open.
 startServer() {
   local code=0 log=$cache/wineserver.log
+  if [ ! -e "$cache/wineserver.start" ]; then  # one that is running is not ours, and may end when it likes
+    wineserver64 --kill >"$log" 2>&1 || true
+    wineserver64 --wait >"$log" 2>&1 || true
+  fi
   wineserver64 --persistent >"$log" 2>&1 || code=$?
   [ $code -ne 2 ] || return 0  # one is running
   [ $code -eq 0 ] || { cat "$log" >&2; return $code; }
