@@ -1,4 +1,6 @@
 // Enciphering, deciphering and framing of stored blobs: the input as a payload, as a frame and as a blob.
+#include <algorithm>
+
 #include "crypto/Encryption.h"
 #include "fuzz/Choices.h"
 #include "fuzz/Target.h"

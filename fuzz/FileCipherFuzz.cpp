@@ -1,4 +1,5 @@
 // The file cipher: any file deciphered, and any file enciphered and deciphered again, in place and to a new name.
+#include <algorithm>
 #include <string>
 
 #include "crypto/DES.h"

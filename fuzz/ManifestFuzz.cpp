@@ -1,5 +1,6 @@
 // The importer of `tovrdb import`: a folder with any manifest and any payload. What it refuses leaves no row; what it
 // takes is stored row for row, and payloads decipher to what their files held.
+#include <algorithm>
 #include <string>
 
 #include "fuzz/Choices.h"

@@ -3,6 +3,7 @@
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <openssl/des.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <random>

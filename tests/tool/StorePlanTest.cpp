@@ -1,6 +1,7 @@
 // What a plan lets pass and what it objects to, in tables.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
