@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "crypto/DESKey.h"
 #include "crypto/WipedBuffer.h"
 
 namespace tovr {

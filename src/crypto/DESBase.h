@@ -8,9 +8,10 @@
 #include <mutex>
 #include <vector>
 
-#include "crypto/DESKey.h"
-
 namespace tovr {
+
+class DESKey;
+struct DESBlock;
 
 class DESBase {
  public:

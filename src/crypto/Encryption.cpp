@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "crypto/DESSchedule.h"
 #include "plugin/MessageReply.h"
 
 namespace tovr {
