@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "crypto/DES.h"
+#include "crypto/DESKey.h"
 #include "crypto/ParallelDES.h"
 #include "tests/support/Fixture.h"
 
