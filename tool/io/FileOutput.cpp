@@ -20,6 +20,19 @@ bool isDevice(const std::string& path) {
   return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
 }
 
+void giveName(const std::string& temporary, const std::string& path, Existing existing) {
+  if (existing == Existing::kReplace) {
+    std::error_code error;
+    const fs::perms permissions = fs::status(pathOf(path), error).permissions();
+    if (!error && permissions != fs::perms::unknown) fs::permissions(pathOf(temporary), permissions, error);
+    fs::rename(pathOf(temporary), pathOf(path), error);
+    if (error) throw ToolError(kFileProblem, "cannot replace {}: {}", path, error.message());
+  } else if (!tovr::renameWithoutReplacing(temporary, path)) {
+    if (errno == EEXIST) refuseExisting(path, existing);
+    throw ToolError(kFileProblem, "cannot move the new file to {}: {}", path, systemError());
+  }
+}
+
 }  // namespace
 
 std::string followedLink(const std::string& path) {
@@ -34,19 +47,9 @@ void refuseExisting(const std::string& path, Existing existing) {
 }
 
 void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing) {
-  if (existing == Existing::kReplace) {
-    std::error_code error;
-    const fs::perms permissions = fs::status(pathOf(path), error).permissions();
-    if (!error && permissions != fs::perms::unknown) fs::permissions(pathOf(temporary), permissions, error);
-    fs::rename(pathOf(temporary), pathOf(path), error);
-    if (error) throw ToolError(kFileProblem, "cannot replace {}: {}", path, error.message());
-  } else if (!tovr::renameWithoutReplacing(temporary, path)) {
-    if (errno == EEXIST) refuseExisting(path, existing);
-    throw ToolError(kFileProblem, "cannot move the new file to {}: {}", path, systemError());
-  }
-  std::error_code error;
-  flushFolder(
-      textOf(fs::absolute(pathOf(path), error).parent_path()));  // where it fails, the file is there all the same
+  giveName(temporary, path, existing);
+  std::error_code error;  // where flushing fails, the file is there all the same
+  flushFolder(textOf(fs::absolute(pathOf(path), error).parent_path()));
 }
 
 std::string temporaryNameBeside(const std::string& path) {
@@ -56,8 +59,11 @@ std::string temporaryNameBeside(const std::string& path) {
   return name;
 }
 
-FileOutput::FileOutput(const std::string& path, Existing existing)
-    : path_(followedLink(path)), existing_(existing), direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
+FileOutput::FileOutput(const std::string& path, Existing existing, Flushing flushing)
+    : path_(followedLink(path)),
+      existing_(existing),
+      flushing_(flushing),
+      direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
   std::error_code error;
   const fs::file_status status = fs::status(pathOf(path_), error);
   if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
@@ -93,10 +99,11 @@ void FileOutput::write(const void* bytes, std::size_t size) {
 }
 
 void FileOutput::commit() {
-  if (direct_ ? std::fflush(file_.get()) != 0 : !flushToDisk(file_.get())) fail("write");
+  const bool flushed = !direct_ && flushing_ == Flushing::kAtCommit;
+  if (flushed && !flushToDisk(file_.get())) fail("write");
   if (std::fclose(file_.release()) != 0) fail("write");
   if (direct_) return;
-  moveIntoPlace(temporary_, path_, existing_);
+  (flushed ? moveIntoPlace : giveName)(temporary_, path_, existing_);
   temporary_.clear();
 }
 

@@ -16,6 +16,11 @@ enum class Existing {
   kReplace,
 };
 
+enum class Flushing {
+  kAtCommit,
+  kByFolder,  // the file is one of an UnfinishedFolder, which flushes all of them at once
+};
+
 // A name for an unfinished file beside `path` that nothing else has.
 std::string temporaryNameBeside(const std::string& path);
 
@@ -31,7 +36,7 @@ void moveIntoPlace(const std::string& temporary, const std::string& path, Existi
 class FileOutput {
  public:
   // Throws ToolError when `path` exists and may not be replaced, and when its folder takes no new file.
-  FileOutput(const std::string& path, Existing existing);
+  FileOutput(const std::string& path, Existing existing, Flushing flushing = Flushing::kAtCommit);
   FileOutput(const FileOutput&) = delete;
   FileOutput& operator=(const FileOutput&) = delete;
   // Removes what was not committed; so does an interrupt.
@@ -49,6 +54,7 @@ class FileOutput {
 
   std::string path_;
   Existing existing_;
+  Flushing flushing_;
   bool direct_;            // a device, a pipe or an open descriptor: written to, there is nothing to replace
   std::string temporary_;  // empty: there is none
   std::optional<InterruptibleFile> removed_;

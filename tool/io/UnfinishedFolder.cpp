@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "tool/system/Paths.h"
+#include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -53,6 +54,14 @@ UnfinishedFolder::~UnfinishedFolder() {
 std::string UnfinishedFolder::file(const std::string& name) const { return textOf(pathOf(path_) / pathOf(name)); }
 
 void UnfinishedFolder::finish() {
+  if (!flushWholeFolder(path_)) {
+    throw ToolError(kFileProblem, "cannot write the new folder to the disk: {}", systemError());
+  }
+  takeName();
+  flushFolder(textOf(fs::absolute(pathOf(finished_)).parent_path()));  // where it fails, it is there all the same
+}
+
+void UnfinishedFolder::takeName() {
   std::error_code error;
   const bool present = fs::exists(pathOf(finished_), error);
   if (!present) {

@@ -22,13 +22,15 @@ class UnfinishedFolder {
   // Removes what was not finished.
   ~UnfinishedFolder();
 
-  // The path of a file in it.
+  // The path of a file in it, which is to be written Flushing::kByFolder.
   std::string file(const std::string& name) const;
 
-  // Gives it its name; what had the name is removed after that. Throws ToolError; what had the name is whole then.
+  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws ToolError; what had the name is whole then.
   void finish();
 
  private:
+  void takeName();
+
   DeferredInterrupt interrupt_;  // a handler cannot remove folders
   std::string finished_;
   IsOurs isOurs_;

@@ -93,6 +93,16 @@ bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fi
 
 bool flushFolder(const std::string&) { return true; }  // the file system's journal keeps names
 
+bool flushWholeFolder(const std::string& folder) {
+  std::error_code error;
+  bool done = true;
+  for (const auto& entry : std::filesystem::directory_iterator(pathOf(folder), error)) {
+    const FileHandle file(_wfopen(entry.path().c_str(), L"r+b"));
+    done = done && file != nullptr && flushToDisk(file.get());
+  }
+  return done && !error;
+}
+
 std::string programFolder() {
   char path[MAX_PATH] = {};
   const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
@@ -215,13 +225,21 @@ bool flushToDisk(std::FILE* file) {
   return std::fflush(file) == 0 && (fsync(fileno(file)) == 0 || errno == EINVAL);  // EINVAL: not that kind of file
 }
 
-bool flushFolder(const std::string& folder) {
+namespace {
+
+bool flushOpened(const std::string& folder, int (*flush)(int)) {
   const int opened = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (opened < 0) return false;
-  const bool done = fsync(opened) == 0 || errno == EINVAL;  // EINVAL: not that kind of file system
+  const bool done = flush(opened) == 0 || errno == EINVAL;  // EINVAL: not that kind of file system
   close(opened);
   return done;
 }
+
+}  // namespace
+
+bool flushFolder(const std::string& folder) { return flushOpened(folder, fsync); }
+
+bool flushWholeFolder(const std::string& folder) { return flushOpened(folder, syncfs); }
 
 std::string programFolder() {
   std::error_code error;

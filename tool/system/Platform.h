@@ -50,6 +50,9 @@ bool flushToDisk(std::FILE* file);
 // The names of the files in a folder reach the disk, where the system has such an operation. False when that fails.
 bool flushFolder(const std::string& folder);
 
+// The same, and the files in it: all at once, where the system has such an operation, since each costs a wait.
+bool flushWholeFolder(const std::string& folder);
+
 // The text of errno.
 std::string systemError();
 
