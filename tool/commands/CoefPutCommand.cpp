@@ -47,7 +47,8 @@ constexpr char kHelp[] =
     "  one cabinet of a stored screen:  tovrdb coef put wall.db --patch --type 1 --at 640,360 cabinet.npy\n\n"
     "Many blocks at once, all of them or none, in one transaction:\n"
     "  --manifest FILE  a JSON list of {\"file\": \"a.npy\", \"type\": 1, \"rect\": [L, T, R, B]} and, where wanted,\n"
-    "                   \"screen\", \"area\" and \"version\"; files lie in the manifest's folder or below it\n"
+    "                   \"screen\", \"area\", \"version\", \"scale\" (\"1/16384\") and \"unit\"; files lie in the\n"
+    "                   manifest's folder or below it\n"
     "  --folder DIR     its .npy files, named T<type>_<L>,<T>,<R>,<B>.npy, with <screen>_ in front in databases of\n"
     "                   type 1: left_T1_0,0,1919,1079.npy; other files are left alone";
 
@@ -121,7 +122,10 @@ void putOne(Context& context, const Options& options) {
 }
 
 void putMany(Context& context, const Options& options) {
-  const auto files = options.manifest.empty() ? blocksOfFolder(options.folder) : blocksOfManifest(options.manifest);
+  auto files = options.manifest.empty() ? blocksOfFolder(options.folder) : blocksOfManifest(options.manifest);
+  for (BlockFile& file : files) {
+    if (!file.text.form.isGiven()) file.text.form = options.text.form;
+  }
   if (files.empty()) throw ToolError(kFileProblem, "there are no blocks to store");
   const std::vector<WantedBlock> wanted = wantedOf(files);
   Session session = openForStoring(context, options, wanted);
@@ -215,8 +219,8 @@ void addCoefPutCommand(CommandGroup& coef) {
   command.add_option("--area", options.text.number,
                      "An area number. Blocks with a number are added, never put in the place of the same rectangle");
   command.add_option("--version-text", options.text.version, "Text kept with the block");
-  addForm(command, options.text.form, "Kept with the block: the type of the numbers in a cell [an array's own]");
   addMany(command, options);
+  addForm(command, options.text.form, "Kept with the block: the type of the numbers in a cell [an array's own]");
   addRules(command, options);
   command.footer(kHelp);
 }

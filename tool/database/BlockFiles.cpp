@@ -33,7 +33,7 @@ Rect rectOfJson(const Json& value, const std::string& where) {
 }
 
 BlockFile blockOfJson(const Json& value, const std::string& folder, const std::string& where) {
-  constexpr const char* kKnown[] = {"file", "type", "rect", "screen", "area", "version"};
+  constexpr const char* kKnown[] = {"file", "type", "rect", "screen", "area", "version", "scale", "unit"};
   for (const auto& item : requireObject(value, where).items()) {
     const auto same = [&](const char* name) { return item.key() == name; };
     if (std::none_of(std::begin(kKnown), std::end(kKnown), same)) {
@@ -47,6 +47,12 @@ BlockFile blockOfJson(const Json& value, const std::string& folder, const std::s
   if (value.contains("screen")) block.area.screen = textMember(value, "screen", where);
   if (value.contains("area")) block.text.number = numberMember(value, "area", where);
   if (value.contains("version")) block.text.version = textMember(value, "version", where);
+  try {
+    if (value.contains("scale")) block.text.form.scale = parseScale(textMember(value, "scale", where));
+    if (value.contains("unit")) block.text.form.unit = parseUnit(textMember(value, "unit", where));
+  } catch (const std::invalid_argument& error) {
+    refuseJson(where, error.what());
+  }
   return block;
 }
 

@@ -17,8 +17,8 @@ struct BlockFile {
 };
 
 // The files of a manifest: a JSON list of {"file": NAME, "type": NUMBER, "rect": [L, T, R, B]} and, where wanted,
-// "screen", "area" and "version"; files lie in the manifest's folder or below it. Throws ToolError, which names the
-// block at fault.
+// "screen", "area", "version", "scale" ("1/16384") and "unit"; files lie in the manifest's folder or below it. Throws
+// ToolError, which names the block at fault.
 std::vector<BlockFile> blocksOfManifest(const std::string& path);
 
 // The .npy files of a folder, named [screen_]T<type>_L,T,R,B.npy, in the order of their names; other files are left

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kInsertBlock[] = "insert into Coef(data, databitwidth, version) values (?, ?, ?)";
 constexpr char kUpdateBlock[] = "update Coef set data = ?, databitwidth = ? where id = ?";
-constexpr char kUpdateText[] = "update Coef set version = ? where id = ?";
+constexpr char kUpdateVersion[] = "update Coef set version = ? where id = ?";
 constexpr char kUpdateBlob[] = "update Coef set data = ? where id = ?";
 // A new block has no layers.
 constexpr char kInsertArea[] =
@@ -63,10 +63,10 @@ Bytes enciphered(Session& session, const CellBlock& block) {
 std::int64_t lastKey(Session& session) { return queryNumber(session.connection(), "select last_insert_rowid()"); }
 
 // The first seven parameters of a row of areas.
-Write& place(Write& write, std::int64_t screenId, std::int32_t type, std::int32_t number, const Rect& rect) {
-  return write.number(screenId)
-      .number(type)
-      .number(number)
+Write& place(Write& write, const AreaRow& row, const Rect& rect) {
+  return write.number(row.screenId)
+      .number(row.type)
+      .number(row.number)
       .number(rect.top)
       .number(rect.left)
       .number(rect.bottom)
@@ -75,25 +75,27 @@ Write& place(Write& write, std::int64_t screenId, std::int32_t type, std::int32_
 
 }  // namespace
 
-AreaKeys addAreaRows(Session& session, std::int64_t screenId, std::int32_t type, const BlockText& text,
-                     const CellBlock& block) {
+AreaKeys addAreaRows(Session& session, const AreaRow& row, const CellBlock& block) {
   AreaKeys keys;
   const Bytes blob = enciphered(session, block);
-  Write(session, kInsertBlock).blob(blob).number(block.cellBytes).text(text.version).run();
+  Write(session, kInsertBlock).blob(blob).number(block.cellBytes).text(row.version).run();
   keys.block = lastKey(session);
   Write area(session, kInsertArea);
-  place(area, screenId, type, text.number, block.rect).number(keys.block).run();
+  place(area, row, block.rect).number(keys.block).run();
   keys.area = lastKey(session);
   return keys;
 }
 
-void rewriteAreaRows(Session& session, const StoredArea& area, std::int64_t screenId, const BlockText& text,
-                     const CellBlock& block) {
-  Write row(session, kUpdateArea);
-  place(row, screenId, area.type, text.number, block.rect).number(area.id).run();
+void rewriteAreaRows(Session& session, const StoredArea& area, const AreaRow& row, const CellBlock& block) {
+  Write update(session, kUpdateArea);
+  place(update, row, block.rect).number(area.id).run();
   const Bytes blob = enciphered(session, block);
   Write(session, kUpdateBlock).blob(blob).number(block.cellBytes).number(area.blockId).run();
-  if (!text.version.empty()) Write(session, kUpdateText).text(text.version).number(area.blockId).run();
+  rewriteVersion(session, area, row.version);
+}
+
+void rewriteVersion(Session& session, const StoredArea& area, const std::string& version) {
+  if (version != area.version) Write(session, kUpdateVersion).text(version).number(area.blockId).run();
 }
 
 void rewriteBlobOf(Session& session, const StoredArea& area, const Bytes& blob) {

@@ -17,17 +17,26 @@ namespace tovrtool {
 
 // All throw ToolError on failure. REQUIRES: a transaction.
 
+// What an area and its block hold beside the cells.
+struct AreaRow {
+  std::int64_t screenId = 0;
+  std::int32_t type = 0;
+  std::int32_t number = 0;
+  std::string version;
+};
+
 // The keys of the rows that are added.
 struct AreaKeys {
   std::int64_t area = 0;
   std::int64_t block = 0;
 };
-AreaKeys addAreaRows(Session& session, std::int64_t screenId, std::int32_t type, const BlockText& text,
-                     const CellBlock& block);
+AreaKeys addAreaRows(Session& session, const AreaRow& row, const CellBlock& block);
 
-// The area keeps its keys, its type and, unless there is a new one, the text of its block.
-void rewriteAreaRows(Session& session, const StoredArea& area, std::int64_t screenId, const BlockText& text,
-                     const CellBlock& block);
+// The area and its block keep their keys.
+void rewriteAreaRows(Session& session, const StoredArea& area, const AreaRow& row, const CellBlock& block);
+
+// Of the area's block; nothing is written where it has that text.
+void rewriteVersion(Session& session, const StoredArea& area, const std::string& version);
 
 // The block's stored bytes only; the area counts as written now.
 void rewriteBlobOf(Session& session, const StoredArea& area, const Bytes& blob);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tool/cells/NumberForm.h"
+#include "tool/database/BlockPlace.h"
 #include "tool/database/StoredArea.h"
 
 namespace tovrtool {
@@ -21,20 +22,11 @@ std::optional<NumberForm> formOf(const std::vector<StoredArea>& areas, const For
 // The same; throws ToolError, which asks for --dtype, where there is none.
 NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& options);
 
-// What a put says about the numbers of its block.
-struct FormToKeep {
-  FormOptions given;
-  std::optional<Dtype> ofArray;  // the type that the array itself tells
-  bool newText = false;          // the version text is given, too, and takes the place of what was stored
-  std::string text;
-};
-
-// After a put: writes the block's version text, which the library leaves as it is when it replaces a block. A type is
-// kept unasked only where no other program's text stands. Throws ToolError where the form does not fit the cells.
-// REQUIRES: a transaction, in which the block was stored.
-void keepForm(Session& session, std::int64_t blockId, std::int32_t cellBytes, const FormToKeep& what);
+// The version text that a block of such cells is to have, which has `stored` now; empty for a new one. A type that only
+// the array tells is kept where no other program's text stands. Throws ToolError where the form does not fit the cells.
+std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, const BlockText& put);
 
 // Before a patch, whose cells join others: throws ToolError where they are said to be other numbers than those.
-void requireKeptForm(const StoredArea& area, const FormToKeep& what);
+void requireKeptForm(const StoredArea& area, const BlockText& patch);
 
 }  // namespace tovrtool

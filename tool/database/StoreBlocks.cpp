@@ -17,11 +17,41 @@ StoredPlaces placesOf(Session& session) {
   return {session.manager().getDBType(), storedScreens(session), storedAreas(session)};
 }
 
+// The version texts that the blocks of a plan are to have; of one that is patched nothing changes.
+std::vector<std::string> versionsOf(const StorePlan& plan, const StoredPlaces& stored,
+                                    const std::vector<WantedBlock>& wanted) {
+  std::vector<std::string> versions;
+  for (const StoreStep& step : plan.steps) {
+    const WantedBlock& block = wanted[step.block];
+    try {
+      if (step.kind == StoreStep::Kind::kPatch) requireKeptForm(stored.areas[step.area], block.text);
+      const std::string old = step.kind == StoreStep::Kind::kAdd ? "" : stored.areas[step.area].version;
+      versions.push_back(step.kind == StoreStep::Kind::kPatch ? old : versionToKeep(old, block.cellBytes, block.text));
+    } catch (const ToolError& error) {
+      if (block.name.empty()) throw;
+      throw about(block.name, error);
+    }
+  }
+  return versions;
+}
+
+// What is to be done, and the texts for it. Throws ToolError where there is anything against it.
+struct Decision {
+  Decision(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules)
+      : plan(planStore(stored, wanted, rules)) {
+    requireNoObjections(plan);
+    versions = versionsOf(plan, stored, wanted);
+  }
+
+  StorePlan plan;
+  std::vector<std::string> versions;
+};
+
 class Execution {
  public:
   Execution(Session& session, const StoredPlaces& stored, const std::vector<WantedBlock>& wanted,
-            const BlockLoader& load)
-      : session_(session), stored_(stored), wanted_(wanted), load_(load) {}
+            const std::vector<std::string>& versions, const BlockLoader& load)
+      : session_(session), stored_(stored), wanted_(wanted), versions_(versions), load_(load) {}
 
   std::int64_t run(const StoreStep& step) {
     std::vector<StoredArea> removed;
@@ -34,13 +64,30 @@ class Execution {
         patches_[step.area].push_back({wanted.area.rect, [this, block = step.block] { return loaded(block); }});
         return area->blockId;
       case StoreStep::Kind::kRewrite:
-        rewriteAreaRows(session_, *area, step.screenId, wanted.text, loaded(step.block));
+        rewriteAreaRows(session_, *area, rowOf(step.screenId, step.block), loaded(step.block));
         return area->blockId;
       case StoreStep::Kind::kAdd:
         break;
     }
     const CellBlock block = loaded(step.block);
-    return addAreaRows(session_, screenOf(step), wanted.area.type, wanted.text, block).block;
+    return addAreaRows(session_, rowOf(screenOf(step), step.block), block).block;
+  }
+
+  // The screen's rectangle is the library's to decide.
+  std::int64_t update(const StoreStep& step) {
+    const WantedBlock& wanted = wanted_[step.block];
+    const CellBlock block = loaded(step.block);
+    auto record = session_.host().makeRecord<tovr::CoefData>();
+    record->coeftype = wanted.area.type;
+    record->screenname = wanted.area.screen;
+    setRect(*record, wanted.area.rect);
+    record->areaid = wanted.text.number;
+    record->coefBuffer.databitwidth = block.cellBytes;
+    record->coefBuffer.data = block.bytes.get();
+    record->coefBuffer.datasize = static_cast<std::int32_t>(block.size());
+    session_.require(session_.manager().updateData(record.get()), "asked for " + toText(wanted.area.rect));
+    rewriteVersion(session_, stored_.areas[step.area], versions_[step.block]);
+    return record->coefid;
   }
 
   // Each block that is patched is read and written once.
@@ -57,6 +104,10 @@ class Execution {
     throw ToolError(kFileProblem, "{} changed while it was read; nothing was stored", wanted.name);
   }
 
+  AreaRow rowOf(std::int64_t screenId, std::size_t block) const {
+    return {screenId, wanted_[block].area.type, wanted_[block].text.number, versions_[block]};
+  }
+
   std::int64_t screenOf(const StoreStep& step) {
     if (step.screenId != 0) return step.screenId;
     const AreaName& area = wanted_[step.block].area;
@@ -68,25 +119,11 @@ class Execution {
   Session& session_;
   const StoredPlaces& stored_;
   const std::vector<WantedBlock>& wanted_;
+  const std::vector<std::string>& versions_;
   const BlockLoader& load_;
   std::map<std::size_t, std::vector<Patch>> patches_;  // by the stored area
   std::map<std::string, std::int64_t> addedScreens_;
 };
-
-// The screen's rectangle is the library's to decide.
-std::int64_t updateByLibrary(Session& session, const WantedBlock& wanted, const CellBlock& block) {
-  auto record = session.host().makeRecord<tovr::CoefData>();
-  record->coeftype = wanted.area.type;
-  record->screenname = wanted.area.screen;
-  setRect(*record, wanted.area.rect);
-  record->areaid = wanted.text.number;
-  record->version = wanted.text.version;
-  record->coefBuffer.databitwidth = block.cellBytes;
-  record->coefBuffer.data = block.bytes.get();
-  record->coefBuffer.datasize = static_cast<std::int32_t>(block.size());
-  session.require(session.manager().updateData(record.get()), "asked for " + toText(wanted.area.rect));
-  return record->coefid;
-}
 
 }  // namespace
 
@@ -94,21 +131,12 @@ StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted
                         const BlockLoader& load) {
   Transaction transaction(session);
   const StoredPlaces stored = placesOf(session);
-  const StorePlan plan = planStore(stored, wanted, rules);
-  requireNoObjections(plan);
+  const Decision decision(stored, wanted, rules);
   StoreReport report;
-  report.notices = noticesOf(plan, stored, wanted);
-  Execution execution(session, stored, wanted, load);
-  for (const StoreStep& step : plan.steps) {
-    const WantedBlock& block = wanted[step.block];
-    report.blockKeys.push_back(rules.mode == StoreMode::kUpdate ? updateByLibrary(session, block, load(step.block))
-                                                                : execution.run(step));
-    const FormToKeep form{block.text.form, block.text.dtype, !block.text.version.empty(), block.text.version};
-    if (step.kind == StoreStep::Kind::kPatch) {
-      requireKeptForm(stored.areas[step.area], form);
-    } else {
-      keepForm(session, report.blockKeys.back(), block.cellBytes, form);
-    }
+  report.notices = noticesOf(decision.plan, stored, wanted);
+  Execution execution(session, stored, wanted, decision.versions, load);
+  for (const StoreStep& step : decision.plan.steps) {
+    report.blockKeys.push_back(rules.mode == StoreMode::kUpdate ? execution.update(step) : execution.run(step));
   }
   execution.patch();
   transaction.commit();
@@ -116,7 +144,7 @@ StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted
 }
 
 void requireStorable(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules) {
-  requireNoObjections(planStore(placesOf(session), wanted, rules));
+  const Decision decision(placesOf(session), wanted, rules);
 }
 
 }  // namespace tovrtool
