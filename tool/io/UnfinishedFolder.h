@@ -25,7 +25,8 @@ class UnfinishedFolder {
   // The path of a file in it, which is to be written Flushing::kByFolder.
   std::string file(const std::string& name) const;
 
-  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws ToolError; what had the name is whole then.
+  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws ToolError; what had
+  // the name is whole then.
   void finish();
 
  private:
