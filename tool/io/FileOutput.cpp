@@ -46,6 +46,18 @@ void refuseExisting(const std::string& path, Existing existing) {
                   existing == Existing::kRefuse ? ", or --force to replace it" : "");
 }
 
+void requireReplaceable(const std::string& path, Existing existing) {
+  std::error_code error;
+  const fs::file_status status = fs::status(pathOf(path), error);
+  if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
+  if (!fs::exists(status)) return;
+  if (existing != Existing::kReplace) refuseExisting(path, existing);
+  constexpr fs::perms kWritable = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  if ((status.permissions() & kWritable) == fs::perms::none) {
+    throw ToolError(kFileProblem, "{} is read-only and was not touched: make it writable, or give another name", path);
+  }
+}
+
 void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing) {
   giveName(temporary, path, existing);
   std::error_code error;  // where flushing fails, the file is there all the same
@@ -64,14 +76,11 @@ FileOutput::FileOutput(const std::string& path, Existing existing, Flushing flus
       existing_(existing),
       flushing_(flushing),
       direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
-  std::error_code error;
-  const fs::file_status status = fs::status(pathOf(path_), error);
-  if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
   if (direct_) {
     const int descriptor = descriptorNamed(path);
     file_ = descriptor >= 0 ? duplicateAsStream(descriptor) : FileHandle(std::fopen(path_.c_str(), "wb"));
   } else {
-    if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
+    requireReplaceable(path_, existing);
     const std::string name = temporaryNameBeside(path_);
     removed_.emplace(name);
     file_ = createNew(name);

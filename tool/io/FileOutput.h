@@ -29,6 +29,10 @@ std::string followedLink(const std::string& path);
 
 [[noreturn]] void refuseExisting(const std::string& path, Existing existing);
 
+// Throws ToolError where there is a folder of that name, a file that may not be replaced, or one that nobody may write:
+// somebody has protected it.
+void requireReplaceable(const std::string& path, Existing existing);
+
 // Gives the complete file `temporary` its name, in the same folder, and flushes the name to the disk. Throws ToolError;
 // `path` is untouched then.
 void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing);

@@ -13,10 +13,8 @@ namespace {
 namespace fs = std::filesystem;
 
 void requirePlace(const std::string& path, Existing existing) {
+  requireReplaceable(path, existing);
   std::error_code error;
-  const fs::file_status status = fs::symlink_status(pathOf(path), error);
-  if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
-  if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
   const fs::path folder = fs::absolute(pathOf(path), error).parent_path();
   if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder {}", textOf(folder));
 }
