@@ -168,9 +168,16 @@ void DESKey::encryptCbc(const unsigned char* in, std::size_t size, unsigned char
 
 void DESKey::decryptCbc(const unsigned char* in, std::size_t size, unsigned char* out, DESBlock iv) const {
   constexpr std::size_t kBatch = Decipherer::kBatchSize;
+  constexpr std::size_t kAhead = 4 * kBatch;  // more than a page is beyond what the processor foresees
   Decipherer decipherer(lanes_);
   const std::size_t rest = size % kBatch;
-  for (; size > rest; in += kBatch, out += kBatch, size -= kBatch) decipherer.decipher(in, out, iv.bytes);
+  for (; size > rest; in += kBatch, out += kBatch, size -= kBatch) {
+    if (size >= kAhead + kBatch) {
+      prefetch(in + kAhead, kBatch);
+      prefetch(out + kAhead, kBatch);
+    }
+    decipherer.decipher(in, out, iv.bytes);
+  }
   if (rest > 0) {
     unsigned char batch[kBatch] = {};
     std::copy_n(in, rest, batch);

@@ -2,6 +2,7 @@
 // is chosen at run time. Each kind: a type Lane of 64-bit words, and the same operations on it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #if defined(__SSE2__) || defined(_M_X64)
@@ -51,5 +52,12 @@ using NativeLanes = VectorLanes;
 #else
 using NativeLanes = WordLanes;
 #endif
+
+// Has memory of `size` bytes come nearer while something else is computed.
+inline void prefetch([[maybe_unused]] const unsigned char* bytes, [[maybe_unused]] std::size_t size) {
+#if defined(TOVR_LANES_OF_SSE2)
+  for (std::size_t at = 0; at < size; at += 64) _mm_prefetch(reinterpret_cast<const char*>(bytes + at), _MM_HINT_T0);
+#endif
+}
 
 }  // namespace tovr
