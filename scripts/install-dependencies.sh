@@ -21,6 +21,7 @@ packages=(
 [ -z "${TOVR_WITH_DOCS:-}" ] || packages+=(doxygen)
 [ -z "${TOVR_WITH_CCACHE:-}" ] || packages+=(ccache)
 [ -z "${TOVR_WITH_FRESH:-}" ] || packages+=(mmdebstrap debian-archive-keyring git util-linux)  # to make a fresh system
+[ -z "${TOVR_WITH_PACKAGES:-}" ] || packages+=(dpkg-dev file lintian)
 sources=(dpkg-dev debian-archive-keyring gcc make tcl)  # to build an engine from its source
 [ -z "${TOVR_WITH_SOURCES:-}" ] || packages+=("${sources[@]}")
 [ -z "${TOVR_WITH_WINDOWS:-}" ] || packages+=("${sources[@]}" g++-mingw-w64-x86-64-posix googletest wine64)

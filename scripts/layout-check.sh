@@ -21,7 +21,7 @@ trap 'rm -rf "$work"' EXIT
 
 compile() {
   "$clang" --target=x86_64-pc-windows-msvc -std=c++17 -O1 -fexceptions -fcxx-exceptions -fdiscard-value-names \
-    -nostdinc -isystem tests/windows/msvc-stubs -I src -DTOVR_VERSION='""' \
+    -nostdinc -isystem tests/windows/msvc-stubs -I src \
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror "$@"
 }
 

@@ -38,6 +38,9 @@ lmx::IMessageHandler* handlerOf(void* instance) {
 
 lmx::IMessageHandler* noHandler(void* /*instance*/) { return nullptr; }
 
+// The version of what hosts see, its slots and records, which some of them compare: not that of a release.
+constexpr char kVersion[] = "0.1.0";
+
 constexpr char kClassDescription[] = "{\"end\":0 }\r\n";
 
 ClassInfo managerClass{createInstance<IDBManager, DBManager>, destroyInstance<IDBManager>, noHandler, "cpp.DBManager",
@@ -49,7 +52,7 @@ ClassInfo encryptionClass{createInstance<IEncryption, Encryption>, destroyInstan
 
 ClassInfo* const classTable[] = {&managerClass, &connectionClass, &encryptionClass, nullptr};
 
-constexpr PluginInfo descriptor{"0.1", classTable, "dbmanagerplugin", TOVR_VERSION,
+constexpr PluginInfo descriptor{"0.1", classTable, "dbmanagerplugin", kVersion,
                                 "{\"desc\":\"dbmanager plugin\",\"end\":0 }"};
 
 }  // namespace

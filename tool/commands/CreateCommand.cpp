@@ -14,7 +14,7 @@ struct Options {
   int type = 0;
   std::string name;
   std::string structureVersion = "1";
-  std::string softwareVersion = "0.1.0";
+  std::string softwareVersion = TOVRDB_VERSION;
   std::string softwareType = "tovrdb";
   std::string databaseVersion = "1";
 };

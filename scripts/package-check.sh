@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Makes the Debian packages, has lintian look at them, and tries them in a minimal system that has nothing else of ours:
+# installed, used, removed. Exit code 77: made and looked at, but not tried, because no such system can be made here.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+source scripts/failures.sh
+source scripts/cache.sh
+source scripts/fresh-system.sh
+
+TOVR_WITH_PACKAGES=1 scripts/install-dependencies.sh
+build=build/packages
+rm -rf $build/packages
+quietly cmake --preset release -B $build -DTOVR_BUILD_TESTS=OFF -DTOVR_BUILD_EXAMPLES=OFF
+quietly cmake --build $build --target package
+packages=($build/packages/*.deb)
+lintian --fail-on error --allow-root "${packages[@]}"
+echo "lintian finds no error in ${#packages[@]} packages"
+
+suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
+makeFreshSystem "$suite" || {
+  printf '\n######## Packages not tried in a minimal system: see above\n' >&2
+  exit 77
+}
+mkdir "$root/try"
+cp "${packages[@]}" scripts/try-packages.sh "$root/try/"
+inside 0 /root bash /try/try-packages.sh
+keepPackages
