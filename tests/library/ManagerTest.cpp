@@ -1,6 +1,7 @@
 // The manager's routing, its record factory, and opening, checking and closing files.
 #include <climits>
 
+#include "tests/support/Files.h"
 #include "tests/support/Fixture.h"
 
 namespace tovrtest {
