@@ -44,7 +44,7 @@ class PowerCutTest : public DatabaseTest {
   Tally cutDuringChanges(const std::string& synchronous, int rounds, Fails fails = Fails::kPower) {
     synchronous_ = synchronous;
     fails_ = fails;
-    const std::string printed = printedBy([&] {
+    quietly([&] {
       for (int round = 0; round < rounds && !HasFailure(); ++round) {
         const int left = round * 200;
         change([&] { put({left + 100, 0, left + 149, 39}); });
@@ -57,7 +57,6 @@ class PowerCutTest : public DatabaseTest {
         });
       }
     });
-    if (HasFailure()) std::cout << printed.substr(printed.rfind('\n', printed.find(": Failure")));
     std::cout << "synchronous = " << synchronous << ": " << tally_.images << " images, " << tally_.damaged
               << " damaged, " << tally_.mixed << " with part of a change, " << tally_.undone
               << " without a change that was committed, " << tally_.atSecondAttempt << " opened at the second attempt; "
@@ -73,10 +72,10 @@ class PowerCutTest : public DatabaseTest {
 
   void put(const Rect& rect) {
     const int cells = (rect.right - rect.left + 1) * (rect.bottom - rect.top + 1);
-    put(rect, pattern(static_cast<std::size_t>(cells) * kCellBytes, ++seed_));
+    store(rect, pattern(static_cast<std::size_t>(cells) * kCellBytes, ++seed_));
   }
 
-  void put(const Rect& rect, Bytes bytes) {
+  void store(const Rect& rect, Bytes bytes) {
     CoefData record = coef(rect, bytes, kCellBytes);
     ASSERT_EQ(manager->insertData(&record), kOk);
   }
@@ -85,7 +84,7 @@ class PowerCutTest : public DatabaseTest {
     Bytes bytes = cellsAt(rect);
     const Bytes cells = pattern(600, ++seed_);
     std::copy(cells.begin(), cells.end(), bytes.begin() + 1000);
-    put(rect, std::move(bytes));
+    store(rect, std::move(bytes));
   }
 
   void remove(const std::string& which) {
@@ -171,14 +170,9 @@ class PowerCutTest : public DatabaseTest {
   }
 
   bool isSound() {
-    if (manager->openDB(path("file.db"), kRawKey) != kOk) return false;
-    char** cells = nullptr;
-    int count = 0;
-    int columns = 0;
-    const int code = host.engine.get_table("pragma integrity_check", &cells, &count, &columns);
-    const bool sound = code == kOk && count == 1 && std::string(cells[1]) == "ok";
-    host.engine.free_table(cells);
-    return sound;
+    IDBOperate& db = host.engine;
+    return manager->openDB(path("file.db"), kRawKey) == kOk && db.prepare_v2("pragma integrity_check", -1) == kOk &&
+           db.step() == kStepRow && std::string("ok") == reinterpret_cast<const char*>(db.column_text(0));
   }
 
   PowerCutVfs vfs_;
