@@ -87,14 +87,6 @@ TEST_F(CoefTableTest, WithoutLayersTheListIsNullAndAnUnknownScreenIsRefused) {
   EXPECT_EQ(printedBy([&] { EXPECT_EQ(table.insert(&record), SQLITE_CONSTRAINT); }), "FOREIGN KEY constraint failed");
 }
 
-TEST_F(CoefTableTest, RecordsOfTheWrongKindAreRefused) {
-  CoefDataResult list;
-  EXPECT_EQ(table.update(&list), kInvalidRecord);
-  EXPECT_EQ(table.insert(&list), kInvalidRecord);
-  EXPECT_EQ(table.insertCoef(nullptr), kInvalidRecord);
-  EXPECT_EQ(table.updateCoef(1, nullptr), kInvalidRecord);
-}
-
 TEST_F(CoefTableTest, LayerListsOfOtherProgramsAreTakenInWholeElements) {
   run("insert into Coef(data, databitwidth, version) values(x'00', 1, '')");
   const struct {

@@ -1,4 +1,4 @@
-// The plug-in's life in a host that links nothing of it: loaded and unloaded, used by two, left in the wrong order.
+// The plug-in's life in a host that links nothing of it: loaded and unloaded, used by two, called when nothing is open.
 #include <sqlcipher/sqlite3.h>
 
 #include <algorithm>
@@ -114,48 +114,6 @@ TEST_F(HostLifeTest, BeforeAFileIsOpenAndAfterItIsClosedEveryCallSaysSo) {
   makeFile(host, file);
   EXPECT_EQ(host.manager().closeDB(), kOk);
   expectClosed(host.manager());
-}
-
-// Keeps the two services of a loaded library by itself, and ends them when it is told to.
-struct OwnHost final : IPluginHost {
-  explicit OwnHost(const std::string& file) {
-    EXPECT_EQ(manager->openDB(file, kRawKey), kOk);
-    EXPECT_EQ(manager->createTables(), kOk);
-  }
-  ~OwnHost() { library.init(nullptr); }
-  void* createObject(const char*, const char*, void*, void*, void*, std::int32_t) override { return nullptr; }
-  void reserved1() override {}
-  void reserved2() override {}
-  void* findObject(const char* name) override { return name == std::string("DBOperate") ? connection : encryption; }
-
-  void* make(const char* name) { return library.init(this), library.findClass(name)->create(); }
-  void destroyManager() { library.findClass("cpp.DBManager")->destroy(manager); }
-  void destroyServices() {
-    library.findClass("cpp.Encryption")->destroy(encryption);
-    library.findClass("cpp.DBOperate")->destroy(connection);
-  }
-
-  const tovrhost::PluginLibrary library{TOVR_PLUGIN_FILE};
-  void* const connection = make("cpp.DBOperate");
-  void* const encryption = make("cpp.Encryption");
-  IDBManager* const manager = static_cast<IDBManager*>(make("cpp.DBManager"));
-};
-
-// Records and the blocks in them are the host's: they outlive the file and the services, though not the library.
-TEST_F(HostLifeTest, TheManagerMayGoBeforeItsServicesAndRecordsStay) {
-  OwnHost host(file);
-  const std::unique_ptr<DataBase> record(host.manager->createData(kScreenInfoData));
-  auto& name = static_cast<ScreenInfoData&>(*record).screenname;
-  name = "longer than what fits into the record itself";
-  host.destroyManager();
-  host.destroyServices();
-  EXPECT_EQ(name, "longer than what fits into the record itself");
-}
-
-TEST_F(HostLifeTest, TheServicesMayGoBeforeTheManager) {
-  OwnHost host(file);
-  host.destroyServices();
-  host.destroyManager();
 }
 
 }  // namespace tovrtest

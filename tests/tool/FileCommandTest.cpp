@@ -51,7 +51,6 @@ TEST_F(FileCommandTest, CheckFindsEachPlantedFault) {
     EXPECT_TRUE(contains(outcome.out, c.words));
     EXPECT_EQ(outcome.out.find("failed"), outcome.out.rfind("failed")) << "one fault, one verdict:\n" << outcome.out;
   }
-  EXPECT_TRUE(contains(run("check bad.db --json").out, "\"ok\": false"));
 }
 
 TEST_F(FileCommandTest, FilesThatAreNoDatabaseAreToldApart) {
@@ -63,7 +62,6 @@ TEST_F(FileCommandTest, FilesThatAreNoDatabaseAreToldApart) {
       {"", "is empty"},
       {"SQLite format 3" + std::string(1009, '\0'), "not an encrypted one"},
       {read("a.npy"), "a NumPy array"},
-      {std::string(4096, '\0'), "mostly with zeros"},
       {std::string(4096, 'a'), "a text"},
       {whole.substr(0, whole.size() - 4096), "truncated"},
   };
@@ -142,11 +140,9 @@ TEST_F(FileCommandTest, HostileManifestsAreRefusedAndTheOldFileStays) {
       {"\"Data-1.bin\"", "\"../text\"", "does not lie in"},
       {"\"Data-1.bin\"", "\"" + path("text") + "\"", "does not lie in"},
       {"\"Data-1.bin\"", "\"link.bin\"", "is not a file in"},
-      {"\"Data-1.bin\"", "\"gone.bin\"", "gone.bin"},
       {"\"databitwidth\": 2", "\"databitwidth\": 4", "2 bytes per cell, its row says 4"},
       {"\"databitwidth\"", "\"x) values(1); --\"", "\"databitwidth\" is missing"},
       {"\"screenname\": \"left\"", "\"screenname\": [\"left\"]", "a kind that no table holds"},
-      {"\"Screen_Info\": [", "\"Screen_Info\": 1, \"x\": [", "is not a list"},
       {good, std::string(100000, '['), "too deeply"},
       {good, good.substr(0, good.size() / 2), "is not valid JSON"},
   };
