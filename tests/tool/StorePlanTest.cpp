@@ -119,6 +119,7 @@ TEST_F(StorePlanTest, ByNameTheOneAreaOfATypeIsNotLostUnasked) {
   EXPECT_TRUE(takes({Kind::kPatch, Kind::kPatch}, {kWhole}, {named(kCorner), named(kMiddle)}, kPatch));
   EXPECT_TRUE(refuses({"4112"}, {kWhole}, {named(kMiddle, "T")}, kPatch));
   EXPECT_TRUE(refuses({"4113"}, {}, {named(kWhole)}, kUpdate));
+  EXPECT_TRUE(refuses({"area 2 (4,4..5,5) would lie outside"}, {kCorner, kMiddle}, {named(kCorner)}, kUpdate));
   EXPECT_THROW(plan({}, {block(kWhole)}, kCareful), ToolError);
   EXPECT_THROW(plan({}, {named(kWhole)}, kBeside), ToolError);
 }

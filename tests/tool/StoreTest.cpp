@@ -51,6 +51,7 @@ TEST_F(StoreTest, ByNameABlockOfAnotherPlaceIsReplacedOnlyOnDemandAndNamed) {
   EXPECT_EQ(get("named.db --type 1 --screen S --rect 0,0,2,1"), std::string(12, 'p'));
   succeed(put + "--update --force --at 8,8 whole.npy");
   EXPECT_EQ(get("named.db --type 1 --screen S --rect 8,8,15,11"), std::string(64, 'w'));
+  EXPECT_EQ(sql(path("named.db"), "select left, top, right, bottom from Screen_Info"), "8|8|15|11\n");
   expectFailure(1, "4112: no screen has that name", "coef get named.db --type 1 --screen T --rect 8,8,9,9 -o x.npy");
 }
 
