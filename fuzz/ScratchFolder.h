@@ -2,28 +2,19 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
 #include <string>
 
-#include "fuzz/Choices.h"
-#include "fuzz/Target.h"
+#include "tests/support/Files.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tovrfuzz {
 
+using tovrtest::contentOf;
+using tovrtest::writeFile;
+
 class ScratchFolder {
  public:
-  ScratchFolder() : folder_(place() / ("tovr-fuzz-" + std::to_string(std::random_device{}()))) {
-    require(std::filesystem::create_directory(folder_), "no fresh folder");
-  }
-  ScratchFolder(const ScratchFolder&) = delete;
-  ScratchFolder& operator=(const ScratchFolder&) = delete;
-  ~ScratchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
 
  private:
   static std::filesystem::path place() {
@@ -31,19 +22,7 @@ class ScratchFolder {
     return std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
   }
 
-  std::filesystem::path folder_;
+  tovrtest::TemporaryFolder folder_{place()};
 };
-
-inline void writeFile(const std::string& path, const Bytes& content) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
-  require(static_cast<bool>(file.flush()), "the scratch folder is full");
-}
-
-// Of a file that is not there: nothing.
-inline Bytes contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(file), {});
-}
 
 }  // namespace tovrfuzz

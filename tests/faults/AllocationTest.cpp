@@ -100,26 +100,4 @@ TEST_P(ReleasedMemoryTest, HoldsNoPayload) {
   expectClean("measurements printed", kOk, [&] { return LumChromaDataTableOperate().query(&measurement); });
 }
 
-TEST(BlobAllocationTest, ABlockIsDoneWholeOrNotAtAllAndTheFirstCallReadiesTheKey) {
-  const Bytes payload = pattern(200000, 5);
-  Bytes blob;
-  ASSERT_TRUE(encipherPayload(*std::make_unique<Encryption>(), payload.data(), 200000, blob));
-  const std::pair<Bytes, std::function<bool(Encryption&, Bytes&)>> cases[] = {
-      {blob, [&](Encryption& by, Bytes& out) { return encipherPayload(by, payload.data(), 200000, out); }},
-      {payload, [&](Encryption& by, Bytes& out) { return decipherPayload(by, blob.data(), blob.size(), out); }}};
-  for (const auto& [wanted, operation] : cases) {
-    Encryption encryption;
-    Bytes out = {9};
-    for (const int point : {1, 2}) {
-      allocations().arm(point);
-      EXPECT_THROW(operation(encryption, out), std::bad_alloc) << "allocation " << point;
-      EXPECT_EQ(out, Bytes{9}) << "allocation " << point;
-    }
-    allocations().arm(3);
-    EXPECT_TRUE(operation(encryption, out));
-    allocations().disarm();
-    EXPECT_TRUE(out == wanted);
-  }
-}
-
 }  // namespace tovrtest

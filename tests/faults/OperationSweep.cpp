@@ -40,10 +40,6 @@ std::shared_ptr<Record> recordOver(Bytes& bytes) {
   return record;
 }
 
-Operation onFile(const std::string& name, std::function<int(IDBManager&)> act) {
-  return {name, [act] { return Attempt{act}; }};
-}
-
 }  // namespace
 
 void OperationSweep::SetUp() {
@@ -63,19 +59,23 @@ void OperationSweep::SetUp() {
   ASSERT_EQ(manager->openDB(path("check.db"), kBuiltInKey), kOk);
   ASSERT_EQ(manager->createTables(), kOk);
   ASSERT_EQ(manager->closeDB(), kOk);
+  addFileOperations();
+  addBlockOperations();
+  addReadings();
+  addTableOperations();
+  addDeletions();
 }
 
 void OperationSweep::sweep(FaultSource& source) {
   int points = 0;
-  const std::string printed = printedBy([&] {
-    for (const Operation& operation : operations()) {
+  quietly([&] {
+    for (const Operation& operation : operations_) {
       for (const Failing how : {Failing::kOnce, Failing::kFromThereOn}) {
         for (int point = 1; !HasFailure() && meetsFault(operation, source, point, how); ++point) ++points;
       }
     }
   });
   manager->closeDB();
-  if (HasFailure()) std::cout << printed.substr(printed.rfind('\n', printed.find(": Failure")));
   EXPECT_GT(points, 200);
   std::cout << "failed at " << points << " points\n";
 }
@@ -137,55 +137,48 @@ void OperationSweep::expectWhole(bool blocksHidden) {
   }
 }
 
-std::vector<Operation> OperationSweep::operations() {
-  std::vector<Operation> all = fileOperations();
-  for (auto& group : {blockOperations(), tableOperations(), deletions()}) {
-    all.insert(all.end(), group.begin(), group.end());
-  }
-  return all;
+Operation& OperationSweep::add(const std::string& name, const std::function<int(IDBManager&)>& act) {
+  operations_.push_back({name, [act] { return Attempt{act}; }});
+  return operations_.back();
 }
 
-std::vector<Operation> OperationSweep::fileOperations() {
-  Operation open = onFile("openDB", [file = path("file.db")](IDBManager& m) { return m.openDB(file, kRawKey); });
-  Operation check =
-      onFile("checkDB", [file = path("check.db")](IDBManager& m) { return m.checkDB(file) ? kOk : kNotChecked; });
-  Operation type = onFile("getDBType", [](IDBManager& m) { return m.getDBType(); });
-  Operation create{"createTables", {}};
-  Operation close{"closeDB", {}};
-  create.prepare = [this] {
+Operation& OperationSweep::add(const std::string& name, Call call, const std::function<Record()>& makeRecord) {
+  const auto prepare = [call, makeRecord] {
+    return Attempt{[call, record = makeRecord()](IDBManager& m) { return (m.*call)(record.get()); }};
+  };
+  operations_.push_back({name, prepare});
+  return operations_.back();
+}
+
+std::function<void()> OperationSweep::found(const std::string& sql, int wanted) {
+  return [this, sql, wanted] { EXPECT_EQ(number(sql), wanted) << sql; };
+}
+
+void OperationSweep::addFileOperations() {
+  Operation& open = add("openDB", [file = path("file.db")](IDBManager& m) { return m.openDB(file, kRawKey); });
+  Operation& check =
+      add("checkDB", [file = path("check.db")](IDBManager& m) { return m.checkDB(file) ? kOk : kNotChecked; });
+  Operation& create = add("createTables", [](IDBManager& m) { return m.createTables(); });
+  Operation& close = add("closeDB", [](IDBManager& m) { return m.closeDB(); });
+  add("getDBType", [](IDBManager& m) { return m.getDBType(); }).success = GetParam();
+  create.prepare = [this, prepare = create.prepare] {
     manager->closeDB();
     fs::remove(path("new.db"));
     EXPECT_EQ(manager->openDB(path("new.db"), kRawKey), kOk);
-    return Attempt{[](IDBManager& m) { return m.createTables(); }};
+    return prepare();
   };
-  create.expectEffect = [this] {
-    EXPECT_EQ(number("select count(*) from sqlite_master where sql like 'create table%'"), 9 + 1) << "the engine's own";
-  };
-  close.prepare = [this] {
+  create.expectEffect = found("select count(*) from sqlite_master where sql like 'create table%'", 9 + 1);
+  close.prepare = [this, prepare = close.prepare] {
     reopen();
-    return Attempt{[](IDBManager& m) { return m.closeDB(); }};
+    return prepare();
   };
-  type.success = GetParam();
   open.derivesKey = check.derivesKey = create.derivesKey = true;
   open.leavesFile = check.leavesFile = create.leavesFile = close.leavesFile = true;
-  return {open, check, type, create, close};
 }
 
-Operation OperationSweep::onRecord(const std::string& name, Call call, const std::function<Record()>& makeRecord) {
-  return {name, [call, makeRecord] {
-            return Attempt{[call, record = makeRecord()](IDBManager& m) { return (m.*call)(record.get()); }};
-          }};
-}
-
-// The operation, whose success shows in a number that is read from the file.
-Operation OperationSweep::changing(Operation operation, const std::string& sql, int wanted) {
-  operation.expectEffect = [this, sql, wanted] { EXPECT_EQ(number(sql), wanted) << sql; };
-  return operation;
-}
-
-Operation OperationSweep::storing(const std::string& name, Call call, const Rect& rect, const std::string& screen,
-                                  int areaid) {
-  Operation operation = onRecord(name, call, [=] {
+void OperationSweep::addStoring(const std::string& name, Call call, const Rect& rect, const std::string& screen,
+                                int areaid) {
+  Operation& operation = add(name, call, [=] {
     auto record = std::make_shared<CoefData>(coef(rect, new_, 2, screen));
     record->areaid = areaid;
     record->multilayerlist = {1, 2, 3};
@@ -195,92 +188,80 @@ Operation OperationSweep::storing(const std::string& name, Call call, const Rect
     EXPECT_GE(number("select count(*) from Coef_Info where length(multilayerlist) = 12"), 1);
     EXPECT_EQ(cellsAt(rect, screen), areaid == -1 ? new_ : old_);  // one with a number lies behind the old area
   };
-  return operation;
 }
 
-std::vector<Operation> OperationSweep::blockOperations() {
+void OperationSweep::addBlockOperations() {
   const Call insert = &IDBManager::insertData;
-  return {storing("insertData, stored area", insert, kTarget, "target", -1),
-          storing("updateData, stored area", &IDBManager::updateData, kTarget, "target", -1),
-          GetParam() == kByName ? storing("insertData, new screen", insert, kTarget, "another", -1)
-                                : storing("insertData, new area", insert, kTarget, "target", 3),
-          readingAWindow()};
+  addStoring("insertData, stored area", insert, kTarget, "target", -1);
+  addStoring("updateData, stored area", &IDBManager::updateData, kTarget, "target", -1);
+  if (GetParam() == kByName) addStoring("insertData, new screen", insert, kTarget, "another", -1);
+  if (GetParam() == kByRectangle) addStoring("insertData, new area", insert, kTarget, "target", 3);
 }
 
-Operation OperationSweep::readingAWindow() {
+void OperationSweep::addReadings() {
+  for (const int type : {kDBInfo, kCoefDataResult, kScreenInfoDataResult}) {
+    add("queryData of type " + std::to_string(type), &IDBManager::queryData,
+        [=] { return Record(manager->createData(type)); });
+  }
   Bytes wanted(kept_.begin() + 10, kept_.begin() + 14);  // two cells of the second row, and two of the third
   wanted.insert(wanted.end(), kept_.begin() + 18, kept_.begin() + 22);
-  return {"queryData, a window", [wanted] {
-            Bytes none;
-            auto record = std::make_shared<CoefData>(coef({1, 1, 2, 2}, none, 0, "kept"));
-            return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); },
-                           [record, wanted](int code) {
-                             const std::unique_ptr<unsigned char[]> cells(record->coefBuffer.data);
-                             EXPECT_EQ(cells != nullptr, code == kOk);
-                             EXPECT_EQ(record->coefid, code == kOk ? 1 : 0);
-                             EXPECT_EQ(record->coeftablename, code == kOk ? "Coef" : "");
-                             if (!cells) return;
-                             EXPECT_EQ(Bytes(cells.get(), cells.get() + record->coefBuffer.datasize), wanted);
-                           }};
-          }};
+  const auto window = [wanted] {
+    Bytes none;
+    const auto record = std::make_shared<CoefData>(coef({1, 1, 2, 2}, none, 0, "kept"));
+    const auto verify = [record, wanted](int code) {
+      const std::unique_ptr<unsigned char[]> cells(record->coefBuffer.data);
+      EXPECT_EQ(cells != nullptr, code == kOk);
+      EXPECT_EQ(record->coefid, code == kOk ? 1 : 0);
+      EXPECT_EQ(record->coeftablename, code == kOk ? "Coef" : "");
+      if (!cells) return;
+      EXPECT_EQ(Bytes(cells.get(), cells.get() + record->coefBuffer.datasize), wanted);
+    };
+    return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); }, verify};
+  };
+  const auto genericData = [this] {
+    const auto record = std::make_shared<ConfigData>();
+    record->datatype = 1;
+    const auto verify = [this, record](int code) {
+      const std::unique_ptr<unsigned char[]> bytes(record->data);
+      if (code != kOk) return;
+      EXPECT_EQ(Bytes(bytes.get(), bytes.get() + record->dataSize), old_);
+    };
+    return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); }, verify};
+  };
+  operations_.push_back({"queryData, a window", window});
+  operations_.push_back({"queryData of generic data", genericData});
 }
 
-Operation OperationSweep::readingGenericData() {
-  return {"queryData of generic data", [this] {
-            auto record = std::make_shared<ConfigData>();
-            record->datatype = 1;
-            return Attempt{[record](IDBManager& m) { return m.queryData(record.get()); },
-                           [this, record](int code) {
-                             const std::unique_ptr<unsigned char[]> bytes(record->data);
-                             if (code != kOk) return;
-                             EXPECT_EQ(Bytes(bytes.get(), bytes.get() + record->dataSize), old_);
-                           }};
-          }};
-}
-
-std::vector<Operation> OperationSweep::tableOperations() {
+void OperationSweep::addTableOperations() {
   const Call insert = &IDBManager::insertData;
-  std::vector<Operation> made = {
-      changing(onRecord("insertData of a screen", insert, [] { return screen(0, "added"); }),
-               "select count(*) > 0 from Screen_Info where screenname = 'added'", 1),
-      changing(onRecord("updateData of a screen", &IDBManager::updateData, [] { return screen(2, "target"); }),
-               "select count(*) from Screen_Info where screenname = 'target'", 1),
-      changing(onRecord("insertData of generic data", insert, [this] { return recordOver<ConfigData>(new_); }),
-               "select count(*) > 0 from Data where version = 'new'", 1),
-      changing(onRecord("insertData of a description", insert, [] { return std::make_shared<DBInfo>(); }),
-               "select count(*) > 1 from DB_Info", 1),
-      onRecord("insertData of a measurement", insert, [this] { return recordOver<LumChromaData>(new_); })};
-  made.back().success = SQLITE_CONSTRAINT;  // its placement is refused
-  for (const int type : {kDBInfo, kCoefDataResult, kScreenInfoDataResult}) {
-    made.push_back(onRecord("queryData of type " + std::to_string(type), &IDBManager::queryData,
-                            [=] { return Record(manager->createData(type)); }));
-  }
-  made.push_back(readingGenericData());
-  return made;
+  add("insertData of a screen", insert, [] { return screen(0, "added"); }).expectEffect =
+      found("select count(*) > 0 from Screen_Info where screenname = 'added'", 1);
+  add("updateData of a screen", &IDBManager::updateData, [] { return screen(2, "target"); }).expectEffect =
+      found("select count(*) from Screen_Info where screenname = 'target'", 1);
+  add("insertData of generic data", insert, [this] { return recordOver<ConfigData>(new_); }).expectEffect =
+      found("select count(*) > 0 from Data where version = 'new'", 1);
+  add("insertData of a description", insert, [] { return std::make_shared<DBInfo>(); }).expectEffect =
+      found("select count(*) > 1 from DB_Info", 1);
+  add("insertData of a measurement", insert, [this] { return recordOver<LumChromaData>(new_); }).success =
+      SQLITE_CONSTRAINT;  // its placement is refused
 }
 
-std::vector<Operation> OperationSweep::deletions() {
-  const struct {
-    DataType type;
-    const char* table;  // empty afterwards
-    bool hidesBlocks;   // without the description, the type of the file is unknown
-    int success;
-  } cases[] = {{kCoefData, "Coef", true, kOk},
-               {kLumChromaData, "LumChromData", false, kOk},
-               {kScreenInfoData, nullptr, false, SQLITE_ERROR},
-               {kDBInfo, "DB_Info", true, SQLITE_CONSTRAINT},
-               {kCoefDataResult, "Coef_Info", true, kOk},
-               {kScreenInfoDataResult, nullptr, false, SQLITE_ERROR}};
-  std::vector<Operation> made;
-  for (const auto& c : cases) {
-    Operation operation = onRecord("deleteData of type " + std::to_string(c.type), &IDBManager::deleteData,
-                                   [=] { return Record(manager->createData(c.type)); });
-    operation.success = c.success;
-    operation.hidesBlocks = c.hidesBlocks;
-    made.push_back(c.table == nullptr ? operation
-                                      : changing(operation, std::string("select count(*) from ") + c.table, 0));
+void OperationSweep::addDeletions() {
+  const auto remove = [this](DataType type) -> Operation& {
+    return add("deleteData of type " + std::to_string(type), &IDBManager::deleteData,
+               [=] { return Record(manager->createData(type)); });
+  };
+  remove(kLumChromaData).expectEffect = found("select count(*) from LumChromData", 0);
+  remove(kScreenInfoData).success = SQLITE_ERROR;
+  remove(kScreenInfoDataResult).success = SQLITE_ERROR;
+  const std::pair<DataType, const char*> hiding[] = {
+      {kCoefData, "Coef"}, {kCoefDataResult, "Coef_Info"}, {kDBInfo, "DB_Info"}};
+  for (const auto& [type, table] : hiding) {
+    Operation& operation = remove(type);
+    operation.hidesBlocks = true;  // without the description, the type of the file is unknown
+    operation.expectEffect = found(std::string("select count(*) from ") + table, 0);
   }
-  return made;
+  operations_.back().success = SQLITE_CONSTRAINT;  // screens refer to the other table of the description
 }
 
 }  // namespace tovrtest

@@ -3,6 +3,8 @@
 // stored before is lost, and the next operation works.
 #pragma once
 
+#include <deque>
+
 #include "tests/support/Fixture.h"
 
 namespace tovrtest {
@@ -45,16 +47,16 @@ class OperationSweep : public DatabaseTest, public testing::WithParamInterface<i
   using Call = int (IDBManager::*)(DataBase*);
   using Record = std::shared_ptr<DataBase>;
 
-  std::vector<Operation> operations();
-  std::vector<Operation> fileOperations();
-  std::vector<Operation> blockOperations();
-  std::vector<Operation> tableOperations();
-  std::vector<Operation> deletions();
-  Operation storing(const std::string& name, Call call, const Rect& rect, const std::string& screen, int areaid);
-  Operation readingAWindow();
-  Operation readingGenericData();
-  Operation onRecord(const std::string& name, Call call, const std::function<Record()>& makeRecord);
-  Operation changing(Operation operation, const std::string& sql, int wanted);
+  Operation& add(const std::string& name, const std::function<int(IDBManager&)>& act);
+  Operation& add(const std::string& name, Call call, const std::function<Record()>& makeRecord);
+  // Expects a number that is read from the file.
+  std::function<void()> found(const std::string& sql, int wanted);
+  void addFileOperations();
+  void addStoring(const std::string& name, Call call, const Rect& rect, const std::string& screen, int areaid);
+  void addBlockOperations();
+  void addReadings();
+  void addTableOperations();
+  void addDeletions();
 
   bool meetsFault(const Operation& operation, FaultSource& source, int point, Failing how);
   void openFresh();
@@ -64,6 +66,7 @@ class OperationSweep : public DatabaseTest, public testing::WithParamInterface<i
   Bytes kept_ = pattern(32, 1);
   Bytes old_ = pattern(32, 2);
   Bytes new_ = pattern(32, 3);
+  std::deque<Operation> operations_;
 };
 
 }  // namespace tovrtest

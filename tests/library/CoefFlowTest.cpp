@@ -234,7 +234,6 @@ class FailedCoefQueryTest : public CoefFlowTest {
     unsigned char mine = 7;
     CoefData request = coef(rect, cells, 3);
     request.id = request.screenid = request.coefid = request.areaIndex = 66;
-    request.multilayerlist = {66};
     request.coefBuffer = {3, &mine, 1};
     int code = kThrown;
     try {
@@ -244,10 +243,8 @@ class FailedCoefQueryTest : public CoefFlowTest {
     expectKeys(request, 66, 66, 66);
     EXPECT_EQ(request.areaIndex, 66);
     EXPECT_EQ(request.coeftablename, "");
-    EXPECT_EQ(request.multilayerlist, std::vector<int>{66});
     EXPECT_EQ(request.coefBuffer.data, &mine);
     EXPECT_EQ(request.coefBuffer.datasize, 1);
-    EXPECT_EQ(request.coefBuffer.databitwidth, 3);
     return code;
   }
 };

@@ -52,14 +52,6 @@ TEST_F(DatabaseInfoTest, ClearingStopsWhereScreensRefer) {
   EXPECT_EQ(countOf("Attach_DB_List"), 1);
 }
 
-TEST_F(DatabaseInfoTest, ClearingRestartsTheKeys) {
-  createFile(kByRectangle);
-  EXPECT_EQ(manager->deleteData(&info), kOk);
-  EXPECT_EQ(insert("again", 0), kOk);
-  EXPECT_EQ(rows("select id, dbname from DB_Info"), (Rows{{"1", "again"}}));
-  EXPECT_EQ(rows("select id, dbname from Attach_DB_List"), (Rows{{"1", "again"}}));
-}
-
 TEST_F(DatabaseInfoTest, NullCellsOfOtherProgramsReadAsEmpty) {
   ASSERT_EQ(manager->openDB(path("file.db"), kRawKey), kOk);
   run("create table DB_Info(id, dbname, dbtype, a, b, c, d, ctime, mtime); insert into DB_Info(id) values(null)");

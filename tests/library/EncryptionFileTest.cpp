@@ -2,6 +2,7 @@
 // and over an existing file, it is fuzz/FileCipherFuzz's to test.
 #include "crypto/Encryption.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Files.h"
 #include "tests/support/FolderTest.h"
 
 namespace tovrtest {

@@ -1,4 +1,4 @@
-// The plug-in's life in a host that links nothing of it: loaded and unloaded, used by two, left in the wrong order.
+// The plug-in's life in a host that links nothing of it: loaded and unloaded, used by two, called when nothing is open.
 #include <sqlcipher/sqlite3.h>
 
 #include <algorithm>
@@ -26,7 +26,8 @@ struct HostLifeTest : FolderTest {
 };
 
 template <class Record>
-std::unique_ptr<Record> placed(std::unique_ptr<Record> record) {
+std::unique_ptr<Record> placed(tovrhost::PluginHost& host) {
+  auto record = host.makeRecord<Record>();
   record->left = record->top = 0;
   record->right = 7;
   record->bottom = 3;
@@ -38,26 +39,20 @@ void makeFile(tovrhost::PluginHost& host, const std::string& file) {
   ASSERT_EQ(host.manager().openDB(file, kRawKey), kOk);
   ASSERT_EQ(host.manager().createTables(), kOk);
   ASSERT_EQ(host.manager().insertData(host.makeRecord<DBInfo>().get()), kOk);
-  auto screen = placed(host.makeRecord<ScreenInfoData>());
+  auto screen = placed<ScreenInfoData>(host);
   screen->dbid = 1;
   ASSERT_EQ(host.manager().insertData(screen.get()), kOk);
 }
 
-std::unique_ptr<CoefData> area(tovrhost::PluginHost& host) {
-  auto record = placed(host.makeRecord<CoefData>());
-  record->coeftype = 1;
-  return record;
-}
-
-void storeAndRead(tovrhost::PluginHost& host, unsigned char value) {
+void storeAndRead(tovrhost::PluginHost& host, IDBManager& manager, unsigned char value) {
   std::vector<unsigned char> cells(64, value);
-  auto stored = area(host);
-  stored->coefBuffer = {2, cells.data(), 64};
-  ASSERT_EQ(host.manager().insertData(stored.get()), kOk);
-  auto read = area(host);
-  ASSERT_EQ(host.manager().queryData(read.get()), kOk);
-  ASSERT_EQ(read->coefBuffer.datasize, 64);
-  const std::unique_ptr<unsigned char[]> bytes(read->coefBuffer.data);
+  auto record = placed<CoefData>(host);
+  record->coeftype = 1;
+  record->coefBuffer = {2, cells.data(), 64};
+  ASSERT_EQ(manager.insertData(record.get()), kOk);
+  ASSERT_EQ(manager.queryData(record.get()), kOk);
+  ASSERT_EQ(record->coefBuffer.datasize, 64);
+  const std::unique_ptr<unsigned char[]> bytes(record->coefBuffer.data);
   EXPECT_TRUE(std::equal(cells.begin(), cells.end(), bytes.get()));
 }
 
@@ -78,7 +73,7 @@ TEST_F(HostLifeTest, AThousandLivesDoNotGrow) {
     tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
     if (round == 0) return makeFile(host, file);
     ASSERT_EQ(host.manager().openDB(file, kRawKey), kOk);
-    storeAndRead(host, static_cast<unsigned char>(round));
+    storeAndRead(host, host.manager(), static_cast<unsigned char>(round));
   };
   testing::internal::CaptureStdout();
   for (int round = 0; round < 400; ++round) live(round);
@@ -97,13 +92,9 @@ TEST_F(HostLifeTest, AThousandLivesDoNotGrow) {
 TEST_F(HostLifeTest, TwoManagersShareOneConnection) {
   tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
   makeFile(host, file);
-  storeAndRead(host, 1);
   auto* second = static_cast<IDBManager*>(host.createObject("cpp.DBManager", "second", nullptr, nullptr, nullptr, 0));
   ASSERT_NE(second, nullptr);
-  auto record = area(host);
-  EXPECT_EQ(second->getDBType(), 0);
-  EXPECT_EQ(second->queryData(record.get()), kOk);
-  delete[] record->coefBuffer.data;
+  storeAndRead(host, *second, 1);
   EXPECT_EQ(second->closeDB(), kOk);
   EXPECT_STREQ(host.manager().errMsg(), "no database file is open");
   EXPECT_EQ(host.manager().closeDB(), kOk);
@@ -123,48 +114,6 @@ TEST_F(HostLifeTest, BeforeAFileIsOpenAndAfterItIsClosedEveryCallSaysSo) {
   makeFile(host, file);
   EXPECT_EQ(host.manager().closeDB(), kOk);
   expectClosed(host.manager());
-}
-
-// Keeps the two services of a loaded library by itself, and ends them when it is told to.
-struct OwnHost final : IPluginHost {
-  explicit OwnHost(const std::string& file) {
-    EXPECT_EQ(manager->openDB(file, kRawKey), kOk);
-    EXPECT_EQ(manager->createTables(), kOk);
-  }
-  ~OwnHost() { library.init(nullptr); }
-  void* createObject(const char*, const char*, void*, void*, void*, std::int32_t) override { return nullptr; }
-  void reserved1() override {}
-  void reserved2() override {}
-  void* findObject(const char* name) override { return name == std::string("DBOperate") ? connection : encryption; }
-
-  void* make(const char* name) { return library.init(this), library.findClass(name)->create(); }
-  void destroyManager() { library.findClass("cpp.DBManager")->destroy(manager); }
-  void destroyServices() {
-    library.findClass("cpp.Encryption")->destroy(encryption);
-    library.findClass("cpp.DBOperate")->destroy(connection);
-  }
-
-  const tovrhost::PluginLibrary library{TOVR_PLUGIN_FILE};
-  void* const connection = make("cpp.DBOperate");
-  void* const encryption = make("cpp.Encryption");
-  IDBManager* const manager = static_cast<IDBManager*>(make("cpp.DBManager"));
-};
-
-// Records and the blocks in them are the host's: they outlive the file and the services, though not the library.
-TEST_F(HostLifeTest, TheManagerMayGoBeforeItsServicesAndRecordsStay) {
-  OwnHost host(file);
-  const std::unique_ptr<DataBase> record(host.manager->createData(kScreenInfoData));
-  auto& name = static_cast<ScreenInfoData&>(*record).screenname;
-  name = "longer than what fits into the record itself";
-  host.destroyManager();
-  host.destroyServices();
-  EXPECT_EQ(name, "longer than what fits into the record itself");
-}
-
-TEST_F(HostLifeTest, TheServicesMayGoBeforeTheManager) {
-  OwnHost host(file);
-  host.destroyServices();
-  host.destroyManager();
 }
 
 }  // namespace tovrtest

@@ -1,7 +1,5 @@
-// What all table operators share: the stored form of payloads, key sequences, and what reaches standard output. That
-// payloads are framed, enciphered and come back, fuzz/BlobFuzz shows.
-#include "crypto/DES.h"
-#include "storage/BlobCipher.h"
+// What all table operators share: key sequences, and what reaches standard output. That payloads are framed, enciphered
+// and come back, and what is none is refused, fuzz/BlobFuzz shows.
 #include "storage/Log.h"
 #include "tables/CoefDataTableOperate.h"
 #include "tables/LumChromaDataTableOperate.h"
@@ -13,11 +11,6 @@ class OperatorBaseTest : public DatabaseTest {
  protected:
   using Calls = std::vector<std::string>;
 
-  static Bytes enciphered(const Bytes& framed) {
-    Bytes out;
-    EXPECT_TRUE(DES().encrypt("kelptarn", "kelptarn", framed, out));
-    return out;
-  }
   Calls tableCallsOf(const std::function<int()>& operation, int code) {
     host.connection.tableCalls.clear();
     EXPECT_EQ(operation(), code);
@@ -26,21 +19,6 @@ class OperatorBaseTest : public DatabaseTest {
   CoefDataTableOperate table;
   int sequence = 77;
 };
-
-TEST_F(OperatorBaseTest, WhatCannotBeAStoredPayloadIsRefusedUntouched) {
-  const std::pair<const char*, Bytes> cases[] = {
-      {"nothing", {}},
-      {"shorter than the prefix", {1, 2, 3}},
-      {"the prefix says more than there is", enciphered({5, 0, 0, 0, 1, 2, 3, 4})},
-      {"as much more as would wrap", enciphered({0xFC, 0xFF, 0xFF, 0xFF, 1})}};
-  for (const auto& [name, stored] : cases) {
-    for (IEncryption* service : std::initializer_list<IEncryption*>{&host.cipher, &host.encryption}) {
-      Bytes out = {9};
-      EXPECT_FALSE(decipherPayload(*service, stored.data(), stored.size(), out)) << name;
-      EXPECT_EQ(out, Bytes{9}) << name;
-    }
-  }
-}
 
 TEST_F(OperatorBaseTest, SequenceIsTheLastKeyAndLeftAloneWhereNoneWasIssued) {
   createFile(kByRectangle);

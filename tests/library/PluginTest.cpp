@@ -70,21 +70,35 @@ TEST_P(LonelyManagerTest, OpensNothingAndAnswersEveryRecord) {
   expectEveryRecordRefused(*manager, kNoConnection);
 }
 
-using HostServicesTest = FolderTest;
+class HostServicesTest : public FolderTest {
+ protected:
+  HostServicesTest() { pluginit(host.get()); }
+  ~HostServicesTest() override { pluginit(nullptr); }
+
+  std::unique_ptr<TestHost> host = std::make_unique<TestHost>();
+};
 
 TEST_F(HostServicesTest, OperatorsCreateWhatTheHostDoesNotKeepAndTheManagerOnlyFinds) {
-  TestHost host;
-  host.served = false;
-  pluginit(&host);
+  host->served = false;
   DBManager manager;
-  ASSERT_EQ(host.calls.size(), 15U) << "seven operators, two services each; one of them had to be created";
-  EXPECT_EQ(host.calls[0], "find DBOperate");
-  EXPECT_EQ(host.calls[1], "create cpp.DBOperate DBOperate");
-  EXPECT_EQ(host.calls[2], "find Encryption");
-  host.served = host.creates = false;
+  ASSERT_EQ(host->calls.size(), 15U) << "seven operators, two services each; one of them had to be created";
+  EXPECT_EQ(host->calls[0], "find DBOperate");
+  EXPECT_EQ(host->calls[1], "create cpp.DBOperate DBOperate");
+  EXPECT_EQ(host->calls[2], "find Encryption");
+  host->served = host->creates = false;
   EXPECT_EQ(manager.openDB(path("a.db"), kRawKey), kNoConnection);
-  EXPECT_EQ(host.calls.back(), "find DBOperate");
-  pluginit(nullptr);
+  EXPECT_EQ(host->calls.back(), "find DBOperate");
+}
+
+TEST_F(HostServicesTest, ServicesMayGoBeforeTheManagerAndRecordsOutliveBoth) {
+  auto manager = std::make_unique<DBManager>();
+  EXPECT_EQ(manager->openDB(path("a.db"), kRawKey), kOk);
+  const std::unique_ptr<DataBase> record(manager->createData(kScreenInfoData));
+  auto& name = dynamic_cast<ScreenInfoData&>(*record).screenname;
+  name = "longer than what fits into the record itself";
+  host.reset();
+  manager.reset();
+  EXPECT_EQ(name, "longer than what fits into the record itself");
 }
 
 }  // namespace tovrtest

@@ -1,5 +1,6 @@
 // The interfaces called as hosts call them: by slot number, on the objects that the loaded plug-in made.
 #include "host/PluginHost.h"
+#include "tests/support/Files.h"
 #include "tests/support/Fixture.h"
 
 namespace tovrtest {

@@ -1,9 +1,5 @@
 #include "tests/support/Bytes.h"
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
 #include <random>
 
 #include "tests/support/SecretWatch.h"
@@ -25,14 +21,16 @@ Bytes letters(std::size_t size, unsigned int seed) {
   return bytes;
 }
 
-Bytes keptPayload() {
+Bytes keptPayload(std::size_t size) {
   Bytes bytes;
-  for (int i = 0; i < 64; ++i) bytes.push_back(static_cast<unsigned char>(i * 37 + i / 7));
+  for (std::size_t i = 0; i < size; ++i) bytes.push_back(static_cast<unsigned char>(i * 37 + i / 7));
   rememberPayload(bytes);
   return bytes;
 }
 
 Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+std::string textOf(const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); }
 
 Bytes hex(const std::string& digits) {
   Bytes bytes;
@@ -45,17 +43,6 @@ Bytes hex(const std::string& digits) {
 Bytes zeroPadded(Bytes bytes) {
   bytes.resize((bytes.size() + 7) / 8 * 8);
   return bytes;
-}
-
-Bytes contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.is_open()) << path;
-  return Bytes(std::istreambuf_iterator<char>(file), {});
-}
-
-void writeFile(const std::string& path, const Bytes& content) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
 }
 
 }  // namespace tovrtest

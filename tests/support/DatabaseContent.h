@@ -6,11 +6,12 @@
 #include <string>
 
 #include "host/PluginHost.h"
+#include "tests/support/SecretWatch.h"
 
 namespace tovrtest {
 
 // Runs `sql` in the file through the plug-in; rows as lines of SQL values.
-inline std::string sql(const std::string& file, const std::string& statement, const std::string& key) {
+inline std::string sql(const std::string& file, const std::string& statement, const std::string& key = kWordKey) {
   tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
   EXPECT_EQ(host.manager().openDB(file, key), 0);
   host.connection().exec("PRAGMA foreign_keys = OFF");
@@ -28,7 +29,7 @@ inline std::string sql(const std::string& file, const std::string& statement, co
 }
 
 // Every stored value with its type.
-inline std::string everything(const std::string& file, const std::string& key) {
+inline std::string everything(const std::string& file, const std::string& key = kWordKey) {
   std::string text = sql(file, "select name, quote(seq) from sqlite_sequence order by name", key);
   for (const char* table : {"DB_Info", "Attach_DB_List", "Screen_Info", "Coef", "Coef_Info", "LumChromData",
                             "LumChromDataInfo", "Data", "DataInfo"}) {

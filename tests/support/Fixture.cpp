@@ -1,14 +1,22 @@
 #include "tests/support/Fixture.h"
 
+#include <iostream>
+
 #include "manager/DBManager.h"
 
 namespace tovrtest {
+
 std::string printedBy(const std::function<void()>& operation) {
   testing::internal::CaptureStdout();
   operation();
   const std::string printed = testing::internal::GetCapturedStdout();
   expectNoSecrets(printed, "standard output");
   return printed;
+}
+
+void quietly(const std::function<void()>& operation) {
+  const std::string printed = printedBy(operation);
+  if (testing::Test::HasFailure()) std::cout << printed.substr(printed.rfind('\n', printed.find(": Failure")));
 }
 
 ManagerTest::ManagerTest() {

@@ -34,6 +34,8 @@ constexpr int kByName = 1;
 
 // What the operation writes to standard output, whoever writes it: no secrets.
 std::string printedBy(const std::function<void()>& operation);
+// The same, thrown away but for what tells of failures.
+void quietly(const std::function<void()>& operation);
 
 template <class Record>
 void setRect(Record& record, const Rect& rect) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 
 #include "tests/support/SecretWatch.h"
@@ -12,9 +13,12 @@ namespace tovrtest {
 
 class FolderTest : public testing::Test {
  protected:
-  ~FolderTest() override { expectNoSecretsIn(folder_.path()); }
+  ~FolderTest() override { expectNoSecretsIn(folder_.path(), written_); }
 
+  const std::filesystem::path& folder() const { return folder_.path(); }
   std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
+
+  mutable std::set<std::string> written_;  // by the test itself: may hold payloads
 
  private:
   TemporaryFolder folder_;

@@ -10,7 +10,8 @@ namespace tovrtest {
 
 class TemporaryFolder {
  public:
-  TemporaryFolder() {
+  explicit TemporaryFolder(const std::filesystem::path& place = std::filesystem::temp_directory_path())
+      : path_(place / ("tovr-test-" + std::to_string(std::random_device{}()))) {
     if (!std::filesystem::create_directory(path_)) throw std::runtime_error("not a new folder: " + path_.string());
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
@@ -23,8 +24,7 @@ class TemporaryFolder {
   const std::filesystem::path& path() const { return path_; }
 
  private:
-  std::filesystem::path path_ =
-      std::filesystem::temp_directory_path() / ("tovr-test-" + std::to_string(std::random_device{}()));
+  std::filesystem::path path_;
 };
 
 }  // namespace tovrtest

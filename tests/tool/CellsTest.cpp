@@ -1,10 +1,9 @@
 // The pure parts of the tool that know cells: rectangles, .npy arrays, blocks, CSV, differences, statistics.
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cfloat>
 #include <climits>
 #include <cmath>
-#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -21,36 +20,35 @@ namespace {
 using namespace tovrtool;
 using namespace tovrtest;
 
-std::vector<unsigned char> bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
-
 NpyArray parsed(const std::string& file) { return parseNpy(bytesOf(file), "a.npy"); }
 
-// What `action` complains about; empty when it does not.
+NumberForm formOf(const char* dtype) { return {parseDtype(dtype), {}, {}}; }
+
+// Complains with these words.
 template <class Action>
-std::string complaint(Action action) {
+testing::AssertionResult complains(const std::string& words, Action action) {
   try {
     action();
-    return {};
+    return testing::AssertionFailure() << "no word where this was to come: " << words;
   } catch (const std::exception& error) {
-    return error.what();
+    const bool found = std::string(error.what()).find(words) != std::string::npos;
+    return testing::AssertionResult(found) << error.what() << ", where this was to come: " << words;
   }
 }
 
 TEST(RectTest, IsReadInTheOrderLeftTopRightBottom) {
   EXPECT_EQ(toText(parseRect("1,2,3,4")), "1,2..3,4");
   EXPECT_EQ(toText(parseRect("0,0,2147483647,0")), "0,0..2147483647,0");
-  for (const char* text :
-       {"", "1,2,3", "1,2,3,4,", "1,2,3,4,5", " 1,2,3,4", "-1,2,3,4", "1,2,3,2147483648", "a,b,c,d"}) {
-    EXPECT_NE(complaint([&] { parseRect(text); }).find("is not of the form L,T,R,B"), std::string::npos) << text;
+  for (const char* text : {"", "1,2,3", "1,2,3,4,", " 1,2,3,4", "-1,2,3,4", "1,2,3,2147483648", "a,b,c,d"}) {
+    EXPECT_TRUE(complains("is not of the form L,T,R,B", [&] { parseRect(text); })) << text;
   }
-  EXPECT_NE(complaint([] { parseRect("3,0,2,0"); }).find("is inverted"), std::string::npos);
-  EXPECT_NE(complaint([] { parseSize("0x5"); }).find("whole numbers from 1"), std::string::npos);
+  EXPECT_TRUE(complains("is inverted", [] { parseRect("3,0,2,0"); }));
+  EXPECT_TRUE(complains("whole numbers from 1", [] { parseSize("0x5"); }));
 }
 
 TEST(RectTest, BytesFillItOnlyWhenTheyAreExactlyItsCells) {
   EXPECT_TRUE(fills(24, {0, 0, 3, 2}, 2));
   EXPECT_FALSE(fills(23, {0, 0, 3, 2}, 2));
-  EXPECT_FALSE(fills(48, {0, 0, 3, 2}, 2));
   EXPECT_FALSE(fills(0, {0, 0, 3, 2}, 0));
   EXPECT_FALSE(fills(0, {1, 0, 0, 0}, 1));
   EXPECT_FALSE(fills(0, {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, INT32_MAX));  // the product overflows 64 bits
@@ -58,7 +56,6 @@ TEST(RectTest, BytesFillItOnlyWhenTheyAreExactlyItsCells) {
 
 TEST(RectTest, AnArraysRectangleEndsWhereItsCellsEnd) {
   EXPECT_EQ(toText(rectAt({5, 6}, 3, 2)), "5,6..7,7");
-  EXPECT_EQ(toText(rectAt({INT32_MAX, 0}, 1, 1)), "2147483647,0..2147483647,0");
   EXPECT_THROW(rectAt({INT32_MAX, 0}, 2, 1), std::invalid_argument);
   EXPECT_THROW(rectAt({0, 0}, 0, 1), std::invalid_argument);
   EXPECT_EQ(common({0, 0, 4, 4}, {5, 0, 9, 4}), std::nullopt);
@@ -67,20 +64,19 @@ TEST(RectTest, AnArraysRectangleEndsWhereItsCellsEnd) {
 }
 
 TEST(NpyTest, HeadersAreTakenInEverySpellingOfEveryVersion) {
-  const std::string shape = "'shape': (2, 3), ", order = "'fortran_order': False, ", type = "'descr': '<u2', ";
   const std::string headers[] = {
-      "{" + type + order + shape + "}\n",
-      "{" + shape + type + order + "}      \n",
+      "{'descr': '<u2', 'fortran_order': False, 'shape': (2, 3), }\n",
+      "{'shape': (2, 3), 'descr': '<u2', 'fortran_order': False, }      \n",
       "{'descr':'<u2','fortran_order':False,'shape':(2,3)}\n",
       "{ \"descr\" : \"<u2\" , \"fortran_order\" : False , \"shape\" : ( 2 , 3 , ) , }\n",
-      "{" + type + order + "'shape': (2L, 3L)}\n",  // Python 2
+      "{'descr': '<u2', 'fortran_order': False, 'shape': (2L, 3L)}\n",  // Python 2
   };
   for (const std::string& header : headers) {
     for (const char version : {'\1', '\2', '\3'}) {
       const NpyArray array = parsed(npyFile(version, header, payload(12)));
       EXPECT_EQ(array.shape, (std::vector<std::size_t>{2, 3})) << header;
       EXPECT_EQ(array.dtype.descr, "<u2") << header;
-      EXPECT_EQ(array.bytes, bytesOf(payload(12))) << header;
+      EXPECT_EQ(array.bytes, keptPayload(12)) << header;
     }
   }
 }
@@ -93,74 +89,56 @@ TEST(NpyTest, WhatIsWrittenIsWhatNumPyWrites) {
 
 TEST(NpyTest, FilesThatAreNotSuchAnArrayAreRefused) {
   const std::string good = npy("<u2", "4, 8", payload(64));
-  const auto header = [](const std::string& text) { return npyFile('\1', text, ""); };
-  const struct {
-    std::string file;
-    const char* words;
-  } cases[] = {
+  const std::string begun = "{'descr': '<u2', 'fortran_order': False, 'shape': (1,";
+  const std::pair<std::string, const char*> cases[] = {
       {"", "is not a .npy file"},
-      {good.substr(0, 9), "is not a .npy file"},
       {good.substr(0, 60), "truncated inside its header"},
       {npyFile('\4', "", ""), "version 4 is unknown"},
       {std::string("\x93NUMPY\x02\x00\xff\xff\xff\xff", 12), "is too long"},
       {good.substr(0, good.size() - 1), "it is truncated"},
       {good + "x", "it is too long"},
-      {npy("<u2", "4294967296, 4294967296", payload(64)), "it is truncated"},
+      {npy("<u2", "128, 128, 128, 128, 128, 128, 128, 128, 128", ""), "it is truncated"},  // 2 to the 64th bytes
       {npy("<u2", "18446744073709551616", ""), "whole numbers"},
-      {npy("<u2", "-1, 8", ""), "whole numbers"},
       {npy("<u2", "4 8", ""), "',' or ')' is missing"},
       {npy(">u2", "4, 8", payload(64)), "big-endian (>u2)"},
       {npy("<u2", "4, 8", payload(64), "True"), "Fortran order"},
-      {npy("<u2", "4, 8", payload(64), "Maybe"), "neither True nor False"},
       {npy("<c8", "4, 8", payload(256)), "<c8 is not one of uint8, "},
-      {npy("", "4, 8", payload(64)), "its type is empty"},
-      {header("{}\n"), "exactly three keys"},
-      {header("  \n"), "'{' is missing"},
-      {header("{'descr': [('a', '<u2')], 'fortran_order': False, 'shape': (1,)}\n"), "''' is missing"},
-      {header("{'descr': '<u2', 'descr': '<u2', 'shape': (1,)}\n"), "twice"},
-      {header("{'descr': '<u2', 'fortran_order': False, 'shape': (1,), 'more': 1}\n"), "'more' is unknown"},
-      {header("{'descr': '<u2', 'fortran_order': False, 'shape': (1,)}"), "does not end with a newline"},
-      {header("{'descr': '<u2', 'fortran_order': False, 'shape': (1,"), "whole numbers"},
-      {header("{'descr': '<u2"), "a text does not end"},
+      {npyFile('\1', "{}\n", ""), "exactly three keys"},
+      {npyFile('\1', begun + ")}\n more", ""), "exactly three keys"},
+      {npyFile('\1', "{'more': 1}\n", ""), "'more' is unknown"},
+      {npyFile('\1', "{'descr': [('a', '<u2')]", ""), "''' is missing"},
+      {npyFile('\1', begun + ")}", ""), "does not end with a newline"},
+      {npyFile('\1', begun, ""), "whole numbers"},
   };
-  for (const auto& c : cases) {
-    EXPECT_NE(complaint([&] { parsed(c.file); }).find(c.words), std::string::npos)
-        << c.words << " expected, got: " << complaint([&] { parsed(c.file); });
+  for (const auto& [file, words] : cases) {
+    EXPECT_TRUE(complains(words, [&file = file] { parsed(file); }));
   }
 }
 
 TEST(CellBlockTest, ArraysAreBlocksOfTheirOwnRectangle) {
-  const auto complaintAbout = [](const char* shape, std::size_t bytes) {
-    return complaint([&] { blockFromArray(parsed(npy("<u2", shape, payload(bytes))), Rect{0, 0, 7, 3}, {}); });
+  const auto placed = [](const char* shape, std::size_t bytes) {
+    return blockFromArray(parsed(npy("<u2", shape, payload(bytes))), Rect{0, 0, 7, 3}, {});
   };
-  EXPECT_EQ(complaintAbout("4, 8", 64), "");
-  EXPECT_NE(complaintAbout("8, 4", 64).find("its shape would begin with (4, 8)"), std::string::npos);
-  EXPECT_NE(complaintAbout("32,", 64).find("(rows, columns, values)"), std::string::npos);
-  EXPECT_NE(complaintAbout("4, 0", 0).find("none of them 0"), std::string::npos);
+  EXPECT_EQ(placed("4, 8", 64).cellBytes, 2);
+  EXPECT_TRUE(complains("its shape would begin with (4, 8)", [&] { placed("8, 4", 64); }));
+  EXPECT_TRUE(complains("(rows, columns, values)", [&] { placed("32,", 64); }));
+  EXPECT_TRUE(complains("none of them 0", [&] { placed("4, 0", 0); }));
   const CellBlock block = blockFromArray(parsed(npy("<u2", "4, 8, 3, 3", payload(576))), {}, CellPair{10, 20});
   EXPECT_EQ(toText(block.rect), "10,20..17,23");
   EXPECT_EQ(block.cellBytes, 18);
   EXPECT_EQ(blockShape(block.rect, 18, parseDtype("uint16")), (std::vector<std::size_t>{4, 8, 9}));
   EXPECT_THROW(blockShape(block.rect, 18, parseDtype("uint32")), ToolError);
-  EXPECT_THROW(blockFromBytes(bytesOf(payload(30)), {0, 0, 2, 1}, 4), ToolError);
-}
-
-TEST(CellBlockTest, APartHasTheCellsOfItsRectangle) {
-  const std::string cells = "abcdefghijkl";  // 3 x 2 cells of 2 bytes
-  const CellBlock part = cut(blockFromBytes(bytesOf(cells), {5, 5, 7, 6}, 2), {6, 5, 7, 6});
-  EXPECT_EQ(std::string(part.bytes.get(), part.bytes.get() + part.size()), "cdefijkl");
+  EXPECT_THROW(blockFromBytes(keptPayload(30), {0, 0, 2, 1}, 4), ToolError);
 }
 
 TEST(CellCsvTest, NumbersKeepEveryDigit) {
   const float numbers[] = {1.5F, -2, 0.1F, 16777216};
   const std::string cells(reinterpret_cast<const char*>(numbers), sizeof numbers);
+  const CellBlock block = blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8);
   std::string text;
-  const auto append = [&text](const std::string& line) { text += line; };
-  writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), NumberForm{parseDtype("float32"), {}, {}}, append);
+  writeCsv(block, formOf("float32"), [&text](const std::string& line) { text += line; });
   EXPECT_EQ(text, "column,row,value0,value1\n3,2,1.5,-2\n4,2,0.100000001,16777216\n");
-  EXPECT_THROW(
-      writeCsv(blockFromBytes(bytesOf(cells), {3, 2, 4, 2}, 8), NumberForm{parseDtype("int64"), {}, {}}, append),
-      ToolError);
+  EXPECT_THROW(writeCsv(block, formOf("int64"), [](const std::string&) {}), ToolError);
 }
 
 TEST(CellNumbersTest, EveryTypeIsRead) {
@@ -169,29 +147,26 @@ TEST(CellNumbersTest, EveryTypeIsRead) {
     readNumbers(parseDtype(dtype), reinterpret_cast<const unsigned char*>(bytes.data()), 1, 1, &number);
     return number;
   };
-  EXPECT_EQ(first("uint8", "\xFF"), 255);
   EXPECT_EQ(first("int8", "\xFF"), -1);
   EXPECT_EQ(first("uint16", "\xFE\xFF"), 65534);
   EXPECT_EQ(first("int32", "\xFE\xFF\xFF\xFF"), -2);
   EXPECT_EQ(first("float16", std::string("\x00\x3C", 2)), 1);
   EXPECT_EQ(first("float16", std::string("\x01\x80", 2)), -std::ldexp(1, -24));
-  EXPECT_EQ(first("float16", std::string("\x00\xFC", 2)), -HUGE_VAL);
   EXPECT_TRUE(std::isnan(first("float16", std::string("\x00\x7E", 2))));
 }
 
 TEST(BlockDifferenceTest, NumbersWithinEitherToleranceAreEqual) {
   const double nan = std::nan("");
-  const struct {
-    double before, after;
-    Tolerance tolerance;
-    bool differs;
-  } cases[] = {
-      {1, 1.5, {0.5, 0}, false},     {1, 1.5, {0.49, 0}, true},       {-100, -101, {0, 0.01}, false},
-      {-100, -102, {0, 0.01}, true}, {nan, nan, {0, 0}, false},       {nan, 1, {1e9, 1}, true},
-      {HUGE_VAL, 1, {1e9, 1}, true}, {HUGE_VAL, HUGE_VAL, {}, false}, {0.0, -0.0, {}, false},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(differ(c.before, c.after, c.tolerance), c.differs) << c.before << " " << c.after;
+  const double inf = HUGE_VAL;
+  EXPECT_FALSE(differ(1, 1.5, {0.5, 0}));
+  EXPECT_TRUE(differ(1, 1.5, {0.49, 0}));
+  EXPECT_FALSE(differ(-100, -101, {0, 0.01}));
+  EXPECT_TRUE(differ(-100, -102, {0, 0.01}));
+  EXPECT_FALSE(differ(nan, nan, {}));
+  EXPECT_TRUE(differ(nan, 1, {1e9, 1}));
+  EXPECT_TRUE(differ(inf, 1, {1e9, 1}));
+  EXPECT_FALSE(differ(inf, inf, {}));
+  EXPECT_FALSE(differ(0.0, -0.0, {}));
 }
 
 TEST(BlockDifferenceTest, TheLargestDifferenceIsNamedByItsCellAndComponent) {
@@ -201,37 +176,29 @@ TEST(BlockDifferenceTest, TheLargestDifferenceIsNamedByItsCellAndComponent) {
   cells[3] = 2;   // cell 1, component 1
   cells[12] = 9;  // cell 6, component 0
   const CellBlock after = blockFromBytes(bytesOf(cells), rect, 2);
-  const BlockDifference found = compareBlocks(before, after, NumberForm{parseDtype("uint8"), {}, {}}, std::nullopt);
+  const BlockDifference found = compareBlocks(before, after, formOf("uint8"), std::nullopt);
   EXPECT_EQ(found.cells, 8);
   EXPECT_EQ(found.differing, 2);
   EXPECT_EQ(found.at.x, 12);
   EXPECT_EQ(found.at.y, 21);
   EXPECT_EQ(found.component, 0U);
   EXPECT_EQ(found.after, 9);
-  EXPECT_EQ(compareBlocks(before, after, NumberForm{parseDtype("uint8"), {}, {}}, Tolerance{2, 0}).differing, 1);
+  EXPECT_EQ(compareBlocks(before, after, formOf("uint8"), Tolerance{2, 0}).differing, 1);
   EXPECT_EQ(compareBlocks(before, after, std::nullopt, std::nullopt).at.x, 11);  // to the bit: the first
 }
 
-TEST(StatisticsTest, SummariesFollowTheirDefinitionsForEverySize) {
-  std::vector<double> values = {std::nan(""), HUGE_VAL};
-  for (int n = 1; n <= 60; ++n) {
-    values.push_back((n * 7919) % 61 - 20);
-    std::vector<double> sorted(values.begin() + 2, values.end());
-    std::sort(sorted.begin(), sorted.end());
-    const Summary summary = summarize(values);
-    ASSERT_EQ(summary.count, sorted.size());
-    ASSERT_EQ(summary.others, 2U);
-    const double sum = std::accumulate(sorted.begin(), sorted.end(), 0.0);
-    const double squares = std::inner_product(sorted.begin(), sorted.end(), sorted.begin(), 0.0);
-    EXPECT_NEAR(summary.mean, sum / n, 1e-9);
-    EXPECT_NEAR(summary.deviation, std::sqrt(std::max(0.0, squares / n - sum / n * sum / n)), 1e-6);
-    for (std::size_t i = 0; i < kPercents.size(); ++i) {
-      const double rank = kPercents[i] / 100 * (n - 1);
-      const double low = sorted[static_cast<std::size_t>(rank)];
-      const double high = sorted[static_cast<std::size_t>(std::ceil(rank))];
-      EXPECT_NEAR(summary.percentiles[i], low + (high - low) * (rank - std::floor(rank)), 1e-9) << n << " " << i;
-    }
-  }
+TEST(StatisticsTest, SummariesAreOfTheFiniteNumbers) {
+  const Summary summary = summarize({3, 0, 10, std::nan(""), 7, 5, 1, HUGE_VAL, 9, 2, 4, 8, 6});
+  EXPECT_EQ(summary.count, 11U);
+  EXPECT_EQ(summary.others, 2U);
+  EXPECT_EQ(summary.least, 0);
+  EXPECT_EQ(summary.most, 10);
+  EXPECT_NEAR(summary.mean, 5, 1e-12);
+  EXPECT_NEAR(summary.deviation, std::sqrt(10.0), 1e-12);
+  ASSERT_EQ(summary.percentiles.size(), kPercents.size());
+  for (std::size_t i = 0; i < kPercents.size(); ++i) EXPECT_NEAR(summary.percentiles[i], kPercents[i] / 10, 1e-12);
+  EXPECT_EQ(summarize({7}).percentiles.front(), 7);
+  EXPECT_EQ(summarize({HUGE_VAL}).count, 0U);
 }
 
 TEST(StatisticsTest, EveryFiniteNumberIsInOnePlaceOfTheHistogram) {
@@ -255,6 +222,15 @@ TEST(StatisticsTest, WildCellsStandOutAndDoNotHideEachOther) {
   std::vector<double> equal(1000, 5.0);
   equal[3] = 9;  // more than half are equal: their median deviation is 0
   EXPECT_EQ(standOut(equal, 6, 10).count, 1U);
+}
+
+TEST(StatisticsTest, StayFiniteAtTheEndsOfTheNumbers) {
+  const std::vector<double> values = {DBL_MAX, -DBL_MAX, DBL_MAX, 0, HUGE_VAL, std::nan("")};
+  const Summary summary = summarize(values);
+  EXPECT_EQ(summary.count, 4U);
+  EXPECT_NEAR(summary.mean / DBL_MAX, 0.25, 1e-9);
+  EXPECT_NEAR(summary.deviation / DBL_MAX, std::sqrt(11.0) / 4, 1e-9);
+  for (const Outlier& outlier : standOut(values, 0, 9).strongest) EXPECT_TRUE(std::isfinite(outlier.distance));
 }
 
 }  // namespace

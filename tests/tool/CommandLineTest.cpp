@@ -1,7 +1,11 @@
-// What a process is: its streams, its terminal, its exit codes, and the words it has for a command line without sense.
+// What a process is: its streams, its terminal, its signals, its exit codes, and the words that it has for a command
+// line without sense.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
+
+#include <csignal>
+#include <thread>
 
 #include "tests/tool/ToolFixture.h"
 
@@ -11,59 +15,41 @@ using namespace tovrtest;
 
 TEST_F(ToolTest, ATargetThatIsOpenAlreadyIsWrittenToAndNotReplaced) {
   makeWall();
-  write("block.npy", npy("|u1", "4, 8", payload(32)));
-  succeed("coef put wall.db --type 1 --at 0,0 block.npy");
+  succeed("coef put wall.db --type 1 --rect 0,0,7,3 --raw cells --cell-bytes 2");
   const std::string get = "coef get wall.db --type 1 --rect 0,0,7,3 --raw -o ";
   for (const char* name : {"/dev/stdout", "/proc/self/fd/1", "/dev/fd/1"}) {
-    EXPECT_EQ(succeed(get + name), payload(32)) << name;
-    EXPECT_EQ(succeed(get + name + " | cat"), payload(32)) << name;
+    EXPECT_EQ(succeed(get + name), payload(64)) << name;
+    EXPECT_EQ(succeed(get + name + " | cat"), payload(64)) << name;
   }
   write("kept", "before ");
   succeed(get + "/dev/fd/7 7>>kept");
-  EXPECT_EQ(read("kept"), "before " + payload(32));
+  EXPECT_EQ(read("kept"), "before " + payload(64));
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   const int reader = ::open(path("pipe").c_str(), O_RDONLY | O_NONBLOCK);
   succeed(get + "pipe");
-  char piped[64];
-  EXPECT_EQ(::read(reader, piped, sizeof piped), 32);
+  char piped[100];
+  EXPECT_EQ(::read(reader, piped, sizeof piped), 64);
   ::close(reader);
   EXPECT_TRUE(fs::is_fifo(path("pipe")));
 }
 
 TEST_F(ToolTest, CommandLinesWithoutSenseSayWhatWouldHaveSome) {
-  const struct {
-    const char* arguments;
-    int code;
-    const char* words;
-  } cases[] = {
-      {"coefs", 2, "there is no command coefs; there are inspect, create"},
-      {"coef store", 2, "there is no command coef store; there are put"},
-      {"coef", 2, "say what to do: coef takes one of put"},
-      {"sample --seed -1 -o x.npy", 2, "--seed: -1 is below 0"},
-      {"sample --size 2147483647x2147483647 -o x.npy", 3, "--force writes all the same"},
-      {"encrypt text /proc/target", 3, "cannot create /proc/target"},
-  };
-  write("text", "some text");
-  for (const auto& c : cases) expectFailure(c.code, c.words, c.arguments, "TOVRDB_CIPHER_KEY=12345678 ");
+  expectFailure(2, "there is no command coefs; there are inspect, create", "coefs");
+  expectFailure(2, "there is no command coef store; there are put", "coef store");
+  expectFailure(2, "say what to do: coef takes one of put", "coef");
+  expectFailure(2, "--seed: -1 is below 0", "sample --seed -1 -o x.npy");
+  expectFailure(3, "--force writes all the same", "sample --size 2147483647x2147483647 -o x.npy");
   EXPECT_FALSE(fs::exists(path("x.npy")));
 }
 
 TEST_F(ToolTest, ShellsCompleteWhatAnOptionTakes) {
-  const struct {
-    const char* line;
-    const char* words;
-  } cases[] = {{"coef get --dtype ui", "uint8 uint16 uint32 uint64"},
-               {"completion z", "zsh"},
-               {"create --type ''", "0 1"},
-               {"coef pu", "put"},
-               {"coef get -o c", ""}};  // a file's name, which is the shell's own work
   succeed("completion bash >completion");
-  for (const auto& c : cases) {
-    const std::string script = ". ./completion; COMP_WORDS=(tovrdb " + std::string(c.line) +
-                               "); COMP_CWORD=$((${#COMP_WORDS[@]}-1)); _tovrdb; echo \"${COMPREPLY[*]}\" >completed";
-    write("script", script);
-    ASSERT_EQ(std::system(("cd '" + folder_.string() + "' && bash script").c_str()), 0);
-    EXPECT_EQ(read("completed"), std::string(c.words) + "\n") << c.line;
+  const std::string bash = "cd '" + folder().string() + "' && bash script";
+  for (const char* type : {"uint8 uint16 uint32 uint64", "float16 float32 float64"}) {
+    write("script", ". ./completion; COMP_WORDS=(tovrdb coef get --dtype " + std::string(type, 2) +
+                        "); COMP_CWORD=4; _tovrdb; echo \"${COMPREPLY[*]}\" >completed");
+    ASSERT_EQ(std::system(bash.c_str()), 0);
+    EXPECT_EQ(read("completed"), type + std::string("\n"));
   }
 }
 
@@ -91,7 +77,46 @@ TEST_F(ToolTest, AnInterruptAtTheKeyPromptEndsWithTheCodeOfInterrupts) {
   close(terminal);
   EXPECT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 130);
-  EXPECT_NE(shown.find("interrupted: nothing was done"), std::string::npos) << shown;
+  EXPECT_TRUE(contains(shown, "interrupted: nothing was done"));
+}
+
+TEST_F(ToolTest, AnInterruptLeavesNothingUnfinished) {
+  const std::string output = path("large.npy");
+  const pid_t child = fork();
+  if (child == 0) {
+    execl(TOVRDB_PROGRAM, "tovrdb", "--quiet", "sample", "--size", "20000x20000", "-o", output.c_str(), nullptr);
+    _exit(127);
+  }
+  int status = 0;
+  pid_t ended = 0;
+  while (!anythingUnfinished() && (ended = waitpid(child, &status, WNOHANG)) == 0) std::this_thread::yield();
+  ASSERT_EQ(ended, 0) << "it has ended by itself: " << status;
+  kill(child, SIGINT);
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status)) << status;
+  EXPECT_EQ(WTERMSIG(status), SIGINT);
+  EXPECT_FALSE(fs::exists(output));
+  EXPECT_FALSE(anythingUnfinished());
+}
+
+TEST_F(ToolTest, ATerminalShowsTheWorkAndAPipeDoesNot) {
+  succeed("create big.db --type 0");
+  succeed("screen add big.db --name big --rect 0,0,511,511");
+  write("b.npy", npy("|u1", "512, 512, 9", payload(512 * 512 * 9)));
+  write("list.json", R"([{"file": "b.npy", "type": 1, "rect": [0, 0, 511, 511]}])");
+  const std::string put = "coef put big.db --manifest list.json";
+  const auto onTerminal = [&](const std::string& environment) {
+    const std::string typed = commandLine(put, "unset NO_COLOR && TERM=xterm " + environment + kKey);
+    write("typed.sh", typed);
+    EXPECT_EQ(std::system(
+                  ("cd '" + folder().string() + "' && script -qec 'sh typed.sh' /dev/null >typed </dev/null").c_str()),
+              0);
+    return read("typed");
+  };
+  EXPECT_EQ(run(put).err, "tovrdb: stored 1 blocks\n");
+  EXPECT_EQ(run("--quiet " + put).err, "");
+  EXPECT_TRUE(contains(onTerminal(""), "coef put [####"));
+  EXPECT_EQ(onTerminal("NO_COLOR=1 ").find('['), std::string::npos);
 }
 
 }  // namespace

@@ -3,14 +3,11 @@
 
 #include <string>
 
+#include "tests/support/Bytes.h"
+
 namespace tovrtest {
 
-// Bytes without a repetition that a wrong offset could hide behind.
-inline std::string payload(std::size_t size) {
-  std::string bytes;
-  for (std::size_t i = 0; i < size; ++i) bytes.push_back(static_cast<char>(i * 37 + i / 7));
-  return bytes;
-}
+inline std::string payload(std::size_t size) { return textOf(keptPayload(size)); }
 
 // A .npy file of any header.
 inline std::string npyFile(char version, const std::string& header, const std::string& payload) {

@@ -8,12 +8,10 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <set>
 #include <string>
 
-#include "tests/support/SecretWatch.h"
+#include "tests/support/Files.h"
+#include "tests/support/FolderTest.h"
 #include "tests/tool/NpyText.h"
 
 namespace tovrtest {
@@ -23,43 +21,42 @@ namespace fs = std::filesystem;
 constexpr char kKey[] = "TOVRDB_KEY='the test key' ";
 constexpr char kNoKey[] = "";
 
+inline testing::AssertionResult contains(const std::string& text, const std::string& words) {
+  if (text.find(words) != std::string::npos) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "\"" << words << "\" is not in:\n" << text;
+}
+
 struct Outcome {
   int code = -1;
   std::string out;
   std::string err;
 };
 
-struct ToolTest : testing::Test {
+struct ToolTest : FolderTest {
   ToolTest() {
-    std::string pattern = (fs::temp_directory_path() / "tovrdb-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-    const std::string stored = payload(16);
-    rememberPayload({stored.begin(), stored.end()});
-  }
-  ~ToolTest() override {
-    expectNoSecretsIn(folder_, written_);
-    fs::remove_all(folder_);
+    write("cells", payload(64));
+    write("leaks", "leak:libfontconfig\n");  // it keeps for the whole process what the program cannot free
+    setenv("LSAN_OPTIONS", ("print_suppressions=0:suppressions=" + path("leaks")).c_str(), 1);
   }
 
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-
-  std::string read(const std::string& name) const {
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string read(const std::string& name) const { return textOf(contentOf(path(name))); }
 
   void write(const std::string& name, const std::string& bytes) const {
     written_.insert(name);
-    std::ofstream(path(name), std::ios::binary) << bytes;
+    writeFile(path(name), bytesOf(bytes));
   }
 
-  // Runs the program in the folder; `arguments` may redirect, `input` is what a pipe brings.
+  // What the shell runs in the folder: the program, with an environment before it and its arguments behind.
+  std::string commandLine(const std::string& arguments, const std::string& environment = kKey) const {
+    return "cd '" + folder().string() + "' && unset TOVRDB_KEY && " + environment +
+           "TOVRDB_PLUGIN='" TOVR_PLUGIN_FILE "' '" TOVRDB_PROGRAM "' " + arguments;
+  }
+
+  // Runs the program; `arguments` may redirect, `input` is what a pipe brings.
   Outcome run(const std::string& arguments, const std::string& environment = kKey,
               const std::string& input = "") const {
     write(".in", input);
-    const std::string command = "cd '" + folder_.string() + "' && unset TOVRDB_KEY && cat .in | " + environment +
-                                "TOVRDB_PLUGIN='" TOVR_PLUGIN_FILE "' '" TOVRDB_PROGRAM "' 2>.err >.out " + arguments;
-    const int status = std::system(command.c_str());
+    const int status = std::system(commandLine("2>.err >.out " + arguments, "cat .in | " + environment).c_str());
     const Outcome outcome = {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"), read(".err")};
     expectNoSecrets(outcome.out, "the output of " + arguments, Payload::kAskedFor);
     expectNoSecrets(outcome.err, "the messages of " + arguments);
@@ -72,12 +69,32 @@ struct ToolTest : testing::Test {
     return outcome.out;
   }
 
+  // Succeeds, with these words among its messages.
+  void expectTold(const std::string& words, const std::string& arguments) const {
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.code, 0) << arguments << "\n" << outcome.err;
+    EXPECT_TRUE(contains(outcome.err, words)) << arguments;
+  }
+
   void expectFailure(int code, const std::string& words, const std::string& arguments,
                      const std::string& environment = kKey) const {
     const Outcome outcome = run(arguments, environment);
     EXPECT_EQ(outcome.code, code) << arguments << "\n" << outcome.err;
-    EXPECT_NE(outcome.err.find(words), std::string::npos) << arguments << "\n" << outcome.err;
+    EXPECT_TRUE(contains(outcome.err, words)) << arguments;
     EXPECT_EQ(outcome.out, "") << arguments;
+  }
+
+  // No check fails.
+  void expectSound(const std::string& file) const { EXPECT_EQ(run("check " + file).code, 0) << file; }
+
+  // A file that was not finished, or not removed.
+  bool anythingUnfinished() const {
+    for (const auto& entry : fs::directory_iterator(folder())) {
+      for (const char* sign : {"unfinished", "-journal", ".temp"}) {
+        if (entry.path().filename().string().find(sign) != std::string::npos) return true;
+      }
+    }
+    return false;
   }
 
   // A database of type 0 with the screen 0,0..7,3.
@@ -85,9 +102,6 @@ struct ToolTest : testing::Test {
     succeed("create wall.db --type 0");
     succeed("screen add wall.db --name left --rect 0,0,7,3");
   }
-
-  fs::path folder_;
-  mutable std::set<std::string> written_;
 };
 
 }  // namespace tovrtest

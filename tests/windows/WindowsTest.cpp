@@ -7,6 +7,7 @@
 
 #include "crypto/Encryption.h"
 #include "host/PluginHost.h"
+#include "tests/support/Files.h"
 #include "tests/support/Fixture.h"
 #include "tool/system/Paths.h"
 
