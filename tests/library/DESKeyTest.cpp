@@ -1,5 +1,5 @@
 // Both forms of the cipher beside libcrypto's: the chain of single blocks and the batches of lanes, whichever serves a
-// length, and the lanes that other processors have. In pieces that go on where the last ended: fuzz/DesFuzz.
+// length, and the lanes that other processors have.
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <openssl/des.h>
 
@@ -34,47 +34,70 @@ Bytes chainedByLibcrypto(int direction, tovr::DESBlock key, tovr::DESBlock iv, B
   return blocks;
 }
 
-constexpr std::size_t kSpare = 24;      // behind what is ciphered: shows what is written beyond it
-constexpr std::size_t kLongest = 2200;  // two batches and a bit
+constexpr std::size_t kSpare = 24;  // around what is ciphered: shows what is written beside it
+constexpr std::size_t kLongest = 4200;
 
 // Ciphers `input` at any alignment, in place or not. `written`: the bytes that this gives.
 template <class Cipher>
 Bytes ciphered(const Bytes& input, std::size_t written, const Cipher& cipher) {
   const std::size_t shift = randomBits() % 17;
-  Bytes in(shift + std::max(input.size(), written) + kSpare, 0xEE);
-  std::copy(input.begin(), input.end(), in.begin() + static_cast<std::ptrdiff_t>(shift));
-  Bytes out(in.size(), 0xEE);
-  Bytes& target = randomBits() % 2 == 0 ? in : out;
-  cipher(in.data() + shift, target.data() + shift);
-  const auto end = target.begin() + static_cast<std::ptrdiff_t>(shift + written);
+  const bool inPlace = randomBits() % 2 == 0;
+  Bytes in(shift);
+  in.insert(in.end(), input.begin(), input.end());
+  in.resize(shift + std::max(input.size(), written) + kSpare, 0xEE);
+  Bytes out = inPlace ? in : Bytes(in.size(), 0xEE);
+  cipher(inPlace ? out.data() + shift : in.data() + shift, out.data() + shift);
+  const auto end = out.begin() + static_cast<std::ptrdiff_t>(shift + written);
   EXPECT_EQ(std::count(end, end + kSpare, 0xEE), kSpare);
-  return {target.begin() + static_cast<std::ptrdiff_t>(shift), end};
+  return {out.begin() + static_cast<std::ptrdiff_t>(shift), end};
 }
 
 TEST(DESKeyTest, EveryLengthAlignmentAndKeyGivesWhatLibcryptoGives) {
-  using Data = unsigned char*;
   for (std::size_t length = 0; length <= kLongest; ++length) {
-    SCOPED_TRACE(length);
     const tovr::DESBlock key = randomBlock();
     const tovr::DESBlock iv = randomBlock();
     const Bytes input = randomBytes(length);
-    const Bytes whole = zeroPadded(input);
+    Bytes whole = input;
+    whole.resize((length + 7) / 8 * 8);
     const Bytes enciphered = chainedByLibcrypto(DES_ENCRYPT, key, iv, whole);
     Bytes deciphered = chainedByLibcrypto(DES_DECRYPT, key, iv, whole);
     deciphered.resize(length);
     const tovr::DESKey ready(key);
-    const auto encrypt = [&](Data in, Data out) { ready.encryptCbc(in, length, out, iv); };
-    const auto decrypt = [&](Data in, Data out) { ready.decryptCbc(in, length, out, iv); };
-    EXPECT_TRUE(ciphered(input, whole.size(), encrypt) == enciphered);
-    EXPECT_TRUE(ciphered(input, length, decrypt) == deciphered);
+    EXPECT_TRUE(ciphered(input, whole.size(),
+                         [&](const unsigned char* in, unsigned char* out) { ready.encryptCbc(in, length, out, iv); }) ==
+                enciphered)
+        << length;
+    EXPECT_TRUE(ciphered(input, length,
+                         [&](const unsigned char* in, unsigned char* out) { ready.decryptCbc(in, length, out, iv); }) ==
+                deciphered)
+        << length;
   }
+}
+
+TEST(DESKeyTest, PiecesGoOnWithTheLastCipherBlock) {
+  const tovr::DESBlock key = randomBlock();
+  const Bytes plain = randomBytes(20000);
+  const tovr::DESKey ready(key);
+  tovr::DESBlock enciphering = randomBlock();
+  tovr::DESBlock deciphering = enciphering;
+  const Bytes whole = chainedByLibcrypto(DES_ENCRYPT, key, enciphering, plain);
+  Bytes pieces(plain.size());
+  Bytes back(plain.size());
+  for (std::size_t at = 0, size = 0; at < plain.size(); at += size) {
+    size = std::min(plain.size() - at, randomBits() % 400 * 8 + 8);
+    ready.encryptCbc(plain.data() + at, size, pieces.data() + at, enciphering);
+    ready.decryptCbc(pieces.data() + at, size, back.data() + at, deciphering);
+    enciphering = deciphering = tovr::DESBlock::firstOf(pieces.data() + at + size - 8, 8);
+  }
+  EXPECT_TRUE(pieces == whole);
+  EXPECT_TRUE(back == plain);
 }
 
 // Whatever lanes a processor has.
 template <class Lanes>
 void expectLibcryptosAnswersOf() {
   using Parallel = tovr::ParallelDES<Lanes>;
-  for (int i = 0; i < 20; ++i) {
+  for (int i = 0; i < 50; ++i) {
     const tovr::DESBlock key = randomBlock();
     const tovr::DESBlock iv = randomBlock();
     Bytes blocks = randomBytes(3 * Parallel::kBatchSize);
@@ -106,7 +129,7 @@ TEST(DESKeyTest, ThreadsThatShareACipherEachGetTheirOwnKey) {
     const Bytes plain(1504, 7);
     Bytes expected;
     DES().encrypt(key, key, plain, expected);
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < 200; ++i) {
       Bytes enciphered;
       Bytes back;
       shared.encrypt(key, key, plain, enciphered);

@@ -1,5 +1,9 @@
-// The cipher over buffers: published vectors, its padding, its keys, and what it refuses. Its chains beside another
-// implementation's, DESKeyTest has.
+// The cipher core against published vectors and another implementation, its padding, and what it refuses.
+#if !defined(_WIN32)  // nettle is not built there
+#include <nettle/cbc.h>
+#include <nettle/des.h>
+#endif
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -48,13 +52,28 @@ TEST(DesTest, ChainsAsPublished) {
   EXPECT_EQ(crypt(kDecrypt, kCbc, cipher), plain);
 }
 
+// The chain of whole blocks as another implementation gives it, or as our own does.
+Bytes chainOf(Bytes blocks) {
+#if defined(_WIN32)
+  return crypt(kEncrypt, kCbc, blocks);
+#else
+  struct CBC_CTX(des_ctx, DES_BLOCK_SIZE) context;
+  des_set_key(&context.ctx, kDesKey.data());
+  CBC_SET_IV(&context, kDesIv.data());
+  CBC_ENCRYPT(&context, des_encrypt, blocks.size(), blocks.data(), blocks.data());
+  return blocks;
+#endif
+}
+
 // A partial block is deciphered as far as it goes in a chain, and refused without one.
 TEST(DesTest, EveryLengthIsPaddedWithZerosToWholeBlocks) {
-  for (const std::size_t length : {0U, 1U, 7U, 8U, 9U, 63U, 64U, 1000U, 65536U, 65539U}) {
+  std::vector<std::size_t> lengths = {1000, 65536, 65539, 1234567};
+  for (std::size_t length = 0; length <= 64; ++length) lengths.push_back(length);
+  for (const std::size_t length : lengths) {
     SCOPED_TRACE(length);
     const Bytes input = pattern(length, 5);
     const Bytes padded = zeroPadded(input);
-    const Bytes chained = crypt(kEncrypt, kCbc, padded);
+    const Bytes chained = chainOf(padded);
     EXPECT_TRUE(crypt(kEncrypt, kCbc, input) == chained);
     EXPECT_TRUE(crypt(kDecrypt, kCbc, chained) == padded);
     EXPECT_TRUE(crypt(kDecrypt, kEcb, crypt(kEncrypt, kEcb, input)) == padded);
