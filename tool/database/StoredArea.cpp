@@ -111,8 +111,9 @@ std::optional<Placement> answeringPlacement(Session& session, std::int32_t type,
 
 void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes) {
   if (fills(bytes, rect, cellBytes)) return;
-  throw ToolError(kRefused, "the stored block is damaged: {} bytes are not the cells of {} with {} bytes each", bytes,
-                  toText(rect), cellBytes);
+  throw statusError(tovr::kCipherFailed,
+                    fmt::format("the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
+                                bytes, toText(rect), cellBytes));
 }
 
 CellBlock readByLibrary(Session& session, const StoredArea& area, const Rect& rect) {
@@ -135,8 +136,10 @@ std::vector<StoredArea> storedAreas(Session& session) { return withBlocks(sessio
 
 void requireSound(const Rect& rect, const std::string& whose) {
   if (isSound(rect)) return;
-  throw ToolError(kFileProblem, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
+  ToolError error(kFileProblem, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
                   toText(rect));
+  error.setStatus(tovr::kCipherFailed);
+  throw error;
 }
 
 std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const std::string& screen) {
@@ -182,7 +185,9 @@ std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {
 
 CellBlock readBlock(Session& session, const StoredArea& area) {
   const auto blob = queryPayload(session, kBlockTable, area.blockId);
-  if (!blob) throw ToolError(kRefused, "block {} of {} is missing", area.blockId, toText(area));
+  if (!blob) {
+    throw statusError(tovr::kCipherFailed, fmt::format("block {} of {} is missing", area.blockId, toText(area)));
+  }
   Bytes cells = decipherBlob(session.host().encryption(), *blob);
   requireFilled(cells.size(), area.rect, area.cellBytes);
   return blockOf(area.rect, area.cellBytes, std::move(cells));
