@@ -54,7 +54,7 @@ void checkPages(Session& session, Verdict& verdict) {
 
 void checkSchema(Session& session, const std::vector<Row>& expected, Verdict& verdict) {
   verdict.detail = fmt::format("{} tables", expected.size());
-  const auto present = queryRows(session.connection(), kTableSchema);
+  const auto present = schemaOf(session);
   const auto named = [](const std::vector<Row>& rows, const std::string& name) {
     return std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == name; });
   };
@@ -187,10 +187,12 @@ void checkCounters(Session& session, Verdict& verdict) {
 
 }  // namespace
 
+std::vector<Row> schemaOf(Session& session) { return queryRows(session.connection(), kTableSchema); }
+
 std::vector<Row> expectedSchema(const std::string& plugin) {
   Session session = Session::openMemory(plugin);
   session.require(session.manager().createTables());
-  return queryRows(session.connection(), kTableSchema);
+  return schemaOf(session);
 }
 
 std::vector<std::string> pageFaults(Session& session) {

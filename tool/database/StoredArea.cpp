@@ -183,6 +183,18 @@ std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {
   return fmt::format("areas that overlap it: {}; read across them with --mosaic", shortList(overlapping));
 }
 
+void requireUnmoved(Session& session, const std::vector<StoredArea>& areas) {
+  std::map<std::int64_t, Placement> present;
+  for (Placement& placement : placements(session)) present.emplace(placement.id, std::move(placement));
+  for (const StoredArea& area : areas) {
+    const auto found = present.find(area.id);
+    if (found != present.end() && found->second.rect == area.rect && found->second.blockId == area.blockId) continue;
+    throw statusError(
+        tovr::kNoMatchingArea,
+        fmt::format("area {} ({}) was moved or deleted since it was looked up: look again", area.id, toText(area)));
+  }
+}
+
 CellBlock readBlock(Session& session, const StoredArea& area) {
   const auto blob = queryPayload(session, kBlockTable, area.blockId);
   if (!blob) {
