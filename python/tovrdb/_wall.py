@@ -295,7 +295,7 @@ class Wall:
             return repr(self)
         with _library.lock:
             screens, areas = self.screens, self.areas
-            lines = [f"{self.path}: type {self.type}, {len(screens)} screens, {len(areas)} areas"]
+            lines = [f"{self.path}: type {self.type}, {_count(screens, 'screen')}, {_count(areas, 'area')}"]
         for screen in screens:
             lines.append(f"  {screen.name} ({screen.rect})")
             own = [area for area in areas if area.screen == screen.name]
@@ -316,6 +316,10 @@ class Wall:
             return work()
         except Error as error:
             raise type(error)(f"{self.path}: {error}", error.code) from None
+
+
+def _count(things: List[Any], name: str) -> str:
+    return f"{len(things)} {name}" + ("" if len(things) == 1 else "s")
 
 
 def _numbers(area: Area) -> str:

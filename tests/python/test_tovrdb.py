@@ -2,9 +2,11 @@
 
 import logging
 import os
+import pathlib
 import shutil
 import subprocess
 import sys
+import tempfile
 import threading
 
 import numpy as np
@@ -12,9 +14,16 @@ import pytest
 
 import tovrdb
 
-KEY = "a key that nobody may see"
+KEY = "the test key"
 CELLS = np.arange(20 * 30 * 9, dtype="uint16").reshape(20, 30, 9)
 RECT = (10, 5, 39, 24)  # of CELLS
+
+
+@pytest.fixture
+def tmp_path():
+    """Unlike pytest's own, it leaves nothing behind."""
+    with tempfile.TemporaryDirectory() as folder:
+        yield pathlib.Path(folder)
 
 
 @pytest.fixture
