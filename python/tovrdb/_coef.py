@@ -84,6 +84,8 @@ def exactly(values: Any, dtype: "np.dtype[Any]") -> "np.ndarray[Any, Any]":
     given = np.asarray(values)
     if given.dtype.kind not in "biuf":
         raise Invalid(f"{given.dtype} is no type of numbers that a block keeps")
+    if given.dtype == dtype:
+        return given
     with np.errstate(all="ignore"):
         cast = given.astype(dtype)
         both = (cast == given) & (cast.astype(given.dtype) == given)
