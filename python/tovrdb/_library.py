@@ -50,7 +50,7 @@ def call(work: Callable[..., Any], *arguments: Any) -> Any:
             lines = _native.take_lines()
             for line in lines.decode("utf-8", "replace").splitlines():
                 log.debug("%s", line)
-    raise TypeError("an argument is of a type, or of a size, that does not suit")
+    raise TypeError("an argument is of a type, or is a number of a size, that does not suit")
 
 
 def close_last() -> None:

@@ -233,6 +233,7 @@ def test_errors_are_one_family_and_keep_the_key(path, tmp_path, wall):
         (tovrdb.Invalid, lambda: wall.put(CELLS, type=1, rect=(0, 0, 1, 1))),
         (tovrdb.Invalid, lambda: wall.put(CELLS[0, 0], type=1, at=(0, 0))),
         (tovrdb.Invalid, lambda: wall.put(CELLS, type=1, at=(-1, 0))),
+        (tovrdb.NotFound, lambda: wall.put(CELLS, type=1, at=(90, 0))),
         (tovrdb.Invalid, lambda: wall.put(np.zeros((2, 2), "complex128"), type=1, at=(0, 0))),
         (tovrdb.Conflict, lambda: tovrdb.create(path, KEY, type=0)),
         (tovrdb.Invalid, lambda: tovrdb.open(path, "")),
