@@ -11,16 +11,10 @@
 #include <vector>
 
 #include "native/CellArray.h"
+#include "native/FoundCells.h"
 #include "native/LibraryLines.h"
 #include "native/OpenFile.h"
 #include "native/Records.h"
-#include "storage/StatusCodes.h"
-#include "tool/cells/CellNumbers.h"
-#include "tool/database/AreaPatch.h"
-#include "tool/database/CellQuery.h"
-#include "tool/database/LibraryError.h"
-#include "tool/database/Mosaic.h"
-#include "tool/database/NumberForms.h"
 #include "tool/database/Removal.h"
 #include "tool/database/StoreBlocks.h"
 #include "tool/io/Message.h"
@@ -57,56 +51,6 @@ Bytes bytesOf(const py::bytes& payload) {
 }
 
 py::bytes bytesOf(const Bytes& payload) { return {reinterpret_cast<const char*>(payload.data()), payload.size()}; }
-
-// Cells that were looked up, and how they are to be read.
-struct Cells {
-  CellSource source;
-  NumberForm form;
-  std::int32_t cellBytes = 0;
-  Bytes fill;  // of a mosaic: one cell
-};
-
-// The type was asked for: where it does not suit, that is not the file's fault.
-std::size_t valuesOf(std::int32_t cellBytes, const Dtype& dtype) {
-  try {
-    return valuesPerCell(cellBytes, dtype);
-  } catch (const ToolError& error) {
-    throw ToolError(kUsage, error.what());
-  }
-}
-
-Cells locate(OpenFile& file, const CellQuery& query) {
-  Cells cells;
-  cells.source = locateCells(file.session(), query);
-  if (cells.source.areas.empty()) {
-    throw statusError(tovr::kNoMatchingArea, "no area has cells in " + toText(cells.source.rect));
-  }
-  cells.form = requireForm(cells.source.areas, query.form);
-  cells.cellBytes = cells.source.areas.front().cellBytes;
-  const std::size_t values = valuesOf(cells.cellBytes, cells.form.dtype);
-  if (query.fill) cells.fill = cellOf(cells.form.dtype, values, *query.fill);
-  return cells;
-}
-
-CellBlock read(OpenFile& file, const Cells& cells, const Rect& rect) {
-  Session& session = file.session();
-  const CellSource& source = cells.source;
-  requireUnmoved(session, source.areas);
-  CellBlock block = source.mosaic ? readMosaic(session, source.areas, rect, cells.fill).cells
-                                  : readCells(session, source.areas.front(), rect);
-  if (block.cellBytes == cells.cellBytes) return block;
-  throw statusError(tovr::kNoMatchingArea,
-                    "the block was replaced by one of another number of bytes per cell since it "
-                    "was looked up: look again");
-}
-
-void patch(OpenFile& file, const Cells& cells, const CellBlock& block) {
-  if (cells.source.mosaic) throw ToolError(kUsage, "a mosaic is for reading: write to its areas, one by one");
-  Transaction transaction(file.session());
-  requireUnmoved(file.session(), cells.source.areas);
-  patchArea(file.session(), cells.source.areas.front(), {{block.rect, [&] { return block; }}});
-  transaction.commit();
-}
 
 StoreMode modeNamed(const std::string& name) {
   const std::pair<const char*, StoreMode> kModes[] = {{"careful", StoreMode::kCareful},
@@ -175,15 +119,15 @@ void defineCells(py::class_<OpenFile>& file) {
                         const std::string& screen, const std::optional<Edges>& rect, const Text& dtype, bool mosaic,
                         std::optional<double> fill, const Text& scale, const Text& unit) {
     const CellQuery query{area, type, screen, rectOf(rect), mosaic, fill, formOf(dtype, scale, unit)};
-    return working([&] { return locate(self, query); });
+    return working([&] { return FoundCells(self.session(), query); });
   });
-  file.def("read", [](OpenFile& self, const Cells& cells, const Edges& edges) {
+  file.def("read", [](OpenFile& self, const FoundCells& cells, const Edges& edges) {
     const Rect rect = rectOf(edges);
-    return arrayOf(working([&] { return read(self, cells, rect); }), cells.form.dtype);
+    return arrayOf(working([&] { return cells.read(self.session(), rect); }), cells.form().dtype);
   });
-  file.def("patch", [](OpenFile& self, const Cells& cells, const Edges& edges, const py::array& array) {
+  file.def("patch", [](OpenFile& self, const FoundCells& cells, const Edges& edges, const py::array& array) {
     const CellBlock block = borrowedBlock(array, rectOf(edges));
-    working([&] { patch(self, cells, block); });
+    working([&] { cells.patch(self.session(), block); });
   });
   file.def("put", [](OpenFile& self, const py::array& array, const Edges& rect, std::int32_t type,
                      const std::string& screen, const std::string& mode, bool force, std::int32_t number,
@@ -234,11 +178,10 @@ void defineWriting(py::class_<OpenFile>& file) {
   });
 }
 
-py::dict describeCells(const Cells& cells) {
-  py::dict record("rect"_a = tupleOf(cells.source.rect), "mosaic"_a = cells.source.mosaic,
-                  "areas"_a = listOf(cells.source.areas),
-                  "values"_a = valuesPerCell(cells.cellBytes, cells.form.dtype));
-  describe(record, cells.form);
+py::dict describeCells(const FoundCells& cells) {
+  py::dict record("rect"_a = tupleOf(cells.source().rect), "mosaic"_a = cells.source().mosaic,
+                  "areas"_a = listOf(cells.source().areas), "values"_a = cells.values());
+  describe(record, cells.form());
   return record;
 }
 
@@ -272,7 +215,7 @@ PYBIND11_MODULE(_native, module) {
                                  const std::string& name) {
     working([&] { makeDatabase(plugin, path, key, {type, name}); });
   });
-  py::class_<Cells>(module, "Cells").def("describe", describeCells);
+  py::class_<FoundCells>(module, "Cells").def("describe", describeCells);
   py::class_<Tolerance>(module, "Tolerance").def(py::init<double, double>(), "absolute"_a, "relative"_a);
   py::class_<OpenFile> file(module, "File");
   file.def(py::init(
