@@ -199,8 +199,10 @@ std::vector<std::string> pageFaults(Session& session) {
   tovr::IDBOperate& connection = session.connection();
   std::vector<std::string> faults;
   try {
-    // Engines that do not know the first statement answer nothing.
-    for (const Row& row : queryRows(connection, "pragma cipher_integrity_check")) faults.push_back(row[0]);
+    // Engines that do not know the statement answer nothing; a database in memory has no file to be looked at.
+    const bool hasFile = !queryRows(connection, "pragma database_list").front()[2].empty();
+    const auto unread = hasFile ? queryRows(connection, "pragma cipher_integrity_check") : std::vector<Row>();
+    for (const Row& row : unread) faults.push_back(row[0]);
     for (const Row& row : queryRows(connection, "pragma integrity_check")) {
       std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
       for (std::string line; std::getline(lines, line);) faults.push_back(line);
