@@ -267,7 +267,9 @@ class Wall:
 
     @property
     def closed(self) -> bool:
-        return self._file is None or bool(self._file.is_closed())
+        """Whether it is; waits for the thread whose turn it is."""
+        with _library.lock:
+            return self._file is None or bool(self._file.is_closed())
 
     def close(self) -> None:
         """Closes the file; what a transaction that has not ended has written is undone. Closing twice does nothing."""
