@@ -187,6 +187,15 @@ def test_blocks_are_put_by_the_tools_rules(wall):
         old[0, 0]
 
 
+def test_an_area_that_an_older_one_hides_is_itself(wall):
+    wall.put(CELLS[:2, :2] + np.uint16(1), type=1, at=(12, 7), mode="beside")
+    hidden = wall.coef(area=wall.areas[-1])
+    assert np.array_equal(hidden[...], CELLS[:2, :2] + 1)
+    hidden[0] = 3
+    assert (hidden[0] == 3).all() and np.array_equal(hidden[1], CELLS[1, :2] + 1)
+    assert np.array_equal(wall.coef(area=1)[...], CELLS)
+
+
 def test_screens_are_found_by_name_in_files_of_type_1(tmp_path):
     with tovrdb.create(tmp_path / "named.db", KEY, type=1) as wall:
         for screen in ("left", "right"):
