@@ -17,7 +17,7 @@ import tovrdb
 from tovrdb import _library
 
 KEY = "a key for measuring"
-ROUNDS = 9
+ROUNDS = 15
 BOUND = 1.03
 READINGS = {"1920 x 1080": (0, 0, 1919, 1079), "128 x 128": (600, 400, 727, 527)}
 
