@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 source scripts/failures.sh
 
 scripts/install-dependencies.sh
-quietly cmake --preset release -DTOVR_BUILD_TESTS=OFF
+quietly cmake --preset release -DTOVR_BUILD_TESTS=OFF -DTOVR_BUILD_PYTHON=OFF
 quietly cmake --build --preset release
 
 tovrdb=$PWD/build/release/tool/tovrdb

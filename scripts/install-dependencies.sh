@@ -12,7 +12,9 @@ packages=(
   libcairo2-dev pkg-config                     # the tool: pictures
   nlohmann-json3-dev                           # the tool: JSON
 )
+[ -z "${TOVR_WITH_PYTHON:-}${TOVR_WITH_TESTS:-}" ] || packages+=(python3-dev pybind11-dev python3-numpy)
 [ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils)
+[ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(python3-pytest)
 [ -z "${TOVR_WITH_MEMCHECK:-}" ] || packages+=(valgrind)
 [ -z "${TOVR_WITH_FORMAT:-}" ] || packages+=(clang-format-14)
 [ -z "${TOVR_WITH_TIDY:-}" ] || packages+=(clang-tidy-14)

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 
+#include "storage/StatusCodes.h"
 #include "tool/database/AreaWords.h"
 #include "tool/database/BlockRows.h"
+#include "tool/database/LibraryError.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/Tables.h"
 #include "tool/system/ToolError.h"
@@ -27,14 +29,15 @@ void put(const CellBlock& cells, const StoredArea& area, std::int32_t firstRow, 
 
 void patchArea(Session& session, const StoredArea& area, const std::vector<Patch>& patches) {
   auto blob = queryPayload(session, kBlockTable, area.blockId);
-  if (!blob) throw ToolError(kRefused, "the block of {} is missing", areaText(area));
+  if (!blob) throw statusError(tovr::kCipherFailed, fmt::format("the block of {} is missing", areaText(area)));
   std::int32_t firstRow = area.rect.bottom;
   for (const Patch& patch : patches) firstRow = std::min(firstRow, patch.rect.top);
   tovr::IEncryption& encryption = session.host().encryption();
   const std::size_t length = payloadLengthOf(encryption, *blob);
   if (!fills(length, area.rect, area.cellBytes)) {
-    throw ToolError(kRefused, "the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
-                    length, areaText(area), area.cellBytes);
+    throw statusError(tovr::kCipherFailed,
+                      fmt::format("the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
+                                  length, areaText(area), area.cellBytes));
   }
   const auto skipped =
       static_cast<std::size_t>((std::int64_t{firstRow} - area.rect.top) * columnsOf(area.rect) * area.cellBytes);

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "storage/StatusCodes.h"
 #include "tool/cells/CellNumbers.h"
 #include "tool/database/BlockStore.h"
+#include "tool/database/LibraryError.h"
 #include "tool/database/Mosaic.h"
 #include "tool/database/NumberForms.h"
 #include "tool/database/Screens.h"
@@ -15,21 +17,20 @@
 namespace tovrtool {
 namespace {
 
-CellAnswer answerOf(CellBlock cells, const StoredArea& area, const FormOptions& form) {
-  return {std::move(cells), {area}, formOf({area}, form), false, 0};
-}
-
-CellAnswer findById(Session& session, const CellQuery& query) {
+CellSource sourceOfId(Session& session, const CellQuery& query) {
   const auto areas = storedAreas(session);
   const auto area =
       std::find_if(areas.begin(), areas.end(), [&](const StoredArea& each) { return each.id == *query.areaId; });
-  if (area == areas.end()) throw ToolError(kRefused, "there is no area {}; tovrdb coef list shows them", *query.areaId);
+  if (area == areas.end()) {
+    throw statusError(tovr::kNoMatchingArea,
+                      fmt::format("there is no area {}; tovrdb coef list shows them", *query.areaId));
+  }
   requireSound(area->rect, fmt::format("area {}", area->id));
   const Rect rect = query.rect.value_or(area->rect);
   if (!holds(area->rect, rect)) {
     throw ToolError(kRefused, "the rectangle {} leaves area {} ({})", toText(rect), area->id, toText(area->rect));
   }
-  return answerOf(readCells(session, *area, rect), *area, query.form);
+  return {{*area}, rect, false};
 }
 
 // Rectangles on different screens of a file that finds them by name have nothing to do with one another.
@@ -43,15 +44,13 @@ void requireOneScreen(Session& session, const std::vector<StoredArea>& areas) {
                   areas.front().screen, other->screen);
 }
 
-CellAnswer findMosaic(Session& session, const CellQuery& query, const std::vector<StoredArea>& areas,
-                      const Rect& rect) {
-  const auto meeting = areasMeeting(areas, rect);
+CellAnswer readMosaicOf(Session& session, const CellQuery& query, const CellSource& source) {
   Bytes fill;
-  if (query.fill && !meeting.empty()) {
-    const NumberForm form = requireForm(meeting, query.form);
-    fill = cellOf(form.dtype, valuesPerCell(meeting.front().cellBytes, form.dtype), *query.fill);
+  if (query.fill && !source.areas.empty()) {
+    const NumberForm form = requireForm(source.areas, query.form);
+    fill = cellOf(form.dtype, valuesPerCell(source.areas.front().cellBytes, form.dtype), *query.fill);
   }
-  Mosaic mosaic = readMosaic(session, areas, rect, fill);
+  Mosaic mosaic = readMosaic(session, source.areas, source.rect, fill);
   const auto form = formOf(mosaic.areas, query.form);
   return {std::move(mosaic.cells), std::move(mosaic.areas), form, mosaic.overlapping, mosaic.filled};
 }
@@ -70,15 +69,16 @@ bool libraryFinds(Session& session, const CellQuery& query) {
 
 }  // namespace
 
-CellAnswer findCells(Session& session, const CellQuery& query) {
-  if (query.areaId) return findById(session, query);
+CellSource locateCells(Session& session, const CellQuery& query) {
+  if (query.areaId) return sourceOfId(session, query);
   if (!query.type) throw ToolError(kUsage, "--type or --area is required");
   if (query.rect && libraryFinds(session, query)) {
-    const auto area = answeringArea(session, *query.type, query.screen, *query.rect);
-    if (area || !query.mosaic) {
-      CellBlock cells = fetchBlock(session, {*query.type, query.screen, *query.rect});
-      if (!area) throw ToolError(kRefused, "the file changed while it was read: try again");
-      return answerOf(std::move(cells), *area, query.form);
+    if (const auto area = answeringArea(session, *query.type, query.screen, *query.rect)) {
+      return {{*area}, *query.rect, false};
+    }
+    if (!query.mosaic) {
+      fetchBlock(session, {*query.type, query.screen, *query.rect});  // tells why not
+      throw ToolError(kRefused, "the file changed while it was read: try again");
     }
   }
   if (!query.screen.empty()) screenNamed(storedScreens(session), query.screen);
@@ -87,9 +87,16 @@ CellAnswer findCells(Session& session, const CellQuery& query) {
   const Rect rect = query.rect.value_or(unitedRect(areas));
   const auto whole =
       std::find_if(areas.begin(), areas.end(), [&](const StoredArea& area) { return holds(area.rect, rect); });
-  if (query.mosaic && whole == areas.end()) return findMosaic(session, query, areas, rect);
+  if (query.mosaic && whole == areas.end()) return {areasMeeting(areas, rect), rect, true};
   const StoredArea& area = query.mosaic ? *whole : chooseArea(areas, query.rect);
-  return answerOf(readCells(session, area, query.rect.value_or(area.rect)), area, query.form);
+  return {{area}, query.rect.value_or(area.rect), false};
+}
+
+CellAnswer findCells(Session& session, const CellQuery& query) {
+  const CellSource source = locateCells(session, query);
+  if (source.mosaic) return readMosaicOf(session, query, source);
+  return {readCells(session, source.areas.front(), source.rect), source.areas, formOf(source.areas, query.form), false,
+          0};
 }
 
 }  // namespace tovrtool

@@ -31,6 +31,17 @@ struct CellAnswer {
   std::int64_t filled = 0;         // cells
 };
 
+// Where the cells that a query asks for lie.
+struct CellSource {
+  std::vector<StoredArea>
+      areas;  // one; of a mosaic those that have a part in it, in the order in which they were stored
+  Rect rect{};
+  bool mosaic = false;
+};
+
+// Reads no cells. Throws ToolError, which tells what there is instead.
+CellSource locateCells(Session& session, const CellQuery& query);
+
 // A rectangle that one area holds is answered as the library answers it. Throws ToolError, which tells what there is
 // instead.
 CellAnswer findCells(Session& session, const CellQuery& query);

@@ -11,7 +11,9 @@
 
 namespace tovrtool {
 
-// Name and create statement of every table, as the library makes them.
+// Name and create statement of every table of a file.
+std::vector<Row> schemaOf(Session& session);
+// The same as the library makes them. REQUIRES: no Session is open in this process.
 std::vector<Row> expectedSchema(const std::string& plugin);
 
 // Bytes that checkDatabase reads, as it reports them to `progress`.

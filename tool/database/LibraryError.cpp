@@ -27,4 +27,10 @@ ToolError libraryError(int status, const std::string& engineWords, const std::st
   return error;
 }
 
+ToolError statusError(int status, const std::string& text) {
+  ToolError error(kRefused, text);
+  error.setStatus(status);
+  return error;
+}
+
 }  // namespace tovrtool

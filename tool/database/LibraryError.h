@@ -17,4 +17,7 @@ ToolError libraryError(int status, const std::string& engineWords, const std::st
 // Codes of the library's own say it all.
 inline ToolError libraryError(int status, const std::string& detail = "") { return libraryError(status, "", detail); }
 
+// What the library would have said with that code, in words of our own.
+ToolError statusError(int status, const std::string& text);
+
 }  // namespace tovrtool

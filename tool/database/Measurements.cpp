@@ -1,5 +1,9 @@
 #include "tool/database/Measurements.h"
 
+#include <fmt/core.h>
+
+#include "storage/StatusCodes.h"
+#include "tool/database/LibraryError.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/Tables.h"
 #include "tool/system/ToolError.h"
@@ -56,7 +60,9 @@ MeasurementReport putMeasurement(Session& session, std::int32_t type, const Rect
 
 Bytes getMeasurement(Session& session, std::int64_t id) {
   const auto blob = queryPayload(session, kMeasurementTable, id);
-  if (!blob) throw ToolError(kRefused, "no measurement has the key {}; tovrdb measure list shows them", id);
+  if (!blob) {
+    throw statusError(tovr::kNoData, fmt::format("no measurement has the key {}; tovrdb measure list shows them", id));
+  }
   return decipherBlob(session.host().encryption(), *blob);
 }
 

@@ -7,7 +7,9 @@
 #include <iterator>
 #include <limits>
 
+#include "storage/StatusCodes.h"
 #include "tool/cells/CoveredCells.h"
+#include "tool/database/LibraryError.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -64,8 +66,9 @@ class Composer {
       if (!fill.empty()) fillRun(run, fill);
     });
     if (mosaic_.filled > 0 && fill.empty()) {
-      throw ToolError(kRefused, "no area covers {} cells of {}, the first at {},{}: give them a number with --fill",
-                      mosaic_.filled, toText(mosaic_.cells.rect), first.left, first.y);
+      throw statusError(tovr::kNoMatchingArea,
+                        fmt::format("no area covers {} cells of {}, the first at {},{}: give them a number with --fill",
+                                    mosaic_.filled, toText(mosaic_.cells.rect), first.left, first.y));
     }
     return std::move(mosaic_);
   }
@@ -95,8 +98,10 @@ std::vector<StoredArea> areasMeeting(const std::vector<StoredArea>& areas, const
 
 Mosaic readMosaic(Session& session, const std::vector<StoredArea>& areas, const Rect& rect, const Bytes& fill) {
   const std::vector<StoredArea> meeting = areasMeeting(areas, rect);
-  if (meeting.empty()) throw ToolError(kRefused, "no area has cells in {}", toText(rect));
-  const std::int32_t cellBytes = commonWidth(meeting);
+  if (meeting.empty() && fill.empty()) {
+    throw statusError(tovr::kNoMatchingArea, fmt::format("no area has cells in {}", toText(rect)));
+  }
+  const std::int32_t cellBytes = meeting.empty() ? static_cast<std::int32_t>(fill.size()) : commonWidth(meeting);
   requireSize(rect, cellBytes);
   Composer composer(session, rect, cellBytes);
   for (const StoredArea& area : meeting) composer.add(area);

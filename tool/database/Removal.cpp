@@ -61,7 +61,8 @@ Removal areasOfIds(Session& session, const std::vector<std::int64_t>& ids) {
     const auto isIt = [&](const StoredArea& area) { return area.id == id; };
     if (std::none_of(areas.begin(), areas.end(), isIt)) missing.push_back(std::to_string(id));
   }
-  throw ToolError(kRefused, "there is no area {}; tovrdb coef list shows the areas", shortList(missing));
+  throw statusError(tovr::kNoMatchingArea,
+                    fmt::format("there is no area {}; tovrdb coef list shows the areas", shortList(missing)));
 }
 
 Removal areaAt(Session& session, const AreaName& place) {

@@ -171,17 +171,20 @@ void Session::close() {
   require(manager().closeDB());
 }
 
-Transaction::Transaction(Session& session) : session_(session) {
-  session_.require(session_.execPatiently("BEGIN IMMEDIATE"));
+// Savepoints of one name nest: each statement means the youngest.
+Transaction::Transaction(Session& session) : session_(session), inner_(session.inTransaction()) {
+  session_.require(session_.execPatiently(inner_ ? "SAVEPOINT inner" : "BEGIN IMMEDIATE"));
+  ++session_.transactions_;
 }
 
 Transaction::~Transaction() {
-  if (!committed_) session_.connection().exec("ROLLBACK");
+  --session_.transactions_;
+  if (!committed_) session_.connection().exec(inner_ ? "ROLLBACK TO inner; RELEASE inner" : "ROLLBACK");
 }
 
 void Transaction::commit() {
   interrupt_.check();
-  session_.require(session_.execPatiently("COMMIT"));
+  session_.require(session_.execPatiently(inner_ ? "RELEASE inner" : "COMMIT"));
   committed_ = true;
 }
 

@@ -43,12 +43,15 @@ class Session {
   // Runs a statement that waits for other programs, and says so on a terminal. Returns the library's code.
   int execPatiently(const char* sql);
 
+  bool inTransaction() const { return transactions_ > 0; }
+
   // Throws ToolError with the code, its meaning, the engine's words and `detail` unless `code` is 0.
   void require(int code, const std::string& detail = "");
   // The file is complete and closed. Throws ToolError where the library says otherwise.
   void close();
 
  private:
+  friend class Transaction;
   explicit Session(std::unique_ptr<tovrhost::PluginHost> host) : host_(std::move(host)) {}
   int open(const std::string& path, const std::string& key);
   int openPatiently(const std::string& path, const std::string& key);
@@ -60,9 +63,11 @@ class Session {
   std::unique_ptr<tovrhost::PluginHost> host_;
   bool open_ = false;
   unsigned int patience_ = 0;  // seconds
+  int transactions_ = 0;       // one within the other
 };
 
-// Several statements that are kept together or not at all: the library itself rolls nothing back.
+// Several statements that are kept together or not at all: the library itself rolls nothing back. One within another is
+// undone by itself, and kept only with the outer one.
 class Transaction {
  public:
   explicit Transaction(Session& session);
@@ -75,6 +80,7 @@ class Transaction {
 
  private:
   Session& session_;
+  bool inner_;
   DeferredInterrupt interrupt_;
   bool committed_ = false;
 };

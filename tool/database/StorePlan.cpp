@@ -59,13 +59,17 @@ class Planner {
   const WantedBlock& block() const { return wanted_[step_.block]; }
   const Rect& rect() const { return block().area.rect; }
 
-  void object(const Remedies& remedies, const std::string& text, ExitCode code = kConflict) {
-    plan_.objections.push_back({code, remedies, block().name.empty() ? text : block().name + ": " + text});
+  void object(const Remedies& remedies, const std::string& text) {
+    plan_.objections.push_back({kConflict, 0, remedies, named(text)});
+  }
+  // As the library would.
+  void refuse(int status, const std::string& detail = "") {
+    plan_.objections.push_back({kRefused, status, {}, named(libraryError(status, detail).what())});
   }
   void refuse(int status, const std::string& title, const std::string& instead) {
-    const std::string asked = fmt::format("asked for {}; {}: {}", toText(rect()), title, instead);
-    object({}, libraryError(status, asked).what(), kRefused);
+    refuse(status, fmt::format("asked for {}; {}: {}", toText(rect()), title, instead));
   }
+  std::string named(const std::string& text) const { return block().name.empty() ? text : block().name + ": " + text; }
 
   void decide() {
     try {
@@ -75,7 +79,7 @@ class Planner {
       throw about(block().name, error);
     }
     if (block().area.type == tovr::kDataTypeNotGiven) {
-      return object({}, libraryError(tovr::kTypeNotGiven).what(), kRefused);
+      return refuse(tovr::kTypeNotGiven);
     }
     objectToTwice();
     const StoredScreen* screen = findScreen();

@@ -64,6 +64,7 @@ struct Remedies {
 
 struct Objection {
   ExitCode code = kConflict;  // kRefused where the library would refuse as well
+  int status = 0;             // with which it would
   Remedies remedies;
   std::string text;
 };

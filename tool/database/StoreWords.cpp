@@ -45,7 +45,11 @@ void requireNoObjections(const StorePlan& plan) {
   const auto& objections = plan.objections;
   if (objections.empty()) return;
   const std::string end = "nothing was stored" + remediesText(objections);
-  if (objections.size() == 1) throw ToolError(codeOf(objections), objections[0].text + "; " + end);
+  if (objections.size() == 1) {
+    ToolError error(codeOf(objections), objections[0].text + "; " + end);
+    error.setStatus(objections[0].status);
+    throw error;
+  }
   std::vector<std::string> lines;
   for (const Objection& objection : objections) lines.push_back(objection.text);
   ToolError error(codeOf(objections), fmt::format("{} conflicts; {}", lines.size(), end));

@@ -1,6 +1,6 @@
 #include "tool/database/StoredArea.h"
 
-#include <fmt/core.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <iterator>
@@ -20,11 +20,11 @@
 namespace tovrtool {
 namespace {
 
-// Screens in columns 0 to 5, areas from there on.
+// Screens in columns 0 to 5, areas from there on; which areas is left open.
 constexpr char kPlacements[] =
     "select s.id is not null, s.screenname, s.left, s.top, s.right, s.bottom, i.id, i.screenid, i.coeftype, i.areaid,"
     " i.coefid, i.left, i.top, i.right, i.bottom, i.multilayersize, hex(i.multilayerlist), i.mtime"
-    " from Coef_Info i left join Screen_Info s on s.id = i.screenid order by i.id";
+    " from Coef_Info i left join Screen_Info s on s.id = i.screenid where {} order by i.id";
 
 // Four columns of the current row from `first` on: left, top, right, bottom.
 Rect rectAtColumn(tovr::IDBOperate& connection, int first) {
@@ -111,32 +111,48 @@ std::optional<Placement> answeringPlacement(Session& session, std::int32_t type,
 
 void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes) {
   if (fills(bytes, rect, cellBytes)) return;
-  throw ToolError(kRefused, "the stored block is damaged: {} bytes are not the cells of {} with {} bytes each", bytes,
-                  toText(rect), cellBytes);
+  throw statusError(tovr::kCipherFailed,
+                    fmt::format("the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
+                                bytes, toText(rect), cellBytes));
 }
 
-CellBlock readByLibrary(Session& session, const StoredArea& area, const Rect& rect) {
+std::vector<Placement> placementsThat(Session& session, const std::string& qualify) {
+  std::vector<Placement> areas;
+  visitRows(session.connection(), fmt::format(kPlacements, qualify),
+            [&] { areas.push_back(placementOf(session.connection())); });
+  return areas;
+}
+
+CellBlock cellsOf(const tovr::CoefData& record, const std::shared_ptr<unsigned char[]>& bytes) {
+  const std::int32_t cellBytes = record.coefBuffer.databitwidth;
+  requireFilled(static_cast<std::size_t>(std::max(record.coefBuffer.datasize, 0)), rectOf(record), cellBytes);
+  return {rectOf(record), cellBytes, bytes};
+}
+
+// Nothing where it answers from another area, or not at all.
+std::optional<CellBlock> readByLibrary(Session& session, const StoredArea& area, const Rect& rect) {
   auto record = session.host().makeRecord<tovr::CoefData>();
   record->coeftype = area.type;
   record->screenname = area.screen;
   setRect(*record, rect);
-  return queryCells(session, *record, [&](int code) { session.require(code, toText(area)); });
+  const int code = session.manager().queryData(record.get());
+  const std::shared_ptr<unsigned char[]> bytes(record->coefBuffer.data);
+  if (code != 0 || record->id != area.id) return std::nullopt;
+  return cellsOf(*record, bytes);
 }
 
 }  // namespace
 
-std::vector<Placement> placements(Session& session) {
-  std::vector<Placement> areas;
-  visitRows(session.connection(), kPlacements, [&] { areas.push_back(placementOf(session.connection())); });
-  return areas;
-}
+std::vector<Placement> placements(Session& session) { return placementsThat(session, "1"); }
 
 std::vector<StoredArea> storedAreas(Session& session) { return withBlocks(session, placements(session), "1"); }
 
 void requireSound(const Rect& rect, const std::string& whose) {
   if (isSound(rect)) return;
-  throw ToolError(kFileProblem, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
+  ToolError error(kFileProblem, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
                   toText(rect));
+  error.setStatus(tovr::kCipherFailed);
+  throw error;
 }
 
 std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const std::string& screen) {
@@ -180,17 +196,34 @@ std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {
   return fmt::format("areas that overlap it: {}; read across them with --mosaic", shortList(overlapping));
 }
 
+void requireUnmoved(Session& session, const std::vector<StoredArea>& areas) {
+  std::vector<std::int64_t> ids;
+  for (const StoredArea& area : areas) ids.push_back(area.id);
+  std::map<std::int64_t, Placement> present;
+  for (Placement& placement : placementsThat(session, fmt::format("i.id in ({})", fmt::join(ids, ", ")))) {
+    present.emplace(placement.id, std::move(placement));
+  }
+  for (const StoredArea& area : areas) {
+    const auto found = present.find(area.id);
+    if (found != present.end() && found->second.rect == area.rect && found->second.blockId == area.blockId) continue;
+    throw statusError(
+        tovr::kNoMatchingArea,
+        fmt::format("area {} ({}) was moved or deleted since it was looked up: look again", area.id, toText(area)));
+  }
+}
+
 CellBlock readBlock(Session& session, const StoredArea& area) {
   const auto blob = queryPayload(session, kBlockTable, area.blockId);
-  if (!blob) throw ToolError(kRefused, "block {} of {} is missing", area.blockId, toText(area));
+  if (!blob) {
+    throw statusError(tovr::kCipherFailed, fmt::format("block {} of {} is missing", area.blockId, toText(area)));
+  }
   Bytes cells = decipherBlob(session.host().encryption(), *blob);
   requireFilled(cells.size(), area.rect, area.cellBytes);
   return blockOf(area.rect, area.cellBytes, std::move(cells));
 }
 
 CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect) {
-  const auto answering = answeringPlacement(session, area.type, area.screen, rect);
-  if (answering && answering->id == area.id) return readByLibrary(session, area, rect);
+  if (auto cells = readByLibrary(session, area, rect)) return *std::move(cells);
   return cut(readBlock(session, area), rect);
 }
 
@@ -198,9 +231,7 @@ CellBlock queryCells(Session& session, tovr::CoefData& record, const std::functi
   const int code = session.manager().queryData(&record);
   const std::shared_ptr<unsigned char[]> bytes(record.coefBuffer.data);
   require(code);
-  const std::int32_t cellBytes = record.coefBuffer.databitwidth;
-  requireFilled(static_cast<std::size_t>(std::max(record.coefBuffer.datasize, 0)), rectOf(record), cellBytes);
-  return {rectOf(record), cellBytes, bytes};
+  return cellsOf(record, bytes);
 }
 
 std::string toText(const Placement& area) { return area.screen + ", " + toText(area.rect); }

@@ -57,6 +57,9 @@ const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::op
 // What to say where no single area holds the rectangle: those that overlap it, else all of them.
 std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas);
 
+// Throws ToolError where one of the areas, looked up some time ago, is not there any more, or lies elsewhere.
+void requireUnmoved(Session& session, const std::vector<StoredArea>& areas);
+
 // The whole block of an area, by its key. Throws ToolError.
 CellBlock readBlock(Session& session, const StoredArea& area);
 

@@ -1,4 +1,11 @@
-# Run by CPack over what is to be packed: adds to each package the documents that every Debian package has.
+# Run by CPack over what is to be packed, as Debian wants it: each package carries its licences and the lists of changes,
+# and modules of Python lie where all its versions look.
+file(GLOB sites ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/python${CPACK_PACKAGING_INSTALL_PREFIX}/lib/python3.*)
+foreach(site IN LISTS sites)
+  get_filename_component(libraries ${site} DIRECTORY)
+  file(RENAME ${site} ${libraries}/python3)
+endforeach()
+
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} suffix)

@@ -1,0 +1,33 @@
+#include "native/CellArray.h"
+
+#include <limits>
+#include <memory>
+
+#include "tool/system/ToolError.h"
+
+namespace tovrpython {
+
+namespace py = pybind11;
+using namespace tovrtool;
+
+py::array arrayOf(const CellBlock& block, const Dtype& dtype) {
+  using Owner = std::shared_ptr<unsigned char[]>;
+  const std::vector<std::size_t> shape = blockShape(block.rect, block.cellBytes, dtype);
+  auto owner = std::make_unique<Owner>(block.bytes);
+  const py::capsule capsule(owner.get(), [](void* held) { delete static_cast<Owner*>(held); });
+  static_cast<void>(owner.release());  // the capsule's now
+  return {py::dtype(dtype.descr), shape, block.bytes.get(), capsule};
+}
+
+CellBlock borrowedBlock(const py::array& array, const Rect& rect) {
+  const auto bytes = static_cast<std::size_t>(array.nbytes());
+  if (bytes > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+    throw ToolError(kUsage, "the block is larger than 2 GiB: split it");
+  }
+  const auto cells = static_cast<std::size_t>(rowsOf(rect) * columnsOf(rect));
+  // Blocks that are stored are only read.
+  auto* first = static_cast<unsigned char*>(const_cast<void*>(array.data()));
+  return {rect, static_cast<std::int32_t>(bytes / cells), {first, [](unsigned char*) {}}};
+}
+
+}  // namespace tovrpython

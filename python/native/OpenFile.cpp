@@ -1,0 +1,107 @@
+#include "native/OpenFile.h"
+
+#include <utility>
+
+#include "tool/database/DatabaseChecks.h"
+#include "tool/io/Progress.h"
+#include "tool/system/Platform.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrpython {
+
+using namespace tovrtool;
+
+OpenFile::OpenFile(Access access, std::string path, std::string key)
+    : access_(std::move(access)), path_(std::move(path)), key_(std::move(key)), process_(processNumber()) {
+  session_ = std::make_unique<Session>(Session::openExisting(access_, path_, key_));
+}
+
+OpenFile::OpenFile(Access access, const DatabaseDescription& description)
+    : access_(std::move(access)), process_(processNumber()) {
+  session_ = std::make_unique<Session>(Session::openMemory(access_.plugin));
+  fillNew(*session_, description);
+  schema_ = schemaOf(*session_);
+}
+
+OpenFile::~OpenFile() {
+  if (isOurs()) {
+    endTransactions();
+  } else {
+    for (auto& transaction : transactions_) static_cast<void>(transaction.release());
+    static_cast<void>(session_.release());
+  }
+}
+
+bool OpenFile::isOurs() const { return process_ == processNumber(); }
+
+Session& OpenFile::session() {
+  if (session_ == nullptr) throw ToolError(kUsage, "the file is closed: open it again");
+  if (!isOurs()) throw ToolError(kUsage, "the file was opened in another process: open it again in this one");
+  return *session_;
+}
+
+void OpenFile::close() {
+  if (isClosed()) return;
+  session();
+  endSession();
+}
+
+// The youngest first.
+void OpenFile::endTransactions() {
+  while (!transactions_.empty()) transactions_.pop_back();
+}
+
+void OpenFile::endSession() {
+  endTransactions();
+  const auto session = std::move(session_);
+  session->close();
+}
+
+void OpenFile::begin() { transactions_.push_back(std::make_unique<Transaction>(session())); }
+
+void OpenFile::commit() {
+  session();
+  if (transactions_.empty()) throw ToolError(kUsage, "no transaction has been begun");
+  const auto transaction = std::move(transactions_.back());
+  transactions_.pop_back();
+  transaction->commit();
+}
+
+void OpenFile::rollback() {
+  if (isClosed()) return;
+  session();
+  if (!transactions_.empty()) transactions_.pop_back();
+}
+
+std::vector<Verdict> OpenFile::check() {
+  const auto verdictsOf = [](Session& session, const std::vector<Row>& schema) {
+    Progress progress("check", bytesToCheck(session));
+    return checkDatabase(session, schema, progress);
+  };
+  if (!path_.empty()) {
+    return whileClosed([&](const Access& access, const std::string& path, const std::string& key) {
+      const std::vector<Row> schema = expectedSchema(access.plugin);
+      Session session = Session::openExisting(access, path, key);
+      return verdictsOf(session, schema);
+    });
+  }
+  if (session().inTransaction()) throw ToolError(kUsage, "not within a transaction: end it first");
+  auto verdicts = verdictsOf(session(), schema_);
+  session().connection().exec("rollback");  // the checks read one state
+  return verdicts;
+}
+
+void OpenFile::requireReopenable() {
+  if (session().inTransaction()) throw ToolError(kUsage, "not within a transaction: end it first");
+  if (path_.empty()) throw ToolError(kUsage, "a database in memory is no file");
+}
+
+OpenFile::Reopening::~Reopening() {
+  try {
+    file_.session_ = std::make_unique<Session>(Session::openExisting(file_.access_, file_.path_, file_.key_));
+  } catch (const std::exception&) {
+    file_.session_ = nullptr;
+  }
+}
+
+}  // namespace tovrpython

@@ -1,0 +1,84 @@
+// The one database file that a process has open, with its transactions.
+//
+// A process that was forked off inherits the connection and must not touch it: what it does there would end locks and
+// undo changes of its parent. It is told so, and at its end the connection is left alone.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tool/database/NewDatabase.h"
+#include "tool/database/Session.h"
+#include "tool/database/SqlQuery.h"
+#include "tool/database/Verdict.h"
+
+namespace tovrpython {
+
+class OpenFile {
+ public:
+  // Opens an existing file; `path` is absolute. Throws ToolError.
+  OpenFile(tovrtool::Access access, std::string path, std::string key);
+  // A new database in memory, gone when it is closed. Throws ToolError.
+  OpenFile(tovrtool::Access access, const tovrtool::DatabaseDescription& description);
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  // Undoes what no transaction has kept, and closes.
+  ~OpenFile();
+
+  // Throws ToolError when the file is closed, and in another process.
+  tovrtool::Session& session();
+
+  // The same as the destructor; throws ToolError where the library says that something is wrong. Closed files stay
+  // closed.
+  void close();
+  bool isClosed() const { return session_ == nullptr; }
+
+  // The youngest transaction that was begun is kept, or undone.
+  void begin();
+  void commit();
+  void rollback();
+
+  // The checks of the whole file, which is closed and opened again for them. REQUIRES: no transaction, unless the
+  // database is in memory.
+  std::vector<tovrtool::Verdict> check();
+
+  // Closes the file, runs `work(access, path, key)`, which may open it by itself, and opens it again. Throws ToolError
+  // within a transaction and for a database in memory.
+  template <class Work>
+  auto whileClosed(Work work) {
+    requireReopenable();
+    endSession();
+    const Reopening reopening(*this);
+    auto result = work(access_, path_, key_);
+    return result;
+  }
+
+ private:
+  class Reopening {
+   public:
+    explicit Reopening(OpenFile& file) : file_(file) {}
+    Reopening(const Reopening&) = delete;
+    Reopening& operator=(const Reopening&) = delete;
+    // Where it does not open any more it stays closed, and the next call says so.
+    ~Reopening();
+
+   private:
+    OpenFile& file_;
+  };
+
+  bool isOurs() const;
+  void requireReopenable();
+  void endTransactions();
+  void endSession();
+
+  tovrtool::Access access_;
+  std::string path_;  // empty: in memory
+  std::string key_;
+  int process_;
+  std::vector<tovrtool::Row> schema_;  // of a database in memory, as it was made
+  std::unique_ptr<tovrtool::Session> session_;
+  std::vector<std::unique_ptr<tovrtool::Transaction>> transactions_;
+};
+
+}  // namespace tovrpython

@@ -1,0 +1,130 @@
+#include "native/Records.h"
+
+#include <charconv>
+#include <cstdint>
+#include <optional>
+
+#include "tool/database/NumberForms.h"
+
+namespace tovrpython {
+
+namespace py = pybind11;
+using namespace py::literals;
+using namespace tovrtool;
+
+namespace {
+
+// Another program may have stored any bytes.
+py::str textOf(const std::string& text) {
+  return py::reinterpret_steal<py::str>(
+      PyUnicode_DecodeUTF8(text.data(), static_cast<py::ssize_t>(text.size()), "replace"));
+}
+
+// A number, unless another program has stored something else.
+py::object numberOrText(const std::string& text) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto parsed = std::from_chars(text.data(), end, number);
+  if (parsed.ec == std::errc() && parsed.ptr == end) return py::int_(number);
+  return textOf(text);
+}
+
+py::object rectOrNone(const std::optional<Rect>& rect) {
+  return rect ? py::object(tupleOf(*rect)) : py::object(py::none());
+}
+
+py::dict factsOf(const std::vector<Fact>& facts) {
+  py::dict dict;
+  for (const Fact& fact : facts) dict[fact.name] = textOf(fact.value);
+  return dict;
+}
+
+const char* kindOf(const Difference& difference) {
+  switch (difference.kind) {
+    case Difference::Kind::kOnlyBefore:
+      return "only_before";
+    case Difference::Kind::kOnlyAfter:
+      return "only_after";
+    case Difference::Kind::kField:
+      return "field";
+    case Difference::Kind::kCells:
+      return "cells";
+    case Difference::Kind::kBytes:
+      break;
+  }
+  return "bytes";
+}
+
+}  // namespace
+
+py::tuple tupleOf(const Rect& rect) { return py::make_tuple(rect.left, rect.top, rect.right, rect.bottom); }
+
+void describe(py::dict& record, const std::optional<NumberForm>& form) {
+  record["dtype"] = form ? py::object(py::str(dtypeName(form->dtype))) : py::object(py::none());
+  record["scale"] = form ? py::object(py::float_(form->scale.of(1))) : py::object(py::none());
+  record["unit"] = form ? textOf(form->unit) : textOf("");
+}
+
+py::dict dictOf(const StoredScreen& screen) {
+  return py::dict("id"_a = screen.id, "name"_a = textOf(screen.name), "rect"_a = tupleOf(screen.rect));
+}
+
+py::dict dictOf(const StoredArea& area) {
+  py::dict record("id"_a = area.id, "screen"_a = textOf(area.screen), "type"_a = area.type, "number"_a = area.number,
+                  "rect"_a = tupleOf(area.rect), "cell_bytes"_a = area.cellBytes, "stored_bytes"_a = area.storedBytes,
+                  "text"_a = textOf(splitVersion(area.version, area.cellBytes).text),
+                  "changed"_a = textOf(area.changed));
+  describe(record, keptForm(area));
+  return record;
+}
+
+py::dict dictOf(const StoredData& data) {
+  return py::dict("type"_a = numberOrText(data.type), "stored_bytes"_a = data.storedBytes,
+                  "text"_a = textOf(data.version), "screen"_a = textOf(data.screen));
+}
+
+py::dict dictOf(const StoredMeasurement& measurement) {
+  return py::dict("id"_a = measurement.id, "stored_bytes"_a = measurement.storedBytes,
+                  "text"_a = textOf(measurement.version), "type"_a = textOf(measurement.type),
+                  "rect"_a = rectOrNone(measurement.rect));
+}
+
+py::dict dictOf(const FileFacts& facts) {
+  py::dict tables;
+  for (const TableFacts& table : facts.tables) {
+    tables[table.name.c_str()] = py::dict("rows"_a = table.rows, "bytes"_a = table.bytes);
+  }
+  return py::dict("type"_a = facts.type, "description"_a = factsOf(facts.description),
+                  "engine"_a = factsOf(facts.engine), "tables"_a = tables);
+}
+
+py::dict dictOf(const Verdict& verdict) {
+  py::list faults;
+  for (const std::string& fault : verdict.faults) faults.append(textOf(fault));
+  return py::dict("name"_a = textOf(verdict.name), "ok"_a = verdict.ok(), "detail"_a = textOf(verdict.detail),
+                  "faults"_a = py::tuple(faults));
+}
+
+py::dict dictOf(const Difference& difference) {
+  py::dict record("item"_a = textOf(difference.item), "kind"_a = kindOf(difference),
+                  "screen"_a = textOf(difference.place.screen), "type"_a = textOf(difference.place.type),
+                  "rect"_a = rectOrNone(difference.place.rect), "field"_a = textOf(difference.field));
+  const BlockDifference& cells = difference.cells;
+  if (difference.kind == Difference::Kind::kCells) {
+    record["differing"] = cells.differing;
+    record["at"] = py::make_tuple(cells.at.x, cells.at.y);
+  } else if (difference.kind == Difference::Kind::kBytes) {
+    record["differing"] = difference.bytes.differing;
+  }
+  if (difference.kind == Difference::Kind::kCells && difference.form) {
+    record["component"] = cells.component;
+    record["before"] = cells.before;
+    record["after"] = cells.after;
+  } else {
+    record["before"] = textOf(difference.before);
+    record["after"] = textOf(difference.after);
+  }
+  return record;
+}
+
+}  // namespace tovrpython

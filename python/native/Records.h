@@ -1,0 +1,39 @@
+// What a database file holds, as dictionaries whose names are the fields of the package's records.
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <string>
+#include <vector>
+
+#include "tool/cells/NumberForm.h"
+#include "tool/database/FileDifference.h"
+#include "tool/database/FileFacts.h"
+#include "tool/database/GenericData.h"
+#include "tool/database/Measurements.h"
+#include "tool/database/Screens.h"
+#include "tool/database/StoredArea.h"
+#include "tool/database/Verdict.h"
+
+namespace tovrpython {
+
+pybind11::tuple tupleOf(const tovrtool::Rect& rect);  // left, top, right, bottom
+pybind11::dict dictOf(const tovrtool::StoredScreen& screen);
+pybind11::dict dictOf(const tovrtool::StoredArea& area);
+pybind11::dict dictOf(const tovrtool::StoredData& data);
+pybind11::dict dictOf(const tovrtool::StoredMeasurement& measurement);
+pybind11::dict dictOf(const tovrtool::FileFacts& facts);
+pybind11::dict dictOf(const tovrtool::Verdict& verdict);
+pybind11::dict dictOf(const tovrtool::Difference& difference);
+
+// dtype, scale and unit; None each where there is no form.
+void describe(pybind11::dict& record, const std::optional<tovrtool::NumberForm>& form);
+
+template <class Record>
+pybind11::list listOf(const std::vector<Record>& records) {
+  pybind11::list list;
+  for (const Record& record : records) list.append(dictOf(record));
+  return list;
+}
+
+}  // namespace tovrpython
