@@ -25,8 +25,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
-# Each package carries its licences and the lists of changes.
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianDocuments.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianStaging.cmake)
 set(CPACK_PROJECT_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 
 # `package` is the Debian package of a component; `summary` and `text` describe it.
@@ -59,5 +58,13 @@ if(TARGET tovrdb)
     tool tovrdb utils "stores, reads and checks calibration data of LED screens"
     "Command-line host of the tovrdatabaseservice library: makes database files,\nputs and gets blocks of cells, draws, compares, checks and converts them."
     "${library_here}")
+endif()
+if(TOVR_BUILD_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  math(EXPR next "${Python_VERSION_MINOR} + 1")
+  tovr_package(
+    python python3-tovrdb python "calibration data of LED walls as NumPy arrays"
+    "A rectangle of cells out of an encrypted database file of the\ntovrdatabaseservice library is an array in one line, read and written."
+    "${library_here}, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next}), python3-numpy")
 endif()
 include(CPack)

@@ -7,7 +7,7 @@ source scripts/failures.sh
 source scripts/cache.sh
 source scripts/fresh-system.sh
 
-TOVR_WITH_PACKAGES=1 scripts/install-dependencies.sh
+TOVR_WITH_PACKAGES=1 TOVR_WITH_PYTHON=1 scripts/install-dependencies.sh
 build=build/packages
 rm -rf $build/packages
 quietly cmake --preset release -B $build -DTOVR_BUILD_TESTS=OFF -DTOVR_BUILD_EXAMPLES=OFF
