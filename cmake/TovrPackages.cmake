@@ -10,7 +10,9 @@ if(WIN32)  # one archive with everything; it works from where it is unpacked
   set(CPACK_PACKAGE_FILE_NAME tovrdatabaseservice-${PROJECT_VERSION}-windows-x64)
   install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/SECURITY.md
           DESTINATION ${CMAKE_INSTALL_DOCDIR})
-  install(DIRECTORY ${CMAKE_FIND_ROOT_PATH}/licences/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences OPTIONAL)
+  if(TOVR_LICENCES)  # a folder with those of what the binaries have in them
+    install(DIRECTORY ${TOVR_LICENCES}/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences)
+  endif()
   include(CPack)
   return()
 endif()

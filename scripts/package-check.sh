@@ -7,12 +7,8 @@ source scripts/failures.sh
 source scripts/cache.sh
 source scripts/fresh-system.sh
 
-TOVR_WITH_PACKAGES=1 TOVR_WITH_PYTHON=1 scripts/install-dependencies.sh
-build=build/packages
-rm -rf $build/packages
-quietly cmake --preset release -B $build -DTOVR_BUILD_TESTS=OFF -DTOVR_BUILD_EXAMPLES=OFF
-quietly cmake --build $build --target package
-packages=($build/packages/*.deb)
+scripts/package.sh
+packages=(build/packages/packages/*.deb)
 lintian --fail-on error --allow-root "${packages[@]}"
 echo "lintian finds no error in ${#packages[@]} packages"
 

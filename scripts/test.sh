@@ -47,5 +47,6 @@ step "clang-tidy" scripts/tidy-check.sh
 step "Microsoft's layout" scripts/layout-check.sh
 step "all tests on SQLCipher 4" scripts/newer-engine-check.sh
 step "the Windows build, under Wine" scripts/windows-check.sh
+step "the Debian packages, in a system that has nothing else of ours" scripts/package-check.sh
 step "fresh Debian 13, as a user with sudo" scripts/fresh-system-check.sh trixie user scripts/demo.sh scripts/test.sh
 step "fresh Debian 12, as root" scripts/fresh-system-check.sh bookworm root scripts/demo.sh

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Cross-builds for 64-bit Windows, passes the tests under Wine, and has that build and the native one exchange files.
+# Cross-builds for 64-bit Windows, passes the tests under Wine, has that build and the native one exchange files,
+# and tries the archive that users get.
 # Exit code 77: not run, because something that it takes cannot be had here.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -20,3 +21,4 @@ cmake --build --preset mingw
 trap scripts/wine-end.sh EXIT
 ctest --preset mingw -j "$(nproc)"
 scripts/exchange-check.sh
+scripts/windows-archive-check.sh
