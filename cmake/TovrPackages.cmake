@@ -63,6 +63,8 @@ if(TARGET tovrdb)
 endif()
 if(TOVR_BUILD_PYTHON)
   list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/postinst
+                                                ${PROJECT_SOURCE_DIR}/cmake/debian/prerm)
   math(EXPR next "${Python_VERSION_MINOR} + 1")
   tovr_package(
     python python3-tovrdb python "calibration data of LED walls as NumPy arrays"
