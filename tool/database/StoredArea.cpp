@@ -171,6 +171,19 @@ const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::op
   throw libraryError(tovr::kNoMatchingArea, fmt::format("asked for {}; there are {}", toText(*rect), listed(areas)));
 }
 
+bool screensShareCells(const std::vector<StoredArea>& areas) {
+  std::map<std::int64_t, Rect> rects;  // by screen
+  for (const StoredArea& area : areas) {
+    const auto [entry, fresh] = rects.emplace(area.screenId, area.rect);
+    entry->second = united(entry->second, area.rect);
+  }
+  for (auto one = rects.begin(); one != rects.end(); ++one) {
+    const auto meets = [&](const auto& other) { return common(one->second, other.second).has_value(); };
+    if (std::any_of(std::next(one), rects.end(), meets)) return true;
+  }
+  return false;
+}
+
 std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {
   std::vector<std::string> overlapping;
   for (const StoredArea& area : areas) {

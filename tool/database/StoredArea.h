@@ -54,6 +54,10 @@ std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, con
 // them, when that names none or several.
 const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect);
 
+// Whether areas of different screens lie on one another, as they may where screens are found by name: each screen then
+// has cells of its own.
+bool screensShareCells(const std::vector<StoredArea>& areas);
+
 // What to say where no single area holds the rectangle: those that overlap it, else all of them.
 std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas);
 
