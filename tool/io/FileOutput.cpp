@@ -56,7 +56,7 @@ std::string temporaryNameBeside(const std::string& path) {
   return name;
 }
 
-FileOutput::FileOutput(const std::string& path, Existing existing)
+FileOutput::FileOutput(const std::string& path, Existing existing, Readers readers)
     : path_(followedLink(path)), existing_(existing), direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
   std::error_code error;
   const fs::file_status status = fs::status(pathOf(path_), error);
@@ -68,7 +68,7 @@ FileOutput::FileOutput(const std::string& path, Existing existing)
     if (fs::exists(status) && existing != Existing::kReplace) refuseExisting(path, existing);
     const std::string name = temporaryNameBeside(path_);
     removed_.emplace(name);
-    file_ = createNew(name);
+    file_ = createNew(name, readers);
     if (file_ != nullptr) temporary_ = name;
   }
   if (file_ == nullptr) fail("create");

@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "tool/io/JsonText.h"
 #include "tool/io/Message.h"
 
 namespace tovrtool {
@@ -75,9 +75,7 @@ void Canvas::moveOrigin(int x, int y) {
 }
 
 std::string Canvas::drawable(const std::string& text) {
-  using Json = nlohmann::json;  // its writer is what replaces broken UTF-8
-  const std::string quoted = Json(printable(text)).dump(-1, ' ', false, Json::error_handler_t::replace);
-  return Json::parse(quoted).get<std::string>();
+  return validText(printable(text));
 }
 
 double Canvas::textWidth(const std::string& text, const Font& font) {
