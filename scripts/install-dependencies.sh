@@ -14,6 +14,7 @@ packages=(
 )
 [ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils
   fonts-dejavu-core fonts-wqy-microhei)
+[ -z "${TOVR_WITH_BROWSER:-}" ] || packages+=(chromium chromium-driver python3 python3-selenium tidy)
 [ -z "${TOVR_WITH_MEMCHECK:-}" ] || packages+=(valgrind)
 [ -z "${TOVR_WITH_FORMAT:-}" ] || packages+=(clang-format-14)
 [ -z "${TOVR_WITH_TIDY:-}" ] || packages+=(clang-tidy-14)

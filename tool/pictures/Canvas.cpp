@@ -74,9 +74,7 @@ void Canvas::moveOrigin(int x, int y) {
   originY_ = y;
 }
 
-std::string Canvas::drawable(const std::string& text) {
-  return validText(printable(text));
-}
+std::string Canvas::drawable(const std::string& text) { return validText(printable(text)); }
 
 double Canvas::textWidth(const std::string& text, const Font& font) {
   lay(text, font);

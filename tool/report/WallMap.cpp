@@ -34,11 +34,12 @@ class Map {
   std::string html() {
     if (screens_.empty()) return "<p>There is no screen to draw.</p>\n";
     arrange();
-    const double line = std::max(right_ - left_, bottom_ - top_) / 60;
+    // Cells that are about as high as a line of text where the map fills its place in the page.
+    const double line = std::max((right_ - left_) / 70, (bottom_ - top_) / 22);
     std::string text = fmt::format(
         "<svg class=\"map\" id=\"map\" role=\"group\" aria-label=\"Map of the screens, to scale\" "
         "viewBox=\"{} {} {} {}\" font-size=\"{}\">\n",
-        left_ - line, top_ - 2 * line, right_ - left_ + 2 * line, bottom_ - top_ + 3 * line, line * 1.2);
+        left_ - line, top_ - 2 * line, right_ - left_ + 2 * line, bottom_ - top_ + 3 * line, line);
     for (const ScreenFacts& each : screens_) text += screen(each.screen, line);
     if (content_.areas.size() <= kMostAreas) {
       for (std::size_t set = 0; set < content_.sets.size(); ++set) text += areasOf(set);

@@ -207,7 +207,8 @@ bool redirectToEndOf(const std::string& path, int descriptor) {
 bool redirectTo(int target, int descriptor) { return dup2(target, descriptor) >= 0; }
 
 FileHandle createNew(const std::string& path, Readers readers) {
-  const int opened = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readers == Readers::kOwner ? 0600 : 0666);
+  const int opened =
+      open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readers == Readers::kOwner ? 0600 : 0666);
   return FileHandle(opened < 0 ? nullptr : fdopen(opened, "wb"));
 }
 
