@@ -133,6 +133,10 @@ std::vector<Placement> placements(Session& session) {
 
 std::vector<StoredArea> storedAreas(Session& session) { return withBlocks(session, placements(session), "1"); }
 
+StoredArea storedArea(Session& session, const Placement& placement) {
+  return withBlocks(session, {placement}, fmt::format("id = {}", placement.id)).front();
+}
+
 void requireSound(const Rect& rect, const std::string& whose) {
   if (isSound(rect)) return;
   throw ToolError(kFileProblem, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
@@ -157,7 +161,7 @@ std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, con
                                         const Rect& rect) {
   const auto placement = answeringPlacement(session, type, screen, rect);
   if (!placement) return std::nullopt;
-  return withBlocks(session, {*placement}, fmt::format("id = {}", placement->id)).front();
+  return storedArea(session, *placement);
 }
 
 const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect) {

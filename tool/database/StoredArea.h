@@ -38,6 +38,9 @@ struct StoredArea : Placement {
 std::vector<Placement> placements(Session& session);
 std::vector<StoredArea> storedAreas(Session& session);
 
+// One of them alone, where another's rows cannot be read. Throws ToolError on failure.
+StoredArea storedArea(Session& session, const Placement& placement);
+
 // Throws ToolError for a rectangle, of an area or a screen, in which no cells can lie.
 void requireSound(const Rect& rect, const std::string& whose);
 

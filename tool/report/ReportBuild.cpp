@@ -111,6 +111,39 @@ void addSets(Session& session, ReportContent& content, const FormOptions& form, 
   }
 }
 
+void addFacts(Session& session, ReportContent& content) {
+  asFarAsItGoes(session, content, "facts", [&] { content.facts = factsOf(session); });
+  if (!content.facts.description.empty()) return;
+  asFarAsItGoes(session, content, "screens", [&] {
+    content.facts.type = session.manager().getDBType();
+    for (const StoredScreen& screen : storedScreens(session)) content.facts.screens.push_back({screen, 0});
+  });
+}
+
+// At once, or one by one where that fails: so that as many as possible are shown.
+void addAreas(Session& session, ReportContent& content) {
+  try {
+    for (StoredArea& area : storedAreas(session)) content.areas.push_back({std::move(area), ""});
+    return;
+  } catch (const ToolError& error) {
+    if (isNoFault(error)) throw;
+    beginAgain(session);
+  }
+  asFarAsItGoes(session, content, "list of areas", [&] {
+    for (const Placement& placement : placements(session)) {
+      ReportArea& each = content.areas.emplace_back();
+      static_cast<Placement&>(each.area) = placement;
+      try {
+        each.area = storedArea(session, placement);
+      } catch (const ToolError& error) {
+        if (isNoFault(error)) throw;
+        each.fault = error.what();
+        beginAgain(session);
+      }
+    }
+  });
+}
+
 std::string now() { return fmt::format("{:%Y-%m-%d %H:%M} UTC", fmt::gmtime(std::time(nullptr))); }
 
 }  // namespace
@@ -132,10 +165,8 @@ ReportContent buildReport(const Access& access, const ReportQuestion& question) 
   content.verdicts.resize(1);
   content.verdicts[0].name = "opens with this key";
   for (Verdict& verdict : checkDatabase(session, schema, progress)) content.verdicts.push_back(std::move(verdict));
-  asFarAsItGoes(session, content, "facts", [&] { content.facts = factsOf(session); });
-  asFarAsItGoes(session, content, "list of areas", [&] {
-    for (StoredArea& area : storedAreas(session)) content.areas.push_back({std::move(area), ""});
-  });
+  addFacts(session, content);
+  addAreas(session, content);
   addSets(session, content, question.form, changes);
   return content;
 }

@@ -72,6 +72,7 @@ std::vector<CellSet> planSets(std::vector<ReportArea>& areas, const FormOptions&
   std::map<std::tuple<std::int64_t, std::int32_t, std::int32_t, std::string>, CellSet> sets;
   for (std::size_t i = 0; i < areas.size(); ++i) {
     const StoredArea& area = areas[i].area;
+    if (!areas[i].fault.empty()) continue;
     const auto form = area.cellBytes > 0 ? chosenForm(options, keptForm(area)) : std::nullopt;
     areas[i].fault = faultOf(area, form);
     if (areas[i].fault.empty()) add(area, *form, i, sets[{area.screenId, area.type, area.cellBytes, toText(*form)}]);

@@ -31,7 +31,8 @@ struct CellSet {
   std::int64_t cells() const { return columnsOf(rect) * rowsOf(rect); }
 };
 
-// Every area is in one set, or gets a fault: no form, a rectangle without sense, or too far from the others of its set.
+// Every area without a fault is in one set, or gets one: no form, a rectangle without sense, or too far from the others
+// of its set.
 std::vector<CellSet> planSets(std::vector<ReportArea>& areas, const FormOptions& options);
 
 // Cells of a rectangle, some of which may be missing.

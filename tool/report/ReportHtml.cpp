@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::size_t kMostRows = 500;  // of a table that is there without scripts
 
+constexpr std::size_t kMostFaults = 8;  // of one check
+
 using Cells = std::vector<std::string>;  // texts, not markup
 
 std::string row(const char* tag, const Cells& cells, const char* attributes = "") {
@@ -53,7 +55,11 @@ std::string verdictHtml(const ReportContent& content) {
   std::vector<Cells> checks;
   for (const Verdict& verdict : content.verdicts) {
     checks.push_back({verdict.ok() ? "✓ ok" : "✗ failed", verdict.name, verdict.detail});
-    for (const std::string& fault : verdict.faults) checks.push_back({"✗", verdict.name, fault});
+    const std::size_t shownFaults = std::min(verdict.faults.size(), kMostFaults);
+    for (std::size_t i = 0; i < shownFaults; ++i) checks.push_back({"✗", verdict.name, verdict.faults[i]});
+    if (verdict.faults.size() > shownFaults) {
+      checks.push_back({"✗", verdict.name, fmt::format("and {} more", verdict.faults.size() - shownFaults)});
+    }
   }
   return text + table("Checks", {"result", "check", "what was looked at, or found"}, checks) + "</div>\n";
 }
@@ -63,8 +69,9 @@ std::string sizeText(const Rect& rect) { return fmt::format("{} × {}", columnsO
 std::string screensHtml(const ReportContent& content) {
   std::vector<Cells> screens;
   for (const ScreenFacts& each : content.facts.screens) {
-    screens.push_back(
-        {each.screen.name, toText(each.screen.rect), sizeText(each.screen.rect), std::to_string(each.areas)});
+    const auto blocks = std::count_if(content.areas.begin(), content.areas.end(),
+                                      [&](const ReportArea& area) { return area.area.screenId == each.screen.id; });
+    screens.push_back({each.screen.name, toText(each.screen.rect), sizeText(each.screen.rect), std::to_string(blocks)});
   }
   return table("Screens", {"name", "rectangle", "columns × rows", "blocks"}, screens) + mapHtml(content);
 }

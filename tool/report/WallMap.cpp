@@ -44,7 +44,9 @@ class Map {
     if (content_.areas.size() <= kMostAreas) {
       for (std::size_t set = 0; set < content_.sets.size(); ++set) text += areasOf(set);
     }
-    return text + "</svg>\n";
+    text += "</svg>\n";
+    if (content_.areas.size() <= kMostAreas) return text;
+    return text + fmt::format("<p>The map leaves out the areas: there are {} of them.</p>\n", content_.areas.size());
   }
 
  private:

@@ -122,7 +122,8 @@ class Viewer {
     const component = this.picture.layer.components[this.picture.options.component];
     const heading = (this.picture.layer.isDifference ? 'Difference of component ' : 'Component ') + component.component;
     this.section.querySelector('.tables').replaceChildren(
-        ...component.tables.map((each) => tableOf(each, heading, (place) => this.showPlace(place))));
+        ...component.tables.filter((each) => each.rows.length > 0)
+            .map((each) => tableOf(each, heading, (place) => this.showPlace(place))));
   }
 
   showAll() {

@@ -1,7 +1,7 @@
 // The picture of one set: draws a component or all of them, at any zoom, into a canvas.
 
-const kRing = 11;  // pixels of the frame around changed cells
 const kBins = 48;
+const kThinnest = 40;  // pixels of a wall's shorter side
 
 function cssColour(name) {
   return getComputedStyle(document.documentElement).getPropertyValue(name).trim();
@@ -52,6 +52,15 @@ class Picture {
     return this.zoom === 0 ? this.fittingZoom(panel) : this.zoom;
   }
 
+  // Pixels per column and per row: one for both, but where a wall of few lines would become too thin to see.
+  zooms(panel) {
+    const [left, top, right, bottom] = this.set.rect;
+    const fit = this.fittingZoom(panel);
+    const stretch = (cells) => Math.max(1, kThinnest / (cells * fit));
+    const zoom = this.zoomOf(panel);
+    return [zoom * stretch(right - left + 1), zoom * stretch(bottom - top + 1)];
+  }
+
   zoomBy(factor) {
     const panel = this.panels()[0];
     const least = this.fittingZoom(panel);
@@ -60,8 +69,8 @@ class Picture {
   }
 
   panBy(across, down) {
-    const zoom = this.zoomOf(this.panels()[0]);
-    this.centre = [this.centre[0] + across / zoom, this.centre[1] + down / zoom];
+    const zooms = this.zooms(this.panels()[0]);
+    this.centre = [this.centre[0] + across / zooms[0], this.centre[1] + down / zooms[1]];
     this.draw();
   }
 
@@ -88,10 +97,10 @@ class Picture {
     const panel =
         this.panels().find((each) => x >= each.x && x < each.x + each.width && y >= each.y && y < each.y + each.height);
     if (!panel) return null;
-    const zoom = this.zoomOf(panel);
+    const zooms = this.zooms(panel);
     const cell = [
-      Math.floor(this.centre[0] + (x - panel.x - panel.width / 2) / zoom),
-      Math.floor(this.centre[1] + (y - panel.y - panel.height / 2) / zoom)
+      Math.floor(this.centre[0] + (x - panel.x - panel.width / 2) / zooms[0]),
+      Math.floor(this.centre[1] + (y - panel.y - panel.height / 2) / zooms[1])
     ];
     return {component: panel.component, x: cell[0], y: cell[1]};
   }
@@ -107,8 +116,10 @@ class Picture {
   percentileRange(component) {
     const plane = this.layer.plane(component, this.plane);
     let [low, high] = this.range.percents.map((percent) => plane.percentile(percent));
-    if (this.layer.isDifference) high = Math.max(Math.abs(low), Math.abs(high), this.largestChange(component));
-    if (this.layer.isDifference) low = -high;
+    if (this.layer.isDifference) {
+      high = Math.max(Math.abs(low), Math.abs(high)) || this.largestChange(component);
+      low = -high;
+    }
     return low < high ? [low, high] : [low - 0.5, high + 0.5];
   }
 
@@ -152,7 +163,6 @@ class Picture {
     context.rect(panel.x, panel.y, panel.width, panel.height);
     context.clip();
     this.drawLines(context, panel);
-    if (this.layer.isDifference) this.drawRings(context, panel);
     if (this.place) this.drawFrame(context, panel, this.place, 3);
     if (this.cursor) {
       this.drawFrame(context, panel, [this.cursor.x, this.cursor.y, this.cursor.x, this.cursor.y], 2);
@@ -180,6 +190,7 @@ class Picture {
         for (let channel = 0; channel < 3; ++channel) image.data[at + channel] = table[colour + channel];
       }
     }
+    if (this.layer.isDifference) this.addFrames(panel, image.data);
     return image;
   }
 
@@ -195,7 +206,7 @@ class Picture {
   // Where the pixels of a panel begin, in cells.
   places(panel, axis) {
     const size = axis === 0 ? panel.width : panel.height;
-    const zoom = this.zoomOf(panel);
+    const zoom = this.zooms(panel)[axis];
     return Float64Array.from({length: size + 1}, (unused, i) => this.centre[axis] + (i - size / 2) / zoom);
   }
 
@@ -232,10 +243,10 @@ class Picture {
   }
 
   boxOf(panel, rect) {
-    const zoom = this.zoomOf(panel);
-    const x = panel.x + panel.width / 2 + (rect[0] - this.centre[0]) * zoom;
-    const y = panel.y + panel.height / 2 + (rect[1] - this.centre[1]) * zoom;
-    return [x, y, (rect[2] - rect[0] + 1) * zoom, (rect[3] - rect[1] + 1) * zoom];
+    const zooms = this.zooms(panel);
+    const x = panel.x + panel.width / 2 + (rect[0] - this.centre[0]) * zooms[0];
+    const y = panel.y + panel.height / 2 + (rect[1] - this.centre[1]) * zooms[1];
+    return [x, y, (rect[2] - rect[0] + 1) * zooms[0], (rect[3] - rect[1] + 1) * zooms[1]];
   }
 
   // White on black, to be seen on every colour; none where they would bury the cells.
@@ -281,29 +292,55 @@ class Picture {
     }
   }
 
-  // A frame around every changed cell, one for those that lie within it.
-  drawRings(context, panel) {
-    const layer = this.layer;
-    const bits = layer.changedBits(panel.component);
-    const zoom = this.zoomOf(panel);
-    if (!bits || zoom * layer.block > kRing) return;
-    const seen = new Set();
+  // Around every group of changed cells, and apart from them: black, and white outside.
+  addFrames(panel, pixels) {
+    const bits = this.layer.changedBits(panel.component);
+    if (!bits) return;
+    const marked = this.changedPixels(panel, bits);
+    const inner = grown(marked, panel.width, panel.height, 3);
+    const outer = grown(marked, panel.width, panel.height, 5);
+    const edge = grown(marked, panel.width, panel.height, 6);
+    for (let i = 0; i < edge.length; ++i) {
+      if (!edge[i] || inner[i]) continue;
+      pixels.fill(outer[i] ? 0 : 255, i * 4, i * 4 + 3);
+      pixels[i * 4 + 3] = 255;
+    }
+  }
+
+  changedPixels(panel, bits) {
+    const {layer} = this;
+    const marked = new Uint8Array(panel.width * panel.height);
     for (let row = 0; row < layer.rows; ++row) {
       for (let column = 0; column < layer.columns; ++column) {
         if (!isSet(bits, row * layer.columns + column)) continue;
         const cell = [layer.rect[0] + column * layer.block, layer.rect[1] + row * layer.block];
-        const [x, y] = this.boxOf(panel, [...cell, ...cell]);
-        const key = Math.floor(x / kRing) + ' ' + Math.floor(y / kRing);
-        if (seen.has(key)) continue;
-        seen.add(key);
-        const corner = [Math.floor(x / kRing) * kRing, Math.floor(y / kRing) * kRing];
-        context.setLineDash([]);
-        context.strokeStyle = '#000';
-        context.lineWidth = 1.5;
-        context.strokeRect(corner[0] - 1, corner[1] - 1, kRing + 2, kRing + 2);
+        const [x, y, width, height] =
+            this.boxOf(panel, [...cell, cell[0] + layer.block - 1, cell[1] + layer.block - 1]);
+        const left = Math.max(Math.floor(x - panel.x), 0);
+        const right = Math.min(Math.max(Math.ceil(x - panel.x + width), left + 1), panel.width);
+        const bottom = Math.min(Math.ceil(y - panel.y + height), panel.height);
+        for (let at = Math.max(Math.floor(y - panel.y), 0); at < bottom; ++at) {
+          if (left < right) marked.fill(1, at * panel.width + left, at * panel.width + right);
+        }
       }
     }
+    return marked;
   }
+}
+
+// The pixels with all that lie no farther than `reach` in a row and in a column from one of them.
+function grown(pixels, width, height, reach) {
+  const spread = (from, lines, length, step, stride) => {
+    const to = new Uint8Array(from.length);
+    for (let line = 0; line < lines; ++line) {
+      for (let i = 0, until = -1; i < length + reach; ++i) {
+        if (i < length && from[line * stride + i * step]) until = i + 2 * reach;
+        if (i >= reach && i <= until) to[line * stride + (i - reach) * step] = 1;
+      }
+    }
+    return to;
+  };
+  return spread(spread(pixels, height, width, 1, width), width, height, width, 1);
 }
 
 // Six digits are enough for a heading.
