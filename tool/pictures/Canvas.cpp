@@ -101,7 +101,7 @@ void Canvas::turnedText(const std::string& text, double x, double y, const Font&
 }
 
 std::string Canvas::shortened(const std::string& text, double width, const Font& font) {
-  const std::string whole = drawable(text);
+  std::string whole = drawable(text);
   if (textWidth(whole, font) <= width) return whole;
   const auto firstBytes = [&](std::size_t count) {  // without a part of a character
     while (count > 0 && (static_cast<unsigned char>(whole[count]) & 0xC0) == 0x80) --count;

@@ -35,8 +35,9 @@ void asFarAsItGoes(Session& session, ReportContent& content, const std::string& 
 }
 
 std::vector<Rect> cabinetsOf(const CellSet& set, const Rect& rect, const CellPair& size) {
-  const double count =
-      static_cast<double>(columnsOf(rect) / size.x + 2) * static_cast<double>(rowsOf(rect) / size.y + 2);
+  const std::int64_t across = columnsOf(rect) / size.x + 2;
+  const std::int64_t down = rowsOf(rect) / size.y + 2;
+  const double count = static_cast<double>(across) * static_cast<double>(down);
   if (count > kMostCabinets) {
     throw ToolError(kUsage, "cabinets of {} x {} cells would be {:.0f} of them: give their real size", size.x, size.y,
                     count);

@@ -18,6 +18,7 @@ namespace tovrtool {
 namespace {
 
 constexpr std::int64_t kMostBytes = std::numeric_limits<std::int32_t>::max();  // as of a block
+constexpr std::size_t kMostComponents = 64;
 constexpr std::int64_t kSparse = 16;             // a grid may be so many times as large as its areas,
 constexpr std::int64_t kAlwaysFine = 4'000'000;  // or have so many cells
 
@@ -29,7 +30,13 @@ std::string faultOf(const StoredArea& area, const std::optional<NumberForm>& for
   if (static_cast<std::size_t>(area.cellBytes) % form->dtype.itemSize != 0) {
     return fmt::format("a cell of {} bytes is not a whole number of {}", area.cellBytes, dtypeName(form->dtype));
   }
+  if (static_cast<std::size_t>(area.cellBytes) / form->dtype.itemSize > kMostComponents) {
+    return fmt::format("a page shows at most {} numbers of a cell", kMostComponents);
+  }
   if (columnsOf(area.rect) > kMostBytes / area.cellBytes / rowsOf(area.rect)) return "its cells are more than 2 GiB";
+  if (area.storedBytes < columnsOf(area.rect) * rowsOf(area.rect) * area.cellBytes) {
+    return "its block is too short for its rectangle";
+  }
   return "";
 }
 
