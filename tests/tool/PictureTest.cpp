@@ -15,8 +15,8 @@
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 
-// What the font library keeps for the whole process is not the tests' to free.
-extern "C" const char* __lsan_default_suppressions();
+// What the font library keeps for the whole process is not the tests' to free; the sanitizer looks for this name.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
 namespace {
