@@ -9,12 +9,13 @@ packages=(
   g++ cmake ninja-build                        # the build
   libsqlcipher-dev libssl-dev                  # the library's two engines
   libcli11-dev libfmt-dev libeigen3-dev        # the tool
-  libcairo2-dev pkg-config                     # the tool: pictures
+  libpango1.0-dev pkg-config                   # the tool: pictures, with cairo
   nlohmann-json3-dev                           # the tool: JSON
 )
 [ -z "${TOVR_WITH_PYTHON:-}${TOVR_WITH_TESTS:-}" ] || packages+=(python3-dev pybind11-dev python3-numpy)
-[ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils)
-[ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(python3-pytest)
+[ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils
+  fonts-dejavu-core fonts-wqy-microhei python3-pytest)
+[ -z "${TOVR_WITH_BROWSER:-}" ] || packages+=(chromium chromium-driver python3 python3-selenium tidy)
 [ -z "${TOVR_WITH_MEMCHECK:-}" ] || packages+=(valgrind)
 [ -z "${TOVR_WITH_FORMAT:-}" ] || packages+=(clang-format-14)
 [ -z "${TOVR_WITH_TIDY:-}" ] || packages+=(clang-tidy-14)

@@ -44,6 +44,7 @@ step "the library's tests under memcheck" scripts/memcheck.sh
 step "the installed package, used by a project of its own" scripts/consumer-check.sh
 step "the reference, without warnings" scripts/reference.sh
 step "clang-tidy" scripts/tidy-check.sh
+step "reports in a browser" scripts/report-check.sh
 step "Microsoft's layout" scripts/layout-check.sh
 step "all tests on SQLCipher 4" scripts/newer-engine-check.sh
 step "the Windows build, under Wine" scripts/windows-check.sh

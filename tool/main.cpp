@@ -68,6 +68,7 @@ void addCommands(CommandGroup program) {
   addCoefCommands(program);
   addHeatmapCommand(program);
   addDiffCommand(program);
+  addReportCommand(program);
   addSampleCommand(program);
   addDataCommands(program);
   addMeasureCommands(program);

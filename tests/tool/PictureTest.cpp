@@ -4,12 +4,20 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "tests/tool/ToolFixture.h"
 #include "tool/pictures/AxisTicks.h"
+#include "tool/pictures/Canvas.h"
 #include "tool/pictures/ColourMap.h"
 #include "tool/pictures/GatheredNumbers.h"
+#include "tool/pictures/HeatmapPicture.h"
+
+// What the font library keeps for the whole process is not the tests' to free; the sanitizer looks for this name.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
 namespace {
 
@@ -41,6 +49,18 @@ TEST(AxisTicksTest, AreFewRoundAndInside) {
   EXPECT_EQ(tickText(2e9, 5e8), "2e+09");
 }
 
+TEST(AxisTicksTest, NoTwoLabelsOfABarReadAlike) {
+  for (const double low : {-1e16, -2.5, 0.0, 1e-12, 16777216.0, 1e9 + 0.125, 1e15, 1e300}) {
+    for (double high = std::nextafter(low, 1e308); high < 1e305; high += std::max(1e-13, 9 * std::abs(high))) {
+      std::set<std::string> texts;
+      const auto labels = barLabels(low, high, 5);
+      for (const TickLabel& label : labels) texts.insert(label.text);
+      EXPECT_GE(texts.size(), 2U) << low << " " << high;
+      EXPECT_EQ(texts.size(), labels.size()) << low << " " << high;
+    }
+  }
+}
+
 TEST(RasterTest, SmallRegionsGetSquareCellsAndLargeOnesShareAPixel) {
   const RasterScale small = fitScale({0, 0, 7, 3});
   EXPECT_EQ(small.across.pixelsPerCell, 48);
@@ -70,19 +90,90 @@ TEST(GatheredNumbersTest, WhatWasAddedFirstCounts) {
   };
   numbers.add({0, 0, 1, 1}, all(1));
   numbers.add({1, 0, 2, 1}, all(7));
-  EXPECT_EQ(numbers.count(), 6U);
+  EXPECT_EQ(numbers.values().size(), 6U);
   EXPECT_EQ(numbers.raster().at(1 * 48, 0), 1);
   EXPECT_EQ(numbers.raster().at(2 * 48, 0), 7);
 }
 
-long countPixels(const std::string& path, const Colour& colour) {
-  const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(
-      cairo_image_surface_create_from_png(path.c_str()), cairo_surface_destroy);
-  EXPECT_EQ(cairo_surface_status(surface.get()), CAIRO_STATUS_SUCCESS) << path;
+using Surface = std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)>;
+
+long countPixels(const Surface& surface, const Colour& colour) {
   const int size = cairo_image_surface_get_width(surface.get()) * cairo_image_surface_get_height(surface.get());
   const auto* const pixels = reinterpret_cast<const std::uint32_t*>(cairo_image_surface_get_data(surface.get()));
   const auto word = static_cast<std::uint32_t>(colour.red << 16 | colour.green << 8 | colour.blue);
   return std::count_if(pixels, pixels + size, [&](std::uint32_t pixel) { return (pixel & 0xFFFFFF) == word; });
+}
+
+long countPixels(const std::string& path, const Colour& colour) {
+  const Surface surface(cairo_image_surface_create_from_png(path.c_str()), cairo_surface_destroy);
+  EXPECT_EQ(cairo_surface_status(surface.get()), CAIRO_STATUS_SUCCESS) << path;
+  return countPixels(surface, colour);
+}
+
+long countPixels(const std::vector<unsigned char>& png, const Colour& colour) {
+  auto rest = std::make_pair(png.data(), png.data() + png.size());
+  const auto next = [](void* from, unsigned char* to, unsigned int length) {
+    auto& [at, end] = *static_cast<std::pair<const unsigned char*, const unsigned char*>*>(from);
+    if (end - at < static_cast<std::ptrdiff_t>(length)) return CAIRO_STATUS_READ_ERROR;
+    std::copy(at, at + length, to);
+    at += length;
+    return CAIRO_STATUS_SUCCESS;
+  };
+  const Surface surface(cairo_image_surface_create_from_png_stream(next, &rest), cairo_surface_destroy);
+  EXPECT_EQ(cairo_surface_status(surface.get()), CAIRO_STATUS_SUCCESS);
+  return countPixels(surface, colour);
+}
+
+// A picture without differences but for the cells that `mark` names.
+std::vector<unsigned char> drawZeros(const Rect& region, const std::vector<CellPair>& mark,
+                                     const std::vector<Outline>& outlines) {
+  GatheredNumbers numbers(region, Merge::kFarthestFromZero);
+  numbers.add(region, [](const CellRun& run, double* row) { std::fill(row, row + (run.right - run.left + 1), 0.0); });
+  for (const CellPair& cell : mark) numbers.mark(cell.x, cell.y);
+  Heatmap heatmap;
+  heatmap.palette = Palette::kDiverging;
+  heatmap.low = -1;
+  heatmap.outlines = outlines;
+  return drawSheet({"", {}, 1, {{&numbers.raster(), heatmap}}});
+}
+
+constexpr Colour kNoDifference{221, 221, 221};
+constexpr Colour kFrame{0, 0, 0};
+
+TEST(HeatmapPictureTest, OneCellOfAWholeScreenIsFramedAndNotHidden) {
+  const Rect screen{0, 0, 1919, 1079};
+  const auto plain = drawZeros(screen, {}, {});
+  for (const CellPair& cell : {CellPair{700, 500}, CellPair{0, 0}, CellPair{1919, 1079}}) {
+    const auto marked = drawZeros(screen, {cell}, {});
+    EXPECT_GE(countPixels(marked, kFrame) - countPixels(plain, kFrame), 16) << cell.x;
+    EXPECT_GE(countPixels(plain, kNoDifference) - countPixels(marked, kNoDifference), 16) << cell.x;
+  }
+  const auto alone = drawZeros({0, 0, 0, 0}, {{0, 0}}, {});
+  EXPECT_GE(countPixels(alone, kNoDifference), 48 * 48);
+}
+
+TEST(HeatmapPictureTest, OutlinesOfAreasThinOutAndGoBeforeTheyBuryTheCells) {
+  const auto coloured = [](std::int32_t size) {  // the share of the picture that still shows its cells
+    std::vector<Outline> outlines;
+    for (std::int32_t y = 0; y < 400; y += size) {
+      for (std::int32_t x = 0; x < 500; x += size) outlines.push_back({{x, y, x + size - 1, y + size - 1}, "", true});
+    }
+    const Rect region{0, 0, 499, 399};
+    return static_cast<double>(countPixels(drawZeros(region, {}, outlines), kNoDifference)) /
+           static_cast<double>(countPixels(drawZeros(region, {}, {}), kNoDifference));
+  };
+  for (const std::int32_t size : {100, 40, 20, 10, 5}) EXPECT_GT(coloured(size), 0.85) << size;
+  EXPECT_LT(coloured(100), 1);
+  EXPECT_NEAR(coloured(10), 1, 1e-3);
+}
+
+TEST(CanvasTest, TextsInScriptsThatTheFaceLacksComeFromOtherFonts) {
+  Canvas canvas(1, 1);
+  // Square characters; the box that stands for a missing one is narrower.
+  EXPECT_NEAR(canvas.textWidth("\u5DE6\u5C4F\u30B7", {20, false, {}}), 60, 1);
+  const std::string cut = canvas.shortened("\u5DE6\u5C4F\u30B7\u5DE6", 50, {20, false, {}});
+  EXPECT_EQ(cut, "\u5DE6\u2026");
+  EXPECT_GT(canvas.textWidth("\u0642\u0646\u0627\u0629", {20, false, {}}), 0);
 }
 
 constexpr long kCell = 48L * 48;  // pixels
@@ -142,6 +233,25 @@ TEST_F(PictureTest, WhatTheToleranceLetsPassIsDrawnAsNoDifference) {
   succeed("coef put b.db --type 1 --at 0,0 cells.npy");
   EXPECT_TRUE(contains(run("diff a.db b.db --atol 60 --heatmap t.png").out, ": 1 of 32 cells differ"));
   EXPECT_GE(countPixels(path("t.png"), kSame), 31 * kCell - kCell / 4);
+}
+
+TEST_F(PictureTest, ASheetHasAPictureOfEveryComponentAndOfEveryScreenThatLiesOnAnother) {
+  std::string cells(4 * 3, '\0');
+  for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = static_cast<char>(i % 3 == 1 ? 40 : i);
+  write("cells.npy", npy("|u1", "2, 2, 3", cells));
+  succeed("create wall.db --type 1");
+  for (const char* screen : {"left", "right"}) {
+    succeed("coef put wall.db --type 1 --screen " + std::string(screen) + " --at 0,0 cells.npy");
+  }
+  const Colour last = ColourMap(Palette::kSequential).at(1);
+  succeed("heatmap cells.npy -o array.png --range 0,40 --sheet");
+  const long one = countPixels(path("array.png"), last);
+  EXPECT_GE(one, 4 * kCell);  // one of three components
+  succeed("heatmap wall.db -o wall.png --type 1 --range 0,40 --sheet");
+  EXPECT_GE(countPixels(path("wall.png"), last), 8 * kCell);
+  succeed("heatmap wall.db -o left.png --type 1 --range 0,40 --sheet --screen left");
+  EXPECT_LT(countPixels(path("left.png"), last), 8 * kCell);
+  expectFailure(2, "excludes", "heatmap wall.db -o no.png --type 1 --sheet --component 1");
 }
 
 }  // namespace

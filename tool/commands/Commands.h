@@ -24,6 +24,7 @@ void addHeatmapCommand(CommandGroup& program);
 void addInfoCommand(CommandGroup& program);
 void addInspectCommand(CommandGroup& program);
 void addMeasureCommands(CommandGroup& program);  // measure put, list, get, clear
+void addReportCommand(CommandGroup& program);
 void addRewriteCommands(CommandGroup& program);  // rekey, upgrade
 void addSampleCommand(CommandGroup& program);
 void addScreenCommands(CommandGroup& program);  // screen add, list, delete

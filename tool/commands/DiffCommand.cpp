@@ -1,28 +1,21 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <functional>
-#include <limits>
 #include <new>
-#include <set>
 
-#include "tool/cells/CellNumbers.h"
-#include "tool/cells/NumberText.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/CellArguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/DifferencePicture.h"
 #include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/FileDifference.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
-#include "tool/pictures/GatheredNumbers.h"
-#include "tool/pictures/HeatmapPicture.h"
-#include "tool/pictures/HeatmapWords.h"
 #include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
@@ -33,8 +26,6 @@ namespace {
 constexpr int kDifferent = 1;
 constexpr ExitCode kTrouble = kUsage;  // 2
 
-constexpr double kPicturedPercent = 99;  // of the differences other than zero
-
 struct Options {
   std::string before;
   std::string after;
@@ -43,9 +34,7 @@ struct Options {
   std::optional<double> relative;
   FormOptions form;
   OutputOptions picture;
-  std::optional<std::int32_t> type;
-  std::string screen;
-  std::size_t component = 0;
+  DifferenceSubject drawn;
   bool json = false;
 
   std::optional<Tolerance> tolerance() const {
@@ -54,101 +43,7 @@ struct Options {
   }
 };
 
-// The picture of the differences of one number of every cell.
-class DifferencePicture {
- public:
-  DifferencePicture(Context& context, const Options& options, const FileComparison& files)
-      : options_(options),
-        output_(context.output, options.picture, options.before),
-        type_(typeOf(options, files)),
-        numbers_(regionOf(files), Merge::kFarthestFromZero) {}
-
-  // What counts as equal is drawn as equal.
-  void add(const StoredArea& area, const CellBlock& before, const CellBlock& after,
-           const std::optional<NumberForm>& form) {
-    if (!drawn(area)) return;
-    if (form) describe(*form, area.cellBytes);
-    if (before.bytes != nullptr && !form) {
-      throw ToolError(kUsage, "nothing tells the numbers of {}, type {}: say it with --dtype", toText(area), area.type);
-    }
-    numbers_.add(area.rect, [&](const CellRun& run, double* row) {
-      const std::size_t count = static_cast<std::size_t>(run.right - run.left) + 1;
-      std::fill(row, row + count, 0.0);
-      if (before.bytes == nullptr) return;
-      std::vector<double> minuend(count);
-      const Rect part{run.left, run.y, run.right, run.y};
-      readRow(before, *form, options_.component, part, run.y, row);
-      readRow(after, *form, options_.component, part, run.y, minuend.data());
-      std::transform(minuend.begin(), minuend.end(), row, row,
-                     [this](double late, double early) { return difference(early, late); });
-    });
-  }
-
-  void write() {
-    Heatmap heatmap;
-    heatmap.palette = Palette::kDiverging;
-    heatmap.title = fmt::format("{} - {}: type {}, component {}", nameOf(options_.after), nameOf(options_.before),
-                                type_, options_.component);
-    heatmap.label = form_.unit.empty() ? "difference" : form_.unit;
-    heatmap.textOf = [form = form_](double number) { return form.text(number); };
-    heatmap.outlines = outlines_;
-    setColours(numbers_, numbers_.balancedRange(kPicturedPercent), heatmap);
-    heatmap.notes = {
-        fmt::format("Colours span the percentile {} of differences other than 0.", numberText(kPicturedPercent)),
-        scaleNote(numbers_.raster().scale(), Merge::kFarthestFromZero)};
-    const auto png = drawHeatmap(numbers_.raster(), heatmap);
-    output_.write(png);
-    output_.commit();
-  }
-
- private:
-  void describe(const NumberForm& form, std::int32_t cellBytes) {
-    requireComponent(cellBytes, form.dtype, options_.component);
-    form_ = form;
-  }
-
-  double difference(double before, double after) const {
-    const auto tolerance = options_.tolerance();
-    if (tolerance && !differ(before, after, *tolerance)) return 0;
-    constexpr double kLargest = std::numeric_limits<double>::max();
-    const double apart = after - before;
-    return std::isfinite(before) && std::isfinite(after) ? std::clamp(apart, -kLargest, kLargest) : apart;
-  }
-
-  static std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
-
-  static std::int32_t typeOf(const Options& options, const FileComparison& files) {
-    if (options.type) return *options.type;
-    std::set<std::int32_t> types;
-    for (const StoredArea& area : files.commonAreas()) types.insert(area.type);
-    if (types.size() == 1) return *types.begin();
-    if (types.empty()) throw ToolError(kUsage, "the files have no block in common that could be drawn");
-    throw ToolError(kUsage, "say which blocks to draw with --type: both files have types {}", fmt::join(types, ", "));
-  }
-
-  bool drawn(const StoredArea& area) const {
-    return area.type == type_ && (options_.screen.empty() || area.screen == options_.screen);
-  }
-
-  Rect regionOf(const FileComparison& files) {
-    std::optional<Rect> region;
-    std::set<std::string> named;  // each screen once
-    for (const StoredArea& area : files.commonAreas()) {
-      if (!drawn(area)) continue;
-      region = region ? united(*region, area.rect) : area.rect;
-      outlines_.push_back({area.rect, named.insert(area.screen).second ? area.screen : "", true});
-    }
-    if (region) return *region;
-    throw ToolError(kUsage, "the files have no block of type {} in common to draw", type_);
-  }
-
-  const Options& options_;
-  ByteOutput output_;
-  std::int32_t type_;
-  NumberForm form_{parseDtype("float64"), {}, {}};  // as long as no block tells another
-  std::vector<Outline> outlines_;
-  GatheredNumbers numbers_;
-};
+std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
 std::string cellsText(const Difference& difference) {
   const BlockDifference& cells = difference.cells;
@@ -251,14 +146,21 @@ void diff(Context& context, const Options& options) {
   for (const std::string& file : {options.before, options.after}) requireOtherThanLog(context, file);
   FileComparison files(context.options.access, {options.before, key}, {options.after, keyAfter});
   std::optional<DifferencePicture> picture;
-  if (!options.picture.path.empty()) picture.emplace(context, options, files);
+  std::optional<ByteOutput> output;
+  if (!options.picture.path.empty()) {
+    output.emplace(context.output, options.picture, options.before);
+    picture.emplace(options.drawn, Comparing{options.form, options.tolerance()}, files.commonAreas());
+  }
 
   const VisitBlock visit = [&](const StoredArea& area, const CellBlock& before, const CellBlock& after,
                                const std::optional<NumberForm>& form) {
     if (picture) picture->add(area, before, after, form);
   };
   const auto differences = files.compare({options.form, options.tolerance()}, visit);
-  if (picture) picture->write();
+  if (picture) {
+    output->write(picture->png(fmt::format("{} - {}", nameOf(options.after), nameOf(options.before))));
+    output->commit();
+  }
   context.output.print(report(differences, options));
   context.output.finish();
   context.code = differences.empty() ? kDone : kDifferent;
@@ -279,14 +181,15 @@ std::string bothFiles(const Options& options) { return options.before + " " + op
 
 void addPictureOptions(CLI::App& command, Options& options) {
   CLI::Option* picture =
-      command.add_option("--heatmap", options.picture.path, "Draw the differences of one number of every cell (PNG)")
+      command.add_option("--heatmap", options.picture.path, "Draw the differences of the numbers of cells (PNG)")
           ->type_name("FILE");
   command.add_flag("--force", options.picture.force, "Replace the picture if it exists")->needs(picture);
-  command.add_option("--type", options.type, "Of the blocks to draw, when there are several")->needs(picture);
-  command.add_option("--screen", options.screen, "Draw only this screen")->needs(picture);
-  command.add_option("--component", options.component, "Which number of each cell to draw, from 0")
-      ->capture_default_str()
-      ->needs(picture);
+  command.add_option("--type", options.drawn.type, "Of the blocks to draw, when there are several")->needs(picture);
+  command.add_option("--screen", options.drawn.screen, "Draw only this screen")->needs(picture);
+  CLI::Option* component =
+      command.add_option("--component", options.drawn.component, "Which number of each cell to draw, from 0");
+  component->capture_default_str()->needs(picture);
+  command.add_flag("--sheet", options.drawn.sheet, "Draw all numbers of a cell")->excludes(component)->needs(picture);
 }
 
 }  // namespace
@@ -300,6 +203,7 @@ void addDiffCommand(CommandGroup& program) {
       "not the times and the keys of rows. Without a tolerance cells differ when a bit does.\n"
       "Numbers, tolerances and the picture are scaled where the form that is kept with the blocks says so.\n"
       "The picture shows B - A in cool to warm colours, zero in the middle; what a tolerance lets pass is drawn as 0.\n"
+      "Cells that differ are counted below it, and framed in black.\n"
       "Regions of more than 1280 x 800 cells are made smaller: a pixel then shows the largest difference of its "
       "cells.");
   command.add_option("A", options.before, "The first database file")->required();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
+#include <numeric>
 
 #include "tool/cells/CellBlock.h"
 #include "tool/cells/CellNumbers.h"
@@ -21,7 +23,7 @@
 #include "tool/io/TextList.h"
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
-#include "tool/pictures/HeatmapWords.h"
+#include "tool/pictures/SheetLayout.h"
 #include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
@@ -37,6 +39,7 @@ struct Options {
   bool wall = false;
   FormOptions form;
   std::size_t component = 0;
+  bool sheet = false;
   std::optional<NumberRange> range;
   std::optional<NumberRange> percentiles;
   std::string title;
@@ -47,6 +50,13 @@ bool isArray(const std::string& path) {
   std::ifstream(pathOf(path), std::ios::binary).read(start, sizeof start);
   return std::string(start, sizeof start) == "\x93NUMPY";
 }
+
+// Everything that is drawn.
+struct Picture {
+  PanelPlan plan;
+  std::vector<PanelNumbers> panels;
+  std::string title;
+};
 
 void addCells(GatheredNumbers& numbers, const Rect& rect, const CellBlock& cells, const NumberForm& form,
               std::size_t component) {
@@ -59,12 +69,24 @@ void addCells(GatheredNumbers& numbers, const Rect& rect, const CellBlock& cells
 std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
 // How the picture says its numbers.
-void describe(const NumberForm& form, const Options& options, Heatmap& heatmap) {
-  heatmap.label = form.unit.empty() ? fmt::format("component {}", options.component) : form.unit;
-  heatmap.textOf = [form](double number) { return form.text(number); };
+void describe(const NumberForm& form, PanelNumbers& panel) {
+  panel.heatmap.label = form.unit.empty() ? fmt::format("component {}", panel.component) : form.unit;
+  panel.heatmap.textOf = [form](double number) { return form.text(number); };
 }
 
-GatheredNumbers fromArray(const Options& options, Heatmap& heatmap) {
+std::vector<std::size_t> componentsToDraw(const Options& options, std::int32_t cellBytes, const NumberForm& form) {
+  if (!options.sheet) return {options.component};
+  std::vector<std::size_t> components(valuesPerCell(cellBytes, form.dtype));
+  std::iota(components.begin(), components.end(), std::size_t{0});
+  return components;
+}
+
+std::string titleOf(const Options& options, const std::string& subject) {
+  if (!options.title.empty()) return options.title;
+  return subject + (options.sheet ? "all components" : fmt::format("component {}", options.component));
+}
+
+Picture fromArray(const Options& options) {
   if (options.type || options.wall || options.form.dtype || !options.screen.empty()) {
     throw ToolError(kUsage,
                     "it is an array, which tells its own type and has no screens: leave out --type, --dtype, "
@@ -77,11 +99,37 @@ GatheredNumbers fromArray(const Options& options, Heatmap& heatmap) {
   if (!holds(cells.rect, region)) {
     throw ToolError(kUsage, "the rectangle {} lies outside the array, {}", toText(region), toText(cells.rect));
   }
-  GatheredNumbers numbers(region, Merge::kMean);
-  addCells(numbers, region, cells, form, options.component);
-  describe(form, options, heatmap);
-  heatmap.title = fmt::format("{}: component {}", nameOf(options.file), options.component);
-  return numbers;
+  const auto components = componentsToDraw(options, cells.cellBytes, form);
+  Picture picture{{1, components.size()}, {}, titleOf(options, nameOf(options.file) + ": ")};
+  requirePanels(picture.plan);
+  for (const std::size_t component : components) {
+    picture.panels.push_back({"", component, GatheredNumbers(region, Merge::kMean, picture.plan.limits()), {}});
+    addCells(picture.panels.back().numbers, region, cells, form, component);
+    describe(form, picture.panels.back());
+  }
+  return picture;
+}
+
+// The screens that are drawn together, and their areas: all of them, or one alone.
+struct Group {
+  std::string screen;  // empty: all
+  std::vector<StoredScreen> screens;
+  std::vector<StoredArea> areas;
+};
+
+// Where screens are found by name, each has cells of its own: those that would lie on one another are drawn apart.
+std::vector<Group> groupsOf(bool byName, const std::vector<StoredScreen>& screens,
+                            const std::vector<StoredArea>& areas) {
+  if (!byName || !screensShareCells(areas)) return {{"", screens, areas}};
+  std::vector<Group> groups;
+  for (const StoredScreen& screen : screens) {
+    Group group{screen.name, {screen}, {}};
+    std::copy_if(areas.begin(), areas.end(), std::back_inserter(group.areas),
+                 [&](const StoredArea& area) { return area.screenId == screen.id; });
+    if (!group.areas.empty()) groups.push_back(std::move(group));
+  }
+  if (groups.empty()) return {{"", screens, areas}};  // areas of screens that do not exist
+  return groups;
 }
 
 Rect regionOf(const Options& options, const std::vector<StoredScreen>& screens, const std::vector<StoredArea>& areas) {
@@ -124,21 +172,59 @@ void requireSomething(const Rect& region, const std::vector<StoredScreen>& scree
                   insteadOf(region, areas));
 }
 
-// Each area is read once, unless earlier ones hide it. One alone may be large and little of it drawn: the library then
-// deciphers no more than that.
-void gather(Session& session, const std::vector<StoredArea>& areas, const Options& options, GatheredNumbers& numbers) {
+// Each area is read once for all panels, unless earlier ones hide it. One alone may be large and little of it drawn:
+// the library then deciphers no more than that. Whether areas overlap.
+bool gather(Session& session, const std::vector<StoredArea>& areas, const Options& options,
+            const std::vector<PanelNumbers*>& panels) {
+  const GatheredNumbers& first = panels.front()->numbers;
   bool overlap = false;
   for (const StoredArea& area : areas) {
-    const Rect part = *common(area.rect, numbers.raster().region());
-    overlap = overlap || numbers.covered().meets(part);
-    if (numbers.covered().holds(part)) continue;
+    const Rect part = *common(area.rect, first.raster().region());
+    overlap = overlap || first.covered().meets(part);
+    if (first.covered().holds(part)) continue;
     const CellBlock cells = areas.size() == 1 ? readCells(session, area, part) : readBlock(session, area);
-    addCells(numbers, part, cells, requireForm({area}, options.form), options.component);
+    const NumberForm form = requireForm({area}, options.form);
+    for (PanelNumbers* panel : panels) addCells(panel->numbers, part, cells, form, panel->component);
   }
-  if (overlap) message("note: areas overlap; where they do, the one that was stored first is drawn");
+  return overlap;
 }
 
-GatheredNumbers fromDatabase(Context& context, const Options& options, Heatmap& heatmap) {
+// Adds the panels of one group. Whether its areas overlap.
+bool drawGroup(Session& session, const Group& group, const Rect& region, const Options& options, Picture& picture) {
+  const auto drawn = areasMeeting(group.areas, region);
+  const NumberForm form = requireForm({drawn.front()}, options.form);
+  const std::size_t first = picture.panels.size();
+  for (const std::size_t component : componentsToDraw(options, drawn.front().cellBytes, form)) {
+    GatheredNumbers numbers(region, Merge::kMean, picture.plan.limits());
+    PanelNumbers& panel = picture.panels.emplace_back(PanelNumbers{group.screen, component, std::move(numbers), {}});
+    describe(form, panel);
+    panel.heatmap.outlines = outlinesOf(options, region, group.screens, drawn);
+  }
+  std::vector<PanelNumbers*> panels;
+  for (std::size_t i = first; i < picture.panels.size(); ++i) panels.push_back(&picture.panels[i]);
+  return gather(session, drawn, options, panels);
+}
+
+Picture drawGroups(Session& session, const std::vector<Group>& groups, const Options& options) {
+  const StoredArea& first = groups.front().areas.front();
+  const auto components = options.sheet
+                              ? componentsToDraw(options, first.cellBytes, requireForm({first}, options.form)).size()
+                              : std::size_t{1};
+  Picture picture{{groups.size(), components}, {}, {}};
+  requirePanels(picture.plan);
+  bool overlap = false;
+  for (const Group& group : groups) {
+    const Rect region = regionOf(options, group.screens, group.areas);
+    overlap = drawGroup(session, group, region, options, picture) || overlap;
+  }
+  if (picture.panels.size() != picture.plan.count()) {
+    throw ToolError(kUsage, "the cells of the screens have different numbers of components: say which with --screen");
+  }
+  if (overlap) message("note: areas overlap; where they do, the one that was stored first is drawn");
+  return picture;
+}
+
+Picture fromDatabase(Context& context, const Options& options) {
   if (!options.type) throw ToolError(kUsage, "a database takes --type");
   Session session = openDatabase(context, options.file);
   const auto screens = storedScreens(session);
@@ -147,35 +233,34 @@ GatheredNumbers fromDatabase(Context& context, const Options& options, Heatmap& 
   const auto areas = areasOfType(session, *options.type, options.screen);
   const Rect region = regionOf(options, screens, areas);
   requireSomething(region, screens, areas);
-  GatheredNumbers numbers(region, Merge::kMean);
-  const auto drawn = areasMeeting(areas, region);
-  gather(session, drawn, options, numbers);
+  const bool byName = session.manager().getDBType() == 1;
+  Picture picture = drawGroups(session, groupsOf(byName, screens, areasMeeting(areas, region)), options);
   session.close();
-  describe(requireForm({drawn.front()}, options.form), options, heatmap);
-  heatmap.outlines = outlinesOf(options, region, screens, drawn);
-  heatmap.title = fmt::format("{}: type {}, component {}{}", nameOf(options.file), *options.type, options.component,
-                              options.screen.empty() ? "" : ", screen " + options.screen);
-  return numbers;
+  picture.title = titleOf(options, fmt::format("{}: type {}, {}", nameOf(options.file), *options.type,
+                                               options.screen.empty() ? "" : "screen " + options.screen + ", "));
+  return picture;
 }
 
-void colourValues(const Options& options, const GatheredNumbers& numbers, Heatmap& heatmap) {
+// Sets the colours, and says how.
+std::string colourValues(const Options& options, Picture& picture) {
   const NumberRange percents = options.percentiles.value_or(NumberRange(1, 99));
-  setColours(numbers, options.range ? *options.range : numbers.percentileRange(percents), heatmap);
-  heatmap.notes.push_back(options.range
-                              ? "Colours span the range that was given."
-                              : fmt::format("Colours span the percentiles {} to {} of {} cells.",
-                                            numberText(percents.first), numberText(percents.second), numbers.count()));
+  std::size_t cells = 0;  // of one component
+  for (const PanelNumbers& panel : picture.panels) cells += panel.numbers.values().size();
+  cells /= picture.plan.components;
+  setColours(picture.panels, [&](const std::vector<double>& values) {
+    return options.range ? *options.range : percentileRange(values, percents);
+  });
+  if (options.range) return "Colours span the range that was given.";
+  return fmt::format("{} the percentiles {} to {} of {} cells.",
+                     picture.plan.components > 1 ? "Each component's colours span" : "Colours span",
+                     numberText(percents.first), numberText(percents.second), cells);
 }
 
 void heatmap(Context& context, const Options& options) {
   ByteOutput output(context.output, options.output, options.file);
-  Heatmap picture;
-  const GatheredNumbers numbers =
-      isArray(options.file) ? fromArray(options, picture) : fromDatabase(context, options, picture);
-  if (!options.title.empty()) picture.title = options.title;
-  colourValues(options, numbers, picture);
-  picture.notes.push_back(scaleNote(numbers.raster().scale(), Merge::kMean));
-  const auto png = drawHeatmap(numbers.raster(), picture);
+  Picture picture = isArray(options.file) ? fromArray(options) : fromDatabase(context, options);
+  const std::string colours = colourValues(options, picture);
+  const auto png = drawSheet(sheetOf(picture.plan, picture.panels, Merge::kMean, picture.title, {colours}));
   output.write(png);
   output.commit();
 }
@@ -184,12 +269,13 @@ void heatmap(Context& context, const Options& options) {
 
 void addHeatmapCommand(CommandGroup& program) {
   const auto [command, options] =
-      program.add("heatmap", "Draw one number of every cell as a PNG picture", &Options::file, heatmap);
+      program.add("heatmap", "Draw the numbers of cells as a PNG picture", &Options::file, heatmap);
   command.footer(
       "Examples:\n"
       "  tovrdb heatmap wall.db -o wall.png --type 1 --wall --scale 1/16384 --unit 'gain of red'\n"
       "  tovrdb heatmap block.npy -o block.png --component 4 --range 0,16384\n\n"
       "Without --rect, --screen and --wall the only area of the type is drawn, of several the whole wall.\n"
+      "Screens of a type-1 database that lie on one another are drawn side by side.\n"
       "Colours are viridis. Cells beyond the range get the end's colour, and the bar's pointed end tells how far they\n"
       "go; hatched grey means no cells. Regions of more than 1280 x 800 cells are made smaller: a pixel then shows "
       "the\n"
@@ -199,7 +285,11 @@ void addHeatmapCommand(CommandGroup& program) {
   command.add_option("--type", options.type, "The coefficient type, in databases");
   addForm(command, options.form,
           "Type of the numbers in a cell, in databases (uint16, float32, ...) [as kept with the block]");
-  command.add_option("--component", options.component, "Which number of each cell, from 0")->capture_default_str();
+  CLI::Option* component =
+      command.add_option("--component", options.component, "Which number of each cell, from 0")->capture_default_str();
+  command
+      .add_flag("--sheet", options.sheet, "All numbers of a cell, each with colours of its own unless --range is given")
+      ->excludes(component);
   CLI::Option* rect = addRect(command, options.rect, "Only these cells, both edges inclusive");
   CLI::Option* screen = command.add_option("--screen", options.screen, "Only this screen");
   command.add_flag("--wall", options.wall, "All screens in their places")->excludes(rect)->excludes(screen);

@@ -20,16 +20,6 @@ namespace {
 constexpr char kTableSchema[] =
     "select name, sql from sqlite_master where type = 'table' and name not like 'sqlite_%' order by name";
 
-// From here on one state of the file is read, whoever else writes to it. After a page that could not be read the
-// engine refuses every other until its transaction has ended.
-void beginAgain(Session& session) {
-  session.connection().exec("rollback");  // fails where there is none
-  session.beginReading();
-}
-
-// What says nothing about the file.
-bool isNoFault(const ToolError& error) { return error.code() == kInterrupted || error.code() == kBusy; }
-
 // Runs one check; what ends it is its last fault.
 template <class Check>
 Verdict verdictOf(Session& session, const std::string& name, Check check) {
@@ -188,6 +178,12 @@ void checkCounters(Session& session, Verdict& verdict) {
 }  // namespace
 
 std::vector<Row> schemaOf(Session& session) { return queryRows(session.connection(), kTableSchema); }
+bool isNoFault(const ToolError& error) { return error.code() == kInterrupted || error.code() == kBusy; }
+
+void beginAgain(Session& session) {
+  session.connection().exec("rollback");  // fails where there is none
+  session.beginReading();
+}
 
 std::vector<Row> expectedSchema(const std::string& plugin) {
   Session session = Session::openMemory(plugin);

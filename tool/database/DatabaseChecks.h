@@ -8,6 +8,7 @@
 #include "tool/database/SqlQuery.h"
 #include "tool/database/Verdict.h"
 #include "tool/io/Progress.h"
+#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 
@@ -18,6 +19,13 @@ std::vector<Row> expectedSchema(const std::string& plugin);
 
 // Bytes that checkDatabase reads, as it reports them to `progress`.
 std::uint64_t bytesToCheck(Session& session);
+
+// What says nothing about the file: an interrupt, another program that keeps it busy.
+bool isNoFault(const ToolError& error);
+
+// From here on one state of the file is read, whoever else writes to it. After a page that could not be read the engine
+// refuses every other until then.
+void beginAgain(Session& session);
 
 // What is wrong with the pages of an open file: nothing where it is whole.
 std::vector<std::string> pageFaults(Session& session);

@@ -100,7 +100,7 @@ class Exporter {
   }
 
   Json writeFile(const std::string& name, const char* form, const std::string& header, const Bytes& bytes) {
-    FileOutput file(folder_.file(name), Existing::kRefuse, Flushing::kByFolder);
+    FileOutput file(folder_.file(name), Existing::kRefuse, Readers::kAsUsual, Flushing::kByFolder);
     file.write(header.data(), header.size());
     file.write(bytes.data(), bytes.size());
     file.commit();
@@ -135,7 +135,7 @@ ExportReport exportFolder(Session& session, const std::string& path, Existing ex
   {
     Exporter exporter(session, folder, dtype);
     const std::string manifest = jsonText(exporter.everything());
-    FileOutput file(folder.file(kManifestName), Existing::kRefuse, Flushing::kByFolder);
+    FileOutput file(folder.file(kManifestName), Existing::kRefuse, Readers::kAsUsual, Flushing::kByFolder);
     file.write(manifest.data(), manifest.size());
     file.commit();
     report.payloadFiles = exporter.files();

@@ -147,6 +147,10 @@ std::vector<Placement> placements(Session& session) { return placementsThat(sess
 
 std::vector<StoredArea> storedAreas(Session& session) { return withBlocks(session, placements(session), "1"); }
 
+StoredArea storedArea(Session& session, const Placement& placement) {
+  return withBlocks(session, {placement}, fmt::format("id = {}", placement.id)).front();
+}
+
 void requireSound(const Rect& rect, const std::string& whose) {
   if (isSound(rect)) return;
   ToolError error(kFileProblem, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
@@ -173,7 +177,7 @@ std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, con
                                         const Rect& rect) {
   const auto placement = answeringPlacement(session, type, screen, rect);
   if (!placement) return std::nullopt;
-  return withBlocks(session, {*placement}, fmt::format("id = {}", placement->id)).front();
+  return storedArea(session, *placement);
 }
 
 const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect) {
@@ -185,6 +189,19 @@ const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::op
       std::find_if(areas.begin(), areas.end(), [&](const StoredArea& area) { return holds(area.rect, *rect); });
   if (found != areas.end()) return *found;
   throw libraryError(tovr::kNoMatchingArea, fmt::format("asked for {}; there are {}", toText(*rect), listed(areas)));
+}
+
+bool screensShareCells(const std::vector<StoredArea>& areas) {
+  std::map<std::int64_t, Rect> rects;  // by screen
+  for (const StoredArea& area : areas) {
+    const auto [entry, fresh] = rects.emplace(area.screenId, area.rect);
+    entry->second = united(entry->second, area.rect);
+  }
+  for (auto one = rects.begin(); one != rects.end(); ++one) {
+    const auto meets = [&](const auto& other) { return common(one->second, other.second).has_value(); };
+    if (std::any_of(std::next(one), rects.end(), meets)) return true;
+  }
+  return false;
 }
 
 std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {

@@ -38,6 +38,9 @@ struct StoredArea : Placement {
 std::vector<Placement> placements(Session& session);
 std::vector<StoredArea> storedAreas(Session& session);
 
+// One of them alone, where another's rows cannot be read. Throws ToolError on failure.
+StoredArea storedArea(Session& session, const Placement& placement);
+
 // Throws ToolError for a rectangle, of an area or a screen, in which no cells can lie.
 void requireSound(const Rect& rect, const std::string& whose);
 
@@ -53,6 +56,10 @@ std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, con
 // The one that is meant: without a rectangle the only one, else the first that holds it. Throws ToolError, which lists
 // them, when that names none or several.
 const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect);
+
+// Whether areas of different screens lie on one another, as they may where screens are found by name: each screen then
+// has cells of its own.
+bool screensShareCells(const std::vector<StoredArea>& areas);
 
 // What to say where no single area holds the rectangle: those that overlap it, else all of them.
 std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas);

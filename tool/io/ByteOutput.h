@@ -20,7 +20,8 @@ class ByteOutput {
  public:
   // Throws ToolError where the destination takes nothing, and where it is `source`, the file that the bytes come from
   // (if any): asked before the work, not after.
-  ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
+  ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source,
+             Readers readers = Readers::kAsUsual);
 
   // Throws ToolError where a new file is to hold `bytes` and the disk has no room for them, unless told to replace
   // whatever there is.

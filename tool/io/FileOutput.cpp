@@ -71,7 +71,7 @@ std::string temporaryNameBeside(const std::string& path) {
   return name;
 }
 
-FileOutput::FileOutput(const std::string& path, Existing existing, Flushing flushing)
+FileOutput::FileOutput(const std::string& path, Existing existing, Readers readers, Flushing flushing)
     : path_(followedLink(path)),
       existing_(existing),
       flushing_(flushing),
@@ -83,7 +83,7 @@ FileOutput::FileOutput(const std::string& path, Existing existing, Flushing flus
     requireReplaceable(path_, existing);
     const std::string name = temporaryNameBeside(path_);
     removed_.emplace(name);
-    file_ = createNew(name);
+    file_ = createNew(name, readers);
     if (file_ != nullptr) temporary_ = name;
   }
   if (file_ == nullptr) fail("create");

@@ -40,7 +40,8 @@ void moveIntoPlace(const std::string& temporary, const std::string& path, Existi
 class FileOutput {
  public:
   // Throws ToolError when `path` exists and may not be replaced, and when its folder takes no new file.
-  FileOutput(const std::string& path, Existing existing, Flushing flushing = Flushing::kAtCommit);
+  FileOutput(const std::string& path, Existing existing, Readers readers = Readers::kAsUsual,
+             Flushing flushing = Flushing::kAtCommit);
   FileOutput(const FileOutput&) = delete;
   FileOutput& operator=(const FileOutput&) = delete;
   // Removes what was not committed; so does an interrupt.

@@ -28,6 +28,10 @@ bool begins(const fs::path& path, const fs::path& folder) {
 
 std::string jsonText(const Json& value) { return value.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"; }
 
+std::string validText(const std::string& text) {
+  return Json::parse(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace)).get<std::string>();
+}
+
 Json readJson(const std::string& path) {
   std::error_code error;
   if (fs::file_size(pathOf(path), error) > kMostBytes && !error) {

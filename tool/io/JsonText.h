@@ -14,6 +14,9 @@ using Json = nlohmann::ordered_json;
 // Text to print; bytes that are not UTF-8 are shown as replacement characters.
 std::string jsonText(const Json& value);
 
+// The text with bytes that are not UTF-8 replaced.
+std::string validText(const std::string& text);
+
 // The JSON in the file at `path`.
 Json readJson(const std::string& path);
 

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
+
+#include "tool/cells/NumberText.h"
 
 namespace tovrtool {
 namespace {
@@ -52,10 +55,22 @@ std::string tickText(double value, double step) {
   const double size = std::max(std::abs(value), step);
   if (value != 0 && (size >= kPowerFrom || step < kPowerBelow)) {
     const int digits = static_cast<int>(std::lround(std::floor(std::log10(size)) - std::floor(std::log10(step)))) + 1;
-    return fmt::format("{:.{}g}", value, std::clamp(digits, 1, 15));
+    return fmt::format("{:.{}g}", value, std::clamp(digits, 1, 17));
   }
   const int decimals = std::clamp(static_cast<int>(-std::floor(std::log10(step) + 1e-9)), 0, 15);
   return fmt::format("{:.{}f}", value == 0 ? 0.0 : value, decimals);
+}
+
+std::vector<TickLabel> barLabels(double low, double high, int most) {
+  const Ticks ticks = roundTicks(low, high, most);
+  std::vector<TickLabel> labels;
+  std::set<std::string> texts;
+  for (const double value : ticks.values) {
+    labels.push_back({value, tickText(value, ticks.step)});
+    texts.insert(labels.back().text);
+  }
+  if (labels.size() >= 2 && texts.size() == labels.size()) return labels;
+  return {{low, numberText(low)}, {high, numberText(high)}};
 }
 
 }  // namespace tovrtool

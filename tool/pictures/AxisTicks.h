@@ -21,4 +21,13 @@ Ticks wholeTicks(double low, double high, int most);
 // With as many decimals as a difference of `step` takes, as a power of ten where that is shorter.
 std::string tickText(double value, double step);
 
+struct TickLabel {
+  double value = 0;
+  std::string text;
+};
+
+// The labels of a colour bar: at round numbers, or at its two ends where fewer than two of those lie on it. No two read
+// alike, however long their numbers. REQUIRES: as of roundTicks.
+std::vector<TickLabel> barLabels(double low, double high, int most);
+
 }  // namespace tovrtool

@@ -1,19 +1,20 @@
 #include "tool/pictures/Canvas.h"
 
 #include <cairo.h>
+#include <pango/pangocairo.h>
 
 #include <cstddef>
 #include <cstring>
 #include <new>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "tool/io/JsonText.h"
 #include "tool/io/Message.h"
 
 namespace tovrtool {
 namespace {
 
-constexpr const char* kFontFamily = "DejaVu Sans";  // another sans-serif face where it is missing
+constexpr const char* kFontFamily = "DejaVu Sans, sans-serif";  // what it lacks comes from other faces
 constexpr const char* kEllipsis = "\u2026";
 
 void require(cairo_status_t status) {
@@ -23,13 +24,14 @@ void require(cairo_status_t status) {
 }
 
 // Independent of the settings of the desktop, so that a picture is the same everywhere.
-void setTextRendering(cairo_t* context) {
+void setTextRendering(PangoContext* context) {
   cairo_font_options_t* options = cairo_font_options_create();
   cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
   cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
   cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-  cairo_set_font_options(context, options);
+  pango_cairo_context_set_font_options(context, options);
   cairo_font_options_destroy(options);
+  pango_context_set_round_glyph_positions(context, FALSE);
 }
 
 void path(cairo_t* context, const Box& box) { cairo_rectangle(context, box.x, box.y, box.width, box.height); }
@@ -50,36 +52,44 @@ void Canvas::SurfaceDeleter::operator()(_cairo_surface* surface) const { cairo_s
 
 void Canvas::ContextDeleter::operator()(_cairo* context) const { cairo_destroy(context); }
 
+void Canvas::LayoutDeleter::operator()(_PangoLayout* layout) const { g_object_unref(layout); }
+
 Canvas::Canvas(int width, int height) : surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)) {
   require(cairo_surface_status(surface_.get()));
   context_.reset(cairo_create(surface_.get()));
   require(cairo_status(context_.get()));
-  setTextRendering(context_.get());
+  layout_.reset(pango_cairo_create_layout(context_.get()));
+  setTextRendering(pango_layout_get_context(layout_.get()));
+  pango_layout_set_single_paragraph_mode(layout_.get(), TRUE);
   cairo_set_source_rgb(context_.get(), 1, 1, 1);
   cairo_paint(context_.get());
 }
 
 Canvas::~Canvas() = default;
 
-std::string Canvas::drawable(const std::string& text) {
-  using Json = nlohmann::json;  // its writer is what replaces broken UTF-8
-  const std::string quoted = Json(printable(text)).dump(-1, ' ', false, Json::error_handler_t::replace);
-  return Json::parse(quoted).get<std::string>();
+void Canvas::moveOrigin(int x, int y) {
+  cairo_identity_matrix(context_.get());
+  cairo_translate(context_.get(), x, y);
+  originX_ = x;
+  originY_ = y;
 }
 
+std::string Canvas::drawable(const std::string& text) { return validText(printable(text)); }
+
 double Canvas::textWidth(const std::string& text, const Font& font) {
-  use(font);
-  cairo_text_extents_t extents;
-  cairo_text_extents(context_.get(), drawable(text).c_str(), &extents);
-  return extents.x_advance;
+  lay(text, font);
+  PangoRectangle extents;
+  pango_layout_get_extents(layout_.get(), nullptr, &extents);
+  return pango_units_to_double(extents.width);
 }
 
 void Canvas::text(const std::string& text, double x, double y, Align align, const Font& font) {
   const double width = textWidth(text, font);
   const double shift = align == Align::kLeft ? 0 : align == Align::kMiddle ? width / 2 : width;
   use(font.colour);
-  cairo_move_to(context_.get(), x - shift, y);
-  cairo_show_text(context_.get(), drawable(text).c_str());
+  cairo_move_to(context_.get(), x - shift, y - pango_units_to_double(pango_layout_get_baseline(layout_.get())));
+  pango_cairo_update_layout(context_.get(), layout_.get());
+  pango_cairo_show_layout(context_.get(), layout_.get());
 }
 
 void Canvas::turnedText(const std::string& text, double x, double y, const Font& font) {
@@ -91,12 +101,18 @@ void Canvas::turnedText(const std::string& text, double x, double y, const Font&
 }
 
 std::string Canvas::shortened(const std::string& text, double width, const Font& font) {
-  std::string kept = drawable(text);
-  if (textWidth(kept, font) <= width) return kept;
-  while (!kept.empty() && textWidth(kept + kEllipsis, font) > width) {
-    while (kept.size() > 1 && (static_cast<unsigned char>(kept.back()) & 0xC0) == 0x80) kept.pop_back();
-    kept.pop_back();
+  std::string whole = drawable(text);
+  if (textWidth(whole, font) <= width) return whole;
+  const auto firstBytes = [&](std::size_t count) {  // without a part of a character
+    while (count > 0 && (static_cast<unsigned char>(whole[count]) & 0xC0) == 0x80) --count;
+    return whole.substr(0, count);
+  };
+  std::size_t fits = 0;
+  for (std::size_t tooMany = whole.size(); fits + 1 < tooMany;) {
+    const std::size_t half = fits + (tooMany - fits) / 2;
+    (textWidth(firstBytes(half) + kEllipsis, font) <= width ? fits : tooMany) = half;
   }
+  const std::string kept = firstBytes(fits);
   return kept.empty() ? kept : kept + kEllipsis;
 }
 
@@ -142,7 +158,7 @@ void Canvas::pixels(int x, int y, int width, const std::vector<Colour>& colours)
     const auto column = static_cast<std::ptrdiff_t>(i % static_cast<std::size_t>(width));
     const Colour& colour = colours[i];
     const std::uint32_t word = static_cast<std::uint32_t>(colour.red << 16 | colour.green << 8 | colour.blue);
-    std::memcpy(surface + (y + row) * stride + (x + column) * 4, &word, sizeof word);
+    std::memcpy(surface + (originY_ + y + row) * stride + (originX_ + x + column) * 4, &word, sizeof word);
   }
   cairo_surface_mark_dirty(surface_.get());
 }
@@ -162,10 +178,14 @@ std::vector<unsigned char> Canvas::png() {
   return bytes;
 }
 
-void Canvas::use(const Font& font) {
-  cairo_select_font_face(context_.get(), kFontFamily, CAIRO_FONT_SLANT_NORMAL,
-                         font.bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-  cairo_set_font_size(context_.get(), font.size);
+void Canvas::lay(const std::string& text, const Font& font) {
+  PangoFontDescription* const description = pango_font_description_new();
+  pango_font_description_set_family_static(description, kFontFamily);
+  pango_font_description_set_weight(description, font.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+  pango_font_description_set_absolute_size(description, font.size * PANGO_SCALE);
+  pango_layout_set_font_description(layout_.get(), description);
+  pango_font_description_free(description);
+  pango_layout_set_text(layout_.get(), drawable(text).c_str(), -1);
 }
 
 void Canvas::use(const Colour& colour, double opacity) {

@@ -10,6 +10,7 @@
 
 struct _cairo;          // NOLINT(bugprone-reserved-identifier): the names are cairo's
 struct _cairo_surface;  // NOLINT(bugprone-reserved-identifier)
+struct _PangoLayout;    // NOLINT(bugprone-reserved-identifier): and Pango's
 
 namespace tovrtool {
 
@@ -40,7 +41,8 @@ struct Point {
   double y = 0;
 };
 
-// Lengths are pixels, from the left and the top. Every failure of the drawing library is kept until png().
+// Lengths are pixels, from the left and the top. Text is laid out by Pango: a script that the face lacks comes from any
+// installed font that has it. Every failure of the drawing library is kept until png().
 class Canvas {
  public:
   // White. Throws std::runtime_error when the surface cannot be made.
@@ -48,6 +50,9 @@ class Canvas {
   Canvas(const Canvas&) = delete;
   Canvas& operator=(const Canvas&) = delete;
   ~Canvas();
+
+  // What is drawn from here on counts its lengths from there.
+  void moveOrigin(int x, int y);
 
   // The text as it can be drawn: what is not text (control characters, broken UTF-8) is replaced.
   static std::string drawable(const std::string& text);
@@ -80,11 +85,18 @@ class Canvas {
     void operator()(_cairo* context) const;
   };
 
-  void use(const Font& font);
+  struct LayoutDeleter {
+    void operator()(_PangoLayout* layout) const;
+  };
+
+  void lay(const std::string& text, const Font& font);
   void use(const Colour& colour, double opacity = 1);
 
   std::unique_ptr<_cairo_surface, SurfaceDeleter> surface_;
   std::unique_ptr<_cairo, ContextDeleter> context_;
+  std::unique_ptr<_PangoLayout, LayoutDeleter> layout_;
+  int originX_ = 0;
+  int originY_ = 0;
 };
 
 }  // namespace tovrtool

@@ -8,6 +8,15 @@
 #include "tool/cells/Statistics.h"
 
 namespace tovrtool {
+namespace {
+
+NumberRange extremesOf(const std::vector<double>& values) {
+  if (values.empty()) return {0, 0};
+  const auto [least, most] = std::minmax_element(values.begin(), values.end());
+  return {*least, *most};
+}
+
+}  // namespace
 
 void GatheredNumbers::add(const Rect& rect, const ReadRun& readRun) {
   covered_.add(rect, [&](const CellRun& run) {
@@ -19,16 +28,11 @@ void GatheredNumbers::add(const Rect& rect, const ReadRun& readRun) {
   });
 }
 
-NumberRange GatheredNumbers::extremes() const {
-  if (values_.empty()) return {0, 0};
-  const auto [least, most] = std::minmax_element(values_.begin(), values_.end());
-  return {*least, *most};
-}
+NumberRange GatheredNumbers::extremes() const { return extremesOf(values_); }
 
-NumberRange GatheredNumbers::percentileRange(const NumberRange& percents) const {
-  NumberRange range = extremes();
+NumberRange percentileRange(std::vector<double> values, const NumberRange& percents) {
+  NumberRange range = extremesOf(values);
   if (range.first < range.second) {
-    std::vector<double> values = values_;
     const auto found = percentiles(values, {percents.first, percents.second});
     if (found[0] < found[1]) range = {found[0], found[1]};
   }
@@ -38,9 +42,9 @@ NumberRange GatheredNumbers::percentileRange(const NumberRange& percents) const 
   return {std::max(range.first - room, -kLargest), std::min(range.second + room, kLargest)};
 }
 
-NumberRange GatheredNumbers::balancedRange(double percent) const {
+NumberRange balancedRange(const std::vector<double>& values, double percent) {
   std::vector<double> sizes;
-  for (const double value : values_) {
+  for (const double value : values) {
     if (value != 0) sizes.push_back(std::abs(value));
   }
   const double bound = sizes.empty() ? 1.0 : percentiles(sizes, {percent}).front();

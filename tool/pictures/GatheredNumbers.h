@@ -14,9 +14,15 @@ namespace tovrtool {
 
 using NumberRange = std::pair<double, double>;
 
+// What colours are to span, never empty, of finite numbers.
+// The values at two percents, or all values where those are equal.
+NumberRange percentileRange(std::vector<double> values, const NumberRange& percents);
+// Zero in its middle: as far as the given share of the numbers other than zero goes.
+NumberRange balancedRange(const std::vector<double>& values, double percent);
+
 class GatheredNumbers {
  public:
-  GatheredNumbers(const Rect& region, Merge merge) : raster_(region, merge) {}
+  GatheredNumbers(const Rect& region, Merge merge, const PixelLimits& limits = {}) : raster_(region, merge, limits) {}
 
   // Fills the numbers of a run's cells.
   using ReadRun = std::function<void(const CellRun& run, double* numbers)>;
@@ -25,15 +31,11 @@ class GatheredNumbers {
   const CoveredCells& covered() const { return covered_; }
   // The cells of a rectangle that lie in no earlier one. REQUIRES: the region holds it.
   void add(const Rect& rect, const ReadRun& readRun);
+  void mark(std::int32_t x, std::int32_t y) { raster_.mark(x, y); }
 
   const Raster& raster() const { return raster_; }
-  std::size_t count() const { return values_.size(); }  // of finite numbers
-  NumberRange extremes() const;                         // 0, 0 without any
-
-  // What colours are to span, never empty. The values at two percents, or all values where those are equal.
-  NumberRange percentileRange(const NumberRange& percents) const;
-  // Zero in its middle: as far as the given share of the numbers other than zero goes.
-  NumberRange balancedRange(double percent) const;
+  const std::vector<double>& values() const { return values_; }  // the finite ones
+  NumberRange extremes() const;                                  // 0, 0 without any
 
  private:
   Raster raster_;

@@ -1,4 +1,4 @@
-// A raster of numbers as a picture: colours, axes in cells, colour bar, outlines, words.
+// Rasters of numbers as a picture: colours, axes in cells, colour bar, outlines, words.
 #pragma once
 
 #include <functional>
@@ -35,7 +35,21 @@ struct Heatmap {
 constexpr Colour kMissingGround{242, 242, 242};
 constexpr Colour kMissingStroke{176, 176, 176};
 
+// Several pictures in one, row by row.
+struct Panel {
+  const Raster* raster;  // outlives the drawing
+  Heatmap heatmap;
+};
+
+struct Sheet {
+  std::string title;  // these two of several panels only; one alone has its own
+  std::vector<std::string> notes;
+  int columns = 1;
+  std::vector<Panel> panels;
+};
+
 // The bytes of a PNG, the same for the same input. Throws std::runtime_error where the picture cannot be drawn.
-std::vector<unsigned char> drawHeatmap(const Raster& raster, const Heatmap& heatmap);
+// REQUIRES: at least one panel.
+std::vector<unsigned char> drawSheet(const Sheet& sheet);
 
 }  // namespace tovrtool

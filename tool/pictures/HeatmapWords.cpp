@@ -18,7 +18,7 @@ std::string scaleNote(const RasterScale& scale, Merge merge) {
 void setColours(const GatheredNumbers& numbers, const NumberRange& range, Heatmap& heatmap) {
   heatmap.low = range.first;
   heatmap.high = range.second;
-  const NumberRange extremes = numbers.count() > 0 ? numbers.extremes() : range;
+  const NumberRange extremes = !numbers.values().empty() ? numbers.extremes() : range;
   heatmap.least = extremes.first;
   heatmap.most = extremes.second;
 }

@@ -6,8 +6,6 @@
 namespace tovrtool {
 namespace {
 
-constexpr std::int64_t kMostAcross = 1280;
-constexpr std::int64_t kMostDown = 800;
 constexpr std::int64_t kLeast = 48;        // pixels of the shorter side
 constexpr std::int64_t kLargestCell = 48;  // pixels
 
@@ -24,18 +22,18 @@ AxisScale axis(std::int64_t cells, std::int64_t cellsPerPixel, std::int64_t pixe
 
 }  // namespace
 
-RasterScale fitScale(const Rect& region) {
+RasterScale fitScale(const Rect& region, const PixelLimits& limits) {
   const std::int64_t columns = columnsOf(region);
   const std::int64_t rows = rowsOf(region);
-  const std::int64_t shrink = std::max(roundedUp(columns, kMostAcross), roundedUp(rows, kMostDown));
+  const std::int64_t shrink = std::max(roundedUp(columns, limits.across), roundedUp(rows, limits.down));
   const std::int64_t grow =
-      std::clamp<std::int64_t>(std::min(kMostAcross / columns, kMostDown / rows), 1, kLargestCell);
+      std::clamp<std::int64_t>(std::min(limits.across / columns, limits.down / rows), 1, kLargestCell);
   return {axis(columns, shrink, grow), axis(rows, shrink, grow)};
 }
 
-Raster::Raster(const Rect& region, Merge merge)
+Raster::Raster(const Rect& region, Merge merge, const PixelLimits& limits)
     : region_(region),
-      scale_(fitScale(region)),
+      scale_(fitScale(region, limits)),
       merge_(merge),
       columns_(static_cast<std::size_t>(width() / scale_.across.pixelsPerCell)) {
   const std::size_t size = columns_ * static_cast<std::size_t>(height() / scale_.down.pixelsPerCell);
@@ -60,6 +58,13 @@ void Raster::addRow(std::int32_t x, std::int32_t y, const std::vector<double>& n
       numbers_[at] = number;
     }
   }
+}
+
+void Raster::mark(std::int32_t x, std::int32_t y) {
+  marks_.resize(numbers_.size());
+  const std::int64_t row = (std::int64_t{y} - region_.top) / scale_.down.cellsPerPixel;
+  const std::int64_t column = (std::int64_t{x} - region_.left) / scale_.across.cellsPerPixel;
+  marks_[static_cast<std::size_t>(row) * columns_ + static_cast<std::size_t>(column)] = true;
 }
 
 }  // namespace tovrtool

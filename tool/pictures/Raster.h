@@ -31,18 +31,26 @@ struct RasterScale {
   }
 };
 
+struct PixelLimits {
+  std::int64_t across = 1280;
+  std::int64_t down = 800;
+};
+
 // The scale at which the region fills a picture's area without exceeding it.
-RasterScale fitScale(const Rect& region);
+RasterScale fitScale(const Rect& region, const PixelLimits& limits = {});
 
 enum class Merge { kMean, kFarthestFromZero };
 
 class Raster {
  public:
-  Raster(const Rect& region, Merge merge);
+  Raster(const Rect& region, Merge merge, const PixelLimits& limits = {});
 
   // The numbers of cells of row `y` from column `x` on. What lies outside the region, and what is not a finite number,
   // is left out.
   void addRow(std::int32_t x, std::int32_t y, const std::vector<double>& numbers);
+
+  // Has the pixel of a cell pointed at. REQUIRES: the region holds the cell.
+  void mark(std::int32_t x, std::int32_t y);
 
   const Rect& region() const { return region_; }
   const RasterScale& scale() const { return scale_; }
@@ -51,6 +59,7 @@ class Raster {
   // Whether a cell was added there, and what the pixel shows. REQUIRES: 0 <= x < width(), 0 <= y < height().
   bool has(int x, int y) const { return counts_[place(x, y)] > 0; }
   double at(int x, int y) const { return numbers_[place(x, y)]; }
+  bool isMarked(int x, int y) const { return !marks_.empty() && marks_[place(x, y)]; }
   // The pixel, of a whole picture's, where a cell's left or top edge lies; the region's far edges are one cell on.
   double pixelAcross(std::int64_t x) const { return pixelOf(scale_.across, x - region_.left); }
   double pixelDown(std::int64_t y) const { return pixelOf(scale_.down, y - region_.top); }
@@ -70,6 +79,7 @@ class Raster {
   std::size_t columns_;
   std::vector<double> numbers_;
   std::vector<std::uint32_t> counts_;
+  std::vector<bool> marks_;  // empty without any
 };
 
 }  // namespace tovrtool

@@ -84,7 +84,7 @@ bool redirectToEndOf(const std::string& path, int descriptor) {
 
 bool redirectTo(int target, int descriptor) { return _dup2(target, descriptor) == 0; }
 
-FileHandle createNew(const std::string& path) {
+FileHandle createNew(const std::string& path, Readers /*readers*/) {
   const int opened = _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
   return FileHandle(opened < 0 ? nullptr : _fdopen(opened, "wb"));
 }
@@ -216,8 +216,9 @@ bool redirectToEndOf(const std::string& path, int descriptor) {
 
 bool redirectTo(int target, int descriptor) { return dup2(target, descriptor) >= 0; }
 
-FileHandle createNew(const std::string& path) {
-  const int opened = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+FileHandle createNew(const std::string& path, Readers readers) {
+  const int opened =
+      open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readers == Readers::kOwner ? 0600 : 0666);
   return FileHandle(opened < 0 ? nullptr : fdopen(opened, "wb"));
 }
 

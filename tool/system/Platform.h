@@ -12,6 +12,11 @@ struct FileCloser {
 };
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
+enum class Readers {
+  kAsUsual,
+  kOwner  // nobody else, where the system has such permissions; on Windows the folder's count
+};
+
 constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;
 constexpr int kStandardError = 2;
@@ -42,7 +47,7 @@ bool redirectToEndOf(const std::string& path, int descriptor);
 bool redirectTo(int target, int descriptor);
 
 // A new file opened for writing bytes; null, with errno set, when `path` exists or cannot be made.
-FileHandle createNew(const std::string& path);
+FileHandle createNew(const std::string& path, Readers readers = Readers::kAsUsual);
 
 // What was written reaches the disk. False when that fails.
 bool flushToDisk(std::FILE* file);

@@ -1,0 +1,175 @@
+#include "tool/report/ReportBuild.h"
+
+#include <fmt/chrono.h>
+#include <fmt/core.h>
+
+#include <ctime>
+#include <utility>
+
+#include "tool/io/Progress.h"
+#include "tool/report/ReportLayer.h"
+#include "tool/system/Paths.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+constexpr double kRoom = 23.6e6;  // characters of numbers in a page of at most 25 MB
+constexpr double kMostCabinets = 50000;
+
+std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
+
+// What cannot be read of a damaged file is left out; the verdicts tell why.
+template <class Action>
+void asFarAsItGoes(Session& session, ReportContent& content, const std::string& what, Action action) {
+  try {
+    action();
+  } catch (const ToolError& error) {
+    if (isNoFault(error)) throw;
+    Verdict verdict;
+    verdict.name = what;
+    verdict.faults.emplace_back(error.what());
+    content.verdicts.push_back(std::move(verdict));
+    beginAgain(session);
+  }
+}
+
+std::vector<Rect> cabinetsOf(const CellSet& set, const Rect& rect, const CellPair& size) {
+  const std::int64_t across = columnsOf(rect) / size.x + 2;
+  const std::int64_t down = rowsOf(rect) / size.y + 2;
+  const double count = static_cast<double>(across) * static_cast<double>(down);
+  if (count > kMostCabinets) {
+    throw ToolError(kUsage, "cabinets of {} x {} cells would be {:.0f} of them: give their real size", size.x, size.y,
+                    count);
+  }
+  return cabinetsIn(rect, {set.screenRect.left, set.screenRect.top}, size);
+}
+
+// The parts of `rect` whose figures are told: cabinets, or several areas.
+void addParts(const ReportContent& content, const CellSet& set, LayerSource& source) {
+  if (content.cabinet) {
+    source.parts = cabinetsOf(set, source.rect, *content.cabinet);
+    source.partName = "cabinets";
+    return;
+  }
+  if (set.areas.size() < 2) return;
+  for (const std::size_t index : set.areas) {
+    const auto part = common(content.areas[index].area.rect, source.rect);
+    if (part && content.areas[index].fault.empty()) source.parts.push_back(*part);
+  }
+  if (!source.parts.empty()) source.partName = "areas";
+}
+
+double valuesOf(const CellSet& set, const SetChanges& changes) {
+  double cells = static_cast<double>(set.cells());
+  if (changes.any())
+    cells += static_cast<double>(columnsOf(changes.rect())) * static_cast<double>(rowsOf(changes.rect()));
+  return cells * static_cast<double>(set.components());
+}
+
+std::int64_t blockFor(double values) {
+  std::int64_t block = 1;
+  while (leastCharacters(values, block) > kRoom) ++block;
+  return block;
+}
+
+Json valuesLayer(Session& session, ReportContent& content, const CellSet& set, const LayerRoom& room) {
+  const GridCells grid = readSet(session, set, content.areas);
+  if (!grid.any()) return nullptr;
+  LayerSource source{set.rect, set.form, set.components(), {}, {}, {}, {}};
+  source.stored = [&](std::size_t component) { return storedNumbers(grid, set.form.dtype, component); };
+  addParts(content, set, source);
+  return layerJson(source, room);
+}
+
+Json changesLayer(const ReportContent& content, const CellSet& set, const SetChanges& changes, const LayerRoom& room) {
+  if (!changes.any()) return nullptr;
+  LayerSource source{changes.rect(), set.form, set.components(), {}, {}, {}, {}};
+  source.stored = [&](std::size_t component) { return changes.differences(component); };
+  source.changed = [&](std::size_t component) { return changes.changed(component); };
+  addParts(content, set, source);
+  return layerJson(source, room);
+}
+
+// The sets and what changed in them, as much as fits into a page.
+void addSets(Session& session, ReportContent& content, const FormOptions& form, const FileChanges& changes) {
+  double values = 0;
+  std::vector<SetChanges> changed;
+  for (CellSet& set : planSets(content.areas, form)) {
+    changed.emplace_back(set, changes.cells);
+    values += valuesOf(set, changed.back());
+    content.sets.push_back({std::move(set), nullptr, nullptr, 0});
+  }
+  content.block = blockFor(values);
+  for (std::size_t i = 0; i < content.sets.size(); ++i) {
+    ReportSet& each = content.sets[i];
+    const auto room = [&](double share) { return LayerRoom{content.block, kRoom * share / values}; };
+    const double all = valuesOf(each.set, changed[i]);
+    const double own = static_cast<double>(each.set.cells()) * static_cast<double>(each.set.components());
+    each.values = valuesLayer(session, content, each.set, room(own));
+    each.difference = changesLayer(content, each.set, changed[i], room(all - own));
+    each.changedCells = changed[i].count();
+  }
+}
+
+void addFacts(Session& session, ReportContent& content) {
+  asFarAsItGoes(session, content, "facts", [&] { content.facts = factsOf(session); });
+  if (!content.facts.description.empty()) return;
+  asFarAsItGoes(session, content, "screens", [&] {
+    content.facts.type = session.manager().getDBType();
+    for (const StoredScreen& screen : storedScreens(session)) content.facts.screens.push_back({screen, 0});
+  });
+}
+
+// At once, or one by one where that fails: so that as many as possible are shown.
+void addAreas(Session& session, ReportContent& content) {
+  try {
+    for (StoredArea& area : storedAreas(session)) content.areas.push_back({std::move(area), ""});
+    return;
+  } catch (const ToolError& error) {
+    if (isNoFault(error)) throw;
+    beginAgain(session);
+  }
+  asFarAsItGoes(session, content, "list of areas", [&] {
+    for (const Placement& placement : placements(session)) {
+      ReportArea& each = content.areas.emplace_back();
+      static_cast<Placement&>(each.area) = placement;
+      try {
+        each.area = storedArea(session, placement);
+      } catch (const ToolError& error) {
+        if (isNoFault(error)) throw;
+        each.fault = error.what();
+        beginAgain(session);
+      }
+    }
+  });
+}
+
+std::string now() { return fmt::format("{:%Y-%m-%d %H:%M} UTC", fmt::gmtime(std::time(nullptr))); }
+
+}  // namespace
+
+ReportContent buildReport(const Access& access, const ReportQuestion& question) {
+  ReportContent content;
+  content.file = nameOf(question.file.path);
+  content.made = now();
+  content.cabinet = question.cabinet;
+  FileChanges changes;
+  if (question.against) {
+    content.against = nameOf(question.against->path);
+    changes = changesBetween(access, *question.against, question.file, question.form);
+    content.differences = std::move(changes.differences);
+  }
+  const auto schema = expectedSchema(access.plugin);
+  Session session = Session::openExisting(access, question.file.path, question.file.key);
+  Progress progress("report", bytesToCheck(session));
+  content.verdicts.resize(1);
+  content.verdicts[0].name = "opens with this key";
+  for (Verdict& verdict : checkDatabase(session, schema, progress)) content.verdicts.push_back(std::move(verdict));
+  addFacts(session, content);
+  addAreas(session, content);
+  addSets(session, content, question.form, changes);
+  return content;
+}
+
+}  // namespace tovrtool

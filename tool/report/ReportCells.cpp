@@ -1,0 +1,129 @@
+#include "tool/report/ReportCells.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <map>
+#include <tuple>
+
+#include "tool/cells/CellNumbers.h"
+#include "tool/cells/CoveredCells.h"
+#include "tool/database/DatabaseChecks.h"
+#include "tool/database/NumberForms.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+constexpr std::int64_t kMostBytes = std::numeric_limits<std::int32_t>::max();  // as of a block
+constexpr std::size_t kMostComponents = 64;
+constexpr std::int64_t kSparse = 16;             // a grid may be so many times as large as its areas,
+constexpr std::int64_t kAlwaysFine = 4'000'000;  // or have so many cells
+
+// Why the area's cells cannot be numbers; empty where they can.
+std::string faultOf(const StoredArea& area, const std::optional<NumberForm>& form) {
+  if (!isSound(area.rect)) return "its rectangle holds no cells";
+  if (area.cellBytes <= 0) return area.storedBytes == 0 ? "it has no block" : "its block tells no bytes per cell";
+  if (!form) return "nothing tells the type of its numbers: say it with --dtype";
+  if (static_cast<std::size_t>(area.cellBytes) % form->dtype.itemSize != 0) {
+    return fmt::format("a cell of {} bytes is not a whole number of {}", area.cellBytes, dtypeName(form->dtype));
+  }
+  if (static_cast<std::size_t>(area.cellBytes) / form->dtype.itemSize > kMostComponents) {
+    return fmt::format("a page shows at most {} numbers of a cell", kMostComponents);
+  }
+  if (columnsOf(area.rect) > kMostBytes / area.cellBytes / rowsOf(area.rect)) return "its cells are more than 2 GiB";
+  if (area.storedBytes < columnsOf(area.rect) * rowsOf(area.rect) * area.cellBytes) {
+    return "its block is too short for its rectangle";
+  }
+  return "";
+}
+
+void add(const StoredArea& area, const NumberForm& form, std::size_t index, CellSet& set) {
+  if (set.areas.empty()) {
+    set = {area.screenId,
+           area.screen,
+           area.type,
+           form,
+           area.cellBytes,
+           area.rect,
+           area.screenRect.value_or(area.rect),
+           {}};
+  }
+  set.rect = united(set.rect, area.rect);
+  if (!area.screenRect) set.screenRect = set.rect;
+  set.areas.push_back(index);
+}
+
+bool fitsGrid(const CellSet& set, const std::vector<ReportArea>& areas) {
+  if (columnsOf(set.rect) > kMostBytes / set.cellBytes / rowsOf(set.rect)) return false;
+  std::int64_t covered = 0;
+  for (const std::size_t index : set.areas)
+    covered += columnsOf(areas[index].area.rect) * rowsOf(areas[index].area.rect);
+  return set.cells() <= kAlwaysFine || set.cells() / kSparse <= covered;
+}
+
+void copyRun(const CellBlock& from, const CellRun& run, GridCells& grid) {
+  const auto count = static_cast<std::size_t>(run.right - run.left) + 1;
+  const auto offset = static_cast<std::size_t>(grid.cells.at(run.left, run.y) - grid.cells.bytes.get());
+  std::memcpy(grid.cells.bytes.get() + offset, from.at(run.left, run.y),
+              count * static_cast<std::size_t>(from.cellBytes));
+  const auto first = static_cast<std::ptrdiff_t>(offset / static_cast<std::size_t>(from.cellBytes));
+  std::fill_n(grid.present.begin() + first, count, true);
+}
+
+}  // namespace
+
+std::vector<CellSet> planSets(std::vector<ReportArea>& areas, const FormOptions& options) {
+  std::map<std::tuple<std::int64_t, std::int32_t, std::int32_t, std::string>, CellSet> sets;
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    const StoredArea& area = areas[i].area;
+    if (!areas[i].fault.empty()) continue;
+    const auto form = area.cellBytes > 0 ? chosenForm(options, keptForm(area)) : std::nullopt;
+    areas[i].fault = faultOf(area, form);
+    if (areas[i].fault.empty()) add(area, *form, i, sets[{area.screenId, area.type, area.cellBytes, toText(*form)}]);
+  }
+  std::vector<CellSet> fitting;
+  for (auto& [key, set] : sets) {
+    if (fitsGrid(set, areas)) {
+      fitting.push_back(std::move(set));
+      continue;
+    }
+    for (const std::size_t index : set.areas) areas[index].fault = "it lies too far from the others for one picture";
+  }
+  return fitting;
+}
+
+bool GridCells::any() const { return std::find(present.begin(), present.end(), true) != present.end(); }
+
+GridCells readSet(Session& session, const CellSet& set, std::vector<ReportArea>& areas) {
+  const auto cells = static_cast<std::size_t>(set.cells());
+  const auto cellBytes = static_cast<std::size_t>(set.cellBytes);
+  GridCells grid{blockOf(set.rect, set.cellBytes, std::vector<unsigned char>(cells * cellBytes)),
+                 std::vector<bool>(cells)};
+  CoveredCells covered;
+  for (const std::size_t index : set.areas) {
+    try {
+      const CellBlock block = readBlock(session, areas[index].area);
+      covered.add(block.rect, [&](const CellRun& run) { copyRun(block, run, grid); });
+    } catch (const ToolError& error) {
+      if (isNoFault(error)) throw;
+      areas[index].fault = error.what();
+      beginAgain(session);
+    }
+  }
+  return grid;
+}
+
+std::vector<double> storedNumbers(const GridCells& grid, const Dtype& dtype, std::size_t component) {
+  std::vector<double> numbers(grid.present.size());
+  readNumbers(dtype, grid.cells.bytes.get() + component * dtype.itemSize,
+              static_cast<std::size_t>(grid.cells.cellBytes), numbers.size(), numbers.data());
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    if (!grid.present[i]) numbers[i] = std::numeric_limits<double>::quiet_NaN();
+  }
+  return numbers;
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,40 @@
+// Everything that a report says, before it becomes a page.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tool/database/DatabaseChecks.h"
+#include "tool/database/FileFacts.h"
+#include "tool/io/JsonText.h"
+#include "tool/report/ReportCells.h"
+#include "tool/report/ReportDifference.h"
+
+namespace tovrtool {
+
+// The data of one set, and what its text says beside it.
+struct ReportSet {
+  CellSet set;
+  Json values;      // a layer; null where no block of it could be read
+  Json difference;  // null without an older file, and where nothing changed
+  std::int64_t changedCells = 0;
+};
+
+struct ReportContent {
+  std::string file;
+  std::string against;  // the older file; empty: none
+  std::string made;     // when
+  FileFacts facts;
+  std::vector<Verdict> verdicts;
+  std::vector<ReportArea> areas;
+  std::vector<ReportSet> sets;
+  std::vector<Difference> differences;
+  std::optional<CellPair> cabinet;
+  std::int64_t block = 1;  // cells of a side that the pictures show as one
+
+  bool ok() const;
+};
+
+}  // namespace tovrtool

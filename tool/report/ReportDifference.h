@@ -1,0 +1,56 @@
+// What changed in the cells of a file since an older one.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tool/cells/CabinetReport.h"
+#include "tool/database/FileDifference.h"
+#include "tool/report/ReportCells.h"
+
+namespace tovrtool {
+
+// The part of a block around all cells of it that changed, and the whole block's form of numbers where it is known.
+struct ChangedCells {
+  std::string screen;
+  std::int32_t type = 0;
+  std::optional<NumberForm> form;
+  CellBlock before;
+  CellBlock after;
+};
+
+struct FileChanges {
+  std::vector<Difference> differences;
+  std::vector<ChangedCells> cells;
+};
+
+// `before` is the older file. Throws ToolError as FileComparison does.
+FileChanges changesBetween(const Access& access, const FileAndKey& before, const FileAndKey& after,
+                           const FormOptions& options);
+
+// Those in the cells of a set, in one grid.
+class SetChanges {
+ public:
+  SetChanges(const CellSet& set, const std::vector<ChangedCells>& changes);
+
+  bool any() const { return !changes_.empty(); }
+  const Rect& rect() const { return rect_; }  // around all of them. REQUIRES: any()
+  std::int64_t count() const;                 // of cells in which any bit changed
+
+  // After less before, as stored, row after row; 0 where both are the same number, NaN where one is none.
+  std::vector<double> differences(std::size_t component) const;
+  std::vector<bool> changed(std::size_t component) const;
+
+ private:
+  template <class Visit>
+  void visit(std::size_t component, Visit visitCell) const;
+
+  Dtype dtype_;
+  Rect rect_{};
+  std::vector<const ChangedCells*> changes_;
+};
+
+}  // namespace tovrtool
