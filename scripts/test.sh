@@ -3,7 +3,7 @@
 #   scripts/test.sh          that, in about five minutes on two cores
 #   scripts/test.sh --all    and every other check of the project; one that takes what cannot be had here is left out,
 #                            loudly, and never counts as passed
-# Ends with one line per step: what came of it, and what it took.
+# A step that fails does not keep the others from running. Ends with one line per step: what came of it, and what it took.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/failures.sh
@@ -14,6 +14,7 @@ case $* in
 esac
 
 steps=()
+failed=0
 step() {  # NAME SCRIPT [ARGUMENT...]; exit code 77 of the script: left out
   printf '\n== %s\n' "$1"
   local start=$SECONDS code=0 result=passed
@@ -21,14 +22,14 @@ step() {  # NAME SCRIPT [ARGUMENT...]; exit code 77 of the script: left out
   [ $code -eq 0 ] || result="FAILED, exit code $code"
   [ $code -ne 77 ] || result='NOT RUN, see above'
   steps+=("$(printf '%6d s  %s: %s' $((SECONDS - start)) "$1" "$result")")
-  [ $code -eq 0 ] || [ $code -eq 77 ] || exit 1
+  [ $code -eq 0 ] || [ $code -eq 77 ] || failed=1
 }
 tellSteps() { printf '\n== steps\n'; printf '%s\n' "${steps[@]}" "$(printf '%6d s  in all' $SECONDS)"; }
 trap tellSteps EXIT
 
 if [ "$*" != --all ]; then
   step "tests of the release build" scripts/suite-check.sh release
-  exit
+  exit $failed
 fi
 
 # Compiled objects are kept from run to run.
@@ -51,3 +52,4 @@ step "the Windows build, under Wine" scripts/windows-check.sh
 step "the Debian packages, in a system that has nothing else of ours" scripts/package-check.sh
 step "fresh Debian 13, as a user with sudo" scripts/fresh-system-check.sh trixie user scripts/demo.sh scripts/test.sh
 step "fresh Debian 12, as root" scripts/fresh-system-check.sh bookworm root scripts/demo.sh
+exit $failed
