@@ -1,7 +1,7 @@
 """Coefficient cells of a file, like an array."""
 
 import operator
-from typing import TYPE_CHECKING, Any, Iterator, List, NamedTuple, Optional, Tuple, Union
+from typing import Any, ContextManager, Iterator, List, NamedTuple, Optional, Protocol, Tuple, Union
 
 import numpy as np
 
@@ -9,10 +9,15 @@ from . import _library
 from ._errors import Invalid, OutOfRange
 from ._records import Area, Rect, record_of
 
-if TYPE_CHECKING:
-    from ._wall import Wall
-
 Index = Union[int, slice]
+
+
+class _OpenFile(Protocol):
+    """What cells ask of the file that they are in."""
+
+    def transaction(self) -> ContextManager[Any]: ...
+
+    def _call(self, operation: str, *arguments: Any) -> Any: ...
 
 
 class _Selection(NamedTuple):
@@ -118,7 +123,7 @@ class Coef:
 
     ndim = 3
 
-    def __init__(self, wall: "Wall", cells: Any) -> None:
+    def __init__(self, wall: _OpenFile, cells: Any) -> None:
         described = cells.describe()
         self._wall = wall
         self._cells = cells
