@@ -39,11 +39,13 @@ makeFreshSystem() {
 }
 
 # ID HOME COMMAND...: runs it in there. Its mounts and processes are in namespaces of their own and end with them,
-# however that comes about. Compiled objects are kept in the cache.
+# however that comes about. Compiled objects are kept in the cache: for root with those of the other checks, which the
+# same compiler makes, for users apart.
 inside() {
-  local objects=$cache/fresh-ccache
+  local objects=${CCACHE_DIR:-$cache/ccache}
+  [ "$1" -eq 0 ] || objects=$cache/fresh-ccache
   mkdir -p "$objects" "$root/ccache"
-  chmod 1777 "$objects"
+  [ "$1" -eq 0 ] || chmod 1777 "$objects"
   unshare --mount --pid --fork --kill-child bash -euc '
     root=$1 objects=$2 id=$3
     shift 3
@@ -52,7 +54,8 @@ inside() {
     mount --bind "$objects" "$root/ccache"
     exec chroot --userspec="$id:$id" --groups="$id" "$root" "$@"' - "$root" "$objects" "$1" env -i "HOME=$2" \
     PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 TERM=dumb \
-    CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=/ccache CCACHE_UMASK=000 "${@:3}" 9>&-
+    CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=/ccache CCACHE_UMASK=000 CCACHE_BASEDIR=/clone CCACHE_NOHASHDIR=1 \
+    "${@:3}" 9>&-
 }
 
 # The packages that were downloaded in there are kept.
