@@ -38,7 +38,7 @@ TEST_F(OperatorBaseTest, HostileErrorTextsArePrintedAndNeverReadArguments) {
                                                        {"%%", "%"},    {"%%%", "%%"},     {"%%%%", "%%"},
                                                        {"% d", "% d"}, {"%s%%n", "%s%n"}, {nullptr, ""}};
   for (const auto& [text, printed] : cases) {
-    EXPECT_EQ(printedBy([text = text] { printErrorText(text); }), printed);
+    EXPECT_EQ(printedBy([given = text] { printErrorText(given); }), printed);
   }
   createFile(kByRectangle);
   EXPECT_EQ(printedBy([&] { EXPECT_EQ(table.getSequence("%%'", &sequence), SQLITE_ERROR); }),

@@ -111,7 +111,7 @@ TEST(NpyTest, FilesThatAreNotSuchAnArrayAreRefused) {
       {npyFile('\1', begun, ""), "whole numbers"},
   };
   for (const auto& [file, words] : cases) {
-    EXPECT_TRUE(complains(words, [&file = file] { parsed(file); }));
+    EXPECT_TRUE(complains(words, [&given = file] { parsed(given); }));
   }
 }
 
