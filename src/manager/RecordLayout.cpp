@@ -1,6 +1,6 @@
-// Hosts reach the fields of records by position: this file compiles only where each one lies where hosts of 0.1.0 expect
-// it. A change here is another soname, and another "version" of pluginfo.
-// Texts and lists have the size that the compiler family gives them.
+// Hosts reach the fields of records by position: this file compiles only where each one lies where hosts of 0.1.0
+// expect it. A change here is another soname, and another "version" of pluginfo. Texts and lists have the size that the
+// compiler family gives them.
 #include <cstddef>
 
 #include "manager/DataRecords.h"
