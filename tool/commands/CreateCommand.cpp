@@ -3,7 +3,6 @@
 #include "tool/database/NewDatabase.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
-#include "tool/io/UnfinishedFile.h"
 
 namespace tovrtool {
 namespace {
@@ -14,7 +13,7 @@ struct Options {
 };
 
 void create(Context& context, const Options& options) {
-  UnfinishedFile(options.file, Existing::kKeep, "-journal");  // before a key is asked for
+  requireFree(options.file);  // before a key is asked for
   const std::string key = readKey(context.options.keyFile, KeyUse::kCreate);
   makeDatabase(context.options.access.plugin, options.file, key, options.description);
   message("created {}, database type {}; next: tovrdb screen add", options.file, options.description.type);

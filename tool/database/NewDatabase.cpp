@@ -4,10 +4,17 @@
 #include "tool/system/Paths.h"
 
 namespace tovrtool {
+namespace {
+
+constexpr char kJournal[] = "-journal";  // what the engine keeps beside its file while it works
+
+}  // namespace
+
+void requireFree(const std::string& file) { const UnfinishedFile place(file, Existing::kKeep, kJournal); }
 
 void makeDatabase(const std::string& plugin, const std::string& file, const std::string& key,
                   const DatabaseDescription& description) {
-  UnfinishedFile unfinished(file, Existing::kKeep, "-journal");
+  UnfinishedFile unfinished(file, Existing::kKeep, kJournal);
   Session session = Session::openNew(plugin, unfinished.path(), key);
   DatabaseDescription named = description;
   if (named.name.empty()) named.name = textOf(pathOf(file).stem());

@@ -17,6 +17,9 @@ struct DatabaseDescription {
   std::string databaseVersion = "1";
 };
 
+// Throws ToolError where no file of that name can be made.
+void requireFree(const std::string& file);
+
 // The file appears when it is complete. Without a name it has its file's. Throws ToolError, also where there is
 // something of that name.
 void makeDatabase(const std::string& plugin, const std::string& file, const std::string& key,
