@@ -39,7 +39,10 @@ tovrdb coef get wall.db --type 1 --rect 0,0,63,31 -o back.npy
 cmp wall.npy back.npy
 echo "the archive works in '$(basename "$place")'"
 
+# The narrow paths of a program of one's own have the letters of the process's code page only, so elsewhere.
 cd "$root"
+mv "$folder" "$work/the package"
+folder="$work/the package"
 quietly cmake -S "$folder/share/doc/tovrdatabaseservice/examples/consumer" -B "$work/consumer" -G Ninja \
   -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64.cmake" -DCMAKE_FIND_ROOT_PATH="$folder"
 quietly cmake --build "$work/consumer"
