@@ -15,6 +15,7 @@ for package in libsqlcipher-dev libssl-dev libcli11-dev libfmt-dev libeigen3-dev
   gcc-mingw-w64-base mingw-w64-common; do
   cp "/usr/share/doc/$package/copyright" "$licences/$package.txt"
 done
+cp /usr/share/common-licenses/{Apache-2.0,GPL-3,MPL-2.0} $licences/
 quietly cmake --preset mingw -DTOVR_LICENCES="$PWD/$licences"
 quietly cmake --build --preset mingw --target package
 
