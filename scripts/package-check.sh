@@ -18,6 +18,6 @@ makeFreshSystem "$suite" || {
   exit 77
 }
 mkdir "$root/try"
-cp "${packages[@]}" scripts/try-packages.sh "$root/try/"
+cp "${packages[@]}" scripts/try-packages.sh scripts/tool-trial.sh "$root/try/"
 inside 0 /root bash /try/try-packages.sh
 keepPackages

@@ -4,6 +4,7 @@
 set -Eeuo pipefail
 trap 'echo "try-packages.sh:$LINENO: exit code $? from: $BASH_COMMAND" >&2' ERR
 cd "$(dirname "$0")"
+source ./tool-trial.sh
 export DEBIAN_FRONTEND=noninteractive TOVRDB_KEY='a key for the trial'
 install() { apt-get install -y -qq --no-install-recommends "$@" >install.log 2>&1 || { tail -n 50 install.log >&2; false; }; }
 
@@ -15,13 +16,7 @@ install ./libtovrdatabaseservice0_*.deb ./tovrdb_*.deb
 mkdir user
 cd user
 tovrdb --version
-tovrdb create wall.db --type 0
-tovrdb screen add wall.db --name main --rect 0,0,63,31
-tovrdb sample -o wall.npy --size 64x32
-tovrdb coef put wall.db --type 1 --at 0,0 wall.npy
-tovrdb check wall.db
-tovrdb coef get wall.db --type 1 --rect 0,0,63,31 -o back.npy
-cmp wall.npy back.npy
+tryTool main
 [ -s /usr/share/man/man1/tovrdb.1.gz ]
 cd ..
 

@@ -4,6 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/failures.sh
+source scripts/tool-trial.sh
 
 [ -e build/mingw/tool/tovrdb.exe ] || { echo "build for Windows first: scripts/windows-check.sh" >&2; exit 1; }
 
@@ -31,13 +32,7 @@ export TOVRDB_KEY='a key for the trial'
 root=$PWD
 tovrdb() { quietly "$root/scripts/wine-run.sh" "$folder/bin/tovrdb.exe" "$@"; }
 cd "$place"
-tovrdb create wall.db --type 0
-tovrdb screen add wall.db --name 左 --rect 0,0,63,31
-tovrdb sample -o wall.npy --size 64x32
-tovrdb coef put wall.db --type 1 --at 0,0 wall.npy
-tovrdb check wall.db
-tovrdb coef get wall.db --type 1 --rect 0,0,63,31 -o back.npy
-cmp wall.npy back.npy
+tryTool 左
 echo "the archive works in '$(basename "$place")'"
 
 # The narrow paths of a program of one's own have the letters of the process's code page only, so elsewhere.
