@@ -1,6 +1,5 @@
 #include "native/CellArray.h"
 
-#include <limits>
 #include <memory>
 
 #include "tool/system/ToolError.h"
@@ -21,7 +20,7 @@ py::array arrayOf(const CellBlock& block, const Dtype& dtype) {
 
 CellBlock borrowedBlock(const py::array& array, const Rect& rect) {
   const auto bytes = static_cast<std::size_t>(array.nbytes());
-  if (bytes > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+  if (bytes > static_cast<std::size_t>(kMostBlockBytes)) {
     throw ToolError(kUsage, "the block is larger than 2 GiB: split it");
   }
   const auto cells = static_cast<std::size_t>(rowsOf(rect) * columnsOf(rect));

@@ -1,7 +1,6 @@
 #include "tool/cells/CellBlock.h"
 
 #include <cstring>
-#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -10,7 +9,7 @@
 namespace tovrtool {
 namespace {
 
-constexpr std::size_t kMostBytes = std::numeric_limits<std::int32_t>::max();  // the library counts them in 32 bits
+constexpr auto kMostBytes = static_cast<std::size_t>(kMostBlockBytes);
 
 Rect rectOfShape(const std::vector<std::size_t>& shape, CellPair position) {
   try {
@@ -21,6 +20,10 @@ Rect rectOfShape(const std::vector<std::size_t>& shape, CellPair position) {
 }
 
 }  // namespace
+
+bool fitsBlock(const Rect& rect, std::int32_t cellBytes) {
+  return cellBytes > 0 && columnsOf(rect) <= kMostBlockBytes / cellBytes / rowsOf(rect);
+}
 
 CellBlock blockOf(const Rect& rect, std::int32_t cellBytes, std::vector<unsigned char> bytes) {
   const auto owner = std::make_shared<std::vector<unsigned char>>(std::move(bytes));

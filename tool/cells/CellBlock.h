@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,12 @@
 #include "tool/cells/Rect.h"
 
 namespace tovrtool {
+
+// The library counts a block's bytes in 32 bits.
+constexpr std::int64_t kMostBlockBytes = std::numeric_limits<std::int32_t>::max();
+
+// Whether one block may have so many cells. REQUIRES: the rectangle holds cells.
+bool fitsBlock(const Rect& rect, std::int32_t cellBytes);
 
 // Row-major. Copies share the bytes.
 struct CellBlock {

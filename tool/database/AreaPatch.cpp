@@ -33,12 +33,7 @@ void patchArea(Session& session, const StoredArea& area, const std::vector<Patch
   std::int32_t firstRow = area.rect.bottom;
   for (const Patch& patch : patches) firstRow = std::min(firstRow, patch.rect.top);
   tovr::IEncryption& encryption = session.host().encryption();
-  const std::size_t length = payloadLengthOf(encryption, *blob);
-  if (!fills(length, area.rect, area.cellBytes)) {
-    throw statusError(tovr::kCipherFailed,
-                      fmt::format("the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
-                                  length, areaText(area), area.cellBytes));
-  }
+  requireFilled(payloadLengthOf(encryption, *blob), area.rect, area.cellBytes);
   const auto skipped =
       static_cast<std::size_t>((std::int64_t{firstRow} - area.rect.top) * columnsOf(area.rect) * area.cellBytes);
   changePayload(encryption, *blob, skipped, [&](unsigned char* payload) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <limits>
 
 #include "storage/StatusCodes.h"
 #include "tool/cells/CoveredCells.h"
@@ -14,8 +13,6 @@
 
 namespace tovrtool {
 namespace {
-
-constexpr std::int64_t kMostBytes = std::numeric_limits<std::int32_t>::max();  // as of a block
 
 std::int32_t commonWidth(const std::vector<StoredArea>& areas) {
   const auto other = std::find_if(areas.begin(), areas.end(),
@@ -26,10 +23,7 @@ std::int32_t commonWidth(const std::vector<StoredArea>& areas) {
 }
 
 void requireSize(const Rect& rect, std::int32_t cellBytes) {
-  if (cellBytes > 0 && columnsOf(rect) <= kMostBytes / cellBytes &&
-      rowsOf(rect) <= kMostBytes / cellBytes / columnsOf(rect)) {
-    return;
-  }
+  if (fitsBlock(rect, cellBytes)) return;
   throw ToolError(kUsage, "the cells of {} are more than 2 GiB: read a part of them", toText(rect));
 }
 

@@ -109,13 +109,6 @@ std::optional<Placement> answeringPlacement(Session& session, std::int32_t type,
   return *first;
 }
 
-void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes) {
-  if (fills(bytes, rect, cellBytes)) return;
-  throw statusError(tovr::kCipherFailed,
-                    fmt::format("the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
-                                bytes, toText(rect), cellBytes));
-}
-
 std::vector<Placement> placementsThat(Session& session, const std::string& qualify) {
   std::vector<Placement> areas;
   visitRows(session.connection(), fmt::format(kPlacements, qualify),
@@ -142,6 +135,13 @@ std::optional<CellBlock> readByLibrary(Session& session, const StoredArea& area,
 }
 
 }  // namespace
+
+void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes) {
+  if (fills(bytes, rect, cellBytes)) return;
+  throw statusError(tovr::kCipherFailed,
+                    fmt::format("the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
+                                bytes, toText(rect), cellBytes));
+}
 
 std::vector<Placement> placements(Session& session) { return placementsThat(session, "1"); }
 

@@ -17,7 +17,6 @@
 namespace tovrtool {
 namespace {
 
-constexpr std::int64_t kMostBytes = std::numeric_limits<std::int32_t>::max();  // as of a block
 constexpr std::size_t kMostComponents = 64;
 constexpr std::int64_t kSparse = 16;             // a grid may be so many times as large as its areas,
 constexpr std::int64_t kAlwaysFine = 4'000'000;  // or have so many cells
@@ -33,7 +32,7 @@ std::string faultOf(const StoredArea& area, const std::optional<NumberForm>& for
   if (static_cast<std::size_t>(area.cellBytes) / form->dtype.itemSize > kMostComponents) {
     return fmt::format("a page shows at most {} numbers of a cell", kMostComponents);
   }
-  if (columnsOf(area.rect) > kMostBytes / area.cellBytes / rowsOf(area.rect)) return "its cells are more than 2 GiB";
+  if (!fitsBlock(area.rect, area.cellBytes)) return "its cells are more than 2 GiB";
   if (area.storedBytes < columnsOf(area.rect) * rowsOf(area.rect) * area.cellBytes) {
     return "its block is too short for its rectangle";
   }
@@ -57,7 +56,7 @@ void add(const StoredArea& area, const NumberForm& form, std::size_t index, Cell
 }
 
 bool fitsGrid(const CellSet& set, const std::vector<ReportArea>& areas) {
-  if (columnsOf(set.rect) > kMostBytes / set.cellBytes / rowsOf(set.rect)) return false;
+  if (!fitsBlock(set.rect, set.cellBytes)) return false;
   std::int64_t covered = 0;
   for (const std::size_t index : set.areas)
     covered += columnsOf(areas[index].area.rect) * rowsOf(areas[index].area.rect);
