@@ -7,7 +7,7 @@
 #include <numeric>
 
 #include "tool/cells/NumberText.h"
-#include "tool/commands/JsonForms.h"
+#include "tool/database/JsonForms.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrtool {

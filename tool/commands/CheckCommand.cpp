@@ -9,6 +9,7 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/DatabaseChecks.h"
 #include "tool/database/FileDiagnosis.h"
+#include "tool/database/JsonForms.h"
 #include "tool/io/JsonText.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
@@ -42,13 +43,8 @@ std::string asText(const std::vector<Verdict>& verdicts) {
 bool isOk(const Verdict& verdict) { return verdict.ok(); }
 
 std::string asJson(const std::string& file, const std::vector<Verdict>& verdicts) {
-  Json checks = Json::array();
-  for (const Verdict& verdict : verdicts) {
-    checks.push_back(
-        {{"check", verdict.name}, {"ok", verdict.ok()}, {"detail", verdict.detail}, {"faults", verdict.faults}});
-  }
   const bool ok = std::all_of(verdicts.begin(), verdicts.end(), isOk);
-  return jsonText({{"file", file}, {"ok", ok}, {"checks", checks}});
+  return jsonText({{"file", file}, {"ok", ok}, {"checks", checksJson(verdicts)}});
 }
 
 void print(Context& context, const Options& options, const std::vector<Verdict>& verdicts) {

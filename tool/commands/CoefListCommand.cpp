@@ -1,8 +1,8 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/JsonForms.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/database/JsonForms.h"
 #include "tool/database/NumberForms.h"
 #include "tool/io/TextTable.h"
 

@@ -2,22 +2,12 @@
 
 #include <map>
 
+#include "tool/database/JsonForms.h"
 #include "tool/report/PageTemplate.h"
 #include "tool/report/ReportHtml.h"
 
 namespace tovrtool {
 namespace {
-
-Json rectJson(const Rect& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
-
-Json checksJson(const ReportContent& content) {
-  Json checks = Json::array();
-  for (const Verdict& verdict : content.verdicts) {
-    checks.push_back(
-        {{"check", verdict.name}, {"ok", verdict.ok()}, {"detail", verdict.detail}, {"faults", verdict.faults}});
-  }
-  return checks;
-}
 
 Json areasOf(const ReportContent& content, const CellSet& set) {
   Json areas = Json::array();
@@ -41,8 +31,9 @@ Json setJson(const ReportContent& content, const ReportSet& each) {
 }
 
 Json dataOf(const ReportContent& content) {
-  Json data{{"format", 1},        {"tool", "tovrdb " TOVRDB_VERSION}, {"file", content.file}, {"made", content.made},
-            {"ok", content.ok()}, {"checks", checksJson(content)}};
+  Json data{{"format", 1},          {"tool", "tovrdb " TOVRDB_VERSION},
+            {"file", content.file}, {"made", content.made},
+            {"ok", content.ok()},   {"checks", checksJson(content.verdicts)}};
   if (!content.against.empty()) data["against"] = content.against;
   if (content.cabinet) data["cabinet"] = {content.cabinet->x, content.cabinet->y};
   data["sets"] = Json::array();

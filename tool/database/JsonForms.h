@@ -1,16 +1,18 @@
-// The JSON that commands print with --json: what its parts look like, and what the manual says about it.
+// What the parts of a file look like as JSON, in all that is printed and made.
 //
 // An interface with scripts: members may be added, never renamed. Names are in lower case with underscores; numbers are
 // numbers; what is not known is left out, what is no finite number is null.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "tool/cells/NumberForm.h"
 #include "tool/cells/Rect.h"
+#include "tool/database/Verdict.h"
 #include "tool/io/JsonText.h"
 
 namespace tovrtool {
-
-extern const char kJsonManual[];
 
 // [left, top, right, bottom]
 Json rectJson(const Rect& rect);
@@ -20,5 +22,8 @@ Json numberOrText(const std::string& value);
 
 // Adds "dtype", "scale" and, if there is one, "unit".
 void addJson(Json& object, const NumberForm& form);
+
+// A list of {check, ok, detail, faults}.
+Json checksJson(const std::vector<Verdict>& verdicts);
 
 }  // namespace tovrtool
