@@ -18,7 +18,7 @@ class Rect(NamedTuple):
         return self.bottom - self.top + 1, self.right - self.left + 1
 
     def __str__(self) -> str:
-        return f"{self.left},{self.top}..{self.right},{self.bottom}"
+        return f"{self.left},{self.top},{self.right},{self.bottom}"
 
 
 @dataclass(frozen=True)

@@ -144,7 +144,7 @@ def test_what_is_stored_is_told(wall):
     assert (coef.shape, coef.rect, coef.dtype) == ((2, 3, 9), (12, 6, 14, 7), np.dtype("uint16"))
     assert np.array_equal(np.asarray(coef), CELLS[1:3, 2:5])
     assert wall.coef(type=1, dtype="uint8").shape == (20, 30, 18)
-    assert "main (0,0..99,49)" in str(wall) and "9 x uint16" in str(wall)
+    assert "main (0,0,99,49)" in str(wall) and "9 x uint16" in str(wall)
     assert wall.info["description"]["name"] == "wall"
     wall.put_data(3, b"bytes\0", text="v1")
     assert [(data.type, data.text, data.screen) for data in wall.data] == [(3, "v1", "main")]

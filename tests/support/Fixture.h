@@ -93,7 +93,7 @@ class DatabaseTest : public ManagerTest {
   int countOf(const std::string& table) { return number("select count(*) from " + table); }
 };
 
-// A file that finds blocks by their rectangle, with a screen 0,0..99,99.
+// A file that finds blocks by their rectangle, with a screen 0,0,99,99.
 class ScreenFileTest : public DatabaseTest {
  protected:
   void SetUp() override;

@@ -96,12 +96,12 @@ TEST(CabinetReportTest, FindsSeamsEndsAndTheWorstCells) {
   numbers.values[numbers.index(12, 7)] = std::nan("");
   const auto cabinets = cabinetsIn(numbers.rect, {-1, 5}, {4, 4});
   ASSERT_EQ(cabinets.size(), 3U);
-  EXPECT_EQ(toText(cabinets[2]), "11,5..12,7");
+  EXPECT_EQ(toText(cabinets[2]), "11,5,12,7");
   const CabinetReport report = reportCabinets(numbers, cabinets, {{0, 255}, 6, 5});
   EXPECT_EQ(report.parts[0].atEnds, (std::vector<std::size_t>{5, 1}));
   EXPECT_EQ(report.parts[2].summary.others, 1U);
   ASSERT_EQ(report.seams.size(), 2U);
-  EXPECT_EQ(toText(report.seams[0].line), "7,5..7,7");
+  EXPECT_EQ(toText(report.seams[0].line), "7,5,7,7");
   EXPECT_NEAR(report.seams[0].difference, 10 - 1.0 / 3, 1e-9);
   ASSERT_EQ(report.worst.size(), 1U);
   EXPECT_EQ(report.worst[0].cell.x, 4);

@@ -209,7 +209,7 @@ TEST_F(PictureTest, HeatmapShowsValuesExtremesAndWhatIsMissing) {
 }
 
 TEST_F(PictureTest, DiffTellsSameDifferentAndTrouble) {
-  const std::string differing = "block of left, 0,0..7,3, type 1: 1 of 32 cells differ, most at 0,0, component 0: ";
+  const std::string differing = "block of left, 0,0,7,3, type 1: 1 of 32 cells differ, most at 0,0, component 0: ";
   makeWallWith("a.db", 0);
   makeWallWith("b.db", 9);
   EXPECT_EQ(succeed("diff a.db b.db --atol 9"), "");

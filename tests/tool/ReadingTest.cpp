@@ -58,12 +58,12 @@ TEST_F(ReadingTest, TheFormOfNumbersIsKeptAndNeverGuessed) {
 
 TEST_F(ReadingTest, SeveralAreasReadAsOneArray) {
   makeAreas();
-  expectFailure(1, "areas that overlap it: 1 (0,0..1,1), 2 (2,0..3,1); read across them with --mosaic",
+  expectFailure(1, "areas that overlap it: 1 (0,0,1,1), 2 (2,0,3,1); read across them with --mosaic",
                 kGet + "--rect 0,0,3,1 -o x.npy");
   succeed(kGet + "--rect 0,0,3,1 --mosaic -o all.npy");
   EXPECT_EQ(read("all.npy"), uint16Array("2, 4, 1", {0, 1, 2, 3, 4, 5, 6, 7}));
   const std::string wider = kGet + "--rect 2,1,4,1 --mosaic --force -o x.npy";
-  expectFailure(1, "no area covers 1 cells of 2,1..4,1, the first at 4,1", wider);
+  expectFailure(1, "no area covers 1 cells of 2,1,4,1, the first at 4,1", wider);
   expectTold("1 cells are covered by no area", wider + " --fill 9");
   EXPECT_EQ(read("x.npy"), uint16Array("1, 3, 1", {6, 7, 9}));
   expectFailure(2, "-1 is not a number of type uint16", wider + " --fill -1");

@@ -33,7 +33,7 @@ WantedBlock block(const Rect& rect, std::int32_t cellBytes = 2, std::int32_t num
 WantedBlock named(const Rect& rect, const std::string& screen = "S") { return {"", {1, screen, rect}, {-1, ""}, 2}; }
 
 struct StorePlanTest : testing::Test {
-  // Beside areas with the ids 1, 2, ..., all of type 1, 2 bytes per cell, on the screen S: 0,0..19,9.
+  // Beside areas with the ids 1, 2, ..., all of type 1, 2 bytes per cell, on the screen S: 0,0,19,9.
   StorePlan plan(const Rects& areas, const Wanted& wanted, const StoreRules& rules) const {
     StoredPlaces places{databaseType, {{1, "S", {0, 0, 19, 9}}}, {}};
     for (const Rect& rect : areas) {
@@ -77,18 +77,18 @@ TEST_F(StorePlanTest, ByRectangleAFreePlaceIsAddedAndTheSamePlaceRewritten) {
   EXPECT_TRUE(takes({Kind::kRewrite}, {kWhole}, {block(kWhole)}));
   EXPECT_TRUE(refuses({"2 bytes per cell; this block has 4"}, {kWhole}, {block(kWhole, 4)}));
   EXPECT_TRUE(takes({Kind::kRewrite}, {kWhole}, {block(kWhole, 4)}, kForce));
-  EXPECT_TRUE(refuses({"screens: S (0,0..19,9)"}, {}, {block(kOutside)}));
+  EXPECT_TRUE(refuses({"screens: S (0,0,19,9)"}, {}, {block(kOutside)}));
 }
 
 TEST_F(StorePlanTest, ByRectangleNothingStoredIsHiddenOrHidesUnasked) {
-  const std::string older = "coef get of 4,4..5,5 would answer from area 1, which is older";
+  const std::string older = "coef get of 4,4,5,5 would answer from area 1, which is older";
   EXPECT_TRUE(refuses({older}, {kWhole}, {block(kMiddle)}));
   EXPECT_TRUE(refuses({older}, {kWhole}, {block(kMiddle)}, kForce));
   EXPECT_TRUE(refuses({older}, {kMiddle}, {block(kWhole)}));
   EXPECT_TRUE(refuses({older}, {kWhole, kMiddle}, {block(kMiddle)}));
   EXPECT_TRUE(takes({Kind::kRewrite}, {kWhole, kMiddle}, {block(kWhole)}));
   EXPECT_TRUE(takes({Kind::kAdd}, {kMiddle}, {block(kWhole)}, kReplace));
-  EXPECT_TRUE(refuses({"coef get of 3,3..9,4 would answer from area 1"}, {kWhole}, {block(kEdge)}, kReplace));
+  EXPECT_TRUE(refuses({"coef get of 3,3,9,4 would answer from area 1"}, {kWhole}, {block(kEdge)}, kReplace));
   EXPECT_TRUE(takes({Kind::kAdd}, {kWhole}, {block(kMiddle)}, kBeside));
   EXPECT_TRUE(refuses({"overlaps area 1"}, {kWhole}, {block(kWhole, 2, 5)}));
   EXPECT_TRUE(takes({Kind::kAdd}, {kWhole}, {block(kWhole, 2, 5)}, kBeside));
@@ -101,25 +101,25 @@ TEST_F(StorePlanTest, ByRectangleAPatchWantsAnAreaThatHoldsItWithTheSameCells) {
 }
 
 TEST_F(StorePlanTest, BlocksOfOneBatchAreHeldAgainstEachOtherAndAllObjectionsTold) {
-  EXPECT_TRUE(refuses({"is the place of 4,4..5,5 too"}, {}, {block(kMiddle), block(kMiddle)}, kForce));
+  EXPECT_TRUE(refuses({"is the place of 4,4,5,5 too"}, {}, {block(kMiddle), block(kMiddle)}, kForce));
   EXPECT_TRUE(takes({Kind::kAdd, Kind::kAdd}, {}, {block(kMiddle, 2, 1), block(kMiddle, 2, 2)}, kBeside));
-  EXPECT_TRUE(refuses({"overlaps 0,0..3,3 of this batch", "4113"}, {kWhole}, {block(kCorner), block(kEdge)}, kPatch));
-  EXPECT_TRUE(refuses({"0,0..3,3 of type 1", "4,4..5,5 of type 1"}, {kWhole}, {block(kCorner), block(kMiddle)}));
+  EXPECT_TRUE(refuses({"overlaps 0,0,3,3 of this batch", "4113"}, {kWhole}, {block(kCorner), block(kEdge)}, kPatch));
+  EXPECT_TRUE(refuses({"0,0,3,3 of type 1", "4,4,5,5 of type 1"}, {kWhole}, {block(kCorner), block(kMiddle)}));
 }
 
 TEST_F(StorePlanTest, ByNameTheOneAreaOfATypeIsNotLostUnasked) {
   databaseType = 1;
   EXPECT_TRUE(takes({Kind::kAdd}, {kWhole}, {named(kWhole, "T")}));
   EXPECT_TRUE(takes({Kind::kRewrite}, {kWhole}, {named(kWhole)}));
-  EXPECT_TRUE(refuses({"would replace area 1 (0,0..3,3)"}, {kCorner}, {named(kMiddle)}));
+  EXPECT_TRUE(refuses({"would replace area 1 (0,0,3,3)"}, {kCorner}, {named(kMiddle)}));
   EXPECT_TRUE(takes({Kind::kRewrite}, {kCorner}, {named(kMiddle)}, kForce));
   EXPECT_TRUE(takes({Kind::kRewrite}, {kCorner}, {named(kWhole)}, kReplace));
-  EXPECT_TRUE(refuses({"would replace 0,0..3,3"}, {}, {named(kCorner), named(kMiddle)}, kForce));
-  EXPECT_TRUE(refuses({"leaves its screen, which is 0,0..19,9"}, {}, {named(kOutside)}));
+  EXPECT_TRUE(refuses({"would replace 0,0,3,3"}, {}, {named(kCorner), named(kMiddle)}, kForce));
+  EXPECT_TRUE(refuses({"leaves its screen, which is 0,0,19,9"}, {}, {named(kOutside)}));
   EXPECT_TRUE(takes({Kind::kPatch, Kind::kPatch}, {kWhole}, {named(kCorner), named(kMiddle)}, kPatch));
   EXPECT_TRUE(refuses({"4112"}, {kWhole}, {named(kMiddle, "T")}, kPatch));
   EXPECT_TRUE(refuses({"4113"}, {}, {named(kWhole)}, kUpdate));
-  EXPECT_TRUE(refuses({"area 2 (4,4..5,5) would lie outside"}, {kCorner, kMiddle}, {named(kCorner)}, kUpdate));
+  EXPECT_TRUE(refuses({"area 2 (4,4,5,5) would lie outside"}, {kCorner, kMiddle}, {named(kCorner)}, kUpdate));
   EXPECT_THROW(plan({}, {block(kWhole)}, kCareful), ToolError);
   EXPECT_THROW(plan({}, {named(kWhole)}, kBeside), ToolError);
 }

@@ -15,7 +15,7 @@ using namespace tovrtest;
 
 constexpr int kConflict = 7;
 
-// wall.db finds screens by rectangle and has one, 0,0..7,3; named.db finds them by name.
+// wall.db finds screens by rectangle and has one, 0,0,7,3; named.db finds them by name.
 struct StoreTest : ToolTest {
   StoreTest() {
     makeWall();
@@ -45,7 +45,7 @@ TEST_F(StoreTest, ByNameABlockOfAnotherPlaceIsReplacedOnlyOnDemandAndNamed) {
   const std::string put = "coef put named.db --type 1 --screen S ";
   expectRefused(2, "say which with --screen", "coef put named.db --type 1 --at 0,0 whole.npy");
   succeed(put + "--at 0,0 whole.npy");
-  expectRefused(kConflict, "would replace area 1 (0,0..7,3) of another place, the block of 64 bytes, 2 per cell, of 20",
+  expectRefused(kConflict, "would replace area 1 (0,0,7,3) of another place, the block of 64 bytes, 2 per cell, of 20",
                 put + "--at 0,0 part.npy");
   expectTold("replaced the block of 64 bytes, 2 per cell, of 20", put + "--at 0,0 part.npy --force");
   EXPECT_EQ(get("named.db --type 1 --screen S --rect 0,0,2,1"), std::string(12, 'p'));
@@ -58,8 +58,8 @@ TEST_F(StoreTest, ByNameABlockOfAnotherPlaceIsReplacedOnlyOnDemandAndNamed) {
 TEST_F(StoreTest, ByRectangleAHiddenBlockIsRemovedOnlyOnDemandAndBackedUpBefore) {
   const std::string put = "coef put wall.db --type 1 --at 0,0 whole.npy --backup before.db";
   succeed("coef put wall.db --type 1 --at 2,1 part.npy");
-  expectRefused(kConflict, "overlaps area 1 (2,1..4,2)", put);
-  expectTold("removed area 1 (2,1..4,2), the block of 12 bytes, 2 per cell, of 20", put + " --replace");
+  expectRefused(kConflict, "overlaps area 1 (2,1,4,2)", put);
+  expectTold("removed area 1 (2,1,4,2), the block of 12 bytes, 2 per cell, of 20", put + " --replace");
   EXPECT_EQ(get("before.db --type 1 --rect 2,1,4,2"), std::string(12, 'p'));
   EXPECT_EQ(get("wall.db --type 1 --rect 2,1,4,2"), std::string(12, 'w'));
   expectRefused(kConflict, "--patch puts the cells into the stored block",
@@ -72,8 +72,8 @@ TEST_F(StoreTest, OfABatchEveryConflictAndEveryBadFileIsToldAndNothingStored) {
   writeBlock("f/T2_0,0,2,1.npy", 3, 2, 'c');
   writeBlock("f/T1_2,1,4,2.npy", 3, 2, 'a');
   writeBlock("f/T1_5,1,7,2.npy", 3, 2, 'b');
-  expectRefused(kConflict, "tovrdb: f/T1_2,1,4,2.npy: 2,1..4,2 of type 1 overlaps area 1", put);
-  expectRefused(kConflict, "tovrdb: f/T1_5,1,7,2.npy: 5,1..7,2 of type 1 overlaps area 1", put);
+  expectRefused(kConflict, "tovrdb: f/T1_2,1,4,2.npy: 2,1,4,2 of type 1 overlaps area 1", put);
+  expectRefused(kConflict, "tovrdb: f/T1_5,1,7,2.npy: 5,1,7,2 of type 1 overlaps area 1", put);
   write("f/T3_0,0,2,1.npy", npy("<u2", "-2, 3", payload(12)));
   write("f/T3_3,0,5,1.npy", npy("<u2", "3, 2", payload(12)));
   expectRefused(3, "tovrdb: f/T3_0,0,2,1.npy", put);
@@ -103,7 +103,7 @@ TEST_F(StoreTest, APatchChangesItsCellsAndNothingElse) {
     sql(path(file), "update Coef_Info set mtime = 'before'");
     EXPECT_EQ(sql(path(file), rows), before);
     expectSound(file);
-    expectRefused(1, "asked for 6,0..8,1", "coef put " + block + "--patch --at 6,0 part.npy");
+    expectRefused(1, "asked for 6,0,8,1", "coef put " + block + "--patch --at 6,0 part.npy");
     sql(path(file), "update Coef set data = substr(data, 1, 16)");
     expectRefused(1, "4106", "coef put " + block + "--patch --at 0,0 part.npy");
   }
@@ -151,10 +151,10 @@ TEST_F(StoreTest, RowsAreThoseThatTheLibraryWrites) {
 TEST_F(StoreTest, WhatIsDeletedIsNamedAndNothingElseGoes) {
   succeed("coef put wall.db --type 1 --at 0,0 whole.npy");
   succeed("coef put wall.db --type 2 --at 2,1 part.npy");
-  expectRefused(2, "this deletes area 2 (2,1..4,2), the block of 12 bytes, 2 per cell, of 20",
+  expectRefused(2, "this deletes area 2 (2,1,4,2), the block of 12 bytes, 2 per cell, of 20",
                 "coef delete wall.db --id 2");
   expectRefused(1, "there is no area 9", "coef delete wall.db --id 2,9 --force");
-  expectRefused(1, "areas of type 1: area 1 (0,0..7,3)", "coef delete wall.db --type 1 --rect 0,0,6,3 --force");
+  expectRefused(1, "areas of type 1: area 1 (0,0,7,3)", "coef delete wall.db --type 1 --rect 0,0,6,3 --force");
   succeed("coef delete wall.db --id 2 --force");
   EXPECT_EQ(get("wall.db --type 1 --rect 0,0,7,3"), std::string(64, 'w'));
   EXPECT_EQ(sql(path("wall.db"), "select id from Coef"), "1\n");
@@ -166,7 +166,7 @@ TEST_F(StoreTest, AScreenGoesOnlyWithoutDataAndWithItsAreasOnlyOnDemand) {
   expectRefused(kConflict, "data of type 5 belongs to the screen left", "screen delete wall.db --name left --force");
   expectRefused(2, "this deletes data of type 5", "data delete wall.db --type 5");
   succeed("data delete wall.db --type 5 --force");
-  expectRefused(kConflict, "has areas: area 1 (0,0..7,3)", "screen delete wall.db --name left --force");
+  expectRefused(kConflict, "has areas: area 1 (0,0,7,3)", "screen delete wall.db --name left --force");
   succeed("screen delete wall.db --name left --with-areas --force");
   EXPECT_EQ(sql(path("wall.db"), "select count(*) from Coef union all select count(*) from Screen_Info"), "0\n0\n");
 }

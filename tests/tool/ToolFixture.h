@@ -97,7 +97,7 @@ struct ToolTest : FolderTest {
     return false;
   }
 
-  // A database of type 0 with the screen 0,0..7,3.
+  // A database of type 0 with the screen 0,0,7,3.
   void makeWall() const {
     succeed("create wall.db --type 0");
     succeed("screen add wall.db --name left --rect 0,0,7,3");

@@ -9,7 +9,7 @@ namespace {
 
 using namespace tovrtest;
 
-// Of cells that are 8 a row: those of the rectangle 2,1..4,2.
+// Of cells that are 8 a row: those of the rectangle 2,1,4,2.
 std::string partOf(const std::string& cells, std::size_t cellBytes) {
   return cells.substr((8 + 2) * cellBytes, 3 * cellBytes) + cells.substr((16 + 2) * cellBytes, 3 * cellBytes);
 }
@@ -58,7 +58,7 @@ TEST_F(ToolTest, RefusalsSayWhatThereIsInstead) {
   EXPECT_EQ(succeed("coef list wall.db").find("left"), std::string::npos) << "nothing was stored";
 
   succeed(put + "--at 0,0");
-  expectFailure(1, "areas that overlap it: 1 (0,0..7,3)", "coef get wall.db --type 1 --rect 0,0,8,3 -o out.npy");
+  expectFailure(1, "areas that overlap it: 1 (0,0,7,3)", "coef get wall.db --type 1 --rect 0,0,8,3 -o out.npy");
   expectFailure(3, "not a whole number", "coef get wall.db --type 1 --rect 0,0,7,3 --dtype uint32 -o out.npy");
   EXPECT_FALSE(fs::exists(path("out.npy")));
 }
@@ -87,7 +87,7 @@ TEST_F(ToolTest, ResultsAreFreeOfTheLibrarysLinesAndTheLogHasThem) {
   EXPECT_TRUE(contains(read("lines.txt"), line));
   expectTold(line, "create other.db --type 0 --verbose");
   succeed("screen add wall.db --name left --rect 0,0,7,3");
-  EXPECT_EQ(succeed("screen list wall.db"), "id  name  rectangle  columns  rows\n 1  left  0,0..7,3         8     4\n");
+  EXPECT_EQ(succeed("screen list wall.db"), "id  name  rectangle  columns  rows\n 1  left  0,0,7,3         8     4\n");
   const std::string info = succeed("info wall.db");
   EXPECT_EQ(info.rfind("file               wall.db\ndatabase type      0 ", 0), 0U) << info;
   EXPECT_TRUE(contains(info, "name               my wall\n"));

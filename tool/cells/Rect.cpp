@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <initializer_list>
 #include <limits>
 #include <stdexcept>
+#include <string_view>
 #include <vector>
 
 namespace tovrtool {
@@ -13,23 +15,23 @@ namespace {
 
 constexpr std::int32_t kLastCell = std::numeric_limits<std::int32_t>::max();
 
-// All of `text` as `count` numbers from `least`, with `separator` between them.
-std::vector<std::int32_t> numbers(const std::string& text, char separator, std::size_t count, std::int32_t least,
-                                  const char* form) {
+// All of `text` as numbers from `least`, each followed by its separator; the last one has none.
+std::vector<std::int32_t> numbers(const std::string& text, std::initializer_list<std::string_view> separators,
+                                  std::int32_t least, const char* form) {
   const std::invalid_argument error(
       fmt::format("'{}' is not of the form {}, whole numbers from {}", text, form, least));
   std::vector<std::int32_t> found;
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  for (std::size_t i = 0; i < count; ++i) {
-    if (i > 0 && (at == end || *at++ != separator)) throw error;
+  std::string_view rest = text;
+  for (const std::string_view separator : separators) {
     std::int32_t number = 0;
-    const auto parsed = std::from_chars(at, end, number);
+    const auto parsed = std::from_chars(rest.data(), rest.data() + rest.size(), number);
     if (parsed.ec != std::errc() || number < least) throw error;
-    at = parsed.ptr;
+    rest.remove_prefix(static_cast<std::size_t>(parsed.ptr - rest.data()));
+    if (rest.substr(0, separator.size()) != separator) throw error;
+    rest.remove_prefix(separator.size());
     found.push_back(number);
   }
-  if (at != end) throw error;
+  if (!rest.empty()) throw error;
   return found;
 }
 
@@ -59,7 +61,8 @@ Rect united(const Rect& one, const Rect& other) {
 }
 
 Rect parseRect(const std::string& text) {
-  const auto edges = numbers(text, ',', 4, 0, "L,T,R,B");
+  const char* const middle = text.find("..") != std::string::npos ? ".." : ",";
+  const auto edges = numbers(text, {",", middle, ",", ""}, 0, "L,T,R,B");
   const Rect rect{edges[0], edges[1], edges[2], edges[3]};
   if (!isSound(rect)) {
     throw std::invalid_argument(
@@ -73,12 +76,12 @@ Rect rectOfEdges(std::int64_t left, std::int64_t top, std::int64_t right, std::i
 }
 
 CellPair parsePosition(const std::string& text) {
-  const auto values = numbers(text, ',', 2, 0, "L,T");
+  const auto values = numbers(text, {",", ""}, 0, "L,T");
   return {values[0], values[1]};
 }
 
 CellPair parseSize(const std::string& text) {
-  const auto values = numbers(text, 'x', 2, 1, "COLUMNSxROWS");
+  const auto values = numbers(text, {"x", ""}, 1, "COLUMNSxROWS");
   return {values[0], values[1]};
 }
 
@@ -93,7 +96,7 @@ Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows) {
 }
 
 std::string toText(const Rect& rect) {
-  return fmt::format("{},{}..{},{}", rect.left, rect.top, rect.right, rect.bottom);
+  return fmt::format("{},{},{},{}", rect.left, rect.top, rect.right, rect.bottom);
 }
 
 }  // namespace tovrtool

@@ -32,7 +32,8 @@ struct CellPair {
   std::int32_t y = 0;
 };
 
-// "L,T,R,B"; edges from 0, left <= right, top <= bottom. Throw std::invalid_argument with the reason otherwise.
+// "L,T,R,B" or "L,T..R,B"; edges from 0, left <= right, top <= bottom. Throw std::invalid_argument with the reason
+// otherwise.
 Rect parseRect(const std::string& text);
 CellPair parsePosition(const std::string& text);  // "L,T", from 0
 CellPair parseSize(const std::string& text);      // "COLUMNSxROWS", from 1
@@ -43,7 +44,7 @@ Rect rectOfEdges(std::int64_t left, std::int64_t top, std::int64_t right, std::i
 // The rectangle of `columns` x `rows` cells at `position`. Throws std::invalid_argument when no index reaches that far.
 Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows);
 
-// "0,0..63,31"
+// "0,0,63,31", as parseRect takes it
 std::string toText(const Rect& rect);
 
 // Records of the library name the edges as Rect does, in an order of their own.

@@ -79,8 +79,6 @@ std::string worstText(const CabinetReport& report, const NumberForm& form) {
          textTable({{"x", true}, {"y", true}, {"value", true}, {"median", true}, {"spreads", true}, {"cabinet"}}, rows);
 }
 
-std::string edges(const Rect& rect) { return fmt::format("{},{},{},{}", rect.left, rect.top, rect.right, rect.bottom); }
-
 std::string partsCsv(const std::vector<CabinetComponent>& components, const NumberForm& form) {
   std::string text = "component,left,top,right,bottom,cells,not_finite,minimum,median,maximum,mean,standard_deviation";
   for (const double end : endsOf(form)) text += ",at_" + numberText(end);
@@ -88,7 +86,7 @@ std::string partsCsv(const std::vector<CabinetComponent>& components, const Numb
   for (const auto& [index, report] : components) {
     for (const PartFigures& part : report.parts) {
       const Summary& summary = part.summary;
-      text += fmt::format("{},{},{},{}", index, edges(part.rect), summary.count + summary.others, summary.others);
+      text += fmt::format("{},{},{},{}", index, toText(part.rect), summary.count + summary.others, summary.others);
       for (const double value : {summary.least, part.median, summary.most, summary.mean, summary.deviation}) {
         text += summary.count > 0 ? "," + numberText(value) : ",";
       }
@@ -105,7 +103,7 @@ std::string seamsCsv(const std::vector<CabinetComponent>& components) {
       const Rect& first = report.parts[seam.first].rect;
       const Rect& second = report.parts[seam.second].rect;
       text += fmt::format("{},{},{},{},{},{},{}\n", index, first.left, first.top, second.left, second.top,
-                          edges(seam.line), numberText(seam.difference));
+                          toText(seam.line), numberText(seam.difference));
     }
   }
   return text;
@@ -117,7 +115,7 @@ std::string worstCsv(const std::vector<CabinetComponent>& components) {
     for (const WorstCell& worst : report.worst) {
       const PartFigures& part = report.parts[worst.part];
       text += fmt::format("{},{},{},{},{},{},{}\n", index, worst.cell.x, worst.cell.y, numberText(worst.value),
-                          numberText(part.median), numberText(worst.distance), edges(part.rect));
+                          numberText(part.median), numberText(worst.distance), toText(part.rect));
     }
   }
   return text;

@@ -29,7 +29,7 @@ struct ItemPlace {
 };
 
 struct Item {
-  std::string name;  // unique: "block of left, 0,0..63,31, type 1"
+  std::string name;  // unique: "block of left, 0,0,63,31, type 1"
   ItemPlace place;
   std::vector<std::pair<std::string, std::string>> fields;  // in the same order for all items of a kind
   std::optional<BlobPlace> blob;

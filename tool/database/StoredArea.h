@@ -81,7 +81,7 @@ CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect);
 // gets the library's code and throws where that is a failure.
 CellBlock queryCells(Session& session, tovr::CoefData& record, const std::function<void(int code)>& require);
 
-// "left, 0,0..63,31"
+// "left, 0,0,63,31"
 std::string toText(const Placement& area);
 
 }  // namespace tovrtool

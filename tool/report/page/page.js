@@ -135,7 +135,7 @@ class Viewer {
   showPlace(rect) {
     this.canvas.scrollIntoView({block: 'nearest'});
     this.picture.showRect(rect);
-    this.readout.textContent = `shown: ${rect[0]},${rect[1]}..${rect[2]},${rect[3]}`;
+    this.readout.textContent = `shown: ${rect.join(',')}`;
     if (rect[0] === rect[2] && rect[1] === rect[3]) this.tell({...this.componentCell(), x: rect[0], y: rect[1]});
   }
 
