@@ -87,7 +87,7 @@ TEST_F(ToolTest, ResultsAreFreeOfTheLibrarysLinesAndTheLogHasThem) {
   EXPECT_TRUE(contains(read("lines.txt"), line));
   expectTold(line, "create other.db --type 0 --verbose");
   succeed("screen add wall.db --name left --rect 0,0,7,3");
-  EXPECT_EQ(succeed("screen list wall.db"), "id  name  rectangle  columns  rows\n 1  left  0,0,7,3         8     4\n");
+  EXPECT_EQ(succeed("screen list wall.db"), "id  name  rectangle  columns  rows\n 1  left  0,0,7,3          8     4\n");
   const std::string info = succeed("info wall.db");
   EXPECT_EQ(info.rfind("file               wall.db\ndatabase type      0 ", 0), 0U) << info;
   EXPECT_TRUE(contains(info, "name               my wall\n"));
