@@ -1,6 +1,7 @@
 // What a process is: its streams, its terminal, its signals, its exit codes, and the words that it has for a command
 // line without sense.
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <gtest/gtest.h>
 #include <pty.h>
 
@@ -8,6 +9,8 @@
 #include <thread>
 
 #include "tests/tool/ToolFixture.h"
+#include "tool/io/FileOutput.h"
+#include "tool/system/Interrupt.h"
 
 namespace {
 
@@ -80,23 +83,69 @@ TEST_F(ToolTest, AnInterruptAtTheKeyPromptEndsWithTheCodeOfInterrupts) {
   EXPECT_TRUE(contains(shown, "interrupted: nothing was done"));
 }
 
-TEST_F(ToolTest, AnInterruptLeavesNothingUnfinished) {
-  const std::string output = path("large.npy");
-  const pid_t child = fork();
-  if (child == 0) {
-    execl(TOVRDB_PROGRAM, "tovrdb", "--quiet", "sample", "--size", "20000x20000", "-o", output.c_str(), nullptr);
-    _exit(127);
+struct WriterTest : ToolTest {
+  // A process that is in the middle of writing large.npy.
+  pid_t startWriter() const {
+    const std::string output = path("large.npy");
+    const pid_t child = fork();
+    if (child == 0) {
+      execl(TOVRDB_PROGRAM, "tovrdb", "--quiet", "sample", "--size", "20000x20000", "-o", output.c_str(), nullptr);
+      _exit(127);
+    }
+    while (!anythingUnfinished() && waitpid(child, nullptr, WNOHANG) == 0) std::this_thread::yield();
+    return child;
   }
-  int status = 0;
-  pid_t ended = 0;
-  while (!anythingUnfinished() && (ended = waitpid(child, &status, WNOHANG)) == 0) std::this_thread::yield();
-  ASSERT_EQ(ended, 0) << "it has ended by itself: " << status;
-  kill(child, SIGINT);
-  waitpid(child, &status, 0);
+
+  // The status with which it ends.
+  static int end(pid_t child, int signal) {
+    int status = 0;
+    kill(child, signal);
+    waitpid(child, &status, 0);
+    return status;
+  }
+};
+
+TEST_F(WriterTest, Interrupt_LeavesNothingUnfinished) {
+  const int status = end(startWriter(), SIGINT);
   ASSERT_TRUE(WIFSIGNALED(status)) << status;
   EXPECT_EQ(WTERMSIG(status), SIGINT);
-  EXPECT_FALSE(fs::exists(output));
+  EXPECT_FALSE(fs::exists(path("large.npy")));
   EXPECT_FALSE(anythingUnfinished());
+}
+
+TEST_F(WriterTest, Leftover_GoesOnceItsWriterIsDead) {
+  const pid_t writer = startWriter();
+  const std::string sample = "sample --size 1x1 --force -o small.npy";
+  fs::create_directory(path("mine.unfinished-1.tovrdb"));  // others may enter it: no writer has made it
+  fs::create_directory_symlink(path("mine.unfinished-1.tovrdb"), path("a.unfinished-1.tovrdb"));
+  const std::string leftover = fmt::format("large.npy.unfinished-{}.tovrdb", writer);
+  EXPECT_EQ(run(sample).err.find("killed"), std::string::npos);
+  EXPECT_EQ(modeOf(leftover), 0700U);
+  end(writer, SIGKILL);
+  EXPECT_TRUE(fs::exists(path(leftover)));
+  expectTold(leftover + ", which a killed run", sample);
+  EXPECT_FALSE(fs::exists(path(leftover)));
+  EXPECT_TRUE(fs::exists(path("mine.unfinished-1.tovrdb")));
+  EXPECT_TRUE(fs::is_symlink(path("a.unfinished-1.tovrdb")));
+}
+
+// Done is done, also to a program that has more to say.
+TEST_F(ToolTest, Interrupt_AfterTheRenameIsLate) {
+  for (const bool committed : {false, true}) {
+    const pid_t child = fork();
+    if (child == 0) {
+      tovrtool::handleInterrupts();
+      tovrtool::FileOutput file(path("new"), tovrtool::Existing::kRefuse, 0600);
+      if (committed) file.commit();
+      raise(SIGINT);
+      _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, committed ? 0 : SIGINT);
+    EXPECT_EQ(fs::exists(path("new")), committed);
+    EXPECT_FALSE(anythingUnfinished());
+  }
 }
 
 TEST_F(ToolTest, ATerminalShowsTheWorkAndAPipeDoesNot) {

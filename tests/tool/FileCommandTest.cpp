@@ -188,7 +188,35 @@ TEST_F(FileCommandTest, TextsAreEncryptedAndBinaryFilesRefused) {
   expectFailure(4, "3 characters, not 8", "decrypt cipher other", "TOVRDB_CIPHER_KEY=abc ");
   EXPECT_EQ(read("back"), text);
   EXPECT_FALSE(fs::exists(path("other")));
-  EXPECT_FALSE(anythingUnfinished());
+  write("plant", "ln -s back other.unfinished-$$.temp; ln -s back other.unfinished-$$; exec \"$@\"");
+  EXPECT_EQ(run("decrypt cipher other", key + "sh plant env ").code, 0);
+  EXPECT_EQ(run("decrypt cipher other --force", key + "sh plant env ").code, 0);
+  EXPECT_EQ(read("back"), text);
+  EXPECT_EQ(read("other"), text);
+}
+
+TEST_F(FileCommandTest, Cleartext_IsForItsOwnerOnly) {
+  EXPECT_EQ(run("encrypt text cipher", "TOVRDB_CIPHER_KEY=12345678 ").code, 0);
+  const std::string key = "TOVRDB_CIPHER_KEY=12345678 " + std::string(kKey);
+  for (const std::string command :
+       {"coef get wall.db --type 1 --rect 0,0,7,3 -o out", "data get wall.db --type 5 -o out",
+        "measure get wall.db --id 1 -o out", "heatmap wall.db --type 1 -o out", "report wall.db -o out",
+        "diff wall.db wall.db --type 1 --heatmap out", "sample --size 1x1 -o out", "decrypt cipher out"}) {
+    write("out", "what others read so far");
+    fs::permissions(path("out"), fs::perms{0644});
+    EXPECT_EQ(run(command + " --force", key).code, 0) << command;
+    EXPECT_EQ(modeOf("out"), 0600U) << command;
+    EXPECT_EQ(run(command + " --force --mode 0664", key).code, 0) << command;
+    EXPECT_EQ(modeOf("out"), 0664U) << command;
+  }
+  for (const auto& [option, folder, file] : {std::tuple("", 0700U, 0600U), {" --force --mode 640", 0750U, 0640U}}) {
+    succeed("export wall.db folder" + std::string(option));
+    EXPECT_EQ(modeOf("folder"), folder);
+    EXPECT_EQ(modeOf(kManifest), file);
+    EXPECT_EQ(modeOf("folder/Data-1.bin"), file);
+  }
+  expectFailure(2, "the owner could not", "data get wall.db --type 5 -o new --mode 0444");
+  expectFailure(2, "is not an octal number", "data get wall.db --type 5 -o new --mode 0o644");
 }
 
 }  // namespace

@@ -97,6 +97,11 @@ struct ToolTest : FolderTest {
     return false;
   }
 
+  // The permissions of a file or folder.
+  unsigned int modeOf(const std::string& name) const {
+    return static_cast<unsigned int>(fs::symlink_status(path(name)).permissions());
+  }
+
   // A database of type 0 with the screen 0,0,7,3.
   void makeWall() const {
     succeed("create wall.db --type 0");

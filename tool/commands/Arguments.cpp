@@ -30,6 +30,20 @@ std::pair<double, double> parsePercentRange(const std::string& text) {
   return range;
 }
 
+// Permissions that leave their owner able to replace the file.
+unsigned int parseMode(const std::string& text) {
+  unsigned int mode = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), mode, 8);
+  if (read.ec != std::errc() || read.ptr != text.data() + text.size() || mode > 0777) {
+    throw std::invalid_argument(fmt::format("'{}' is not an octal number from 0600 to 0777", text));
+  }
+  if ((mode & kOwnerOnlyFile) != kOwnerOnlyFile) {
+    throw std::invalid_argument(
+        fmt::format("with {} the owner could not read and write it; 0600 lets nobody else", text));
+  }
+  return mode;
+}
+
 }  // namespace
 
 void addOutput(CLI::App& command, OutputOptions& options) {
@@ -37,6 +51,13 @@ void addOutput(CLI::App& command, OutputOptions& options) {
       ->required()
       ->type_name("FILE");
   command.add_flag("--force", options.force, "Replace the output file if it exists");
+  addMode(command, options.mode);
+}
+
+CLI::Option* addMode(CLI::App& command, unsigned int& mode, const std::string& what) {
+  return addParsed(command, "--mode", mode, parseMode,
+                   what + ", octal; on Windows those of the folder count [0600: for its owner only]")
+      ->type_name("MODE");
 }
 
 void addJsonFlag(CLI::App& command, bool& json) {

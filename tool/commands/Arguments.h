@@ -29,7 +29,10 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value,
       description);
 }
 
+// -o, --force and --mode.
 void addOutput(CLI::App& command, OutputOptions& options);
+// --mode, of a file with data in the clear.
+CLI::Option* addMode(CLI::App& command, unsigned int& mode, const std::string& what = "Permissions of the file");
 // --json.
 void addJsonFlag(CLI::App& command, bool& json);
 CLI::Option* addFile(CLI::App& command, std::string& file);

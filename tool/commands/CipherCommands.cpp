@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/database/Session.h"
@@ -25,6 +26,7 @@ struct Options {
   std::string keyFile;
   std::string vectorFile;
   bool force = false;
+  unsigned int mode = kOwnerOnlyFile;  // of a decrypted file
 };
 
 struct Keys {
@@ -110,7 +112,8 @@ void decrypt(Context& context, const Options& options) {
     throw ToolError(kFileProblem, "{} is not an encrypted file, or truncated: its {} bytes are not a multiple of 8",
                     options.input, size);
   }
-  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
+  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp",
+                            options.mode);
   const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().decryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
@@ -123,9 +126,10 @@ void decrypt(Context& context, const Options& options) {
   message("wrote " + options.output);
 }
 
-void addOne(CommandGroup& program, const std::string& name, const std::string& description,
-            void (*run)(Context&, const Options&)) {
-  const auto [command, options] = program.add(name, description, &Options::input, run);
+CommandGroup::Added<Options> addOne(CommandGroup& program, const std::string& name, const std::string& description,
+                                    void (*run)(Context&, const Options&)) {
+  const auto added = program.add(name, description, &Options::input, run);
+  auto& [command, options] = added;
   command.footer(
       "The service's format is DES in CBC mode over pieces of 512 bytes, for text files: no header, no checksum. A "
       "wrong\n"
@@ -139,13 +143,15 @@ void addOne(CommandGroup& program, const std::string& name, const std::string& d
   command.add_option("--iv-file", options.vectorFile, "So is the initialisation vector [the same as the key]")
       ->type_name("FILE");
   command.add_flag("--force", options.force, "Replace the output file if it exists");
+  return added;
 }
 
 }  // namespace
 
 void addCipherCommands(CommandGroup& program) {
   addOne(program, "encrypt", "Encrypt a text file with the encryption service", encrypt);
-  addOne(program, "decrypt", "Decrypt such a file", decrypt);
+  const auto [command, options] = addOne(program, "decrypt", "Decrypt such a file", decrypt);
+  addMode(command, options.mode);
 }
 
 }  // namespace tovrtool

@@ -184,6 +184,7 @@ void addPictureOptions(CLI::App& command, Options& options) {
       command.add_option("--heatmap", options.picture.path, "Draw the differences of the numbers of cells (PNG)")
           ->type_name("FILE");
   command.add_flag("--force", options.picture.force, "Replace the picture if it exists")->needs(picture);
+  addMode(command, options.picture.mode)->needs(picture);
   command.add_option("--type", options.drawn.type, "Of the blocks to draw, when there are several")->needs(picture);
   command.add_option("--screen", options.drawn.screen, "Draw only this screen")->needs(picture);
   CLI::Option* component =

@@ -17,12 +17,13 @@ struct ExportOptions {
   std::string folder;
   std::optional<Dtype> dtype;
   bool force = false;
+  unsigned int mode = kOwnerOnlyFile;
 };
 
 void exportAll(Context& context, const ExportOptions& options) {
   Session session = openDatabase(context, options.file);
-  const ExportReport report =
-      exportFolder(session, options.folder, options.force ? Existing::kReplace : Existing::kRefuse, options.dtype);
+  const ExportReport report = exportFolder(
+      session, options.folder, options.force ? Existing::kReplace : Existing::kRefuse, options.mode, options.dtype);
   for (const std::string& object : report.leftOut) {
     message("note: the {} is none of the nine tables and is left out", object);
   }
@@ -51,13 +52,15 @@ void addExport(CommandGroup& program) {
   const auto [command, options] = program.add(
       "export", "Write the whole content as a folder of .npy blocks and a manifest", &ExportOptions::file, exportAll);
   command.footer(
-      "The folder is NOT encrypted: whoever can read it reads everything. `tovrdb import` makes a database file of it\n"
-      "that is equal in every stored value.");
+      "The folder is NOT encrypted: whoever can read it reads everything, so only its owner can unless --mode is "
+      "given.\n"
+      "`tovrdb import` makes a database file of it that is equal in every stored value.");
   addFile(command, options.file);
   command.add_option("DIR", options.folder, "The folder to make")->required();
   addDtype(command, options.dtype,
            "Type of the numbers in a cell (uint16, float32, ...); for all blocks [as kept with each, else bytes]");
   command.add_flag("--force", options.force, "Replace the folder if it holds an export, and nothing else");
+  addMode(command, options.mode, "Permissions of its files, and of the folder with matching x bits");
 }
 
 void addImport(CommandGroup& program) {

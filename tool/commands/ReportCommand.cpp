@@ -46,7 +46,7 @@ void report(Context& context, const Options& options) {
     if (!file.empty()) requireOtherThanLog(context, file);
   }
   requireDatabaseFile(options.file);
-  ByteOutput output(context.output, options.output, options.file, Readers::kOwner);
+  ByteOutput output(context.output, options.output, options.file);
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
   ReportQuestion question{{options.file, key}, {}, options.form, options.cabinet};
   if (!options.against.empty()) {
@@ -71,7 +71,8 @@ void addReportCommand(CommandGroup& program) {
       "  tovrdb report wall.db --against older.db --cabinet 160x180 -o wall.html\n\n"
       "The page is one file that any browser opens, prints, and needs no network for. It holds calibration data in "
       "the\n"
-      "clear, so nobody else may read the file that is written; keys are not in it. Blocks that cannot be read are\n"
+      "clear, so only its owner may read the file unless --mode is given; keys are not in it. Blocks that cannot be "
+      "read are\n"
       "named in it. Walls too large for a page of 25 MB are shown by blocks of cells: minimum, mean and maximum.");
   addFile(command, options.file);
   addOutput(command, options.output);

@@ -100,7 +100,7 @@ class Exporter {
   }
 
   Json writeFile(const std::string& name, const char* form, const std::string& header, const Bytes& bytes) {
-    FileOutput file(folder_.file(name), Existing::kRefuse, Readers::kAsUsual, Flushing::kByFolder);
+    FileOutput file = folder_.file(name);
     file.write(header.data(), header.size());
     file.write(bytes.data(), bytes.size());
     file.commit();
@@ -127,15 +127,15 @@ std::vector<std::string> otherObjects(Session& session) {
 
 }  // namespace
 
-ExportReport exportFolder(Session& session, const std::string& path, Existing existing,
+ExportReport exportFolder(Session& session, const std::string& path, Existing existing, unsigned int mode,
                           const std::optional<Dtype>& dtype) {
-  UnfinishedFolder folder(path, existing, isOurs);
+  UnfinishedFolder folder(path, existing, mode, isOurs);
   session.beginReading();
   ExportReport report;
   {
     Exporter exporter(session, folder, dtype);
     const std::string manifest = jsonText(exporter.everything());
-    FileOutput file(folder.file(kManifestName), Existing::kRefuse, Readers::kAsUsual, Flushing::kByFolder);
+    FileOutput file = folder.file(kManifestName);
     file.write(manifest.data(), manifest.size());
     file.commit();
     report.payloadFiles = exporter.files();

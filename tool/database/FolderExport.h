@@ -17,11 +17,11 @@ struct ExportReport {
   std::vector<std::string> leftOut;  // what else the file holds, beside the nine tables: "index of_screens"
 };
 
-// The folder appears when it is complete, with one state of the file, whoever else writes to it. Without
-// `dtype` the arrays have the types that are kept with the blocks, and bytes where none is. Throws ToolError when the
+// The folder appears when it is complete, with one state of the file, whoever else writes to it. `mode` is for its
+// files. Without `dtype` the arrays have the types that are kept with the blocks, else bytes. Throws ToolError when the
 // folder exists and may not be replaced or holds anything that no export has written, when a cell is not a whole number
 // of `dtype` values, and on any other failure.
-ExportReport exportFolder(Session& session, const std::string& folder, Existing existing,
+ExportReport exportFolder(Session& session, const std::string& folder, Existing existing, unsigned int mode,
                           const std::optional<Dtype>& dtype);
 
 }  // namespace tovrtool

@@ -186,6 +186,7 @@ void Transaction::commit() {
   interrupt_.check();
   session_.require(session_.execPatiently(inner_ ? "RELEASE inner" : "COMMIT"));
   committed_ = true;
+  if (!inner_) noteCompletion();
 }
 
 }  // namespace tovrtool

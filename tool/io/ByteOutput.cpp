@@ -7,8 +7,7 @@
 
 namespace tovrtool {
 
-ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source,
-                       Readers readers)
+ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source)
     : standard_(standard), force_(options.force) {
   std::error_code error;
   if (std::filesystem::equivalent(pathOf(options.path), pathOf(source), error)) {
@@ -17,7 +16,7 @@ ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, c
   if (options.path == "-" || descriptorNamed(options.path) == kStandardOutput) {
     standard_.refuseTerminal();
   } else {
-    file_.emplace(options.path, options.force ? Existing::kReplace : Existing::kRefuse, readers);
+    file_.emplace(options.path, options.force ? Existing::kReplace : Existing::kRefuse, options.mode);
   }
 }
 

@@ -14,16 +14,16 @@ namespace tovrtool {
 struct OutputOptions {
   std::string path;  // "-", or a name of it such as "/dev/stdout", is standard output
   bool force = false;
+  unsigned int mode = kOwnerOnlyFile;  // of a file
 };
 
 class ByteOutput {
  public:
-  // Throws ToolError where the destination takes nothing, and where it is `source`, the file that the bytes come from
-  // (if any): asked before the work, not after.
-  ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source,
-             Readers readers = Readers::kAsUsual);
+  // Throws ToolError if the destination takes nothing, and if it is `source`, the file that the bytes come from (if
+  // any): asked before the work, not after.
+  ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
 
-  // Throws ToolError where a new file is to hold `bytes` and the disk has no room for them, unless told to replace
+  // Throws ToolError if a new file is to hold `bytes` and the disk has no room for them, unless told to replace
   // whatever there is.
   void requireRoom(double bytes) const;
 

@@ -1,7 +1,5 @@
 #include "tool/io/FileOutput.h"
 
-#include <fmt/core.h>
-
 #include <cerrno>
 #include <filesystem>
 
@@ -20,11 +18,16 @@ bool isDevice(const std::string& path) {
   return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
 }
 
+// Those of the file that is replaced, unless told otherwise.
+void givePermissions(const std::string& temporary, const std::string& path, std::optional<unsigned int> mode) {
+  std::error_code error;
+  const fs::perms permissions = mode ? fs::perms{*mode} : fs::status(pathOf(path), error).permissions();
+  if (!error && permissions != fs::perms::unknown) fs::permissions(pathOf(temporary), permissions, error);
+}
+
 void giveName(const std::string& temporary, const std::string& path, Existing existing) {
   if (existing == Existing::kReplace) {
     std::error_code error;
-    const fs::perms permissions = fs::status(pathOf(path), error).permissions();
-    if (!error && permissions != fs::perms::unknown) fs::permissions(pathOf(temporary), permissions, error);
     fs::rename(pathOf(temporary), pathOf(path), error);
     if (error) throw ToolError(kFileProblem, "cannot replace {}: {}", path, error.message());
   } else if (!tovr::renameWithoutReplacing(temporary, path)) {
@@ -58,40 +61,34 @@ void requireReplaceable(const std::string& path, Existing existing) {
   }
 }
 
-void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing) {
+void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing,
+                   std::optional<unsigned int> mode) {
+  const DeferredInterrupt interrupt;
+  givePermissions(temporary, path, mode);
+  interrupt.check();
   giveName(temporary, path, existing);
-  std::error_code error;  // where flushing fails, the file is there all the same
+  noteCompletion();
+  std::error_code error;  // if flushing fails, the file is there nevertheless
   flushFolder(textOf(fs::absolute(pathOf(path), error).parent_path()));
 }
 
-std::string temporaryNameBeside(const std::string& path) {
-  std::string name = fmt::format("{}.unfinished-{}", path, processNumber());
-  std::error_code error;
-  while (fs::exists(fs::symlink_status(pathOf(name), error))) name += "x";
-  return name;
-}
-
-FileOutput::FileOutput(const std::string& path, Existing existing, Readers readers, Flushing flushing)
+FileOutput::FileOutput(const std::string& path, Existing existing, unsigned int mode, Flushing flushing)
     : path_(followedLink(path)),
       existing_(existing),
+      mode_(mode),
       flushing_(flushing),
       direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
   if (direct_) {
     const int descriptor = descriptorNamed(path);
     file_ = descriptor >= 0 ? duplicateAsStream(descriptor) : FileHandle(std::fopen(path_.c_str(), "wb"));
+  } else if (flushing_ == Flushing::kByFolder) {
+    file_ = createNew(path_);
   } else {
     requireReplaceable(path_, existing);
-    const std::string name = temporaryNameBeside(path_);
-    removed_.emplace(name);
-    file_ = createNew(name, readers);
-    if (file_ != nullptr) temporary_ = name;
+    place_.emplace(path_);
+    file_ = createNew(place_->path());
   }
   if (file_ == nullptr) fail("create");
-}
-
-FileOutput::~FileOutput() {
-  file_.reset();
-  if (!temporary_.empty()) std::remove(temporary_.c_str());
 }
 
 void FileOutput::requireRoom(double bytes) const {
@@ -108,12 +105,12 @@ void FileOutput::write(const void* bytes, std::size_t size) {
 }
 
 void FileOutput::commit() {
-  const bool flushed = !direct_ && flushing_ == Flushing::kAtCommit;
-  if (flushed && !flushToDisk(file_.get())) fail("write");
+  if (place_ && !flushToDisk(file_.get())) fail("write");
   if (std::fclose(file_.release()) != 0) fail("write");
   if (direct_) return;
-  (flushed ? moveIntoPlace : giveName)(temporary_, path_, existing_);
-  temporary_.clear();
+  if (!place_) return givePermissions(path_, path_, mode_);
+  moveIntoPlace(place_->path(), path_, existing_, mode_);
+  place_.reset();
 }
 
 void FileOutput::fail(const std::string& action) const {

@@ -1,11 +1,11 @@
-// A file that appears whole or not at all: written under a temporary name in its folder, then moved into place.
+// A file that appears whole or not at all: written in an UnfinishedPlace, then moved to its name.
 #pragma once
 
 #include <cstddef>
 #include <optional>
 #include <string>
 
-#include "tool/system/Interrupt.h"
+#include "tool/io/UnfinishedPlace.h"
 #include "tool/system/Platform.h"
 
 namespace tovrtool {
@@ -18,36 +18,34 @@ enum class Existing {
 
 enum class Flushing {
   kAtCommit,
-  kByFolder,  // the file is one of an UnfinishedFolder, which flushes all of them at once
+  kByFolder,  // the file is one of an UnfinishedFolder, which flushes all of them at once and is moved as a whole
 };
-
-// A name for an unfinished file beside `path` that nothing else has.
-std::string temporaryNameBeside(const std::string& path);
 
 // Where a link leads, else `path` itself: the file is to be replaced, not the link.
 std::string followedLink(const std::string& path);
 
 [[noreturn]] void refuseExisting(const std::string& path, Existing existing);
 
-// Throws ToolError where there is a folder of that name, a file that may not be replaced, or one that nobody may write:
+// Throws ToolError if there is a folder of that name, a file that may not be replaced, or one that nobody may write:
 // somebody has protected it.
 void requireReplaceable(const std::string& path, Existing existing);
 
-// Gives the complete file `temporary` its name, in the same folder, and flushes the name to the disk. Throws ToolError;
-// `path` is untouched then.
-void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing);
+// Gives the complete file `temporary` its name, on the same file system, and flushes the name to the disk. It gets the
+// permissions `mode`; without, those of the file that it replaces. After an interrupt nothing is moved; one that comes
+// later no longer counts. Throws ToolError; `path` is untouched then.
+void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing,
+                   std::optional<unsigned int> mode);
 
 class FileOutput {
  public:
-  // Throws ToolError when `path` exists and may not be replaced, and when its folder takes no new file.
-  FileOutput(const std::string& path, Existing existing, Readers readers = Readers::kAsUsual,
-             Flushing flushing = Flushing::kAtCommit);
+  // The file gets the permissions `mode`, whatever the file had that it replaces. What is not committed is removed; so
+  // it is by an interrupt. Throws ToolError when `path` exists and may not be replaced, and when its folder takes no
+  // new file.
+  FileOutput(const std::string& path, Existing existing, unsigned int mode, Flushing flushing = Flushing::kAtCommit);
   FileOutput(const FileOutput&) = delete;
   FileOutput& operator=(const FileOutput&) = delete;
-  // Removes what was not committed; so does an interrupt.
-  ~FileOutput();
 
-  // Throws ToolError where the disk has no room for so many bytes.
+  // Throws ToolError if the disk has no room for so many bytes.
   void requireRoom(double bytes) const;
 
   // Throw ToolError when the disk does not take it; what `path` held before is untouched then.
@@ -59,10 +57,10 @@ class FileOutput {
 
   std::string path_;
   Existing existing_;
+  unsigned int mode_;
   Flushing flushing_;
-  bool direct_;            // a device, a pipe or an open descriptor: written to, there is nothing to replace
-  std::string temporary_;  // empty: there is none
-  std::optional<InterruptibleFile> removed_;
+  bool direct_;  // a device, a pipe or an open descriptor: written to, there is nothing to replace
+  std::optional<UnfinishedPlace> place_;
   FileHandle file_;
 };
 

@@ -1,6 +1,5 @@
 #include "tool/io/UnfinishedFile.h"
 
-#include <cerrno>
 #include <filesystem>
 
 #include "tool/system/Paths.h"
@@ -12,11 +11,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void requirePlace(const std::string& path, Existing existing) {
+// The path itself.
+std::string requirePlace(const std::string& path, Existing existing) {
   requireReplaceable(path, existing);
   std::error_code error;
   const fs::path folder = fs::absolute(pathOf(path), error).parent_path();
   if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder {}", textOf(folder));
+  return path;
 }
 
 void flush(const std::string& path) {
@@ -41,29 +42,18 @@ void requireAtRest(const std::string& path) {
 
 }  // namespace
 
-UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion)
-    : finished_(followedLink(finished)),
+UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion,
+                               std::optional<unsigned int> mode)
+    : finished_(requirePlace(followedLink(finished), existing)),
       existing_(existing),
-      path_(temporaryNameBeside(finished_)),
-      companion_(path_ + companion),
-      removed_(path_),
-      companionRemoved_(companion_) {
-  requirePlace(finished_, existing);
-  if (createNew(path_) == nullptr) throw ToolError(kFileProblem, "cannot create {}: {}", finished_, systemError());
-  std::remove(path_.c_str());
-}
-
-UnfinishedFile::~UnfinishedFile() {
-  std::error_code error;
-  if (!moved_) fs::remove(pathOf(path_), error);
-  fs::remove(pathOf(companion_), error);
-}
+      mode_(mode),
+      place_(finished_),
+      companionRemoved_(path() + companion) {}
 
 void UnfinishedFile::finish() {
-  flush(path_);
+  flush(path());
   requireAtRest(finished_);
-  moveIntoPlace(path_, finished_, existing_);
-  moved_ = true;
+  moveIntoPlace(path(), finished_, existing_, mode_);
 }
 
 }  // namespace tovrtool

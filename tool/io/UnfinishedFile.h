@@ -1,25 +1,28 @@
-// A file that somebody else writes (the engine, a service) under a temporary name, and that takes its real name when it
+// A file that somebody else writes (the engine, a service) in an UnfinishedPlace, and that takes its real name when it
 // is complete. What FileOutput is for our own bytes.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "tool/io/FileOutput.h"
+#include "tool/io/UnfinishedPlace.h"
 #include "tool/system/Interrupt.h"
 
 namespace tovrtool {
 
 class UnfinishedFile {
  public:
-  // A free name beside `finished`. `companion` is the suffix of what the writer keeps beside its file while it works.
-  // Throws ToolError when `finished` exists and may not be replaced, and where its folder takes no new file.
-  UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion);
+  // `companion` is the suffix of what the writer keeps beside its file while it works. The file gets the permissions
+  // `mode`; without, those of the file that it replaces, or what its writer gave it. Throws ToolError when `finished`
+  // exists and may not be replaced, and if its folder takes no new file.
+  UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion,
+                 std::optional<unsigned int> mode = std::nullopt);
   UnfinishedFile(const UnfinishedFile&) = delete;
   UnfinishedFile& operator=(const UnfinishedFile&) = delete;
-  // Removes what was not moved.
-  ~UnfinishedFile();
 
-  const std::string& path() const { return path_; }
+  // Where the writer makes the file.
+  const std::string& path() const { return place_.path(); }
 
   // Flushes the file to the disk and gives it its name. Throws ToolError; what had the name is untouched then.
   // REQUIRES: the writer has closed it.
@@ -28,11 +31,9 @@ class UnfinishedFile {
  private:
   std::string finished_;
   Existing existing_;
-  std::string path_;
-  std::string companion_;
-  InterruptibleFile removed_;
+  std::optional<unsigned int> mode_;
+  UnfinishedPlace place_;
   InterruptibleFile companionRemoved_;
-  bool moved_ = false;
 };
 
 }  // namespace tovrtool

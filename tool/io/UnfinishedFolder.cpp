@@ -1,5 +1,7 @@
 #include "tool/io/UnfinishedFolder.h"
 
+#include <fmt/core.h>
+
 #include <filesystem>
 
 #include "tool/system/Paths.h"
@@ -26,62 +28,70 @@ void requireReplaceable(const std::string& path, Existing existing, const Unfini
   if (error) throw ToolError(kFileProblem, "cannot read the folder {}: {}", path, error.message());
 }
 
+// The path itself, without a slash at its end.
+std::string requirePlace(const std::string& path, Existing existing, const UnfinishedFolder::IsOurs& isOurs) {
+  const fs::path folder = pathOf(path).lexically_normal();
+  const std::string name = textOf(folder.has_filename() ? folder : folder.parent_path());
+  requireReplaceable(name, existing, isOurs);
+  return name;
+}
+
 void require(const std::error_code& error, const std::string& action) {
   if (error) throw ToolError(kFileProblem, "cannot {}: {}", action, error.message());
 }
 
-std::string withoutSlash(const std::string& path) {
-  const fs::path folder = pathOf(path).lexically_normal();
-  return textOf(folder.has_filename() ? folder : folder.parent_path());
+std::string freeNameBeside(const std::string& path) {
+  std::string name = fmt::format("{}.replaced-{}", path, processNumber());
+  std::error_code error;
+  while (fs::exists(fs::symlink_status(pathOf(name), error))) name += "x";
+  return name;
 }
+
+// Whoever may read the files may list the folder and enter it.
+fs::perms folderPermissions(unsigned int mode) { return fs::perms{mode | ((mode & 0444U) >> 2U)}; }
 
 }  // namespace
 
-UnfinishedFolder::UnfinishedFolder(const std::string& finished, Existing existing, const IsOurs& isOurs)
-    : finished_(withoutSlash(finished)), isOurs_(isOurs), path_(temporaryNameBeside(finished_)) {
-  requireReplaceable(finished_, existing, isOurs);
-  std::error_code error;
-  if (!fs::create_directory(pathOf(path_), error) || error) {
-    throw ToolError(kFileProblem, "cannot make the folder {}: {}", finished_, error.message());
-  }
+UnfinishedFolder::UnfinishedFolder(const std::string& finished, Existing existing, unsigned int mode,
+                                   const IsOurs& isOurs)
+    : finished_(requirePlace(finished, existing, isOurs)), mode_(mode), isOurs_(isOurs), place_(finished_) {
+  if (createOwnFolder(place_.path())) return;
+  throw ToolError(kFileProblem, "cannot make the folder {}: {}", finished_, systemError());
 }
 
-UnfinishedFolder::~UnfinishedFolder() {
-  std::error_code error;
-  if (!path_.empty()) fs::remove_all(pathOf(path_), error);
+FileOutput UnfinishedFolder::file(const std::string& name) const {
+  interrupt_.check();
+  return {textOf(pathOf(place_.path()) / pathOf(name)), Existing::kRefuse, mode_, Flushing::kByFolder};
 }
-
-std::string UnfinishedFolder::file(const std::string& name) const { return textOf(pathOf(path_) / pathOf(name)); }
 
 void UnfinishedFolder::finish() {
-  if (!flushWholeFolder(path_)) {
+  if (!flushWholeFolder(place_.path())) {
     throw ToolError(kFileProblem, "cannot write the new folder to the disk: {}", systemError());
   }
+  std::error_code error;
+  fs::permissions(pathOf(place_.path()), folderPermissions(mode_), error);
+  interrupt_.check();
   takeName();
-  flushFolder(textOf(fs::absolute(pathOf(finished_)).parent_path()));  // where it fails, it is there all the same
+  noteCompletion();
+  flushFolder(textOf(fs::absolute(pathOf(finished_)).parent_path()));  // if it fails, the folder is there nevertheless
 }
 
 void UnfinishedFolder::takeName() {
+  const fs::path name = pathOf(finished_);
+  const fs::path complete = pathOf(place_.path());
   std::error_code error;
-  const bool present = fs::exists(pathOf(finished_), error);
-  if (!present) {
-    fs::rename(pathOf(path_), pathOf(finished_), error);
-    require(error, "give the new folder the name " + finished_);
-    path_.clear();
-    return;
+  if (!fs::exists(name, error)) {
+    fs::rename(complete, name, error);
+    return require(error, "give the new folder the name " + finished_);
   }
   requireReplaceable(finished_, Existing::kReplace, isOurs_);  // nothing has come into it meanwhile
-  const std::string old = temporaryNameBeside(finished_ + ".replaced");
-  fs::rename(pathOf(finished_), pathOf(old), error);
+  const fs::path old = pathOf(freeNameBeside(finished_));
+  fs::rename(name, old, error);
   require(error, "replace the folder " + finished_);
-  fs::rename(pathOf(path_), pathOf(finished_), error);
-  if (error) {
-    std::error_code ignored;
-    fs::rename(pathOf(old), pathOf(finished_), ignored);
-    require(error, "replace the folder " + finished_);
-  }
-  path_.clear();
-  fs::remove_all(pathOf(old), error);
+  fs::rename(complete, name, error);
+  std::error_code ignored;
+  fs::rename(old, error ? name : complete, ignored);  // the old one goes back, or is removed with the place
+  require(error, "replace the folder " + finished_);
 }
 
 }  // namespace tovrtool

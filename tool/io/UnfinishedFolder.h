@@ -1,10 +1,11 @@
-// A folder that appears whole or not at all: filled under a temporary name, then moved into place.
+// A folder that appears whole or not at all: filled in an UnfinishedPlace, then moved to its name.
 #pragma once
 
 #include <functional>
 #include <string>
 
 #include "tool/io/FileOutput.h"
+#include "tool/io/UnfinishedPlace.h"
 #include "tool/system/Interrupt.h"
 
 namespace tovrtool {
@@ -14,19 +15,17 @@ class UnfinishedFolder {
   // Tells which files a folder may hold that is to be replaced.
   using IsOurs = std::function<bool(const std::string& fileName)>;
 
-  // Makes a temporary folder beside `finished`. Throws ToolError when `finished` is not a folder, when it is not empty
-  // and may not be replaced, and when it holds anything that is not ours.
-  UnfinishedFolder(const std::string& finished, Existing existing, const IsOurs& isOurs);
+  // Its files get the permissions `mode`; whoever may read those may enter it. Throws ToolError when `finished` is not
+  // a folder, when it is not empty and may not be replaced, and when it holds anything that is not ours.
+  UnfinishedFolder(const std::string& finished, Existing existing, unsigned int mode, const IsOurs& isOurs);
   UnfinishedFolder(const UnfinishedFolder&) = delete;
   UnfinishedFolder& operator=(const UnfinishedFolder&) = delete;
-  // Removes what was not finished.
-  ~UnfinishedFolder();
 
-  // The path of a file in it, which is to be written Flushing::kByFolder.
-  std::string file(const std::string& name) const;
+  // A new file in it. Throws ToolError after an interrupt, too.
+  FileOutput file(const std::string& name) const;
 
-  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws ToolError; what had
-  // the name is whole then.
+  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws ToolError, also after
+  // an interrupt; what had the name is whole then.
   void finish();
 
  private:
@@ -34,8 +33,9 @@ class UnfinishedFolder {
 
   DeferredInterrupt interrupt_;  // a handler cannot remove folders
   std::string finished_;
+  unsigned int mode_;
   IsOurs isOurs_;
-  std::string path_;
+  UnfinishedPlace place_;
 };
 
 }  // namespace tovrtool

@@ -30,6 +30,7 @@ struct Slot {
 
 Slot slots[kSlots];
 std::atomic<int> deferrals{0};
+std::atomic<bool> completed{false};
 std::atomic<bool> noted{false};
 
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
@@ -43,11 +44,21 @@ void removeFile(const char* path) {
 #endif
 }
 
+void removeFolder(const char* path) {
+#if defined(_WIN32)
+  RemoveDirectoryA(path);
+#else
+  rmdir(path);
+#endif
+}
+
 // False when the program is to end.
 bool onlyNoted() {
-  if (deferrals > 0 && !noted.exchange(true)) return true;
-  for (const Slot& slot : slots) {
-    if (slot.taken) removeFile(slot.path);
+  if ((deferrals > 0 || completed) && !noted.exchange(true)) return true;
+  for (void (*remove)(const char*) : {removeFile, removeFolder}) {
+    for (const Slot& slot : slots) {
+      if (slot.taken) remove(slot.path);
+    }
   }
   return false;
 }
@@ -86,6 +97,8 @@ void handleInterrupts() {
 }
 
 #endif
+
+void noteCompletion() { completed = true; }
 
 InterruptibleFile::InterruptibleFile(const std::string& path) : slot_(-1) {
   std::error_code error;

@@ -1,8 +1,9 @@
 // What Ctrl-C (and a request to end) does: unfinished files disappear, and the program ends.
 //
-// Two ways. Usually the program ends at once, after the registered files are removed. While a DeferredInterrupt lives
+// Usually the program ends at once, after the registered files and folders are removed. While a DeferredInterrupt lives
 // the interrupt is only noted, and the work gives up at its next check(), so that transactions are rolled back and
-// whole folders are removed; a second interrupt then ends the program at once.
+// whole folders are removed. After noteCompletion() it is only noted, too: what is done stays done, and the program
+// goes on to tell so. A second interrupt ends the program at once in both cases.
 #pragma once
 
 #include <string>
@@ -12,7 +13,10 @@ namespace tovrtool {
 // Call once, before the first file is made.
 void handleInterrupts();
 
-// A file that an interrupt removes, as long as this lives.
+// Call when the result has its name, or is committed.
+void noteCompletion();
+
+// A file, or a folder that holds nothing but such files, that an interrupt removes as long as this lives.
 class InterruptibleFile {
  public:
   explicit InterruptibleFile(const std::string& path);

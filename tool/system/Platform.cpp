@@ -10,6 +10,7 @@
 #include "tool/system/ToolError.h"
 
 #if defined(_WIN32)
+#include <direct.h>
 #include <fcntl.h>
 #include <io.h>
 #include <process.h>
@@ -18,6 +19,8 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -84,9 +87,23 @@ bool redirectToEndOf(const std::string& path, int descriptor) {
 
 bool redirectTo(int target, int descriptor) { return _dup2(target, descriptor) == 0; }
 
-FileHandle createNew(const std::string& path, Readers /*readers*/) {
+FileHandle createNew(const std::string& path) {
   const int opened = _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
   return FileHandle(opened < 0 ? nullptr : _fdopen(opened, "wb"));
+}
+
+bool createOwnFolder(const std::string& path) { return _mkdir(path.c_str()) == 0; }
+
+// Another handle that may delete the folder is refused while one is open that does not share deletion.
+FolderLock::FolderLock(const std::string& folder, IfTaken /*ifTaken*/) {
+  const HANDLE opened =
+      CreateFileA(folder.c_str(), DELETE | FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  if (opened != INVALID_HANDLE_VALUE) handle_ = reinterpret_cast<std::intptr_t>(opened);
+}
+
+FolderLock::~FolderLock() {
+  if (held()) CloseHandle(reinterpret_cast<HANDLE>(handle_));
 }
 
 bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
@@ -216,10 +233,29 @@ bool redirectToEndOf(const std::string& path, int descriptor) {
 
 bool redirectTo(int target, int descriptor) { return dup2(target, descriptor) >= 0; }
 
-FileHandle createNew(const std::string& path, Readers readers) {
-  const int opened =
-      open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readers == Readers::kOwner ? 0600 : 0666);
+FileHandle createNew(const std::string& path) {
+  const int opened = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnlyFile);
   return FileHandle(opened < 0 ? nullptr : fdopen(opened, "wb"));
+}
+
+bool createOwnFolder(const std::string& path) { return mkdir(path.c_str(), 0700) == 0; }
+
+// A lock of flock(), which knows nothing of those of fcntl() that the engine takes.
+FolderLock::FolderLock(const std::string& folder, IfTaken ifTaken) {
+  const int opened = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (opened < 0) return;
+  struct stat status = {};
+  const bool own =
+      fstat(opened, &status) == 0 && status.st_uid == geteuid() && (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+  if (own && flock(opened, LOCK_EX | (ifTaken == IfTaken::kWait ? 0 : LOCK_NB)) == 0) {
+    handle_ = opened;
+  } else {
+    close(opened);
+  }
+}
+
+FolderLock::~FolderLock() {
+  if (held()) close(static_cast<int>(handle_));
 }
 
 bool flushToDisk(std::FILE* file) {

@@ -1,6 +1,7 @@
 // Everything that the operating systems do differently: descriptors, terminals, new files, the program's own path.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -12,10 +13,8 @@ struct FileCloser {
 };
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
-enum class Readers {
-  kAsUsual,
-  kOwner  // nobody else, where the system has such permissions; on Windows the folder's count
-};
+// Permissions of files and folders as POSIX numbers them; on Windows those of the folder around them count.
+constexpr unsigned int kOwnerOnlyFile = 0600;
 
 constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;
@@ -46,8 +45,30 @@ bool redirectToNull(int descriptor);
 bool redirectToEndOf(const std::string& path, int descriptor);
 bool redirectTo(int target, int descriptor);
 
-// A new file opened for writing bytes; null, with errno set, when `path` exists or cannot be made.
-FileHandle createNew(const std::string& path, Readers readers = Readers::kAsUsual);
+// A new file opened for writing bytes, which only its owner can read; null, with errno set, when `path` exists or
+// cannot be made.
+FileHandle createNew(const std::string& path);
+
+// A new folder that only its owner can enter. False, with errno set, when `path` exists or cannot be made.
+bool createOwnFolder(const std::string& path);
+
+// Tells other processes that a folder of createOwnFolder() is in use, as long as this lives. The lock ends with the
+// process, however that ends. On Windows the end of the lock removes the folder if it is empty.
+class FolderLock {
+ public:
+  enum class IfTaken { kWait, kGiveUp };
+  // Takes the lock, unless another process has it, the folder is not the user's own, or the file system has no locks.
+  FolderLock(const std::string& folder, IfTaken ifTaken);
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+  ~FolderLock();
+
+  bool held() const { return handle_ != kNone; }
+
+ private:
+  static constexpr std::intptr_t kNone = -1;
+  std::intptr_t handle_ = kNone;  // a descriptor; on Windows a HANDLE
+};
 
 // What was written reaches the disk. False when that fails.
 bool flushToDisk(std::FILE* file);

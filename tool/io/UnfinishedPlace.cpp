@@ -1,0 +1,91 @@
+#include "tool/io/UnfinishedPlace.h"
+
+#include <fmt/core.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <vector>
+
+#include "tool/io/Message.h"
+#include "tool/system/Paths.h"
+#include "tool/system/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// TARGET.unfinished-PROCESS[-NUMBER].tovrdb
+constexpr char kMark[] = ".unfinished-";
+constexpr char kEnd[] = ".tovrdb";
+
+std::string nameFor(const std::string& target, int attempt) {
+  const std::string number = attempt == 0 ? "" : fmt::format("-{}", attempt);
+  return fmt::format("{}{}{}{}{}", target, kMark, processNumber(), number, kEnd);
+}
+
+bool isOurs(const std::string& name) {
+  const std::size_t mark = name.rfind(kMark);
+  if (mark == std::string::npos) return false;
+  const std::size_t number = mark + sizeof kMark - 1;
+  const std::size_t end = name.find_first_not_of("0123456789-", number);
+  return end != number && end != std::string::npos && name.substr(end) == kEnd;
+}
+
+void removeLeftover(const std::string& folder) {
+  std::error_code error;
+  {
+    const FolderLock lock(folder, FolderLock::IfTaken::kGiveUp);
+    if (!lock.held()) return;
+    fs::remove_all(pathOf(folder), error);
+  }
+  if (fs::exists(pathOf(folder), error)) {
+    message("note: cannot remove {}, which a killed run left unfinished", folder);
+  } else {
+    message("note: removed {}, which a killed run left unfinished", folder);
+  }
+}
+
+// Of a folder that is named as the user named it; empty: the current one.
+void removeLeftovers(const fs::path& folder) {
+  std::vector<std::string> found;
+  std::error_code error;
+  fs::directory_iterator entry(folder.empty() ? fs::path(".") : folder, error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    const fs::path name = entry->path().filename();
+    if (isOurs(textOf(name))) found.push_back(textOf(folder / name));
+  }
+  for (const std::string& leftover : found) removeLeftover(leftover);
+}
+
+}  // namespace
+
+UnfinishedPlace::UnfinishedPlace(const std::string& target) {
+  removeLeftovers(pathOf(target).parent_path());
+  makeFolder(target);
+  path_ = textOf(pathOf(folder_) / pathOf(target).filename());
+  folderRemoved_.emplace(folder_);
+  pathRemoved_.emplace(path_);
+}
+
+// Between its making and its locking another run may take the folder for a leftover and remove it.
+void UnfinishedPlace::makeFolder(const std::string& target) {
+  std::error_code error;
+  for (int attempt = 0; !lock_ || !fs::is_directory(pathOf(folder_), error); ++attempt) {
+    folder_ = nameFor(target, attempt);
+    lock_.reset();
+    if (createOwnFolder(folder_)) {
+      lock_.emplace(folder_, FolderLock::IfTaken::kWait);
+    } else if (errno != EEXIST) {
+      throw ToolError(kFileProblem, "cannot create {}: {}", target, systemError());
+    }
+  }
+}
+
+UnfinishedPlace::~UnfinishedPlace() {
+  std::error_code error;
+  fs::remove_all(pathOf(folder_), error);
+  lock_.reset();
+}
+
+}  // namespace tovrtool
