@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -25,7 +26,7 @@ namespace fs = std::filesystem;
 
 constexpr int kNotADatabase = 26;
 constexpr unsigned int kSecond = 1000;
-constexpr unsigned int kNotWorthAWord = 300;  // milliseconds
+constexpr unsigned int kSilentWait = 300;  // milliseconds
 constexpr std::chrono::milliseconds kBetweenAttempts{20};
 
 std::string missingTables(tovr::IDBOperate& connection) {
@@ -37,6 +38,11 @@ std::string missingTables(tovr::IDBOperate& connection) {
   }
   if (missing.empty()) return {};
   return missing.size() == kTables.size() ? "all nine of them" : shortList(missing);
+}
+
+std::uint64_t nextNumber() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
 }
 
 }  // namespace
@@ -71,6 +77,7 @@ Session Session::openExisting(const Access& access, const std::string& path, con
   requireDatabaseFile(path);
   Session session(loadPlugin(access.plugin));
   session.patience_ = access.patience;
+  session.whileWaiting_ = access.whileWaiting;
   session.requireRightKey(session.openPatiently(path, key));
   session.setPatience(access.patience * kSecond);
   // More than FULL, which flushes all but the end of the journal, and so may undo the last change.
@@ -91,6 +98,8 @@ Session Session::openNew(const std::string& plugin, const std::string& path, con
   return session;
 }
 
+Session::Session(std::unique_ptr<tovrhost::PluginHost> host) : host_(std::move(host)), number_(nextNumber()) {}
+
 Session::~Session() {
   if (host_ != nullptr && open_) host_->manager().closeDB();
 }
@@ -109,6 +118,7 @@ int Session::openPatiently(const std::string& path, const std::string& key) {
   int code = open(path, key);
   if (isBusy(code) && patience_ > 0) announceWait();
   while (isBusy(code) && std::chrono::steady_clock::now() < end) {
+    checkWaiting();
     std::this_thread::sleep_for(kBetweenAttempts);
     code = open(path, key);
   }
@@ -124,14 +134,34 @@ void Session::announceWait() const {
   message("another program is using the file; waiting for it, {} s at most", patience_);
 }
 
+void Session::checkWaiting() const {
+  if (whileWaiting_) whileWaiting_();
+  const DeferredInterrupt interrupt;
+  interrupt.check();
+}
+
 int Session::execPatiently(const char* sql) {
   if (patience_ == 0) return connection().exec(sql);
-  setPatience(kNotWorthAWord);
-  int code = connection().exec(sql);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(patience_);
+  int code = execFor(kSilentWait, sql);
+  if (isBusy(code)) announceWait();
+  while (isBusy(code) && std::chrono::steady_clock::now() < end) {
+    checkWaiting();
+    code = execFor(kSilentWait, sql);
+  }
+  return code;
+}
+
+int Session::execFor(unsigned int milliseconds, const char* sql) {
+  setPatience(milliseconds);
+  const int code = connection().exec(sql);
   setPatience(patience_ * kSecond);
-  if (!isBusy(code)) return code;
-  announceWait();
-  return connection().exec(sql);
+  return code;
+}
+
+SessionState Session::state() {
+  return {number_, queryNumber(connection(), "PRAGMA data_version"),
+          queryNumber(connection(), "select total_changes()"), undone_};
 }
 
 void Session::beginReading() {
@@ -179,7 +209,9 @@ Transaction::Transaction(Session& session) : session_(session), inner_(session.i
 
 Transaction::~Transaction() {
   --session_.transactions_;
-  if (!committed_) session_.connection().exec(inner_ ? "ROLLBACK TO inner; RELEASE inner" : "ROLLBACK");
+  if (committed_) return;
+  session_.connection().exec(inner_ ? "ROLLBACK TO inner; RELEASE inner" : "ROLLBACK");
+  ++session_.undone_;
 }
 
 void Transaction::commit() {

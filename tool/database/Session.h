@@ -1,8 +1,11 @@
 // The plug-in with one database file open in it.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include "host/PluginHost.h"
 #include "tool/database/Access.h"
@@ -16,6 +19,18 @@ std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin);
 
 // What can be told without the key. Throws ToolError where `path` cannot be a database.
 void requireDatabaseFile(const std::string& path);
+
+// Which state of which open file: as long as two of them are equal, what was read at the first is still so.
+struct SessionState {
+  std::uint64_t session = 0;     // sessions are numbered; 0: none
+  std::int64_t dataVersion = 0;  // changes with each commit of another connection
+  std::int64_t changes = 0;      // rows that the session has written
+  std::int64_t undone = 0;       // transactions that the session has rolled back
+};
+inline bool operator==(const SessionState& one, const SessionState& other) {
+  return std::tie(one.session, one.dataVersion, one.changes, one.undone) ==
+         std::tie(other.session, other.dataVersion, other.changes, other.undone);
+}
 
 class Session {
  public:
@@ -37,10 +52,14 @@ class Session {
   tovr::IDBManager& manager() { return host_->manager(); }
   tovr::IDBOperate& connection() { return host_->connection(); }
 
+  // Reads nothing but the file's first page. Throws ToolError on failure.
+  SessionState state();
+
   // Reads one state of the file from here on; until then other programs may have written to it.
   void beginReading();
 
-  // Runs a statement that waits for other programs, and says so on a terminal. Returns the library's code.
+  // Runs a statement that waits for other programs, and says so on a terminal. Returns the library's code. Throws
+  // ToolError after an interrupt, and what `Access::whileWaiting` throws.
   int execPatiently(const char* sql);
 
   bool inTransaction() const { return transactions_ > 0; }
@@ -52,18 +71,23 @@ class Session {
 
  private:
   friend class Transaction;
-  explicit Session(std::unique_ptr<tovrhost::PluginHost> host) : host_(std::move(host)) {}
+  explicit Session(std::unique_ptr<tovrhost::PluginHost> host);
   int open(const std::string& path, const std::string& key);
   int openPatiently(const std::string& path, const std::string& key);
   void setPatience(unsigned int milliseconds);
+  int execFor(unsigned int milliseconds, const char* sql);
   void announceWait() const;
+  void checkWaiting() const;
   void probe();
   void requireRightKey(int code);
 
   std::unique_ptr<tovrhost::PluginHost> host_;
   bool open_ = false;
   unsigned int patience_ = 0;  // seconds
-  int transactions_ = 0;       // one within the other
+  std::function<void()> whileWaiting_;
+  int transactions_ = 0;     // one within the other
+  std::int64_t undone_ = 0;  // transactions
+  std::uint64_t number_;     // of all sessions of the process
 };
 
 // Several statements that are kept together or not at all: the library itself rolls nothing back. One within another is
