@@ -1,5 +1,7 @@
 #include "native/FoundCells.h"
 
+#include <fmt/core.h>
+
 #include "storage/StatusCodes.h"
 #include "tool/cells/CellNumbers.h"
 #include "tool/database/AreaPatch.h"
@@ -22,9 +24,40 @@ std::size_t valuesOf(std::int32_t cellBytes, const Dtype& dtype) {
   }
 }
 
+std::string formText(const StoredArea& area) {
+  const auto form = keptForm(area);
+  return fmt::format("{} bytes per cell{}", area.cellBytes, form ? " (" + toText(*form) + ")" : "");
+}
+
+void requireSameForm(const StoredArea& before, const StoredArea& now) {
+  if (now.cellBytes == before.cellBytes && keptForm(now) == keptForm(before)) return;
+  throw statusError(tovr::kNoMatchingArea,
+                    fmt::format("area {} was replaced since it was looked up: it had {}, now it has {}; look it up "
+                                "again",
+                                now.id, formText(before), formText(now)));
+}
+
+// While it lives, everything is read from one state of the file.
+class SingleState {
+ public:
+  explicit SingleState(Session& session) : session_(session.inTransaction() ? nullptr : &session) {
+    if (session_ != nullptr) session_->require(session_->connection().exec("BEGIN"));
+  }
+  SingleState(const SingleState&) = delete;
+  SingleState& operator=(const SingleState&) = delete;
+  ~SingleState() {
+    if (session_ != nullptr) session_->connection().exec("COMMIT");
+  }
+
+ private:
+  Session* session_;
+};
+
 }  // namespace
 
-FoundCells::FoundCells(Session& session, const CellQuery& query) : source_(locateCells(session, query)) {
+FoundCells::FoundCells(Session& session, const CellQuery& query) {
+  const SingleState single(session);
+  source_ = locateCells(session, query);
   if (source_.areas.empty()) {
     throw statusError(tovr::kNoMatchingArea, "no area has cells in " + toText(source_.rect));
   }
@@ -32,22 +65,34 @@ FoundCells::FoundCells(Session& session, const CellQuery& query) : source_(locat
   cellBytes_ = source_.areas.front().cellBytes;
   values_ = valuesOf(cellBytes_, form_.dtype);
   if (query.fill) fill_ = cellOf(form_.dtype, values_, *query.fill);
+  verifiedAt_.assign(source_.areas.size(), session.state());
 }
 
-CellBlock FoundCells::read(Session& session, const Rect& part) const {
-  requireUnmoved(session, source_.areas);
-  CellBlock block = source_.mosaic ? readMosaic(session, source_.areas, part, fill_).cells
-                                   : readCells(session, source_.areas.front(), part);
-  if (block.cellBytes == cellBytes_) return block;
-  throw statusError(tovr::kNoMatchingArea, "the cells were replaced by some of another size: look again");
+CellBlock FoundCells::read(Session& session, const Rect& part) {
+  const SingleState single(session);
+  requireUnchanged(session, part);
+  return source_.mosaic ? readMosaic(session, source_.areas, part, fill_).cells
+                        : readCells(session, source_.areas.front(), part);
 }
 
-void FoundCells::patch(Session& session, const CellBlock& block) const {
+void FoundCells::patch(Session& session, const CellBlock& block) {
   if (source_.mosaic) throw ToolError(kUsage, "a mosaic is for reading: write to its areas, one by one");
   Transaction transaction(session);
-  requireUnmoved(session, source_.areas);
+  requireUnchanged(session, block.rect);
   patchArea(session, source_.areas.front(), {{block.rect, [&] { return block; }}});
+  verifiedAt_.front() = session.state();  // a patch leaves the form as it is
   transaction.commit();
+}
+
+// Of a mosaic, only the areas that the part meets: each look at a form reads past a whole block.
+void FoundCells::requireUnchanged(Session& session, const Rect& part) {
+  requireUnmoved(session, source_.areas);
+  const SessionState state = session.state();
+  for (std::size_t i = 0; i < source_.areas.size(); ++i) {
+    if (verifiedAt_[i] == state || !common(source_.areas[i].rect, part)) continue;
+    requireSameForm(source_.areas[i], storedArea(session, source_.areas[i]));
+    verifiedAt_[i] = state;
+  }
 }
 
 }  // namespace tovrpython

@@ -1,7 +1,11 @@
 // Cells of a file that were looked up once and are then read, and written, part by part.
 //
-// Others may change the file meanwhile: every operation makes sure that the areas still are what they were.
+// The file may change meanwhile: every operation makes sure that the areas are still there and hold the same form of
+// numbers. That form is stored behind the cells and so is costly to read: it is read again only after something was
+// written, by this session or by another program.
 #pragma once
+
+#include <vector>
 
 #include "tool/cells/NumberForm.h"
 #include "tool/database/CellQuery.h"
@@ -19,19 +23,22 @@ class FoundCells {
   const tovrtool::NumberForm& form() const { return form_; }
   std::size_t values() const { return values_; }  // of a cell
 
-  // The cells of a part. Throws ToolError. REQUIRES: the source's rectangle holds it.
-  tovrtool::CellBlock read(tovrtool::Session& session, const tovrtool::Rect& part) const;
+  // The cells of a part, all of one state of the file. Throws ToolError. REQUIRES: the source's rectangle holds it.
+  tovrtool::CellBlock read(tovrtool::Session& session, const tovrtool::Rect& part);
 
   // Puts cells in, in a transaction of its own. Throws ToolError, also for a mosaic; nothing is written then.
   // REQUIRES: the source's rectangle holds the block's, and both have as many bytes per cell.
-  void patch(tovrtool::Session& session, const tovrtool::CellBlock& block) const;
+  void patch(tovrtool::Session& session, const tovrtool::CellBlock& block);
 
  private:
+  void requireUnchanged(tovrtool::Session& session, const tovrtool::Rect& part);
+
   tovrtool::CellSource source_;
   tovrtool::NumberForm form_;
   std::int32_t cellBytes_ = 0;
   std::size_t values_ = 0;
-  tovrtool::Bytes fill_;  // of a mosaic: one cell
+  tovrtool::Bytes fill_;                            // of a mosaic: one cell
+  std::vector<tovrtool::SessionState> verifiedAt_;  // the state in which each area's form was last seen to be the same
 };
 
 }  // namespace tovrpython

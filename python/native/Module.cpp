@@ -37,6 +37,12 @@ auto working(Work work) {
   return work();
 }
 
+// Lets Ctrl-C, and the handlers of other signals, through while another program is waited for.
+void handleSignals() {
+  const py::gil_scoped_acquire acquired;
+  if (PyErr_CheckSignals() != 0) throw py::error_already_set();
+}
+
 Rect rectOf(const Edges& edges) {
   return rectOfEdges(std::get<0>(edges), std::get<1>(edges), std::get<2>(edges), std::get<3>(edges));
 }
@@ -79,12 +85,14 @@ std::vector<std::string> put(OpenFile& file, const WantedBlock& wanted, const St
 
 // What goes is looked up and deleted in one transaction.
 template <class Find>
-std::vector<std::string> remove(OpenFile& file, Find find) {
-  Transaction transaction(file.session());
-  const Removal removal = find(file.session());
-  deleteRows(file.session(), removal);
-  transaction.commit();
-  return toTexts(removal);
+py::list remove(OpenFile& file, Find find) {
+  return shownTexts(working([&] {
+    Transaction transaction(file.session());
+    const Removal removal = find(file.session());
+    deleteRows(file.session(), removal);
+    transaction.commit();
+    return toTexts(removal);
+  }));
 }
 
 void defineReading(py::class_<OpenFile>& file) {
@@ -121,11 +129,11 @@ void defineCells(py::class_<OpenFile>& file) {
     const CellQuery query{area, type, screen, rectOf(rect), mosaic, fill, formOf(dtype, scale, unit)};
     return working([&] { return FoundCells(self.session(), query); });
   });
-  file.def("read", [](OpenFile& self, const FoundCells& cells, const Edges& edges) {
+  file.def("read", [](OpenFile& self, FoundCells& cells, const Edges& edges) {
     const Rect rect = rectOf(edges);
     return arrayOf(working([&] { return cells.read(self.session(), rect); }), cells.form().dtype);
   });
-  file.def("patch", [](OpenFile& self, const FoundCells& cells, const Edges& edges, const py::array& array) {
+  file.def("patch", [](OpenFile& self, FoundCells& cells, const Edges& edges, const py::array& array) {
     const CellBlock block = borrowedBlock(array, rectOf(edges));
     working([&] { cells.patch(self.session(), block); });
   });
@@ -137,14 +145,15 @@ void defineCells(py::class_<OpenFile>& file) {
                          parseDtype(py::str(array.dtype().attr("name")))};
     const WantedBlock wanted{"", {type, screen, block.rect}, kept, block.cellBytes};
     const StoreRules rules{modeNamed(mode), force};
-    return working([&] { return put(self, wanted, rules, block); });
+    return shownTexts(working([&] { return put(self, wanted, rules, block); }));
   });
 }
 
 void defineWriting(py::class_<OpenFile>& file) {
   file.def("begin", [](OpenFile& self) { working([&] { self.begin(); }); });
   file.def("commit", [](OpenFile& self) { working([&] { self.commit(); }); });
-  file.def("rollback", [](OpenFile& self) { working([&] { self.rollback(); }); });
+  file.def("depth", &OpenFile::depth);
+  file.def("roll_back_to", [](OpenFile& self, std::size_t depth) { working([&] { self.rollBackTo(depth); }); });
   file.def("add_screen", [](OpenFile& self, const std::string& name, const Edges& rect) {
     working([&, cells = rectOf(rect)] {
       Transaction transaction(self.session());
@@ -163,18 +172,17 @@ void defineWriting(py::class_<OpenFile>& file) {
            });
   file.def("clear_measurements", [](OpenFile& self) { working([&] { clearMeasurements(self.session()); }); });
   file.def("delete_areas", [](OpenFile& self, const std::vector<std::int64_t>& ids) {
-    return working([&] { return remove(self, [&](Session& session) { return areasOfIds(session, ids); }); });
+    return remove(self, [&](Session& session) { return areasOfIds(session, ids); });
   });
   file.def("delete_at", [](OpenFile& self, std::int32_t type, const std::string& screen, const Edges& rect) {
-    return working([&, place = AreaName{type, screen, rectOf(rect)}] {
-      return remove(self, [&](Session& session) { return areaAt(session, place); });
-    });
+    const AreaName place{type, screen, rectOf(rect)};
+    return remove(self, [&](Session& session) { return areaAt(session, place); });
   });
   file.def("delete_screen", [](OpenFile& self, const std::string& name, bool withAreas) {
-    return working([&] { return remove(self, [&](Session& session) { return screenOf(session, name, withAreas); }); });
+    return remove(self, [&](Session& session) { return screenOf(session, name, withAreas); });
   });
   file.def("delete_data", [](OpenFile& self, std::int32_t type) {
-    return working([&] { return remove(self, [&](Session& session) { return dataOfType(session, type); }); });
+    return remove(self, [&](Session& session) { return dataOfType(session, type); });
   });
 }
 
@@ -187,7 +195,8 @@ py::dict describeCells(const FoundCells& cells) {
 
 // The package knows which exception an error is.
 void raise(int exitCode, int status, const std::string& text, const std::vector<std::string>& details) {
-  const py::object error = py::module_::import("tovrdb._errors").attr("error_of")(exitCode, status, text, details);
+  const py::object error =
+      py::module_::import("tovrdb._errors").attr("error_of")(exitCode, status, shownText(text), shownTexts(details));
   PyErr_SetObject(py::type::of(error).ptr(), error.ptr());
 }
 
@@ -209,6 +218,7 @@ PYBIND11_MODULE(_native, module) {
   module.attr("PLUGIN_FOLDERS") = py::str(TOVR_PLUGIN_FOLDERS).attr("split")(":");
   module.attr("VERSION") = TOVR_VERSION;
   py::register_exception_translator(translate);
+  module.def("printable", &shownText);
   module.def("keep_lines", &LibraryLines::keep);
   module.def("take_lines", [] { return py::bytes(LibraryLines::take()); });
   module.def("make_database", [](const std::string& plugin, const std::string& path, const std::string& key, int type,
@@ -218,10 +228,10 @@ PYBIND11_MODULE(_native, module) {
   py::class_<FoundCells>(module, "Cells").def("describe", describeCells);
   py::class_<Tolerance>(module, "Tolerance").def(py::init<double, double>(), "absolute"_a, "relative"_a);
   py::class_<OpenFile> file(module, "File");
-  file.def(py::init(
-      [](const std::string& plugin, unsigned int wait, bool flushed, const std::string& path, const std::string& key) {
-        return working([&] { return std::make_unique<OpenFile>(Access{plugin, wait, flushed}, path, key); });
-      }));
+  file.def(py::init([](const std::string& plugin, unsigned int wait, bool flushed, const std::string& path,
+                       const std::string& key) {
+    return working([&] { return std::make_unique<OpenFile>(Access{plugin, wait, flushed, handleSignals}, path, key); });
+  }));
   file.def_static("in_memory", [](const std::string& plugin, int type, const std::string& name) {
     return working([&] { return std::make_unique<OpenFile>(Access{plugin}, DatabaseDescription{type, name}); });
   });

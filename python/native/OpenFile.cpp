@@ -57,6 +57,11 @@ void OpenFile::endSession() {
   session->close();
 }
 
+std::size_t OpenFile::depth() {
+  session();
+  return transactions_.size();
+}
+
 void OpenFile::begin() { transactions_.push_back(std::make_unique<Transaction>(session())); }
 
 void OpenFile::commit() {
@@ -67,10 +72,10 @@ void OpenFile::commit() {
   transaction->commit();
 }
 
-void OpenFile::rollback() {
+void OpenFile::rollBackTo(std::size_t depth) {
   if (isClosed()) return;
   session();
-  if (!transactions_.empty()) transactions_.pop_back();
+  while (transactions_.size() > depth) transactions_.pop_back();
 }
 
 std::vector<Verdict> OpenFile::check() {

@@ -4,6 +4,7 @@
 // undo changes of its parent. It is told so, and at its end the connection is left alone.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,10 +35,12 @@ class OpenFile {
   void close();
   bool isClosed() const { return session_ == nullptr; }
 
-  // The youngest transaction that was begun is kept, or undone.
+  // Transactions within one another: how many are open; one more; the youngest is kept, or undone if that fails; the
+  // youngest are undone until so many are left.
+  std::size_t depth();
   void begin();
   void commit();
-  void rollback();
+  void rollBackTo(std::size_t depth);
 
   // The checks of the whole file, which is closed and opened again for them. REQUIRES: no transaction, unless the
   // database is in memory.

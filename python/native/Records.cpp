@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "tool/database/NumberForms.h"
+#include "tool/io/Message.h"
 
 namespace tovrpython {
 
@@ -14,11 +15,12 @@ using namespace tovrtool;
 
 namespace {
 
-// Another program may have stored any bytes.
-py::str textOf(const std::string& text) {
+py::str decoded(const std::string& text, const char* errors) {
   return py::reinterpret_steal<py::str>(
-      PyUnicode_DecodeUTF8(text.data(), static_cast<py::ssize_t>(text.size()), "replace"));
+      PyUnicode_DecodeUTF8(text.data(), static_cast<py::ssize_t>(text.size()), errors));
 }
+
+py::str textOf(const std::string& text) { return decoded(text, "surrogateescape"); }
 
 // A number, unless another program has stored something else.
 py::object numberOrText(const std::string& text) {
@@ -57,6 +59,14 @@ const char* kindOf(const Difference& difference) {
 
 }  // namespace
 
+py::str shownText(const std::string& text) { return decoded(printable(text), "replace"); }
+
+py::list shownTexts(const std::vector<std::string>& texts) {
+  py::list list;
+  for (const std::string& text : texts) list.append(shownText(text));
+  return list;
+}
+
 py::tuple tupleOf(const Rect& rect) { return py::make_tuple(rect.left, rect.top, rect.right, rect.bottom); }
 
 void describe(py::dict& record, const std::optional<NumberForm>& form) {
@@ -92,17 +102,15 @@ py::dict dictOf(const StoredMeasurement& measurement) {
 py::dict dictOf(const FileFacts& facts) {
   py::dict tables;
   for (const TableFacts& table : facts.tables) {
-    tables[table.name.c_str()] = py::dict("rows"_a = table.rows, "bytes"_a = table.bytes);
+    tables[textOf(table.name)] = py::dict("rows"_a = table.rows, "bytes"_a = table.bytes);
   }
   return py::dict("type"_a = facts.type, "description"_a = factsOf(facts.description),
                   "engine"_a = factsOf(facts.engine), "tables"_a = tables);
 }
 
 py::dict dictOf(const Verdict& verdict) {
-  py::list faults;
-  for (const std::string& fault : verdict.faults) faults.append(textOf(fault));
-  return py::dict("name"_a = textOf(verdict.name), "ok"_a = verdict.ok(), "detail"_a = textOf(verdict.detail),
-                  "faults"_a = py::tuple(faults));
+  return py::dict("name"_a = shownText(verdict.name), "ok"_a = verdict.ok(), "detail"_a = shownText(verdict.detail),
+                  "faults"_a = py::tuple(shownTexts(verdict.faults)));
 }
 
 py::dict dictOf(const Difference& difference) {

@@ -1,4 +1,7 @@
 // What a database file holds, as dictionaries whose names are the fields of the package's records.
+//
+// Another program may have stored texts that are not UTF-8. Fields keep every byte ("surrogateescape"), so that each
+// name can be passed back.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -16,6 +19,10 @@
 #include "tool/database/Verdict.h"
 
 namespace tovrpython {
+
+// For messages: control characters and bytes that are not UTF-8 are replaced.
+pybind11::str shownText(const std::string& text);
+pybind11::list shownTexts(const std::vector<std::string>& texts);
 
 pybind11::tuple tupleOf(const tovrtool::Rect& rect);  // left, top, right, bottom
 pybind11::dict dictOf(const tovrtool::StoredScreen& screen);

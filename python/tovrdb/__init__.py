@@ -7,7 +7,7 @@
     with tovrdb.open("wall.db", key=open("wall.key").read().strip()) as wall:
         print(wall)                                  # type, screens, areas, at a glance
         coef = wall.coef(type=1, screen="main")      # like an array: shape, dtype, rect
-        part = coef[400:528, 600:856]                # rows, columns; only these cells are deciphered
+        part = coef[400:528, 600:856]                # rows, columns; only these cells are decrypted
         coef[400:528, 600:856] = (part * 0.98).round().astype(coef.dtype)
         with wall.transaction():                     # all or nothing
             wall.put(array, type=2, at=(0, 0))
@@ -21,7 +21,7 @@ the first cell of the block, half-open. Every error is a tovrdb.Error. The libra
 """
 
 from ._coef import Coef
-from ._errors import Busy, Conflict, Damaged, Error, Invalid, NotFound, OutOfRange, WrongKey
+from ._errors import Busy, Conflict, Damaged, Error, Invalid, NoSpace, NotFound, OutOfRange, WrongKey
 from ._native import VERSION as __version__
 from ._records import Area, Data, Difference, Measurement, Rect, Screen, Verdict
 from ._wall import Wall, create, open
@@ -29,7 +29,8 @@ from ._wall import Wall, create, open
 __all__ = [
     "open", "create", "Wall", "Coef",
     "Rect", "Screen", "Area", "Data", "Measurement", "Verdict", "Difference",
-    "Error", "WrongKey", "Busy", "NotFound", "Conflict", "Damaged", "Invalid", "OutOfRange",
+    "Error", "WrongKey", "Busy", "NotFound", "Conflict", "Damaged", "NoSpace", "Invalid",
+    "OutOfRange",
 ]
 
 for _name in __all__:

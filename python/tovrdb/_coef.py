@@ -5,7 +5,7 @@ from typing import Any, ContextManager, Iterator, List, NamedTuple, Optional, Pr
 
 import numpy as np
 
-from . import _library
+from ._arguments import refuse_masked
 from ._errors import Invalid, OutOfRange
 from ._records import Area, Rect, record_of
 
@@ -55,6 +55,8 @@ def _bounds(key: Any, length: int, axis: str) -> Tuple[Tuple[int, int], Index]:
         if index is None or not -length <= index < length:
             raise OutOfRange(f"index {key} leaves the {length} {axis}")
         return (index % length, index % length + 1), 0
+    if _whole(key.step) == 0:
+        raise Invalid(f"the slice {_text(key)} has the step 0: use 1 or more, or a negative step to go backwards")
     for end in (_whole(key.start), _whole(key.stop)):
         if end is not None and not -length <= end <= length:
             raise OutOfRange(f"the slice {_text(key)} leaves the {length} {axis}")
@@ -85,10 +87,11 @@ def _select(key: Any, shape: Tuple[int, int, int]) -> _Selection:
 
 
 def exactly(values: Any, dtype: "np.dtype[Any]") -> "np.ndarray[Any, Any]":
-    """The numbers in that type. Raises Invalid where one of them would change."""
+    """The numbers in that type. Raises Invalid if one of them would change."""
+    refuse_masked("values", values)
     given = np.asarray(values)
     if given.dtype.kind not in "biuf":
-        raise Invalid(f"{given.dtype} is no type of numbers that a block keeps")
+        raise Invalid(f"{given.dtype} is not a number type that a block can hold")
     if given.dtype == dtype:
         return given
     with np.errstate(all="ignore"):
@@ -107,11 +110,19 @@ def exactly(values: Any, dtype: "np.dtype[Any]") -> "np.ndarray[Any, Any]":
                   f"nothing was written: write values{how} if that is meant")
 
 
-class Coef:
+class NotCopied:
+    """Belongs to an open file, which a copy would close, or whose transaction it would end, when it is discarded."""
+
+    def __reduce_ex__(self, protocol: Any) -> Any:
+        raise TypeError(f"a {type(self).__name__} cannot be copied or pickled, since it belongs to an open file: copy "
+                        "the cells, coef[...], or open the file again")
+
+
+class Coef(NotCopied):
     """Coefficient cells of an area, or of several: an array of shape (rows, columns, values of a cell).
 
     Indices count from the first cell of ``rect``, which is row ``rect.top`` and column ``rect.left`` of the screen.
-    Reading deciphers only the rows and columns that the index spans, and gives a NumPy array of its own::
+    Reading decrypts only the rows and columns that the index spans, and gives a NumPy array of its own::
 
         part = coef[400:528, 600:856]      # a slice beyond the block is an error, unlike NumPy's
         first = coef[..., 0]               # the first number of every cell

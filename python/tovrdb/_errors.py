@@ -3,14 +3,14 @@
 import re
 from typing import Dict, List, Optional, Type
 
-__all__ = ["Error", "WrongKey", "Busy", "NotFound", "Conflict", "Damaged", "Invalid", "OutOfRange"]
+__all__ = ["Error", "WrongKey", "Busy", "NotFound", "Conflict", "Damaged", "NoSpace", "Invalid", "OutOfRange"]
 
 
 class Error(Exception):
-    """Whatever the package refuses to do. Its text says what failed, on which thing, and what to do.
+    """Base of all errors of the package. Its text says what failed, on which thing, and what to do.
 
-    ``code`` is the status code of the library or of its engine, which also stands in the text, or None where neither was
-    asked. No text holds a key or the numbers of a cell.
+    ``code`` is the status code of the library or of its engine, which is also in the text, or None if neither was
+    called. No text holds a key or the numbers of a cell.
     """
 
     def __init__(self, text: str, code: Optional[int] = None) -> None:
@@ -19,7 +19,7 @@ class Error(Exception):
 
 
 class WrongKey(Error):
-    """The key does not open the file, or the file is no encrypted database: the two look alike."""
+    """The key does not open the file, or the file is not an encrypted database: the two look alike."""
 
 
 class Busy(Error):
@@ -31,60 +31,86 @@ class NotFound(Error):
 
 
 class Conflict(Error):
-    """What is stored stands against it. Nothing was written."""
+    """It conflicts with stored data, or with an existing file. Nothing was written."""
 
 
 class Damaged(Error):
-    """The file, or a block in it, is damaged."""
+    """The file, or a block or row in it, is damaged."""
+
+
+class NoSpace(Error):
+    """The disk is full, or a quota is reached. The file is as it was."""
 
 
 class Invalid(Error, ValueError):
-    """An argument does not say what to do, or numbers would change on their way into a block. Nothing was written."""
+    """An argument has a wrong value, or numbers would change if they were stored. Nothing was written."""
 
 
 class OutOfRange(Error, IndexError):
-    """An index or a slice leaves the block."""
+    """An index or a slice is outside the block."""
 
 
 # As programs end: part of the tool's interface with scripts.
-_USAGE, _KEY_PROBLEM, _BUSY, _CONFLICT = 2, 4, 6, 7
+_USAGE, _KEY_PROBLEM, _BUSY, _CONFLICT, _DAMAGED, _NO_SPACE = 2, 4, 6, 7, 8, 9
 
 _BY_CODE: Dict[int, Type[Error]] = {
     11: Damaged,  # the engine's: the file is corrupt
+    13: NoSpace,  # the engine's: the disk is full
     4097: NotFound,
     4106: Damaged,
     4112: NotFound,
     4113: NotFound,
     4116: NotFound,
 }
-_BY_EXIT: Dict[int, Type[Error]] = {_USAGE: Invalid, _KEY_PROBLEM: WrongKey, _BUSY: Busy, _CONFLICT: Conflict}
+_BY_EXIT: Dict[int, Type[Error]] = {
+    _USAGE: Invalid,
+    _KEY_PROBLEM: WrongKey,
+    _BUSY: Busy,
+    _CONFLICT: Conflict,
+    _DAMAGED: Damaged,
+    _NO_SPACE: NoSpace,
+}
 
-# Advice is worded for a command line where it comes from.
-_WORDS = [
-    (r"`?tovrdb create`?", "tovrdb.create()"),
-    (r"`?tovrdb check`?", "check()"),
-    (r"tovrdb coef list shows (them|the areas)", r"`areas` lists \1"),
-    (r"tovrdb coef put stores", "put() stores"),
-    (r"tovrdb data list shows", "`data` lists"),
-    (r"tovrdb measure list shows", "`measurements` lists"),
-    (r"with tovrdb screen add", "with add_screen()"),
-    (r"with tovrdb data delete", "with delete_data()"),
-    (r"coef get of", "reading"),
-    (r"--(patch|replace|beside)", r'mode="\1"'),
-    (r"--(mosaic|force)", r"\1=True"),
-    (r"--with-areas", "with_areas=True"),
-    (r"--wait SECONDS", "wait=SECONDS"),
-    (r"--plugin", "plugin="),
-    (r"--id", "area="),
-    (r"--version-text", "text="),
-    (r"--(area|dtype|fill|rect|scale|screen|type|unit)", r"\1="),
-]
+# Texts come from the code that the command-line tool is made of, and may name its commands and options.
+_COMMANDS = {
+    "check": "check()",
+    "coef delete": "delete()",
+    "coef get": "coef()",
+    "coef list": "`areas`",
+    "coef put": "put()",
+    "create": "tovrdb.create()",
+    "data delete": "delete_data()",
+    "data list": "`data`",
+    "measure list": "`measurements`",
+    "screen add": "add_screen()",
+    "screen delete": "delete_screen()",
+    "screen list": "`screens`",
+}
+_OPTIONS = {
+    "beside": 'mode="beside"',
+    "force": "force=True",
+    "id": "area=",
+    "mosaic": "mosaic=True",
+    "new-screen": "new_screen=True",
+    "patch": 'mode="patch"',
+    "replace": 'mode="replace"',
+    "version-text": "text=",
+    "wait SECONDS": "wait=SECONDS",
+    "with-areas": "with_areas=True",
+}
+_NAMED = re.compile(r"`?\btovrdb (%s)\b`?|--(%s)\b|--([a-z][a-z-]*)"
+                    % ("|".join(_COMMANDS), "|".join(sorted(_OPTIONS, key=len, reverse=True))))
+
+
+def _in_python(named: "re.Match[str]") -> str:
+    command, option, parameter = named.groups()
+    if command:
+        return _COMMANDS[command]
+    return _OPTIONS[option] if option else parameter.replace("-", "_") + "="
 
 
 def error_of(exit_code: int, status: int, text: str, details: List[str]) -> Error:
     """The exception for a failure of the compiled half, which calls this."""
     kind = _BY_EXIT.get(exit_code, _BY_CODE.get(status, Error))
-    text = "\n".join([*details, text])
-    for pattern, words in _WORDS:
-        text = re.sub(pattern, words, text)
+    text = _NAMED.sub(_in_python, "\n".join([*details, text]))
     return kind(text, status or None)

@@ -45,12 +45,12 @@ def call(work: Callable[..., Any], *arguments: Any) -> Any:
         try:
             return work(*arguments)
         except TypeError:
-            pass  # its text shows every argument, keys and payloads among them
+            pass  # its text shows every argument, keys and payloads among them; they were checked before
         finally:
             lines = _native.take_lines()
             for line in lines.decode("utf-8", "replace").splitlines():
                 log.debug("%s", line)
-    raise TypeError("an argument is of a type, or is a number of a size, that does not suit")
+    raise TypeError("the compiled half of the package does not take these arguments: is it of the same version?")
 
 
 def close_last() -> None:
@@ -71,7 +71,7 @@ def plugin_path(given: Optional[str]) -> str:
     """The plug-in library: `given`, else TOVRDB_PLUGIN, else near the package, else left to the system's search."""
     path = given or os.environ.get("TOVRDB_PLUGIN")
     if path:
-        return os.fspath(path)
+        return path
     here = os.path.dirname(os.path.abspath(__file__))
     for folder in _native.PLUGIN_FOLDERS:
         candidate = os.path.normpath(os.path.join(here, folder, _native.PLUGIN_NAME))

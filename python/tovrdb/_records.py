@@ -35,7 +35,7 @@ class Area:
     """A stored block of coefficients and where it lies.
 
     ``dtype``, ``scale`` and ``unit`` are those that are kept with the block: a number counts as ``scale`` times itself.
-    They are None, None and "" where nothing is kept. ``changed`` is the local time of the last change.
+    They are None, None and "" if nothing is kept. ``changed`` is the local time of the last change.
     """
 
     id: int
@@ -54,9 +54,9 @@ class Area:
 
 @dataclass(frozen=True)
 class Data:
-    """Generic data of one type; get_data() has its bytes. ``stored_bytes`` counts the enciphered ones."""
+    """Generic data of one type; get_data() has its bytes. ``stored_bytes`` counts the encrypted ones."""
 
-    type: int  # a text, where another program has stored one
+    type: int  # a str, if another program has stored one
     stored_bytes: int
     text: str
     screen: str
@@ -91,7 +91,7 @@ class Difference:
     """One thing in which two files differ.
 
     ``kind`` is "only_before", "only_after", "field" (then ``field`` has two texts), "cells" or "bytes". Of cells,
-    ``differing`` counts them; where the type of their numbers is known, ``before`` and ``after`` are the two numbers
+    ``differing`` counts them; if the type of their numbers is known, ``before`` and ``after`` are the two numbers
     that are farthest apart, scaled, number ``component`` of the cell ``at`` (column, row); else ``at`` is the first.
     """
 

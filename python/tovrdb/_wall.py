@@ -1,14 +1,14 @@
 """Opening, and an open file."""
 
 import os
-from contextlib import contextmanager
 from types import TracebackType
-from typing import Any, Iterable, Iterator, List, Optional, Tuple, Type, Union
+from typing import Any, Iterable, List, Optional, Tuple, Type, Union
 
 import numpy as np
 
-from . import _library, _native
-from ._coef import Coef
+from . import _arguments, _library, _native
+from ._arguments import shown
+from ._coef import Coef, NotCopied
 from ._errors import Busy, Conflict, Error, Invalid, NotFound
 from ._records import Area, Data, Difference, Measurement, Rect, Screen, Verdict, record_of
 
@@ -17,6 +17,7 @@ Edges = Union[Rect, Tuple[int, int, int, int]]
 
 _MEMORY = ":memory:"
 _MOST_SHOWN = 20  # areas of a screen, at a glance
+_LONGEST_WAIT = 2**31 // 1000  # seconds: the engine counts milliseconds in 32 bits
 
 
 def open(path: Path, key: str, *, wait: int = 5, fast: bool = False, plugin: Optional[str] = None) -> "Wall":
@@ -30,12 +31,14 @@ def open(path: Path, key: str, *, wait: int = 5, fast: bool = False, plugin: Opt
     :raises WrongKey: the key does not open it
     :raises Busy: other programs use it for longer than that, or this process has a file open already
     """
-    _require_key(key)
-    if os.fspath(path) == _MEMORY:
+    told = _opening(wait, fast, plugin)
+    checked = _arguments.key(key)
+    name = _arguments.path("path", path)
+    if name == _MEMORY:
         raise NotFound("a database in memory begins with tovrdb.create(':memory:', type=0)")
-    if not os.path.exists(path):
-        raise NotFound(f"{os.fspath(path)}: there is no such file; tovrdb.create() makes a new one")
-    return Wall(path, lambda whole: _native.File(_library.plugin_path(plugin), wait, not fast, whole, key))
+    if not os.path.exists(name):
+        raise NotFound(f"{shown(name)}: there is no such file; tovrdb.create() makes a new one")
+    return Wall(name, lambda whole: _native.File(*told, whole, checked))
 
 
 def create(path: Path, key: Optional[str] = None, *, type: int, name: str = "", wait: int = 5, fast: bool = False,
@@ -49,52 +52,87 @@ def create(path: Path, key: Optional[str] = None, *, type: int, name: str = "", 
 
     :raises Conflict: there is something of that name
     """
-    if type not in (0, 1):
+    kind = _arguments.whole("type", type)
+    if kind not in (0, 1):
         raise Invalid("type: 0, screens are found by rectangle, or 1, by name")
-    if os.fspath(path) == _MEMORY:
-        return Wall(path, lambda _: _native.File.in_memory(_library.plugin_path(plugin), type, name))
-    checked = _require_key(key)
-    if os.path.lexists(path):
-        raise Conflict(f"{os.fspath(path)}: exists already; nothing was written")
+    told = _opening(wait, fast, plugin)
+    title = _arguments.text("name", name)
+    place = _arguments.path("path", path)
+    if place == _MEMORY:
+        return Wall(place, lambda _: _native.File.in_memory(told[0], kind, title))
+    checked = _arguments.key(key)
+    if os.path.lexists(place):
+        raise Conflict(f"{shown(place)}: exists already; nothing was written")
 
-    def make(whole: str) -> Any:
-        _native.make_database(_library.plugin_path(plugin), whole, checked, type, name)
-        return _native.File(_library.plugin_path(plugin), wait, not fast, whole, checked)
+    def make(whole: bytes) -> Any:
+        _native.make_database(told[0], whole, checked, kind, title)
+        return _native.File(*told, whole, checked)
 
-    return Wall(path, make)
-
-
-def _require_key(key: Optional[str]) -> str:
-    if not isinstance(key, str):
-        raise TypeError(f"key: the page key as a str is required, not {type(key).__name__}")
-    if not key:
-        raise Invalid("the key is empty: an empty key would leave the file unencrypted")
-    return key
+    return Wall(place, make)
 
 
-def _rect(edges: Edges) -> Rect:
-    try:
-        return Rect(*edges)
-    except TypeError:
-        raise Invalid("rect: four whole numbers are asked for, left, top, right, bottom") from None
+def _opening(wait: Any, fast: Any, plugin: Any) -> Tuple[bytes, int, bool]:
+    """How files are opened: the plug-in, the seconds to wait, whether the disk is waited for."""
+    given = None if plugin is None else _arguments.path("plugin", plugin)
+    return (os.fsencode(_library.plugin_path(given)), _arguments.whole("wait", wait, 0, _LONGEST_WAIT),
+            not _arguments.flag("fast", fast))
 
 
-class Wall:
+class Transaction(NotCopied):
+    """A context manager: all or nothing of what is written in it. Wall.transaction() makes one."""
+
+    def __init__(self, wall: "Wall") -> None:
+        self._wall = wall
+        self._lock = _library.lock
+        self._depth: Optional[int] = None  # how many were open before this one
+
+    def __enter__(self) -> "Wall":
+        if self._depth is not None:
+            raise Invalid("this transaction is open already: call transaction() for another one")
+        self._lock = _library.lock
+        self._lock.acquire()
+        try:
+            self._depth = self._wall._call("depth")
+            self._wall._call("begin")
+        except BaseException:
+            self._leave(kept=False)
+            raise
+        return self._wall
+
+    def __exit__(self, kind: Optional[Type[BaseException]], error: Optional[BaseException],
+                 traceback: Optional[TracebackType]) -> None:
+        self._leave(kept=kind is None)
+
+    def _leave(self, kept: bool) -> None:
+        """Undoes what is not kept and releases the lock, also if this is interrupted."""
+        depth, self._depth = self._depth, None
+        try:
+            if kept:
+                self._wall._call("commit")
+        finally:
+            try:
+                if depth is not None:
+                    self._wall._call("roll_back_to", depth)
+            finally:
+                self._lock.release()
+
+
+class Wall(NotCopied):
     """An open database file, and a context manager that closes it; open() and create() make one.
 
     A process has one file open at a time. Any of its threads may use it: they take turns, and a thread that has begun a
     transaction keeps its turn until the end. A process that was forked off opens the file by itself.
     """
 
-    def __init__(self, path: Path, opening: Any) -> None:
-        self.path = os.fspath(path)
+    def __init__(self, path: str, opening: Any) -> None:
+        self.path = path
         self._file: Any = None
         self._process = os.getpid()
         with _library.lock:
             last = _library.opened
             if last is not None and last.is_ours():
-                raise Busy(f"{last.path} is open in this process, which can have one file open: close it first")
-            whole = os.path.abspath(self.path)
+                raise Busy(f"{shown(last.path)} is open in this process, which can have one file open: close it first")
+            whole = os.fsencode(os.path.abspath(self.path))
             self._file = self._named(lambda: _library.call(opening, whole))
             _library.opened = _library.Opened(self._process, self.path, self._file)
 
@@ -138,21 +176,28 @@ class Wall:
         """The cells of an area, like an array; reads none of them yet.
 
         :param type: the coefficient type
-        :param screen: the screen's name; needed where several have such areas
+        :param screen: the screen's name; required if several have such areas
         :param area: instead of both, an area or its id
         :param rect: only these cells: left, top, right, bottom, all four inclusive
         :param dtype: the type of the numbers [as kept with the block]
-        :param mosaic: read across areas; where they overlap, the first stored one counts
+        :param mosaic: read across areas; of those that overlap, the first stored one counts
         :param fill: with mosaic, the number, as stored, of cells that no area covers
         :param scale: what 1 stands for, and
         :param unit: the unit of the scaled numbers [as kept with the block]
         :raises NotFound: there is no such area; the text tells what there is
         :raises Invalid: several areas are meant, or nothing tells the type of the numbers
         """
-        number = area.id if isinstance(area, Area) else area
-        name = None if dtype is None else _dtype_name(dtype)
-        edges = None if rect is None else _rect(rect)
-        return Coef(self, self._call("locate", number, type, screen, edges, name, mosaic, fill, _told(scale), unit))
+        return Coef(self, self._call(
+            "locate",
+            None if area is None else _area_id("area", area),
+            None if type is None else _arguments.whole("type", type),
+            _arguments.text("screen", screen),
+            None if rect is None else _arguments.rect("rect", rect),
+            _arguments.dtype_name(dtype),
+            _arguments.flag("mosaic", mosaic),
+            None if fill is None else _arguments.real("fill", fill),
+            _arguments.scale(scale),
+            _arguments.optional_text("unit", unit)))
 
     def put(self, array: Any, *, type: int, at: Optional[Tuple[int, int]] = None, rect: Optional[Edges] = None,
             screen: str = "", mode: str = "careful", force: bool = False, number: int = -1, text: str = "",
@@ -172,57 +217,71 @@ class Wall:
         :param scale: what 1 stands for, 0.5 or "1/16384"; kept with the block, as is
         :param unit: the unit of the scaled numbers
         :return: what was replaced, removed or patched, a line each
-        :raises Conflict: what is stored stands against it
-        :raises Invalid: the array's type or shape is none of a block's
+        :raises Conflict: it conflicts with stored blocks
+        :raises Invalid: the array's type or shape is not that of a block
         """
         numbers = _plain(array)
-        cells = _place(numbers, at, rect)
-        return list(self._call("put", numbers, cells, type, screen, mode, force, number, text, _told(scale), unit))
+        return list(self._call(
+            "put", numbers,
+            _place(numbers, at, rect),
+            _arguments.whole("type", type),
+            _arguments.text("screen", screen),
+            _arguments.text("mode", mode),
+            _arguments.flag("force", force),
+            _arguments.whole("number", number),
+            _arguments.text("text", text),
+            _arguments.scale(scale),
+            _arguments.optional_text("unit", unit)))
 
     def delete(self, areas: Union[Area, int, Iterable[Union[Area, int]], None] = None, *, type: Optional[int] = None,
                rect: Optional[Edges] = None, screen: str = "") -> List[str]:
         """Deletes areas with their blocks: areas or ids, or the one of a type and rectangle. Returns what went."""
         if areas is not None:
-            several = [areas] if isinstance(areas, (Area, int)) else list(areas)
-            return list(self._call("delete_areas", [area.id if isinstance(area, Area) else area for area in several]))
+            several = areas if isinstance(areas, Iterable) else [areas]
+            return list(self._call("delete_areas", [_area_id("areas", area) for area in several]))
         if type is None or rect is None:
             raise Invalid("say which areas: areas or ids, or type and rect")
-        return list(self._call("delete_at", type, screen, _rect(rect)))
+        return list(self._call("delete_at", _arguments.whole("type", type), _arguments.text("screen", screen),
+                               _arguments.rect("rect", rect)))
 
     # Screens, data, measurements
 
     def add_screen(self, name: str, *, rect: Edges) -> None:
         """Adds a screen of these cells: left, top, right, bottom, all four inclusive. Raises Conflict for a name twice."""
-        if not name:
+        if not _arguments.text("name", name):
             raise Invalid("name: must not be empty")
         with self.transaction():
             if any(screen.name == name for screen in self.screens):
-                raise Conflict(f"{self.path}: there is a screen '{name}' already; give another name")
-            self._call("add_screen", name, _rect(rect))
+                raise Conflict(f"{shown(self.path)}: there is a screen '{shown(name)}' already; give another name")
+            self._call("add_screen", _arguments.text("name", name), _arguments.rect("rect", rect))
 
     def delete_screen(self, name: str, *, with_areas: bool = False) -> List[str]:
-        """Deletes a screen. Returns what went. Raises Conflict where it has data, or areas that are not to go."""
-        return list(self._call("delete_screen", name, with_areas))
+        """Deletes a screen. Returns what was deleted. Raises Conflict if it has data, or areas without `with_areas`."""
+        return list(self._call("delete_screen", _arguments.text("name", name),
+                               _arguments.flag("with_areas", with_areas)))
 
     def get_data(self, type: int) -> bytes:
         """The generic data of a type. Raises NotFound, Damaged."""
-        return bytes(self._call("get_data", type))
+        return bytes(self._call("get_data", _arguments.whole("type", type)))
 
     def put_data(self, type: int, payload: bytes, *, text: str = "") -> None:
         """Stores generic data in the place of what its type held. It belongs to the screen that was added last."""
-        self._call("put_data", type, bytes(payload), text)
+        self._call("put_data", _arguments.whole("type", type), _arguments.payload("payload", payload),
+                   _arguments.text("text", text))
 
     def delete_data(self, type: int) -> List[str]:
         """Deletes the generic data of a type. Returns what went."""
-        return list(self._call("delete_data", type))
+        return list(self._call("delete_data", _arguments.whole("type", type)))
 
     def get_measurement(self, id: int) -> bytes:
         """The bytes of a measurement. Raises NotFound, Damaged."""
-        return bytes(self._call("get_measurement", id))
+        return bytes(self._call("get_measurement", _arguments.row_id("id", id)))
 
     def put_measurement(self, payload: bytes, *, type: int, rect: Edges, text: str = "") -> int:
         """Stores a measurement and returns its id. The library keeps the bytes, but neither type nor rectangle."""
-        return int(self._call("put_measurement", bytes(payload), type, _rect(rect), text))
+        return int(self._call("put_measurement", _arguments.payload("payload", payload),
+                              _arguments.whole("type", type), _arguments.rect("rect", rect),
+                              _arguments.text("text", text)))
 
     def clear_measurements(self) -> None:
         """Deletes all measurements."""
@@ -236,34 +295,31 @@ class Wall:
 
     def diff(self, other: Path, *, key: Optional[str] = None, atol: float = 0, rtol: float = 0,
              dtype: Any = None) -> List[Difference]:
-        """What differs in another file, as ``tovrdb diff`` tells it; nothing where both hold the same.
+        """What differs in another file, as ``tovrdb diff`` tells it; empty if both hold the same.
 
         :param other: its path; no program needs to have it open
         :param key: its key, if it has another
         :param atol: numbers this far apart count as equal, scaled
         :param rtol: the same, as a share of the larger of the two
-        :param dtype: the type of the numbers, where none is kept with the blocks
+        :param dtype: the type of the numbers, if none is kept with the blocks
 
         Only one file is open at a time: this one is closed meanwhile, and so must not be in a transaction.
         """
-        if not os.path.exists(other):
-            raise NotFound(f"{os.fspath(other)}: there is no such file")
-        tolerance = _native.Tolerance(atol, rtol) if atol or rtol else None
-        name = None if dtype is None else _dtype_name(dtype)
-        found = self._call("diff", os.path.abspath(other), key, tolerance, name)
+        name = _arguments.path("other", other)
+        if not os.path.exists(name):
+            raise NotFound(f"{shown(name)}: there is no such file")
+        limits = _arguments.tolerance("atol", atol), _arguments.tolerance("rtol", rtol)
+        found = self._call(
+            "diff",
+            os.fsencode(os.path.abspath(name)),
+            None if key is None else _arguments.key(key),
+            _native.Tolerance(*limits) if any(limits) else None,
+            _arguments.dtype_name(dtype))
         return [record_of(Difference, difference) for difference in found]
 
-    @contextmanager
-    def transaction(self) -> Iterator["Wall"]:
+    def transaction(self) -> Transaction:
         """All or nothing: what an exception ends is undone. Within another one it is undone by itself."""
-        with _library.lock:
-            self._call("begin")
-            try:
-                yield self
-            except BaseException:
-                self._call("rollback")
-                raise
-            self._call("commit")
+        return Transaction(self)
 
     @property
     def closed(self) -> bool:
@@ -290,16 +346,16 @@ class Wall:
             pass
 
     def __repr__(self) -> str:
-        return f"<tovrdb.Wall '{self.path}'{', closed' if self.closed else ''}>"
+        return f"<tovrdb.Wall '{shown(self.path)}'{', closed' if self.closed else ''}>"
 
     def __str__(self) -> str:
         if self.closed:
             return repr(self)
         with _library.lock:
             screens, areas = self.screens, self.areas
-            lines = [f"{self.path}: type {self.type}, {_count(screens, 'screen')}, {_count(areas, 'area')}"]
+            lines = [f"{shown(self.path)}: type {self.type}, {_count(screens, 'screen')}, {_count(areas, 'area')}"]
         for screen in screens:
-            lines.append(f"  {screen.name} ({screen.rect})")
+            lines.append(f"  {shown(screen.name)} ({screen.rect})")
             own = [area for area in areas if area.screen == screen.name]
             lines.extend(f"    area {area.id}: type {area.type}, {area.rect}, {_numbers(area)}"
                          for area in own[:_MOST_SHOWN])
@@ -309,7 +365,7 @@ class Wall:
 
     def _call(self, operation: str, *arguments: Any) -> Any:
         if self._file is None:
-            raise Invalid(f"{self.path}: the file is closed: open it again")
+            raise Invalid(f"{shown(self.path)}: the file is closed: open it again")
         return self._named(lambda: _library.call(getattr(self._file, operation), *arguments))
 
     def _named(self, work: Any) -> Any:
@@ -317,7 +373,7 @@ class Wall:
         try:
             return work()
         except Error as error:
-            raise type(error)(f"{self.path}: {error}", error.code) from None
+            raise type(error)(f"{shown(self.path)}: {error}", error.code) from None
 
 
 def _count(things: List[Any], name: str) -> str:
@@ -328,26 +384,20 @@ def _numbers(area: Area) -> str:
     if area.dtype is None:
         return f"{area.cell_bytes} bytes per cell"
     scale = "" if area.scale == 1 else f", scale {area.scale:g}"
-    unit = f", unit {area.unit}" if area.unit else ""
+    unit = f", unit {shown(area.unit)}" if area.unit else ""
     return f"{area.cell_bytes // np.dtype(area.dtype).itemsize} x {area.dtype}{scale}{unit}"
 
 
-def _dtype_name(dtype: Any) -> str:
-    try:
-        return str(np.dtype(dtype).name)
-    except TypeError:
-        raise Invalid(f"dtype: there is no type of numbers '{dtype}'") from None
-
-
-def _told(scale: Union[str, float, None]) -> Optional[str]:
-    return None if scale is None else str(scale)
+def _area_id(name: str, area: Union[Area, int]) -> int:
+    return area.id if isinstance(area, Area) else _arguments.row_id(name, area)
 
 
 def _plain(array: Any) -> "np.ndarray[Any, Any]":
     """The same numbers in C order and little-endian, which blocks are."""
+    _arguments.refuse_masked("array", array)
     given = np.asarray(array)
     if given.dtype.kind not in "iuf":
-        raise Invalid(f"{given.dtype} is no type of numbers that a block keeps")
+        raise Invalid(f"array: {given.dtype} is not a number type that a block can hold")
     return np.ascontiguousarray(given, dtype=given.dtype.newbyteorder("<"))
 
 
@@ -359,9 +409,9 @@ def _place(array: "np.ndarray[Any, Any]", at: Optional[Tuple[int, int]], rect: O
     if (at is None) == (rect is None):
         raise Invalid("say where the block belongs: at=(column, row) of its first cell, or rect=")
     if at is not None:
-        left, top = at
+        left, top = _arguments.position("at", at)
         return Rect(left, top, left + columns - 1, top + rows - 1)
-    cells = _rect(rect) if rect is not None else Rect(0, 0, -1, -1)
+    cells = _arguments.rect("rect", rect)
     if cells.shape != (rows, columns):
         raise Invalid(f"an array of shape {array.shape} does not fit the rectangle {cells}: its shape would begin "
                       f"with {cells.shape}")

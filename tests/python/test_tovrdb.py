@@ -1,18 +1,25 @@
 """The package as its users call it. Every test has a folder of its own, and closes what it opens."""
 
+import copy
+import inspect
 import logging
 import os
 import pathlib
+import pickle
+import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
 import threading
+import time
 
 import numpy as np
 import pytest
 
 import tovrdb
+from tovrdb import _errors
 
 KEY = "the test key"
 CELLS = np.arange(20 * 30 * 9, dtype="uint16").reshape(20, 30, 9)
@@ -86,7 +93,7 @@ def test_an_index_reads_and_writes_what_it_does_in_numpy(wall, index):
     (np.s_[1.5], TypeError),
     (np.s_[True], TypeError),
     (np.s_[[1, 2]], TypeError),
-    (np.s_[::0], ValueError),
+    (np.s_[::0], tovrdb.Invalid),
 ], ids=str)
 def test_an_index_that_leaves_the_block_is_refused(wall, index, error):
     coef = wall.coef(type=1)
@@ -114,6 +121,8 @@ def test_an_index_that_leaves_the_block_is_refused(wall, index, error):
     (1j, False),
     (2 ** 80, False),
     (CELLS[2:5, 3:5], False),
+    (np.ma.array(7, mask=True), False),
+    (np.ma.array(7, mask=False), True),
 ], ids=repr)
 def test_values_that_would_change_are_not_written(wall, values, written):
     coef = wall.coef(type=1)
@@ -248,24 +257,120 @@ def test_errors_are_one_family_and_keep_the_key(path, tmp_path, wall):
         (tovrdb.Invalid, lambda: tovrdb.open(path, "")),
         (TypeError, lambda: tovrdb.open(path, None)),
         (TypeError, lambda: wall.put_data("three", KEY.encode())),
+        (TypeError, lambda: wall.put_data(3, KEY)),
     ]
     for kind, refused in refusals:
         with pytest.raises(kind) as caught:
             refused()
-        assert KEY not in str(caught.value) and isinstance(caught.value, (tovrdb.Error, TypeError))
+        assert KEY not in str(caught.value) and "--" not in str(caught.value)
+        assert isinstance(caught.value, (tovrdb.Error, TypeError))
     assert KEY not in repr(wall) + repr(vars(wall))
     wall.close()
     wall.close()
     for kind, refused in [
         (tovrdb.Invalid, lambda: wall.areas),
         (tovrdb.WrongKey, lambda: tovrdb.open(path, "another")),
-        (TypeError, lambda: tovrdb.open(path, KEY, wait=-1)),
-        (TypeError, lambda: tovrdb.open(path, KEY + "\udcff")),
+        (tovrdb.Invalid, lambda: tovrdb.open(path, KEY, wait=-1)),
+        (tovrdb.Invalid, lambda: tovrdb.open(path, KEY + "\udcff")),
+        (tovrdb.Invalid, lambda: tovrdb.open(path, KEY + "\0")),
     ]:
         with pytest.raises(kind) as caught:
             refused()
         assert KEY not in str(caught.value)
         assert KEY not in str(caught.value.__context__)
+
+
+@pytest.mark.parametrize("call, error, text", [
+    (lambda wall: wall.delete(True), TypeError, "areas: a whole number is wanted, not bool"),
+    (lambda wall: wall.delete([1, 1.0]), TypeError, "areas: a whole number is wanted, not float"),
+    (lambda wall: wall.coef(area=np.True_), TypeError, "area: a whole number"),
+    (lambda wall: wall.coef(type=2 ** 31), tovrdb.Invalid, "type: a whole number from -2147483648 to 2147483647"),
+    (lambda wall: wall.coef(type=1, dtype=">u2"), tovrdb.Invalid, "'>u2' is big-endian"),
+    (lambda wall: wall.coef(type=1, dtype="V4"), tovrdb.Invalid, "dtype: .*V4"),
+    (lambda wall: wall.coef(type=1, mosaic=1), TypeError, "mosaic: True or False is wanted, not int"),
+    (lambda wall: wall.coef(type=1, rect=(0, 0, 5)), tovrdb.Invalid, "rect: .* not 3"),
+    (lambda wall: wall.coef(type=1, rect=(0, 0, 5, "5")), TypeError, r"rect\[3\]: a whole number is wanted, not str"),
+    (lambda wall: wall.coef(type=1, scale=True), TypeError, "scale: a number"),
+    (lambda wall: wall.put(CELLS, type=1, at=5), TypeError, "at: a position"),
+    (lambda wall: wall.put(CELLS, type=1, rect=RECT, text="a\0b"), tovrdb.Invalid, "text: .* null character"),
+    (lambda wall: wall.put(np.ma.masked_equal(CELLS, 5), type=1, rect=RECT), tovrdb.Invalid, r"array: .*\.filled"),
+    (lambda wall: wall.add_screen("a\0b", rect=RECT), tovrdb.Invalid, "name: .* null character"),
+    (lambda wall: wall.put_data(3, 5), TypeError, "payload: a bytes-like object is wanted, not int"),
+    (lambda wall: wall.diff(wall.path, atol=-1), tovrdb.Invalid, "atol: a finite number"),
+])
+def test_an_argument_is_refused_by_its_name(wall, call, error, text):
+    before = str(wall), wall.areas, wall.data
+    with pytest.raises(error, match=text):
+        call(wall)
+    assert (str(wall), wall.areas, wall.data) == before
+
+
+def test_errors_name_what_the_package_has():
+    """The compiled half is the tool's code: whatever option its texts name is a parameter here."""
+    source = pathlib.Path(__file__).parents[2] / "tool/database"
+    texts = [text for path in source.glob("*.cpp") for text in re.findall(r'"[^"\n]*"', path.read_text())]
+    options = sorted({option for text in texts for option in re.findall(r"--[a-z][a-z-]*", text)})
+    operations = [tovrdb.open, tovrdb.create, *(member for _, member in inspect.getmembers(tovrdb.Wall, inspect.isfunction))]
+    names = {name for operation in operations for name in inspect.signature(operation).parameters}
+    assert len(options) > 10
+    for option in options:
+        told = str(_errors.error_of(2, 0, f"say how with {option} and `tovrdb coef list`", []))
+        assert "--" not in told and "tovrdb" not in told
+        assert re.search(r"(\w+)=", told).group(1) in names, told
+
+
+def test_a_file_stays_open_when_a_copy_is_refused(path, wall):
+    coef = wall.coef(type=1)
+    with wall.transaction() as same:
+        coef[0] = 1
+        for thing in (wall, coef, same.transaction()):
+            for copied in (copy.copy, copy.deepcopy, pickle.dumps):
+                with pytest.raises(TypeError, match="open file"):
+                    copied(thing)
+    assert (wall.coef(type=1)[0] == 1).all()
+
+
+def test_cells_of_another_form_are_looked_up_again(path, wall):
+    """Whoever replaced them: this session, one that was undone, another program."""
+    halves = CELLS.view("float16")
+    elsewhere = ("with tovrdb.open(*sys.argv[1:3]) as wall:\n    import numpy as np\n"
+                 "    wall.put(np.zeros((20, 30, 9), 'uint16'), type=1, rect=(10, 5, 39, 24), scale=2, force=True)")
+    old, mosaic = wall.coef(type=1), wall.coef(type=1, mosaic=True)
+    wall.put(halves, type=1, rect=RECT, force=True)
+    for stale in (old, mosaic):
+        with pytest.raises(tovrdb.NotFound, match="uint16.*float16"):
+            stale[0, 1]
+    with pytest.raises(tovrdb.NotFound, match="look it up again"):
+        old[0, 1] = 5
+    new = wall.coef(type=1)
+    assert np.array_equal(new[...], halves, equal_nan=True)
+    with pytest.raises(KeyError), wall.transaction():
+        wall.put(CELLS, type=1, rect=RECT, force=True)
+        undone = wall.coef(type=1)
+        assert np.array_equal(undone[...], CELLS)
+        raise KeyError
+    with pytest.raises(tovrdb.NotFound):
+        undone[0, 1]
+    new[0] = new[0]
+    process = python(elsewhere, path, KEY)
+    assert process.communicate()[1] == ""
+    with pytest.raises(tovrdb.NotFound, match="float16.*uint16"):
+        new[0, 1]
+
+
+def test_names_in_any_bytes_are_told_and_found(wall):
+    name = b"caf\xe9 \x1b[31m".decode("utf-8", "surrogateescape")  # Latin-1, and a colour for terminals
+    wall.add_screen(name, rect=(200, 0, 209, 9))
+    wall.put(CELLS[:2, :2], type=1, at=(200, 0))
+    wall.put_data(3, b"", text=name)
+    assert (wall.screens[1].name, wall.areas[1].screen, wall.data[0].text) == (name, name, name)
+    wall.delete_data(3)
+    assert wall.coef(type=1, screen=name).rect == (200, 0, 201, 1)
+    with pytest.raises(tovrdb.NotFound) as caught:
+        wall.coef(type=1, screen="caf")
+    for text in (str(wall), str(caught.value), wall.delete_screen(name, with_areas=True)[0]):
+        assert "caf\ufffd " in text and "\x1b" not in text
+    assert len(wall.screens) == 1
 
 
 def test_damage_is_told(path, wall):
@@ -336,6 +441,38 @@ def test_other_threads_run_on_and_take_turns(path, wall):
             thread.join()
         assert all((coef[row] == row).all() for row in range(10))
     assert holder.returncode == 0
+
+
+@pytest.mark.parametrize("operation, first", [("begin", CELLS[0]), ("patch", CELLS[0]), ("commit", 1)])
+def test_an_interrupt_leaves_no_transaction(wall, monkeypatch, operation, first):
+    """It comes just behind each step of a write, and only a commit is then kept."""
+    def interrupted(name, *arguments, call=wall._call):
+        result = call(name, *arguments)
+        if name == operation:
+            raise KeyboardInterrupt
+        return result
+
+    coef = wall.coef(type=1)
+    with monkeypatch.context() as patched:
+        patched.setattr(wall, "_call", interrupted)
+        with pytest.raises(KeyboardInterrupt):
+            coef[0] = 1
+    assert wall._call("depth") == 0 and (coef[0] == first).all()
+
+
+@pytest.mark.skipif(os.name == "nt", reason="signals are sent to a process here")
+def test_a_keyboard_interrupt_ends_the_waiting(path, wall):
+    with wall.transaction():
+        waiting = python("wall = tovrdb.open(sys.argv[1], sys.argv[2], wait=600)\nprint('open', flush=True)\n"
+                         "try:\n    wall.coef(type=1)[0] = 1\nexcept KeyboardInterrupt: print('interrupted')\n"
+                         "wall._call('depth') == 0 and sys.stdin.readline()\n"
+                         "wall.coef(type=1)[1] = 1", path, KEY)
+        assert waiting.stdout.readline() == "open\n"
+        time.sleep(0.5)
+        waiting.send_signal(signal.SIGINT)
+        assert waiting.stdout.readline() == "interrupted\n"
+    assert waiting.communicate("\n")[1] == ""
+    assert np.array_equal(wall.coef(type=1)[0], CELLS[0]) and (wall.coef(type=1)[1] == 1).all()
 
 
 @pytest.mark.parametrize("ending", ["", "raise SystemExit(0)", "del wall", "import gc; gc.collect(); raise KeyError"])
