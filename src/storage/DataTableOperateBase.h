@@ -51,6 +51,8 @@ class DataTableOperateBase {
   int exec(const std::string& sql);
 
   // One writing statement: prepare, bind, step, reset, finalize. REQUIRES: what `bind` binds outlives the call.
+  // A failed bind is the result and nothing is stepped; all parameters are bound before that is decided, but inserting
+  // a screen stops at the first failed bind, and updating one ignores them.
   int write(const std::string& sql, const StatementStep& bind);
 
   // A reading statement in two calls: prepare it, then run `row` for every row, or for the first only, and finalize.

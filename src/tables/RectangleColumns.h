@@ -15,12 +15,13 @@ std::array<std::int32_t, 4> edgesInColumnOrder(const Record& record) {
   return {record.top, record.left, record.bottom, record.right};
 }
 
-// Binds the four edges as the parameters `first` to `first` + 3. Stops at the first bind that fails.
+// Binds the four edges as the parameters `first` to `first` + 3, all of them. Returns the first failure.
 template <class Record>
 int bindRectangle(IDBOperate& db, int first, const Record& record) {
   int result = kOk;
   for (const std::int32_t edge : edgesInColumnOrder(record)) {
-    if (result == kOk) result = db.bind_int(first++, edge);
+    const int bound = db.bind_int(first++, edge);
+    if (result == kOk) result = bound;
   }
   return result;
 }

@@ -56,9 +56,13 @@ int ScreenInfoDataTableOperate::insert(DataBase* record) {
   const auto* screen = dynamic_cast<const ScreenInfoData*>(record);
   if (screen == nullptr) return kInvalidRecord;
   return write(kInsert, [&](IDBOperate& db) {
+    int parameter = 2;
     int result = db.bind_int(1, screen->dbid);
-    if (result == kOk) result = bindText(db, 2, screen->screenname);
-    return result == kOk ? bindRectangle(db, 3, *screen) : result;
+    if (result == kOk) result = bindText(db, parameter, screen->screenname);
+    for (const std::int32_t edge : edgesInColumnOrder(*screen)) {
+      if (result == kOk) result = db.bind_int(++parameter, edge);
+    }
+    return result;
   });
 }
 

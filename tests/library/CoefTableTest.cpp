@@ -78,6 +78,18 @@ TEST_F(CoefTableTest, AnUpdateRewritesThePlacementAndTheTimeOfItsLastChange) {
   EXPECT_NE(value("select mtime from Coef_Info"), "old");
 }
 
+// Points: prepare, then eleven binds, which are all made.
+TEST_F(CoefTableTest, Insert_BindFails) {
+  CoefData record = placement();
+  for (int point = 2; point <= 12; ++point) {
+    host.points.arm(point);
+    EXPECT_EQ(table.insert(&record), FaultyConnection::kFault);
+    EXPECT_EQ(host.points.passed, 12) << point;
+    host.points.disarm();
+  }
+  EXPECT_EQ(countOf("Coef_Info"), 0);
+}
+
 TEST_F(CoefTableTest, WithoutLayersTheListIsNullAndAnUnknownScreenIsRefused) {
   CoefData record = placement();
   record.multilayerlist.clear();

@@ -114,6 +114,17 @@ TEST_F(ForeignScreenTest, WhatIsNoNumberIsThrownWithTheSameTextOnEveryPlatform) 
   EXPECT_EQ(queryRow("1, 1, 'well again', 5, 0, 0, 0").top, 5);
 }
 
+// Points of an insert: prepare, then six binds, of which the first that fails is the last.
+TEST_F(ScreenTest, Insert_BindFails) {
+  for (int point = 2; point <= 7; ++point) {
+    host.points.arm(point);
+    EXPECT_EQ(addScreen("wall", kFirst), FaultyConnection::kFault);
+    EXPECT_EQ(host.points.passed, point);
+    host.points.disarm();
+  }
+  EXPECT_EQ(countOf("Screen_Info"), 2);
+}
+
 // Points of an update: prepare, the name, then top, left, bottom and right.
 TEST_F(ScreenTest, AnUpdateBindsEveryEdgeWhateverTheBindsAnswer) {
   run("PRAGMA foreign_keys = OFF; drop table Screen_Info; create table Screen_Info(id, screenname, top, left, bottom, "
