@@ -92,6 +92,7 @@ TEST_F(ToolTest, ResultsAreFreeOfTheLibrarysLinesAndTheLogHasThem) {
   EXPECT_EQ(info.rfind("file               wall.db\ndatabase type      0 ", 0), 0U) << info;
   EXPECT_TRUE(contains(info, "name               my wall\n"));
   EXPECT_TRUE(contains(succeed("inspect"), "cpp.DBOperate"));
+  EXPECT_TRUE(contains(succeed("inspect --json"), "\"message_handler\": true"));
   // What cannot be written is no success.
   expectFailure(3, "cannot write the results", "info wall.db >/dev/full");
   expectFailure(3, "standard output is closed", "info wall.db >&-");

@@ -17,6 +17,8 @@ struct Options {
 constexpr char kJsonManual[] =
     "With --json these commands print one JSON value. Members may be added in later versions, and are never renamed.\n"
     "Rectangles are [left, top, right, bottom], cells are [x, y]; what is no finite number is null.\n\n"
+    "inspect        {name, version, api_version, description, classes}; a class has {class, object, created,\n"
+    "               message_handler}\n"
     "coef list      a list of {id, screen, type, area_number, rect, block_id, bytes_per_cell, stored_bytes,\n"
     "               version, dtype, scale, unit}; the last three where the form of the numbers is kept\n"
     "screen list    a list of {id, name, rect, columns, rows}\n"

@@ -51,11 +51,11 @@ std::string asJson(const tovr::PluginInfo& info, const std::vector<ClassFacts>& 
     list.push_back({{"class", entry.name},
                     {"object", entry.object},
                     {"created", entry.created},
-                    {"messageHandler", entry.handlesMessages}});
+                    {"message_handler", entry.handlesMessages}});
   }
   return jsonText({{"name", info.name},
                    {"version", info.version},
-                   {"apiVersion", info.apiVersion},
+                   {"api_version", info.apiVersion},
                    {"description", info.desc},
                    {"classes", list}});
 }
