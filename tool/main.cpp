@@ -6,12 +6,12 @@
 #include <exception>
 #include <new>
 #include <sstream>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
+#include "tool/commands/UsageText.h"
 #include "tool/io/Message.h"
 #include "tool/system/Interrupt.h"
 #include "tool/system/Platform.h"
@@ -36,10 +36,19 @@ constexpr const char* kIntroduction =
 
 constexpr const char* kFooter =
     "Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).\n"
-    "Exit codes: 0 done; 1 the library refused; 2 the command line is wrong; 3 a file is missing, exists, or cannot\n"
-    "be used; 4 no key, or a key that does not open the file; 5 the plug-in library cannot be loaded;\n"
-    "6 another program is using the file; 7 what is stored stands against it (nothing was written);\n"
-    "130 interrupted (nothing unfinished is left).";
+    "Exit codes, of every command (diff and check add what their result means):\n"
+    "  0    done\n"
+    "  1    the library refused: what was asked for is not stored, or the engine failed\n"
+    "  2    the command line is wrong\n"
+    "  3    a file is missing, exists already, cannot be read or written, or holds something else\n"
+    "  4    no key, or a key that does not open the file\n"
+    "  5    the plug-in library cannot be loaded\n"
+    "  6    another program is using the file, or changed it meanwhile: try again\n"
+    "  7    the command conflicts with stored data; nothing was written\n"
+    "  8    the database file, or data in it, is damaged\n"
+    "  9    the disk is full, or a quota or size limit is reached\n"
+    "  130  interrupted (Ctrl-C); 143 and 129: ended by SIGTERM or SIGHUP; nothing unfinished is left\n"
+    "  141  the reader of the output ended first, as head does; no message";
 
 constexpr int kLongestWait = 86400;
 
@@ -53,7 +62,7 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
   app.add_flag("--verbose", options.verbose, "Show the library's own lines on standard error")->excludes(log);
   app.add_option("--wait", options.access.patience, "How long other programs that use the file are waited for [5]")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0, kLongestWait).description(""));
+      ->check(atMost(kLongestWait));
   app.add_flag_callback(
       "--fast", [&options] { options.access.flushed = false; },
       "Do not wait for the disk; a power cut can then damage the file");
@@ -80,26 +89,6 @@ void addCommands(CommandGroup program) {
   addDocCommands(program);
 }
 
-// What is wrong with a command line, in words that name what can be said instead.
-std::string complaintAbout(const CLI::App& app, const CLI::ParseError& error) {
-  const CLI::App* group = &app;
-  std::string named;
-  while (!group->get_subcommands().empty()) {
-    group = group->get_subcommands().front();
-    named += group->get_name() + " ";
-  }
-  const auto commands = group->get_subcommands([](const CLI::App*) { return true; });
-  const auto rest = app.remaining(true);
-  if (dynamic_cast<const CLI::RequiredError*>(&error) == nullptr || commands.empty()) return error.what();
-  std::vector<std::string> words;
-  for (const CLI::App* command : commands) words.push_back(command->get_name());
-  const std::string names = fmt::format("{}", fmt::join(words, ", "));
-  if (rest.empty() && named.empty()) return "say what to do: one of " + names;
-  if (rest.empty()) return fmt::format("say what to do: {}takes one of {}", named, names);
-  if (rest.front()[0] == '-') return "there is no option " + rest.front();
-  return fmt::format("there is no command {}{}; there are {}", named, rest.front(), names);
-}
-
 int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
   if (!options.log.empty()) output.logLibraryTo(options.log);
   if (options.verbose) output.showLibrary();
@@ -110,16 +99,18 @@ int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutpu
   return context.code;
 }
 
-// The outcome of `action` as an exit code, its failure as a message.
+// The outcome of `action`, on behalf of a command, as an exit code, its failure as a message.
 template <class Action>
-int report(const std::string& what, Action action) {
-  const auto failed = [&what](int code, const std::string& text) {
-    complain(what.empty() ? text : fmt::format("{}: {}", what, text));
+int report(const Command& command, Action action) {
+  const auto failed = [&command](int code, const std::string& text) {
+    complain(command.what.empty() ? text : fmt::format("{}: {}", command.what, text));
+    if (code == kUsage) complain(helpHint(command.words));
     return code;
   };
   try {
     return action();
   } catch (const ToolError& error) {
+    if (error.code() == kPipeClosed) return kPipeClosed;
     for (const std::string& detail : error.details()) complain(detail);
     return failed(error.code(), error.what());
   } catch (const std::bad_alloc&) {
@@ -148,15 +139,15 @@ int main(int argc, char** argv) {
   } catch (const CLI::Success& request) {  // --help, --version
     std::ostringstream text;
     app.exit(request, text, text);
-    return report("", [&] {
+    return report({}, [&] {
       output.print(text.str());
       output.finish();
       return static_cast<int>(kDone);
     });
   } catch (const CLI::ParseError& error) {
-    complain(complaintAbout(app, error));
-    complain("tovrdb --help shows examples");
+    complain(usageText(app, error));
+    complain(helpHint(namedCommand(app)));
     return kUsage;
   }
-  return report(chosen.what, [&] { return runChosen(options, chosen, output); });
+  return report(chosen, [&] { return runChosen(options, chosen, output); });
 }

@@ -219,8 +219,8 @@ TEST_F(PictureTest, DiffTellsSameDifferentAndTrouble) {
   EXPECT_GE(countPixels(path("d.png"), kSame), 30 * kCell);
   succeed("data put b.db --type 4 cells.npy");
   EXPECT_EQ(run("diff b.db a.db").out, "only in b.db: data of type 4 (screen right)\n" + differing + "9 -> 0\n");
-  expectFailure(2, "no.db: there is no such file", "diff a.db no.db");
-  expectFailure(2, "the key is wrong", "diff a.db b.db", "TOVRDB_KEY=another ");
+  expectFailure(3, "no.db: there is no such file", "diff a.db no.db");
+  expectFailure(4, "the key is wrong", "diff a.db b.db", "TOVRDB_KEY=another ");
   expectFailure(2, "would replace b.db", "diff a.db b.db --force --heatmap b.db");
 }
 

@@ -94,7 +94,7 @@ TEST_F(ToolTest, ResultsAreFreeOfTheLibrarysLinesAndTheLogHasThem) {
   EXPECT_TRUE(contains(succeed("inspect"), "cpp.DBOperate"));
   EXPECT_TRUE(contains(succeed("inspect --json"), "\"message_handler\": true"));
   // What cannot be written is no success.
-  expectFailure(3, "cannot write the results", "info wall.db >/dev/full");
+  expectFailure(9, "cannot write the results", "info wall.db >/dev/full");
   expectFailure(3, "standard output is closed", "info wall.db >&-");
 }
 
@@ -119,7 +119,7 @@ TEST_F(ToolTest, DataOfATypeIsReplacedByTheNext) {
   succeed("create wall.db --type 0");
   expectFailure(1, "the file has none", "data put wall.db --type 5 cells");
   succeed("screen add wall.db --name left --rect 0,0,7,3");
-  expectFailure(1, "already", "screen add wall.db --name left --rect 0,0,1,1");
+  expectFailure(7, "already", "screen add wall.db --name left --rect 0,0,1,1");
   succeed("data put wall.db --type 5 cells");
   EXPECT_EQ(succeed("data get wall.db --type 5 -o -"), payload(64));
   EXPECT_EQ(run("data put wall.db --type 5 -", kKey, "piped").code, 0);

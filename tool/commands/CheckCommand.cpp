@@ -59,7 +59,7 @@ std::optional<Session> open(Context& context, const Options& options, const std:
     ToolError reason = error;
     if (error.code() == kKeyProblem) {
       reason = diagnoseUnreadable(options.file, enginePageSize(context.options.access.plugin));
-    } else if (error.code() == kRefused) {
+    } else if (error.code() == kRefused || error.code() == kDamaged) {
       const ToolError diagnosis = diagnoseDamaged(options.file, enginePageSize(context.options.access.plugin));
       reason = ToolError(diagnosis.code(), "{}; {}", error.what(), diagnosis.what());
     } else if (error.code() != kFileProblem) {
@@ -89,7 +89,7 @@ void check(Context& context, const Options& options) {
       static_cast<std::ptrdiff_t>(verdicts.size()) - std::count_if(verdicts.begin(), verdicts.end(), isOk);
   if (failed == 0) return;
   context.output.finish();
-  throw ToolError(kRefused, "{} of {} checks failed; if a copy is whole, restore it", failed, verdicts.size());
+  throw ToolError(kDamaged, "{} of {} checks failed; if a copy is whole, restore it", failed, verdicts.size());
 }
 
 }  // namespace
@@ -98,9 +98,8 @@ void addCheckCommand(CommandGroup& program) {
   const auto [command, options] =
       program.add("check", "Tell whether a database file is whole; reads every byte of it", &Options::file, check);
   command.footer(
-      "Exit codes: 0 all is well, 1 a check failed, 3 the file is damaged beyond opening or no database, 4 the key "
-      "does\n"
-      "not open it.");
+      "Exit codes: 0 all is well, 8 a check failed or the file is damaged, 3 it is not a database, 4 the key does not\n"
+      "open it.");
   addFile(command, options.file);
   addJsonFlag(command, options.json);
 }

@@ -22,9 +22,9 @@
 namespace tovrtool {
 namespace {
 
-// As of the program that compares texts, which scripts know.
+// As of the program that compares texts, which scripts know. Failures keep their codes, which are above.
 constexpr int kDifferent = 1;
-constexpr ExitCode kTrouble = kUsage;  // 2
+constexpr ExitCode kTrouble = kUsage;  // 2; instead of kRefused, which is 1
 
 struct Options {
   std::string before;
@@ -170,6 +170,9 @@ void diff(Context& context, const Options& options) {
 void diffOrTrouble(Context& context, const Options& options) {
   try {
     diff(context, options);
+  } catch (const ToolError& error) {
+    if (error.code() == kRefused) throw ToolError(kTrouble, error.what());
+    throw;
   } catch (const std::bad_alloc&) {
     throw ToolError(kTrouble, "out of memory");
   } catch (const std::exception& error) {
@@ -199,7 +202,7 @@ void addDiffCommand(CommandGroup& program) {
   const auto [command, options] =
       program.add("diff", "What differs between two database files", bothFiles, diffOrTrouble);
   command.footer(
-      "Exit codes of this command: 0 the same, 1 different, 2 trouble of any kind.\n\n"
+      "Exit codes of this command: 0 the same, 1 different; 2 and above are failures, as of every command.\n\n"
       "Compared are metadata, screens, blocks (found by screen, type and rectangle), generic data and measurements;\n"
       "not the times and the keys of rows. Without a tolerance cells differ when a bit does.\n"
       "Numbers, tolerances and the picture are scaled where the form that is kept with the blocks says so.\n"
@@ -213,9 +216,9 @@ void addDiffCommand(CommandGroup& program) {
       ->type_name("FILE");
   addForm(command, options.form, "Type of the numbers in a cell (uint16, float32, ...) [as kept with the blocks]");
   CLI::Option* absolute = command.add_option("--atol", options.absolute, "Numbers this far apart count as equal");
-  absolute->check(CLI::NonNegativeNumber);
+  absolute->check(atLeast(0));
   command.add_option("--rtol", options.relative, "The same, as a share of the larger of the two")
-      ->check(CLI::NonNegativeNumber)
+      ->check(atLeast(0))
       ->excludes(absolute);
   addPictureOptions(command, options);
   addJsonFlag(command, options.json);

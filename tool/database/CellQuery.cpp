@@ -78,7 +78,7 @@ CellSource locateCells(Session& session, const CellQuery& query) {
     }
     if (!query.mosaic) {
       fetchBlock(session, {*query.type, query.screen, *query.rect});  // tells why not
-      throw ToolError(kRefused, "the file changed while it was read: try again");
+      throw ToolError(kBusy, "another program changed the file while it was read: try again");
     }
   }
   if (!query.screen.empty()) screenNamed(storedScreens(session), query.screen);

@@ -178,7 +178,7 @@ void checkCounters(Session& session, Verdict& verdict) {
 }  // namespace
 
 std::vector<Row> schemaOf(Session& session) { return queryRows(session.connection(), kTableSchema); }
-bool isNoFault(const ToolError& error) { return error.code() == kInterrupted || error.code() == kBusy; }
+bool isNoFault(const ToolError& error) { return isEnded(error.code()) || error.code() == kBusy; }
 
 void beginAgain(Session& session) {
   session.connection().exec("rollback");  // fails where there is none

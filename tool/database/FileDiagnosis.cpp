@@ -88,7 +88,7 @@ ToolError diagnoseUnreadable(const std::string& path, std::int64_t pageSize) {
 
 ToolError diagnoseDamaged(const std::string& path, std::int64_t pageSize) {
   const std::string odd = oddSize(path, pageSize);
-  return {kFileProblem, "the key fits, but the file is {}; restore a copy",
+  return {kDamaged, "the key fits, but the file is {}; restore a copy",
           odd.empty() ? "truncated or damaged" : "truncated: " + odd};
 }
 

@@ -44,6 +44,7 @@ std::int64_t countMeasurements(Session& session) {
 
 MeasurementReport putMeasurement(Session& session, std::int32_t type, const Rect& rect, const std::string& version,
                                  Bytes payload) {
+  Transaction transaction(session);
   const std::int64_t before = lastKey(session);
   const auto record = session.host().makeRecord<tovr::LumChromaData>();
   record->datatype = type;
@@ -55,6 +56,7 @@ MeasurementReport putMeasurement(Session& session, std::int32_t type, const Rect
   const std::int64_t key = lastKey(session);
   const bool rejected = code == kRowRejected && key > before;
   if (!rejected) session.require(code);
+  transaction.commit();
   return {key, rejected};
 }
 

@@ -75,7 +75,7 @@ void requireKeptForm(const StoredArea& area, const BlockText& patch) {
   const auto kept = keptForm(area);
   const auto given = chosenForm(withType(patch, true), kept);
   if (!kept || !given || *given == *kept) return;
-  throw ToolError(kUsage, "the numbers of {} are {}, those of the patch {}; nothing was stored", named(area),
+  throw ToolError(kConflict, "the numbers of {} are {}, those of the patch {}; nothing was stored", named(area),
                   toText(*kept), toText(*given));
 }
 

@@ -41,7 +41,7 @@ std::vector<StoredData> dataThat(Session& session, const std::string& member, co
 }
 
 void requireSame(bool same, const std::string& what) {
-  if (!same) throw ToolError(kConflict, "{} was changed meanwhile; nothing was deleted: try again", what);
+  if (!same) throw ToolError(kBusy, "another program changed {} meanwhile; nothing was deleted: try again", what);
 }
 
 void requireUnchanged(Session& session, const Removal& removal) {

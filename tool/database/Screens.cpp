@@ -37,7 +37,7 @@ const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const 
 void addScreen(Session& session, const std::string& name, const Rect& rect) {
   const auto present = storedScreens(session);
   if (findScreen(present, name) != present.end()) {
-    throw ToolError(kRefused, "there is a screen '{}' already; give another name", name);
+    throw ToolError(kConflict, "there is a screen '{}' already; give another name", name);
   }
   auto screen = session.host().makeRecord<tovr::ScreenInfoData>();
   // A screen belongs to the database entry that was made last.

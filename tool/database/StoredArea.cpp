@@ -153,7 +153,7 @@ StoredArea storedArea(Session& session, const Placement& placement) {
 
 void requireSound(const Rect& rect, const std::string& whose) {
   if (isSound(rect)) return;
-  ToolError error(kFileProblem, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
+  ToolError error(kDamaged, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
                   toText(rect));
   error.setStatus(tovr::kCipherFailed);
   throw error;

@@ -29,10 +29,10 @@ void giveName(const std::string& temporary, const std::string& path, Existing ex
   if (existing == Existing::kReplace) {
     std::error_code error;
     fs::rename(pathOf(temporary), pathOf(path), error);
-    if (error) throw ToolError(kFileProblem, "cannot replace {}: {}", path, error.message());
+    if (error) throw systemFailure("cannot replace " + path, error);
   } else if (!tovr::renameWithoutReplacing(temporary, path)) {
     if (errno == EEXIST) refuseExisting(path, existing);
-    throw ToolError(kFileProblem, "cannot move the new file to {}: {}", path, systemError());
+    throw systemFailure("cannot move the new file to " + path);
   }
 }
 
@@ -95,9 +95,8 @@ void FileOutput::requireRoom(double bytes) const {
   std::error_code error;
   const fs::space_info space = fs::space(fs::absolute(pathOf(path_), error).parent_path(), error);
   if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
-  throw ToolError(kFileProblem,
-                  "{} would take {:.1f} GB, and the disk has room for {:.1f} GB; --force writes all the same", path_,
-                  bytes / 1e9, static_cast<double>(space.available) / 1e9);
+  throw ToolError(kNoSpace, "{} would take {:.1f} GB, and the disk has room for {:.1f} GB; --force writes anyway",
+                  path_, bytes / 1e9, static_cast<double>(space.available) / 1e9);
 }
 
 void FileOutput::write(const void* bytes, std::size_t size) {
@@ -114,7 +113,7 @@ void FileOutput::commit() {
 }
 
 void FileOutput::fail(const std::string& action) const {
-  throw ToolError(kFileProblem, "cannot {} {}: {}", action, path_, systemError());
+  throw systemFailure(fmt::format("cannot {} {}", action, path_));
 }
 
 }  // namespace tovrtool

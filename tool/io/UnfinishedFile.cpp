@@ -23,7 +23,7 @@ std::string requirePlace(const std::string& path, Existing existing) {
 void flush(const std::string& path) {
   const FileHandle file(std::fopen(path.c_str(), "r+b"));
   if (file == nullptr || !flushToDisk(file.get())) {
-    throw ToolError(kFileProblem, "the new file cannot be written to the disk: {}", systemError());
+    throw systemFailure("cannot write the new file to the disk");
   }
 }
 

@@ -37,7 +37,7 @@ std::string requirePlace(const std::string& path, Existing existing, const Unfin
 }
 
 void require(const std::error_code& error, const std::string& action) {
-  if (error) throw ToolError(kFileProblem, "cannot {}: {}", action, error.message());
+  if (error) throw systemFailure("cannot " + action, error);
 }
 
 std::string freeNameBeside(const std::string& path) {
@@ -56,7 +56,7 @@ UnfinishedFolder::UnfinishedFolder(const std::string& finished, Existing existin
                                    const IsOurs& isOurs)
     : finished_(requirePlace(finished, existing, isOurs)), mode_(mode), isOurs_(isOurs), place_(finished_) {
   if (createOwnFolder(place_.path())) return;
-  throw ToolError(kFileProblem, "cannot make the folder {}: {}", finished_, systemError());
+  throw systemFailure("cannot make the folder " + finished_);
 }
 
 FileOutput UnfinishedFolder::file(const std::string& name) const {
@@ -66,7 +66,7 @@ FileOutput UnfinishedFolder::file(const std::string& name) const {
 
 void UnfinishedFolder::finish() {
   if (!flushWholeFolder(place_.path())) {
-    throw ToolError(kFileProblem, "cannot write the new folder to the disk: {}", systemError());
+    throw systemFailure("cannot write the new folder to the disk");
   }
   std::error_code error;
   fs::permissions(pathOf(place_.path()), folderPermissions(mode_), error);

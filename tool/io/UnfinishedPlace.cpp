@@ -77,7 +77,7 @@ void UnfinishedPlace::makeFolder(const std::string& target) {
     if (createOwnFolder(folder_)) {
       lock_.emplace(folder_, FolderLock::IfTaken::kWait);
     } else if (errno != EEXIST) {
-      throw ToolError(kFileProblem, "cannot create {}: {}", target, systemError());
+      throw systemFailure("cannot create " + target);
     }
   }
 }

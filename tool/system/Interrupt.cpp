@@ -1,6 +1,7 @@
 #include "tool/system/Interrupt.h"
 
 #include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -12,8 +13,6 @@
 #include <windows.h>
 #else
 #include <unistd.h>
-
-#include <csignal>
 #endif
 
 namespace tovrtool {
@@ -31,7 +30,7 @@ struct Slot {
 Slot slots[kSlots];
 std::atomic<int> deferrals{0};
 std::atomic<bool> completed{false};
-std::atomic<bool> noted{false};
+std::atomic<int> noted{0};  // the signal
 
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
               "a handler takes no locks");
@@ -53,8 +52,8 @@ void removeFolder(const char* path) {
 }
 
 // False when the program is to end.
-bool onlyNoted() {
-  if ((deferrals > 0 || completed) && !noted.exchange(true)) return true;
+bool onlyNoted(int signal) {
+  if ((deferrals > 0 || completed) && noted.exchange(signal) == 0) return true;
   for (void (*remove)(const char*) : {removeFile, removeFolder}) {
     for (const Slot& slot : slots) {
       if (slot.taken) remove(slot.path);
@@ -65,12 +64,12 @@ bool onlyNoted() {
 
 #if defined(_WIN32)
 
-BOOL WINAPI onConsoleEvent(DWORD) { return onlyNoted() ? TRUE : FALSE; }
+BOOL WINAPI onConsoleEvent(DWORD) { return onlyNoted(SIGINT) ? TRUE : FALSE; }
 
 #else
 
 void onSignal(int signal) {
-  if (onlyNoted()) return;
+  if (onlyNoted(signal)) return;
   std::signal(signal, SIG_DFL);
   std::raise(signal);
 }
@@ -121,7 +120,10 @@ DeferredInterrupt::DeferredInterrupt() { ++deferrals; }
 DeferredInterrupt::~DeferredInterrupt() { --deferrals; }
 
 void DeferredInterrupt::check() const {
-  if (noted) throw ToolError(kInterrupted, "interrupted: nothing unfinished is left");
+  const int signal = noted;
+  if (signal == 0) return;
+  throw ToolError(static_cast<ExitCode>(128 + signal), "{}: nothing unfinished is left",
+                  signal == SIGINT ? "interrupted" : "ended by a signal");
 }
 
 }  // namespace tovrtool

@@ -35,7 +35,7 @@ class DeferredInterrupt {
   DeferredInterrupt& operator=(const DeferredInterrupt&) = delete;
   ~DeferredInterrupt();
 
-  // Throws ToolError after an interrupt.
+  // Throws ToolError after an interrupt: kInterrupted, or the code of the signal that asked the program to end.
   void check() const;
 };
 

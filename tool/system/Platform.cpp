@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include "tool/system/Paths.h"
-#include "tool/system/ToolError.h"
 
 #if defined(_WIN32)
 #include <direct.h>
@@ -29,7 +28,27 @@
 
 namespace tovrtool {
 
+namespace {
+
+// EFBIG: beyond the size that the file system or `ulimit -f` allows.
+ExitCode codeOf(const std::error_code& error) {
+  if (error == std::errc::broken_pipe) return kPipeClosed;
+#if !defined(_WIN32)
+  if (error.value() == EDQUOT) return kNoSpace;
+#endif
+  return error == std::errc::no_space_on_device || error == std::errc::file_too_large ? kNoSpace : kFileProblem;
+}
+
+}  // namespace
+
 std::string systemError() { return std::strerror(errno); }
+
+ToolError systemFailure(const std::string& what) { return systemFailure(what, {errno, std::generic_category()}); }
+
+ToolError systemFailure(const std::string& what, const std::error_code& error) {
+  const ExitCode code = codeOf(error);
+  return {code, "{}: {}{}", what, error.message(), code == kNoSpace ? "; free some space and try again" : ""};
+}
 
 #if defined(_WIN32)
 
@@ -133,9 +152,9 @@ int processNumber() { return _getpid(); }
 
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t interrupted = 0;  // by this signal
 
-void noteInterrupt(int) { interrupted = 1; }
+void noteInterrupt(int signal) { interrupted = signal; }
 
 // While it lives, the terminal shows nothing of what is typed and an interrupt only ends a read.
 class SilentTerminal {
@@ -200,7 +219,7 @@ std::string readWithoutEcho(const std::string& prompt) {
     }
   }
   std::fputs("\n", stderr);
-  if (interrupted != 0) throw ToolError(kInterrupted, "interrupted: nothing was done");
+  if (interrupted != 0) throw ToolError(static_cast<ExitCode>(128 + interrupted), "interrupted: nothing was done");
   if (count != 1) throw ToolError(kKeyProblem, "no key was typed");
   return line;
 }

@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <system_error>
+
+#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 
@@ -81,6 +84,11 @@ bool flushWholeFolder(const std::string& folder);
 
 // The text of errno.
 std::string systemError();
+
+// A call of the system failed and set errno: "WHAT: REASON", with kNoSpace on a full disk, kPipeClosed after the reader
+// of a pipe has ended, else kFileProblem.
+ToolError systemFailure(const std::string& what);
+ToolError systemFailure(const std::string& what, const std::error_code& error);
 
 // The folder of the running program; empty when the system does not tell.
 std::string programFolder();

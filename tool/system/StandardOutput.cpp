@@ -16,7 +16,7 @@ StandardOutput::~StandardOutput() {
 void StandardOutput::logLibraryTo(const std::string& path) {
   std::fflush(stdout);
   if (!redirectToEndOf(path, kStandardOutput)) {
-    throw ToolError(kFileProblem, "cannot append to the log {}: {}", path, systemError());
+    throw systemFailure("cannot append to the log " + path);
   }
   log_ = path;
 }
@@ -32,7 +32,7 @@ void StandardOutput::write(const void* bytes, std::size_t size) {
   if (size == 0) return;
   if (results_ == nullptr) throw ToolError(kFileProblem, "standard output is closed: redirect it to a file");
   if (std::fwrite(bytes, 1, size, results_.get()) != size) {
-    throw ToolError(kFileProblem, "cannot write the results to standard output: {}", systemError());
+    throw systemFailure("cannot write the results to standard output");
   }
 }
 
@@ -42,10 +42,10 @@ void StandardOutput::refuseTerminal() const {
 
 void StandardOutput::finish() {
   if (results_ != nullptr && std::fflush(results_.get()) != 0) {
-    throw ToolError(kFileProblem, "cannot write the results to standard output: {}", systemError());
+    throw systemFailure("cannot write the results to standard output");
   }
   if (std::fflush(stdout) != 0 && !log_.empty()) {
-    throw ToolError(kFileProblem, "the log {} is incomplete: {}", log_, systemError());
+    throw systemFailure(fmt::format("the log {} is incomplete", log_));
   }
 }
 

@@ -23,7 +23,7 @@ class StandardOutput {
   void logLibraryTo(const std::string& path);
   void showLibrary();
 
-  // Results. Throw ToolError when they cannot be written.
+  // Results. Throw ToolError when they cannot be written: kPipeClosed when nobody reads them any more.
   void print(const std::string& text);
   void write(const void* bytes, std::size_t size);
   // Where payloads are to go: throws ToolError on a terminal.

@@ -13,15 +13,24 @@ namespace tovrtool {
 // Part of the interface with scripts: append, never renumber. The table in `tovrdb --help` repeats it.
 enum ExitCode : int {
   kDone = 0,
-  kRefused = 1,        // the library answered with a code
+  kRefused = 1,        // the library refused: what was asked for is not stored, or the engine failed
   kUsage = 2,          // the command line does not say what to do
   kFileProblem = 3,    // a file is missing, exists already, cannot be read or written, or holds something else
   kKeyProblem = 4,     // no key, or the key does not open the file
   kPluginProblem = 5,  // the plug-in library cannot be loaded
-  kBusy = 6,           // another program is using the file, which is as it was
-  kConflict = 7,       // what is stored stands against it; nothing was written
-  kInterrupted = 130   // ended by the user, as shells number it; nothing unfinished is left
+  kBusy = 6,           // another program is using the file, or changed it meanwhile; try again
+  kConflict = 7,       // the command conflicts with stored data; nothing was written
+  kDamaged = 8,        // the database file, or data in it, is damaged
+  kNoSpace = 9,        // the disk is full, or a quota or a limit of file sizes is reached
+  // Ended by a signal, numbered as shells do (128 + the signal); nothing unfinished is left.
+  kHungUp = 129,
+  kInterrupted = 130,
+  kPipeClosed = 141,  // the reader of the output has ended, as `head` does; no message
+  kTerminated = 143
 };
+
+// The work was ended from outside, which says nothing about the file.
+inline bool isEnded(ExitCode code) { return code >= kHungUp; }
 
 // `what()` says what failed, on which thing, and what to do. It never holds a key or a payload.
 class ToolError : public std::runtime_error {
