@@ -36,13 +36,45 @@ TEST_F(ToolTest, ATargetThatIsOpenAlreadyIsWrittenToAndNotReplaced) {
   EXPECT_TRUE(fs::is_fifo(path("pipe")));
 }
 
-TEST_F(ToolTest, CommandLinesWithoutSenseSayWhatWouldHaveSome) {
-  expectFailure(2, "there is no command coefs; there are inspect, create", "coefs");
-  expectFailure(2, "there is no command coef store; there are put", "coef store");
-  expectFailure(2, "say what to do: coef takes one of put", "coef");
-  expectFailure(2, "--seed: -1 is below 0", "sample --seed -1 -o x.npy");
-  expectFailure(3, "--force writes all the same", "sample --size 2147483647x2147483647 -o x.npy");
+TEST_F(ToolTest, UsageErrors_NameTheRemedy) {
+  const std::string help = "\ntovrdb: tovrdb ";
+  const struct {
+    const char* arguments;
+    const char* words;
+    const char* command;
+  } cases[] = {
+      {"", "name a command: inspect, create", ""},
+      {"coefs", "there is no command coefs; did you mean coef?", ""},
+      {"store", "there is no command store; there are inspect, create", ""},
+      {"coef sats", "there is no command coef sats; did you mean stats?", "coef "},
+      {"coef", "coef takes one of put", "coef "},
+      {"coef list --typ 1", "coef list has no option --typ; did you mean --type?", "coef list "},
+      {"coef get a.db --tpye=1 -o b", "coef get has no option --tpye; did you mean --type?", "coef get "},
+      {"--patches info a.db", "info has no option --patches", "info "},
+      {"coef get a.db -o b", "", "coef get "},
+      {"info a.db b.db", "'b.db' is one argument too many: info takes FILE", "info "},
+      {"info", "FILE is required", "info "},
+      {"create a.db --type one", "--type takes one of 0, 1; got 'one'", "create "},
+      {"coef get a.db --type one -o b", "--type takes a whole number; got 'one'", "coef get "},
+      {"coef get a.db --type 99999999999 -o b", "--type takes a smaller whole number; got", "coef get "},
+      {"coef get a.db -o b --type", "--type takes a value: INT", "coef get "},
+      {"diff a.db b.db --atol -1", "--atol must be at least 0; got -1\n", "diff "},
+      {"diff a.db b.db --atol x", "--atol takes a number; got 'x'", "diff "},
+      {"info a.db --wait 1.5", "--wait must be a whole number from 0 to 86400; got '1.5'", "info "},
+      {"sample --seed -1 -o x.npy", "--seed must be at least 0; got -1", "sample "},
+      {"sample -o x.npy -o y.npy", "--output is given 2 times; give it once", "sample "},
+  };
+  for (const auto& c : cases) expectFailure(2, c.words + (help + c.command + "--help"), c.arguments);
+  expectFailure(9, "--force writes anyway", "sample --size 2147483647x2147483647 -o x.npy");
   EXPECT_FALSE(fs::exists(path("x.npy")));
+}
+
+TEST_F(ToolTest, OutputOfManyWords_ClosedPipe) {
+  succeed("manual | head -1");
+  const std::string line = commandLine("sample --size 2000x2000 --quiet -o - 2>.err; echo $? >code");
+  ASSERT_EQ(std::system((line + " | true").c_str()), 0);
+  EXPECT_EQ(read("code"), "141\n");
+  EXPECT_EQ(read(".err"), "");
 }
 
 TEST_F(ToolTest, ShellsCompleteWhatAnOptionTakes) {

@@ -46,6 +46,26 @@ unsigned int parseMode(const std::string& text) {
 
 }  // namespace
 
+CLI::Validator atLeast(double least) {
+  return CLI::Validator(
+      [least](const std::string& text) {
+        double value = 0;
+        if (!CLI::detail::lexical_cast(text, value) || value >= least) return std::string();
+        return fmt::format("must be at least {}; got {}", least, text);
+      },
+      "");
+}
+
+CLI::Validator atMost(int most) {
+  return CLI::Validator(
+      [most](const std::string& text) {
+        int value = 0;
+        if (CLI::detail::lexical_cast(text, value) && value >= 0 && value <= most) return std::string();
+        return fmt::format("must be a whole number from 0 to {}; got '{}'", most, text);
+      },
+      "");
+}
+
 void addOutput(CLI::App& command, OutputOptions& options) {
   command.add_option("-o,--output", options.path, "The file to write; - is standard output")
       ->required()

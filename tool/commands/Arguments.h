@@ -29,6 +29,11 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value,
       description);
 }
 
+// A check of a number; a text that is not one passes, since its conversion fails next.
+CLI::Validator atLeast(double least);
+// A whole number from 0.
+CLI::Validator atMost(int most);
+
 // -o, --force and --mode.
 void addOutput(CLI::App& command, OutputOptions& options);
 // --mode, of a file with data in the clear.

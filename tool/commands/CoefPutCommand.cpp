@@ -159,8 +159,8 @@ void addCells(CLI::App& command, Options& options) {
   CLI::Option* array =
       command.add_option("BLOCK", options.array, "A .npy array, rows x columns (x values); - is standard input");
   CLI::Option* raw = command.add_option("--raw", options.raw, "Instead, a file of bare cells, row after row");
-  CLI::Option* cellBytes = command.add_option("--cell-bytes", options.cellBytes, "Bytes per cell of a --raw file")
-                               ->check(CLI::PositiveNumber);
+  CLI::Option* cellBytes =
+      command.add_option("--cell-bytes", options.cellBytes, "Bytes per cell of a --raw file")->check(atLeast(1));
   raw->needs(cellBytes)->needs("--rect")->excludes(array);
   cellBytes->needs(raw);
 }

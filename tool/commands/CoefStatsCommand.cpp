@@ -292,7 +292,7 @@ void addCoefStatsCommand(CommandGroup& coef) {
   command.add_option("--component", options.component, "Only this number of each cell, from 0 [all]");
   command.add_option("--outliers", options.limit, "Spreads from the median from which cells stand out")
       ->capture_default_str()
-      ->check(CLI::NonNegativeNumber);
+      ->check(atLeast(0));
   addJsonFlag(command, options.json);
   addCabinetOptions(command, options);
 }

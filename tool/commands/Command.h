@@ -27,7 +27,8 @@ struct Context {
 
 // The command that the command line chose.
 struct Command {
-  std::string what;  // "coef get wall.db": begins its messages
+  std::string words;  // "coef get"
+  std::string what;   // "coef get wall.db": begins its messages
   std::function<void(Context&)> run;
 };
 
@@ -59,7 +60,7 @@ class CommandGroup {
     const std::string words = app_.get_parent() == nullptr ? name : app_.get_name() + " " + name;
     command->callback([&chosen = chosen_, options, words, subject, run] {
       const std::string named = std::invoke(subject, *options);
-      chosen = {named.empty() ? words : words + " " + named,
+      chosen = {words, named.empty() ? words : words + " " + named,
                 [options, run](Context& context) { run(context, *options); }};
     });
     return {*command, *options};

@@ -5,16 +5,6 @@
 namespace tovrtool {
 namespace {
 
-// Those of a CLI::IsMember, which adds "{first,second}" to the name of the type, and the types of numbers.
-std::vector<std::string> choicesOf(const CLI::Option& option) {
-  if (option.check_lname("dtype")) return dtypeNames();
-  const std::string type = option.get_type_name();
-  const std::size_t begin = type.find('{');
-  const std::size_t end = type.find('}');
-  if (begin == std::string::npos || end == std::string::npos) return {};
-  return CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',');
-}
-
 OptionPage pageOf(const CLI::Option& option) {
   OptionPage page;
   for (const std::string& name : option.get_snames()) page.names.push_back("-" + name);
@@ -48,6 +38,15 @@ void collect(const CLI::App& app, const std::string& name, std::vector<CommandPa
 }
 
 }  // namespace
+
+std::vector<std::string> choicesOf(const CLI::Option& option) {
+  if (option.check_lname("dtype")) return dtypeNames();
+  const std::string type = option.get_type_name();
+  const std::size_t begin = type.find('{');
+  const std::size_t end = type.find('}');
+  if (begin == std::string::npos || end == std::string::npos) return {};
+  return CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',');
+}
 
 std::vector<CommandPage> commandPages(const CLI::App& app) {
   std::vector<CommandPage> pages;

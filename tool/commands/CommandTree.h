@@ -24,6 +24,9 @@ struct CommandPage {
   std::vector<std::string> subcommands;  // "get", with the pages of all of them elsewhere in the list
 };
 
+// Those of a CLI::IsMember, which adds "{first,second}" to the name of the type, and the types of numbers.
+std::vector<std::string> choicesOf(const CLI::Option& option);
+
 // The program first, then every command that can be named, depth first.
 std::vector<CommandPage> commandPages(const CLI::App& app);
 

@@ -112,7 +112,7 @@ void addSampleCommand(CommandGroup& program) {
   addRect(command, options.rect, "Only this part of the wall, the same to the byte as cut out of the whole");
   addSize(command, "--cabinet", options.cabinet, "The cells of a cabinet [160x180]");
   command.add_option("--seed", options.seed, "Another number gives another wall")
-      ->check([](const std::string& text) { return text.rfind('-', 0) == 0 ? text + " is below 0" : std::string(); })
+      ->check(atLeast(0))
       ->capture_default_str();
   command.add_flag("--raw", options.raw, "Write the bare cells without a header");
 }
