@@ -18,10 +18,12 @@ constexpr KeyKind kNewPageKey{"--new-key-file", "TOVRDB_NEW_KEY", "New key"};
 constexpr KeyKind kCipherKey{"--cipher-key-file", "TOVRDB_CIPHER_KEY", "Cipher key"};
 
 // The first line of `keyFile` if that is not empty, else the kind's environment variable, else a prompt on a terminal
-// (for kCreate twice). Throws ToolError without a source, when the file cannot be read, and for an empty key.
+// (for kCreate twice). Throws ToolError without a source, when the file cannot be read, for an empty key, and for a
+// variable that ends with a line break.
 std::string readKey(const std::string& keyFile, KeyUse use, const KeyKind& kind = kPageKey);
 
-// The first line of `path`. Throws ToolError when it cannot be read.
+// The first line of `path`, without its line end. Throws ToolError when it cannot be read, begins with a byte order
+// mark, or is not a text.
 std::string readKeyFile(const std::string& path);
 
 }  // namespace tovrtool
