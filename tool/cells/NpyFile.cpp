@@ -44,22 +44,26 @@ struct Header {
 
 // Reads the dictionary as Python writes it: {'descr': '<u2', 'fortran_order': False, 'shape': (4, 8), }. Its three keys
 // stand in any order, each once; spaces may stand between the parts, and nothing but spaces before the closing newline.
-// Every function throws std::invalid_argument, which says what was expected, for anything else.
+// Every function throws std::invalid_argument, which says what is wrong at position(), for anything else.
 class HeaderParser {
  public:
-  explicit HeaderParser(const std::string& text) : at_(text.data()), end_(text.data() + text.size()) {}
+  explicit HeaderParser(const std::string& text)
+      : begin_(text.data()), at_(text.data()), end_(text.data() + text.size()) {}
+
+  std::size_t position() const { return static_cast<std::size_t>(at_ - begin_); }
 
   Header parse() {
     expect('{');
     while (!accept('}')) {
       const std::string key = parseText();
-      if (!keys_.insert(key).second) throw std::invalid_argument("'" + key + "' stands there twice");
+      if (!keys_.insert(key).second) throw std::invalid_argument("the key '" + key + "' is there twice");
       expect(':');
       parseValue(key);
-      if (!accept(',') && !next('}')) throw std::invalid_argument("',' or '}' is missing");
+      if (!accept(',') && !next('}')) throw std::invalid_argument("',' or '}' is expected");
     }
     expect('\n');
-    if (at_ != end_ || keys_.size() != 3) throw std::invalid_argument("it does not have exactly three keys");
+    if (at_ != end_ || keys_.size() != 3)
+      throw std::invalid_argument("exactly the keys 'descr', 'fortran_order' and 'shape' are expected");
     return header_;
   }
 
@@ -67,7 +71,7 @@ class HeaderParser {
   void parseValue(const std::string& key) {
     if (key == "descr") {
       header_.descr = parseText();
-      if (header_.descr.empty()) throw std::invalid_argument("its type is empty");
+      if (header_.descr.empty()) throw std::invalid_argument("'descr' is empty");
     } else if (key == "fortran_order") {
       header_.fortranOrder = parseBool();
     } else if (key == "shape") {
@@ -81,7 +85,7 @@ class HeaderParser {
     const char quote = next('"') ? '"' : '\'';
     expect(quote);
     const char* const close = std::find(at_, end_, quote);
-    if (close == end_) throw std::invalid_argument("a text does not end");
+    if (close == end_) throw std::invalid_argument("a quoted text does not end");
     std::string text(at_, close);
     at_ = close + 1;
     return text;
@@ -109,7 +113,7 @@ class HeaderParser {
       at_ = parsed.ptr;
       accept('L');  // Python 2's mark of a long number
       header_.shape.push_back(extent);
-      if (!accept(',') && !next(')')) throw std::invalid_argument("',' or ')' is missing");
+      if (!accept(',') && !next(')')) throw std::invalid_argument("',' or ')' is expected");
     }
   }
 
@@ -128,11 +132,15 @@ class HeaderParser {
   }
   void expect(char character) {
     if (!accept(character)) {
-      throw std::invalid_argument(character == '\n' ? "it does not end with a newline"
-                                                    : fmt::format("'{}' is missing", character));
+      const std::string sign(1, character);
+      throw std::invalid_argument((character == '\n'   ? "a newline at the end"
+                                   : character == '\'' ? "a quoted text"
+                                                       : "'" + sign + "'") +
+                                  std::string(" is expected"));
     }
   }
 
+  const char* begin_;
   const char* at_;
   const char* end_;
   Header header_;
@@ -166,11 +174,14 @@ HeaderPlace placeHeader(const std::vector<unsigned char>& file, const std::strin
 }
 
 Header parseHeader(const std::string& text, const std::string& name) {
+  constexpr std::size_t kShown = 40;
+  HeaderParser parser(text);
   Header header;
   try {
-    header = HeaderParser(text).parse();
+    header = parser.parse();
   } catch (const std::invalid_argument& error) {
-    refuse(name, fmt::format("its header is not understood ({})", error.what()));
+    refuse(name, fmt::format("its .npy header is damaged: {} at byte {}, before \"{}\"", error.what(),
+                             parser.position() + 1, text.substr(parser.position(), kShown)));
   }
   if (header.fortranOrder) {
     refuse(name, "it is in Fortran order; save it in C order, as with numpy.ascontiguousarray");
@@ -191,6 +202,13 @@ std::size_t bytesNeeded(const NpyArray& array, std::size_t limit) {
     bytes *= extent;
   }
   return bytes;
+}
+
+// The product as it is, which may exceed any integer: a header can say so.
+std::string neededText(const NpyArray& array) {
+  double bytes = static_cast<double>(array.dtype.itemSize);
+  for (const std::size_t extent : array.shape) bytes *= static_cast<double>(extent);
+  return fmt::format("{:.15g}", bytes);
 }
 
 }  // namespace
@@ -233,9 +251,9 @@ NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
   const auto present = static_cast<std::size_t>(file.end() - payloadBegin);
   const std::size_t needed = bytesNeeded(array, file.size());
   if (needed != present) {
-    refuse(name, fmt::format("it is {}: an array of shape {} and type {} does not take {} bytes",
-                             needed > present ? "truncated" : "too long", shapeText(array.shape), array.dtype.descr,
-                             present));
+    refuse(name, fmt::format("it is {}: shape {} of {} needs {} bytes of numbers, and the file has {}",
+                             needed > present ? "truncated" : "too long", shapeText(array.shape),
+                             dtypeName(array.dtype), neededText(array), present));
   }
   file.erase(file.begin(), payloadBegin);
   array.bytes = std::move(file);
