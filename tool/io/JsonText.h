@@ -11,8 +11,16 @@ namespace tovrtool {
 
 using Json = nlohmann::ordered_json;
 
-// Text to print; bytes that are not UTF-8 are shown as replacement characters.
+// Text to print; bytes that are not UTF-8 are shown as replacement characters, and all that escapeControls knows as
+// escapes.
 std::string jsonText(const Json& value);
+
+enum class LineEnds { kKeep, kEscape };
+
+// UTF-8 with the characters that could steer a terminal or turn the direction of writing as JSON's escapes (\u001b):
+// control characters U+0000 to U+001F and U+007F to U+009F, bidirectional marks, embeddings, overrides and isolates,
+// and the separators of lines and paragraphs. REQUIRES: valid UTF-8.
+std::string escapeControls(const std::string& text, LineEnds lineEnds);
 
 // The text with bytes that are not UTF-8 replaced.
 std::string validText(const std::string& text);

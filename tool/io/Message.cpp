@@ -1,12 +1,27 @@
 #include "tool/io/Message.h"
 
+#include <algorithm>
 #include <cstdio>
+
+#include "tool/io/JsonText.h"
 
 namespace tovrtool {
 
 namespace {
 
 bool silent = false;
+
+// Whether a character of UTF-8 begins at `at`.
+bool begins(const std::string& text, std::size_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0) != 0x80; }
+
+std::string shortened(const std::string& text, std::size_t most) {
+  if (text.size() <= most) return text;
+  std::size_t head = most * 3 / 4;
+  std::size_t tail = text.size() - most / 4;
+  while (head > 0 && !begins(text, head)) --head;
+  while (tail < text.size() && !begins(text, tail)) ++tail;
+  return fmt::format("{} [... {} bytes ...] {}", text.substr(0, head), tail - head, text.substr(tail));
+}
 
 }  // namespace
 
@@ -20,13 +35,10 @@ bool messagesAreSilent() { return silent; }
 
 void complain(const std::string& text) { std::fprintf(stderr, "tovrdb: %s\n", printable(text).c_str()); }
 
-std::string printable(const std::string& text) {
-  std::string shown = text;
-  for (char& character : shown) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < 0x20 || byte == 0x7F) character = '?';
-  }
-  return shown;
+std::string printable(const std::string& text, std::size_t most) {
+  const std::string shown = shortened(text, most);
+  const bool plain = std::all_of(shown.begin(), shown.end(), [](char c) { return c >= ' ' && c <= '~'; });
+  return plain ? shown : escapeControls(validText(shown), LineEnds::kEscape);
 }
 
 }  // namespace tovrtool

@@ -17,10 +17,13 @@ void message(fmt::format_string<First, More...> text, First&& first, More&&... m
 void silenceMessages();
 bool messagesAreSilent();
 
-// "tovrdb: TEXT", always: why the program fails.
+// "tovrdb: TEXT", always: why the program fails. Long texts lose their middle.
 void complain(const std::string& text);
 
-// The text with control characters shown as '?', so that a stored name cannot steer a terminal.
-std::string printable(const std::string& text);
+// The text on one line, as a stored name may be shown: control characters and those that turn the direction of writing
+// become "\u001b", bytes that are not UTF-8 the replacement character. A text of more than `most` bytes loses its
+// middle.
+constexpr std::size_t kLongestLine = 4000;  // dozens of names of usual length
+std::string printable(const std::string& text, std::size_t most = kLongestLine);
 
 }  // namespace tovrtool

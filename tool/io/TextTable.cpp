@@ -7,6 +7,8 @@
 namespace tovrtool {
 namespace {
 
+constexpr std::size_t kWidest = 200;  // bytes: longer names lose their middle
+
 // Characters of UTF-8: its continuation bytes take no room of their own.
 std::size_t width(const std::string& text) {
   return static_cast<std::size_t>(std::count_if(
@@ -17,9 +19,8 @@ std::string line(const std::vector<Column>& columns, const std::vector<std::size
                  const std::vector<std::string>& row) {
   std::string text;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    const std::string cell = printable(row[i]);
-    const std::string room(widths[i] - width(cell), ' ');
-    text += (i == 0 ? "" : "  ") + (columns[i].number ? room + cell : cell + room);
+    const std::string room(widths[i] - width(row[i]), ' ');
+    text += (i == 0 ? "" : "  ") + (columns[i].number ? room + row[i] : row[i] + room);
   }
   text.erase(text.find_last_not_of(' ') + 1);
   return text + "\n";
@@ -34,11 +35,15 @@ std::string textTable(const std::vector<Column>& columns, const TextRows& rows) 
     titles.push_back(column.title);
     widths.push_back(width(column.title));
   }
-  for (const auto& row : rows) {
-    for (std::size_t i = 0; i < columns.size(); ++i) widths[i] = std::max(widths[i], width(printable(row[i])));
+  TextRows shown = rows;
+  for (auto& row : shown) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      row[i] = printable(row[i], kWidest);
+      widths[i] = std::max(widths[i], width(row[i]));
+    }
   }
   std::string text = line(columns, widths, titles);
-  for (const auto& row : rows) text += line(columns, widths, row);
+  for (const auto& row : shown) text += line(columns, widths, row);
   return text;
 }
 

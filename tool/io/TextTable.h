@@ -13,7 +13,7 @@ struct Column {
 
 using TextRows = std::vector<std::vector<std::string>>;
 
-// A line of titles, then one per row. REQUIRES: every row has a text for each column.
+// A line of titles, then one per row; texts as `printable` shows them. REQUIRES: every row has a text for each column.
 std::string textTable(const std::vector<Column>& columns, const TextRows& rows);
 
 }  // namespace tovrtool
