@@ -88,31 +88,33 @@ TEST_F(ToolTest, ShellsCompleteWhatAnOptionTakes) {
   }
 }
 
-TEST_F(ToolTest, AnInterruptAtTheKeyPromptEndsWithTheCodeOfInterrupts) {
+// At the prompt for a key: Ctrl-C, or a request to end.
+TEST_F(ToolTest, ExitCode_EndedBySignal) {
   makeWall();
-  int terminal = -1;
-  const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-  if (child == 0) {
-    unsetenv("TOVRDB_KEY");
-    const std::string file = path("wall.db");
-    execl(TOVRDB_PROGRAM, "tovrdb", "--plugin", TOVR_PLUGIN_FILE, "info", file.c_str(), nullptr);
-    _exit(127);
-  }
-  std::string shown;
-  char bytes[256];
-  for (ssize_t count = 1; count > 0;) {  // a terminal that nobody writes to any more fails to be read
-    count = ::read(terminal, bytes, sizeof bytes);
-    shown.append(bytes, count > 0 ? static_cast<std::size_t>(count) : 0);
-    if (shown == "Key: ") {
-      ASSERT_EQ(::write(terminal, "\x03", 1), 1);
+  for (const int signal : {SIGINT, SIGTERM}) {
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+      unsetenv("TOVRDB_KEY");
+      const std::string file = path("wall.db");
+      execl(TOVRDB_PROGRAM, "tovrdb", "--plugin", TOVR_PLUGIN_FILE, "info", file.c_str(), nullptr);
+      _exit(127);
     }
+    std::string shown;
+    char bytes[256];
+    for (ssize_t count = 1; count > 0;) {  // a terminal that nobody writes to any more fails to be read
+      count = ::read(terminal, bytes, sizeof bytes);
+      shown.append(bytes, count > 0 ? static_cast<std::size_t>(count) : 0);
+      if (shown != "Key: ") continue;
+      ASSERT_EQ(signal == SIGINT ? ::write(terminal, "\x03", 1) : kill(child, signal) + 1, 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    close(terminal);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 128 + signal);
+    EXPECT_TRUE(contains(shown, "nothing was done"));
   }
-  int status = 0;
-  waitpid(child, &status, 0);
-  close(terminal);
-  EXPECT_TRUE(WIFEXITED(status));
-  EXPECT_EQ(WEXITSTATUS(status), 130);
-  EXPECT_TRUE(contains(shown, "interrupted: nothing was done"));
 }
 
 struct WriterTest : ToolTest {

@@ -20,9 +20,12 @@
 namespace tovrtool {
 namespace {
 
-// Screens in columns 0 to 5, areas from there on; which areas is left open.
+// Screens in columns 0 to 5, areas from there on; which areas is left open. Each area has a copy of its screen's name:
+// one of millions of bytes would take all memory.
 constexpr char kPlacements[] =
-    "select s.id is not null, s.screenname, s.left, s.top, s.right, s.bottom, i.id, i.screenid, i.coeftype, i.areaid,"
+    "select s.id is not null, case when length(cast(s.screenname as blob)) <= 1000 then s.screenname else"
+    " substr(s.screenname, 1, 1000) || '[... screen ' || s.id || ']' end, s.left, s.top, s.right, s.bottom, i.id, "
+    "i.screenid, i.coeftype, i.areaid,"
     " i.coefid, i.left, i.top, i.right, i.bottom, i.multilayersize, hex(i.multilayerlist), i.mtime"
     " from Coef_Info i left join Screen_Info s on s.id = i.screenid where {} order by i.id";
 
