@@ -10,6 +10,8 @@
 
 #include "tests/tool/ToolFixture.h"
 #include "tool/io/FileOutput.h"
+#include "tool/io/JsonText.h"
+#include "tool/io/Message.h"
 #include "tool/system/Interrupt.h"
 
 namespace {
@@ -67,6 +69,19 @@ TEST_F(ToolTest, UsageErrors_NameTheRemedy) {
   for (const auto& c : cases) expectFailure(2, c.words + (help + c.command + "--help"), c.arguments);
   expectFailure(9, "--force writes anyway", "sample --size 2147483647x2147483647 -o x.npy");
   EXPECT_FALSE(fs::exists(path("x.npy")));
+}
+
+TEST(TextTest, Printable_HostileNames) {
+  const std::string euro = "\xE2\x82\xAC";
+  const std::pair<std::string, std::string> cases[] = {
+      {"left " + euro, "left " + euro},
+      {"a\x1b[31m\n\x7f", "a\\u001b[31m\\u000a\\u007f"},
+      {"\xC2\x9B\xD8\x9C\xE2\x80\xAE\xE2\x81\xA9", "\\u009b\\u061c\\u202e\\u2069"},
+      {"\xFF", "\xEF\xBF\xBD"},
+      {std::string(5000, 'n'), std::string(3000, 'n') + " [... 1000 bytes ...] " + std::string(1000, 'n')},
+  };
+  for (const auto& [name, shown] : cases) EXPECT_EQ(tovrtool::printable(name), shown);
+  EXPECT_EQ(tovrtool::jsonText("\xC2\x9B" + euro), "\"\\u009b" + euro + "\"\n");
 }
 
 TEST_F(ToolTest, OutputOfManyWords_ClosedPipe) {

@@ -91,6 +91,9 @@ TEST_F(FileCommandTest, KeysComeFromTheEnvironmentOrAFileAndAreToldWhereTheyDoNo
   expectFailure(4, "the key is empty", "info wall.db", "TOVRDB_KEY= ");
   write("key", "the test key\r\nand a note\n");
   EXPECT_EQ(run("info wall.db --key-file key", "TOVRDB_KEY=another ").code, 0);
+  expectFailure(4, "ends with a line break", "info wall.db", "TOVRDB_KEY=$(printf 'the test key\\r') ");
+  write("marked", "\xEF\xBB\xBFthe test key");
+  expectFailure(4, "key file marked begins with a byte order mark", "info wall.db --key-file marked");
 }
 
 TEST_F(FileCommandTest, FilesOfTheOlderEngineAreToldAndUpgraded) {
@@ -132,6 +135,8 @@ TEST_F(FileCommandTest, HostileManifestsAreRefusedAndTheOldFileStays) {
   fs::create_symlink(path("text"), path("folder/link.bin"));
   const std::string before = read("wall.db");
   const std::string good = read(kManifest);
+  std::string manyKeys = "{";
+  for (int i = 0; i < 60000; ++i) manyKeys += "\"" + std::to_string(i) + "\": 0, ";
   const struct {
     std::string from;
     std::string to;
@@ -144,7 +149,8 @@ TEST_F(FileCommandTest, HostileManifestsAreRefusedAndTheOldFileStays) {
       {"\"databitwidth\"", "\"x) values(1); --\"", "\"databitwidth\" is missing"},
       {"\"screenname\": \"left\"", "\"screenname\": [\"left\"]", "a kind that no table holds"},
       {good, std::string(100000, '['), "too deeply"},
-      {good, good.substr(0, good.size() / 2), "is not valid JSON"},
+      {good, good.substr(0, good.size() / 2), "is not valid JSON: line "},
+      {good, manyKeys + "\"\": 0}", "more than 1000 members"},
   };
   for (const auto& c : cases) {
     std::string manifest = good;
