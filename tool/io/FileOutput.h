@@ -42,8 +42,6 @@ class FileOutput {
   // it is by an interrupt. Throws ToolError when `path` exists and may not be replaced, and when its folder takes no
   // new file.
   FileOutput(const std::string& path, Existing existing, unsigned int mode, Flushing flushing = Flushing::kAtCommit);
-  FileOutput(const FileOutput&) = delete;
-  FileOutput& operator=(const FileOutput&) = delete;
 
   // Throws ToolError if the disk has no room for so many bytes.
   void requireRoom(double bytes) const;

@@ -31,7 +31,7 @@ void requireReplaceable(const std::string& path, Existing existing, const Unfini
 // The path itself, without a slash at its end.
 std::string requirePlace(const std::string& path, Existing existing, const UnfinishedFolder::IsOurs& isOurs) {
   const fs::path folder = pathOf(path).lexically_normal();
-  const std::string name = textOf(folder.has_filename() ? folder : folder.parent_path());
+  std::string name = textOf(folder.has_filename() ? folder : folder.parent_path());
   requireReplaceable(name, existing, isOurs);
   return name;
 }

@@ -18,8 +18,6 @@ class UnfinishedFolder {
   // Its files get the permissions `mode`; whoever may read those may enter it. Throws ToolError when `finished` is not
   // a folder, when it is not empty and may not be replaced, and when it holds anything that is not ours.
   UnfinishedFolder(const std::string& finished, Existing existing, unsigned int mode, const IsOurs& isOurs);
-  UnfinishedFolder(const UnfinishedFolder&) = delete;
-  UnfinishedFolder& operator=(const UnfinishedFolder&) = delete;
 
   // A new file in it. Throws ToolError after an interrupt, too.
   FileOutput file(const std::string& name) const;

@@ -32,18 +32,19 @@ bool isOurs(const std::string& name) {
   return end != number && end != std::string::npos && name.substr(end) == kEnd;
 }
 
+// An empty folder is not worth a note; it may be one that another run has not locked yet, and makes again.
 void removeLeftover(const std::string& folder) {
   std::error_code error;
+  bool empty = false;
   {
     const FolderLock lock(folder, FolderLock::IfTaken::kGiveUp);
     if (!lock.held()) return;
+    empty = fs::is_empty(pathOf(folder), error);
     fs::remove_all(pathOf(folder), error);
   }
-  if (fs::exists(pathOf(folder), error)) {
-    message("note: cannot remove {}, which a killed run left unfinished", folder);
-  } else {
-    message("note: removed {}, which a killed run left unfinished", folder);
-  }
+  const bool removed = !fs::exists(pathOf(folder), error);
+  if (removed && empty) return;
+  message("note: {} {}, which a killed run left unfinished", removed ? "removed" : "cannot remove", folder);
 }
 
 // Of a folder that is named as the user named it; empty: the current one.
