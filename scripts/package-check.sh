@@ -12,6 +12,13 @@ packages=(build/packages/packages/*.deb)
 lintian --fail-on error --allow-root "${packages[@]}"
 echo "lintian finds no error in ${#packages[@]} packages"
 
+unpacked=$(mktemp -d)
+for package in "${packages[@]}"; do dpkg-deb --extract "$package" "$unpacked"; done
+mapfile -t binaries < <(find "$unpacked" -type f \( -path '*/bin/*' -o -name '*.so' -o -name '*.so.*' \))
+[ ${#binaries[@]} -eq 3 ]  # the plug-in, the tool, the Python module
+scripts/hardening-check.sh "${binaries[@]}"
+rm -r "$unpacked"
+
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 makeFreshSystem "$suite" || {
   printf '\n######## Packages not tried in a minimal system: see above\n' >&2
