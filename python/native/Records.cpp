@@ -110,7 +110,8 @@ py::dict dictOf(const FileFacts& facts) {
 
 py::dict dictOf(const Verdict& verdict) {
   return py::dict("name"_a = shownText(verdict.name), "ok"_a = verdict.ok(), "detail"_a = shownText(verdict.detail),
-                  "faults"_a = py::tuple(shownTexts(verdict.faults)));
+                  "faults"_a = py::tuple(shownTexts(verdict.faults.first(Findings::kMostKept))),
+                  "warnings"_a = py::tuple(shownTexts(verdict.warnings.first(Findings::kMostKept))));
 }
 
 py::dict dictOf(const Difference& difference) {

@@ -78,12 +78,17 @@ class Measurement:
 
 @dataclass(frozen=True)
 class Verdict:
-    """What one check of a file found; no ``faults``: all is well."""
+    """What one check of a file found.
+
+    ``faults`` say what is lost or will be; ``ok`` is true without them. ``warnings`` say what is unusual but was stored
+    on request, such as areas that overlap: nothing is lost. Both list the first hundred and how many more there are.
+    """
 
     name: str
     ok: bool
     detail: str
     faults: Tuple[str, ...]
+    warnings: Tuple[str, ...]
 
 
 @dataclass(frozen=True)

@@ -181,6 +181,31 @@ class ReportTest(unittest.TestCase):
         self.assertEqual(sections, 2)
         self.assertTrue(1 + sections <= len(sizes) <= 3 + 4 * sections, len(sizes))
 
+    def test_prints_have_both_pictures_in_shape_and_say_what_is_left_out(self):
+        tovrdb("report", "wall.db", "--against", "old.db", "--cabinet", "8x15", "--force", "-o", "cabinets.html")
+        self.open("cabinets.html")
+        section = self.section()
+        before = section.find_element(By.CSS_SELECTOR, "canvas.picture").size
+        self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": "print"})
+        try:
+            self.browser.execute_script("window.dispatchEvent(new Event('beforeprint'))")
+            titles = [each.text for each in section.find_elements(By.TAG_NAME, "figcaption")]
+            self.assertEqual(titles, ["Values, component 0", "Difference, component 0"])
+            shapes = self.browser.execute_script(
+                "return Array.from(arguments[0].querySelectorAll('.prints canvas'), (each) => {"
+                " const box = each.getBoundingClientRect();"
+                " return [box.width / box.height, each.width / each.height]; })", section)
+            for drawn, shown in shapes:
+                self.assertAlmostEqual(drawn, shown, 2)
+            table = section.find_elements(By.CSS_SELECTOR, ".tables .scroll")[0]
+            self.assertIn("Printed: 25 of 48 rows, the worst first.", table.text)
+            rows = [row for row in table.find_elements(By.CSS_SELECTOR, "tbody tr") if row.is_displayed()]
+            self.assertEqual(len(rows), 25)
+        finally:
+            self.browser.execute_script("window.dispatchEvent(new Event('afterprint'))")
+            self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": ""})
+        self.assertEqual(section.find_element(By.CSS_SELECTOR, "canvas.picture").size, before)
+
     def test_it_is_readable_in_both_colour_schemes(self):
         for scheme in ["light", "dark"]:
             features = [{"name": "prefers-color-scheme", "value": scheme}]
@@ -201,7 +226,7 @@ class ReportTest(unittest.TestCase):
         try:
             self.open("wall.html")
             text = self.browser.find_element(By.TAG_NAME, "body").text
-            for part in [MARKUP + ", type 1", "The file is whole", "key counters", "Statistics per component",
+            for part in [MARKUP + ", type 1", "The file is sound", "key counters", "Statistics per component",
                          "The pictures need scripts"]:
                 self.assertIn(part, text)
             self.assertEqual(len(self.browser.find_elements(By.CSS_SELECTOR, ".map .screen")), 2)

@@ -12,6 +12,7 @@
 #include "tool/cells/BlockDifference.h"
 #include "tool/cells/CellCsv.h"
 #include "tool/cells/CellNumbers.h"
+#include "tool/cells/Overlaps.h"
 #include "tool/cells/Statistics.h"
 #include "tool/system/ToolError.h"
 
@@ -62,6 +63,29 @@ TEST(RectTest, AnArraysRectangleEndsWhereItsCellsEnd) {
   EXPECT_EQ(common({0, 0, 4, 4}, {5, 0, 9, 4}), std::nullopt);
   EXPECT_EQ(common({0, 0, 5, 4}, {5, 1, 9, 9}), (Rect{5, 1, 5, 4}));
   EXPECT_EQ(united({0, 3, 1, 4}, {5, 1, 9, 2}), (Rect{0, 1, 9, 4}));
+}
+
+// Against every pair, in dense and sparse heaps of rectangles, some of which hold no cells.
+TEST(OverlapsTest, Pairs_AreAllCounted) {
+  for (std::int32_t seed = 1, room = 4; room < 400; room *= 3, ++seed) {
+    std::vector<Rect> rects;
+    for (std::int32_t i = 0; i < 60; ++i) {
+      const std::int32_t x = i * 7919 * seed % room, y = i * 104729 % room;
+      rects.push_back({x, y, x + i * 31 % 9 - 1, y + i * 17 % 9});
+    }
+    rects.push_back({0, 0, INT_MAX, INT_MAX});
+    std::uint64_t pairs = 0;
+    for (std::size_t i = 0; i < rects.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) pairs += isSound(rects[i]) && isSound(rects[j]) && common(rects[i], rects[j]);
+    }
+    const Overlaps overlaps = overlapsAmong(rects, 10);
+    EXPECT_EQ(overlaps.pairs, pairs) << room;
+    EXPECT_EQ(overlaps.named.size(), 10U);
+    for (const auto& [one, other] : overlaps.named) {
+      EXPECT_LT(one, other);
+      EXPECT_TRUE(common(rects[one], rects[other]).has_value());
+    }
+  }
 }
 
 TEST(NpyTest, HeadersAreTakenInEverySpellingOfEveryVersion) {

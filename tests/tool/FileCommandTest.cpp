@@ -3,10 +3,12 @@
 
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
+#include "tool/database/Verdict.h"
 
 namespace {
 
 using namespace tovrtest;
+using tovrtool::Findings;
 
 constexpr char kManifest[] = "folder/manifest.json";
 
@@ -26,31 +28,65 @@ struct FileCommandTest : ToolTest {
   bool engineIsNewer() const { return succeed("info wall.db").find("page encryption    4.") != std::string::npos; }
 };
 
-TEST_F(FileCommandTest, CheckFindsEachPlantedFault) {
+TEST_F(FileCommandTest, Check_NamesFaultsAndWarnings) {
   const struct {
     const char* sql;
     const char* check;
     const char* words;
-  } cases[] = {
-      {"update Coef set databitwidth = 3 where id = 1", "block lengths", "has 64 bytes and not 8 x 4 x 3"},
-      {"update Coef set data = x'0011223344556677' where id = 2", "blobs", "row 2 of Coef: 4106"},
-      {"update LumChromData set data = x'00'", "blobs", "row 1 of LumChromData: 4106"},
-      {"update Screen_Info set right = 6", "areas in screens", "area 1 (0,0,7,3) leaves its screen 1 (0,0,6,3)"},
-      {"update Coef_Info set coeftype = 1", "overlaps", "area 1 (0,0,7,3) and area 2 (0,0,7,3) of screen 1"},
-      {"delete from Screen_Info", "foreign keys", "row 2 of Coef_Info refers to a row of Screen_Info"},
-      {"update sqlite_sequence set seq = 1 where name = 'Coef'", "key counters", "the counter says 1"},
-      {"create table another(x)", "schema", "a tenth table, another"},
-  };
+  } faults[] =
+      {
+          {"update Coef set databitwidth = 3 where id = 1", "block lengths",
+           "area 1 (0,0,7,3 of type 1 on screen left): its block has 64 bytes and not 8 x 4 x 3"},
+          {"update Coef_Info set right = -3 where id = 1", "block lengths",
+           "of type 1 on screen left): its rectangle holds"},
+          {"update Coef set data = x'0011223344556677' where id = 2", "blobs",
+           "area 2 (0,0,7,3 of type 2 on screen left): 4106"},
+          {"update LumChromData set data = x'00'", "blobs", "measurement 1: 4106"},
+          {"update Data set data = x'00'", "blobs", "data of type 5: 4106"},
+          {"delete from Screen_Info", "foreign keys", "area 2 (0,0,7,3 of type 2) refers to a row of Screen_Info"},
+          {"update Screen_Info set top = 'abc'", "screens", "screen left: top is 'abc', which is not a whole number"},
+          {"create trigger sqlitespoil after update on Coef begin delete from Coef; end", "schema",
+           "the trigger sqlitespoil on Coef"},
+          {"create view spy as select * from Coef", "schema", "the view spy"},
+          {"create unique index one on Coef_Info(coeftype)", "schema", "the unique index one on Coef_Info can refuse"},
+      },
+    warnings[] = {
+        {"insert into Coef select 9, data, databitwidth, version from Coef where id = 1", "blobs",
+         "block 9 is used by nothing"},
+        {"update Screen_Info set right = 6", "areas in screens", "on screen left) reaches beyond its screen (0,0,6,3)"},
+        {"update Coef_Info set coeftype = 1", "overlaps",
+         "area 1 (0,0,7,3 of type 1 on screen left) and area 2 (0,0,7,3 of type 1 on screen left) overlap"},
+        {"insert into Screen_Info select 2, dbid, 'other', top, left, bottom, right, ctime, mtime from Screen_Info",
+         "screens", "screen other lies on the rectangle of screen left"},
+        {"update sqlite_sequence set seq = 1 where name = 'Coef'", "key counters", "the counter says 1"},
+        {"create table another(x)", "schema", "the table another was made by another program"},
+        {"create index fast on Coef_Info(coeftype)", "schema", "the index fast on Coef_Info"},
+    };
   expectSound("wall.db");
-  for (const auto& c : cases) {
+  const auto expect = [&](const auto& c, int code, const std::string& word) {
     fs::copy_file(path("wall.db"), path("bad.db"), fs::copy_options::overwrite_existing);
     sql(path("bad.db"), c.sql);
     const Outcome outcome = run("check bad.db");
-    EXPECT_EQ(outcome.code, 8) << c.sql;
-    EXPECT_TRUE(contains(outcome.out, std::string("failed  ") + c.check));
+    EXPECT_EQ(outcome.code, code) << c.sql;
+    EXPECT_TRUE(contains(outcome.out, word + c.check));
     EXPECT_TRUE(contains(outcome.out, c.words));
-    EXPECT_EQ(outcome.out.find("failed"), outcome.out.rfind("failed")) << "one fault, one verdict:\n" << outcome.out;
-  }
+    std::size_t sound = 0;
+    for (std::size_t at = 0; (at = outcome.out.find("ok      ", at)) != std::string::npos; ++at) ++sound;
+    EXPECT_EQ(sound, 9U) << "all other checks pass:\n" << outcome.out;
+  };
+  for (const auto& c : faults) expect(c, 8, "failed  ");
+  for (const auto& c : warnings) expect(c, 0, "warning ");
+  EXPECT_TRUE(contains(run("check bad.db --json").out, "\"ok\": true"));
+}
+
+TEST(FindingsTest, ManyAreCounted) {
+  Findings findings;
+  for (std::size_t i = 0; i <= Findings::kMostKept; ++i) findings.add(std::to_string(i));
+  findings.addCounted(7998989);
+  EXPECT_EQ(findings.count(), 7999090U);
+  EXPECT_EQ(findings.kept().size(), Findings::kMostKept);
+  EXPECT_EQ(findings.first(1), (std::vector<std::string>{"0", "and 7,999,089 more"}));
+  EXPECT_TRUE(Findings().first(1).empty());
 }
 
 TEST_F(FileCommandTest, FilesThatAreNoDatabaseAreToldApart) {
@@ -58,18 +94,21 @@ TEST_F(FileCommandTest, FilesThatAreNoDatabaseAreToldApart) {
   const struct {
     std::string bytes;
     const char* words;
+    int code = 3;
   } cases[] = {
       {"", "is empty"},
       {"SQLite format 3" + std::string(1009, '\0'), "not an encrypted one"},
       {read("a.npy"), "a NumPy array"},
       {std::string(4096, 'a'), "a text"},
-      {whole.substr(0, whole.size() - 4096), "truncated"},
+      {std::string(4096, '\0'), "mostly with zeros", 8},
+      {whole.substr(0, whole.size() - 4096), "truncated", 8},
   };
   for (const auto& c : cases) {
     write("bad.db", c.bytes);
     const Outcome outcome = run("check bad.db");
-    EXPECT_EQ(outcome.code, 3) << c.words;
+    EXPECT_EQ(outcome.code, c.code) << c.words;
     EXPECT_TRUE(contains(outcome.out, c.words));
+    expectFailure(c.code, c.words, "info bad.db");
   }
   expectFailure(3, "there is no such file", "info missing.db");
   EXPECT_FALSE(fs::exists(path("missing.db")));
@@ -87,6 +126,7 @@ TEST_F(FileCommandTest, PagesThatAreDamagedOrCutOffFail) {
 
 TEST_F(FileCommandTest, KeysComeFromTheEnvironmentOrAFileAndAreToldWhereTheyDoNotFit) {
   expectFailure(4, "the key is wrong", "info wall.db", "TOVRDB_KEY=another ");
+  expectFailure(4, "begins with a byte order mark", "info wall.db", "TOVRDB_KEY='\xEF\xBB\xBFthe test key' ");
   expectFailure(4, "no key", "info wall.db", kNoKey);
   expectFailure(4, "the key is empty", "info wall.db", "TOVRDB_KEY= ");
   write("key", "the test key\r\nand a note\n");

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
 #include "tool/io/JsonText.h"
 #include "tool/report/BlockReduction.h"
@@ -116,19 +117,27 @@ TEST_F(ReportTest, NamesWithMarkupStayTextAndThePageIsItsOwnersOnly) {
 
 TEST_F(ReportTest, WhatCannotBeShownIsNamed) {
   succeed("create empty.db --type 0");
-  succeed("report empty.db -o empty.html");
+  sql(path("empty.db"), "create table another(x)");
+  expectTold("checks of the file warn", "report empty.db -o empty.html");
+  EXPECT_TRUE(contains(read("empty.html"), "⚠ The file is sound"));
   EXPECT_EQ(Json::parse(dataOf("empty.html"))["sets"].size(), 0U);
   makeWall();
   write("cells.npy", npy("<f4", "1, 2", std::string("\0\0\xc0\x7f\0\0\xc0\x7f", 8)));  // no numbers
   succeed("coef put wall.db --type 1 --at 0,0 cells.npy");
   write("cells.raw", "123");
   succeed("coef put wall.db --type 1 --raw cells.raw --rect 4,0,4,0 --cell-bytes 3");  // of no known type
-  const Outcome outcome = run("report wall.db -o wall.html");
-  EXPECT_EQ(outcome.code, 0);
-  EXPECT_NE(outcome.err.find("1 of 2 blocks are not shown"), std::string::npos) << outcome.err;
-  EXPECT_NE(read("wall.html").find("nothing tells the type of its numbers"), std::string::npos);
-  const Json values = Json::parse(dataOf("wall.html"))["sets"][0]["values"];
-  EXPECT_EQ(values["components"][0]["statistics"]["not_finite"], 2);
+  succeed("coef put wall.db --type 1 --at 2,0 cells.npy");
+  sql(path("wall.db"), "update Coef set data = zeroblob(16) where id = 3");
+  expectTold("2 of 3 blocks are not shown", "report wall.db -o wall.html");
+  const std::string page = read("wall.html");
+  EXPECT_TRUE(contains(page, "nothing tells the type of its numbers"));
+  EXPECT_TRUE(contains(page, "<a href=\"#faults\" aria-label=\"area 2, "));
+  const Json set = Json::parse(dataOf("wall.html"))["sets"][0];
+  EXPECT_EQ(set["rect"], Json({0, 0, 3, 0}));
+  EXPECT_EQ(set["values"]["components"][0]["statistics"]["not_finite"], 2);
+  sql(path("wall.db"), "update Screen_Info set right = 'abc'");
+  expectTold("checks of the file failed", "report wall.db --force -o wall.html");
+  EXPECT_TRUE(contains(read("wall.html"), "screen left: right is &#39;abc&#39;"));
 }
 
 TEST_F(ReportTest, AgainstAnOlderFileTheChangedCellsAreCounted) {
@@ -138,11 +147,17 @@ TEST_F(ReportTest, AgainstAnOlderFileTheChangedCellsAreCounted) {
   fs::copy(path("wall.db"), path("old.db"));
   write("cell.npy", npy("<u2", "1, 1", std::string("\3\1", 2)));
   succeed("coef put wall.db --type 1 --patch --at 1,1 cell.npy");
+  write("cell.npy", npy("<u2", "1, 1", std::string("\5\1", 2)));
+  succeed("coef put wall.db --type 1 --patch --at 0,0 cell.npy");
   succeed("report wall.db --against old.db --cabinet 1x1 -o wall.html");
   const Json set = Json::parse(dataOf("wall.html"))["sets"][0];
-  EXPECT_EQ(set["difference"]["rect"], Json({1, 1, 1, 1}));
-  EXPECT_EQ(set["difference"]["components"][0]["changed"]["count"], 1);
-  EXPECT_EQ(set["difference"]["components"][0]["planes"]["value"]["offset"], 2);
+  const Json& difference = set["difference"]["components"][0];
+  EXPECT_EQ(set["difference"]["rect"], Json({0, 0, 1, 1}));
+  EXPECT_EQ(difference["changed"]["count"], 2);
+  EXPECT_EQ(difference["statistics"]["count"], 2);  // not of the two cells between them
+  EXPECT_EQ(difference["statistics"]["mean"], 3);
+  EXPECT_EQ(difference["statistics"]["not_finite"], 0);
+  EXPECT_EQ(difference["tables"][0]["all"], 2);
   EXPECT_EQ(set["values"]["components"][0]["tables"][0]["rows"].size(), 4U);
   expectFailure(2, "would replace", "report wall.db --against old.db --force -o old.db");
 }

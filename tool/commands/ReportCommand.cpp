@@ -29,7 +29,10 @@ struct Options {
 void noteFaults(const ReportContent& content) {
   const auto hidden = std::count_if(content.areas.begin(), content.areas.end(),
                                     [](const ReportArea& area) { return !area.fault.empty(); });
-  if (!content.ok()) message("note: checks of the file failed; the page tells which");
+  const Soundness soundness = soundnessOf(content.verdicts);
+  if (soundness == Soundness::kFault) message("note: checks of the file failed; the page tells which");
+  if (soundness == Soundness::kWarning) message("note: checks of the file warn; the page tells of what");
+  if (!content.againstFault.empty()) message("note: {} cannot be compared; the page tells why", content.against);
   if (hidden > 0) message("note: {} of {} blocks are not shown; the page tells why", hidden, content.areas.size());
   if (content.block > 1)
     message("note: the pictures are reduced; each of their cells stands for {0} x {0}", content.block);

@@ -2,18 +2,9 @@
 
 #include <fmt/core.h>
 
+#include "tool/io/TextList.h"
+
 namespace tovrtool {
-namespace {
-
-// "37,324,800"
-std::string grouped(std::int64_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, 1, ',');
-  return text;
-}
-
-}  // namespace
-
 std::string placeText(const AreaName& area) {
   return fmt::format("{} of type {}{}", toText(area.rect), area.type,
                      area.screen.empty() ? "" : " on the screen " + area.screen);

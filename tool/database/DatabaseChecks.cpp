@@ -2,23 +2,17 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <map>
 #include <sstream>
-#include <tuple>
 #include <utility>
 
-#include "tool/database/StoredArea.h"
+#include "tool/database/PlacementChecks.h"
+#include "tool/database/RowNames.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/Tables.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {
-
-constexpr char kTableSchema[] =
-    "select name, sql from sqlite_master where type = 'table' and name not like 'sqlite_%' order by name";
 
 // Runs one check; what ends it is its last fault.
 template <class Check>
@@ -29,7 +23,7 @@ Verdict verdictOf(Session& session, const std::string& name, Check check) {
     check(verdict);
   } catch (const ToolError& error) {
     if (isNoFault(error)) throw;
-    verdict.faults.emplace_back(error.what());
+    verdict.faults.add(error.what());
   }
   if (!verdict.ok()) beginAgain(session);
   return verdict;
@@ -39,35 +33,13 @@ void checkPages(Session& session, Verdict& verdict) {
   tovr::IDBOperate& connection = session.connection();
   verdict.detail = fmt::format("{} pages of {} bytes", queryNumber(connection, "pragma page_count"),
                                queryNumber(connection, "pragma page_size"));
-  verdict.faults = pageFaults(session);
+  for (const std::string& fault : pageFaults(session)) verdict.faults.add(fault);
 }
 
-void checkSchema(Session& session, const std::vector<Row>& expected, Verdict& verdict) {
-  verdict.detail = fmt::format("{} tables", expected.size());
-  const auto present = schemaOf(session);
-  const auto named = [](const std::vector<Row>& rows, const std::string& name) {
-    return std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == name; });
-  };
-  for (const Row& table : expected) {
-    const auto found = named(present, table[0]);
-    if (found == present.end()) {
-      verdict.faults.push_back(fmt::format("the table {} is missing", table[0]));
-    } else if ((*found)[1] != table[1]) {
-      verdict.faults.push_back(
-          fmt::format("the table {} was not made by this statement's text: {}", table[0], table[1]));
-    }
-  }
-  for (const Row& table : present) {
-    if (named(expected, table[0]) == expected.end()) {
-      verdict.faults.push_back(fmt::format("there is a tenth table, {}", table[0]));
-    }
-  }
-}
-
-void checkForeignKeys(Session& session, Verdict& verdict) {
+void checkForeignKeys(Session& session, const RowNames& names, Verdict& verdict) {
   for (const Row& row : queryRows(session.connection(), "pragma foreign_key_check")) {
-    verdict.faults.push_back(
-        fmt::format("row {} of {} refers to a row of {} that is not there", row[1], row[0], row[2]));
+    verdict.faults.add(fmt::format("{} refers to a row of {} that is not there",
+                                   names.of(row[0], std::strtoll(row[1].c_str(), nullptr, 10)), row[2]));
   }
 }
 
@@ -79,17 +51,43 @@ std::vector<std::int64_t> keys(Session& session, const std::string& table) {
   return found;
 }
 
-struct BlockSize {
-  std::uint64_t bytes = 0;
-  std::int64_t cellBytes = 0;
-};
-using BlockSizes = std::map<std::int64_t, BlockSize>;  // of the blocks that decipher, by key
+// Decrypts the payloads, one by one.
+class BlobCheck {
+ public:
+  BlobCheck(Session& session, const RowNames& names, Progress& progress)
+      : session_(session), names_(names), progress_(progress) {}
 
-void checkBlob(Session& session, const std::string& table, std::int64_t key, Verdict& verdict, BlockSizes& sizes,
-               Progress& progress) {
-  const bool block = table == kBlockTable;
-  tovr::IDBOperate& connection = session.connection();
-  try {
+  void run(Verdict& verdict) {
+    std::size_t count = 0;
+    for (const char* table : kPayloadTables) {
+      for (const std::int64_t key : keys(session_, table)) {
+        check(table, key, verdict);
+        ++count;
+      }
+    }
+    verdict.detail = fmt::format("{} blobs, every byte decrypted", count);
+  }
+
+  BlockSizes takeSizes() { return std::move(sizes_); }
+
+ private:
+  void check(const std::string& table, std::int64_t key, Verdict& verdict) {
+    const bool unused = names_.isUnused(table, key);
+    try {
+      read(table, key);
+      if (unused) verdict.warnings.add(names_.of(table, key) + " is used by nothing: it only takes room");
+    } catch (const ToolError& error) {
+      if (isNoFault(error)) throw;
+      Findings& findings = unused ? verdict.warnings : verdict.faults;
+      findings.add(
+          fmt::format("{}{}: {}", names_.of(table, key), unused ? ", which is used by nothing" : "", error.what()));
+      beginAgain(session_);
+    }
+  }
+
+  void read(const std::string& table, std::int64_t key) {
+    const bool block = table == kBlockTable;
+    tovr::IDBOperate& connection = session_.connection();
     Bytes blob;
     std::int64_t cellBytes = 0;
     visitRows(
@@ -99,68 +97,18 @@ void checkBlob(Session& session, const std::string& table, std::int64_t key, Ver
           blob = columnBytes(connection, 0);
           cellBytes = columnNumber(connection, 1);
         });
-    const auto payload = decipherBlob(session.host().encryption(), blob);
-    if (block) sizes[key] = {payload.size(), cellBytes};
-    progress.advance(blob.size());
-  } catch (const ToolError& error) {
-    if (isNoFault(error)) throw;
-    verdict.faults.push_back(fmt::format("row {} of {}: {}", key, table, error.what()));
-    beginAgain(session);
+    const auto payload = decipherBlob(session_.host().encryption(), blob);
+    if (block) sizes_[key] = {payload.size(), cellBytes};
+    progress_.advance(blob.size());
   }
-}
 
-void checkBlobs(Session& session, Verdict& verdict, BlockSizes& sizes, Progress& progress) {
-  std::size_t count = 0;
-  for (const char* table : kPayloadTables) {
-    for (const std::int64_t key : keys(session, table)) {
-      checkBlob(session, table, key, verdict, sizes, progress);
-      ++count;
-    }
-  }
-  verdict.detail = fmt::format("{} blobs, every byte deciphered", count);
-}
+  Session& session_;
+  const RowNames& names_;
+  Progress& progress_;
+  BlockSizes sizes_;
+};
 
-std::string nameOf(const Placement& area) { return fmt::format("area {} ({})", area.id, toText(area.rect)); }
-
-void checkLengths(const std::vector<Placement>& all, const BlockSizes& sizes, Verdict& verdict) {
-  verdict.detail = fmt::format("{} areas, rectangle x bytes per cell", all.size());
-  for (const Placement& area : all) {
-    const auto size = sizes.find(area.blockId);
-    if (columnsOf(area.rect) <= 0 || rowsOf(area.rect) <= 0) {
-      verdict.faults.push_back(nameOf(area) + ": its rectangle is inverted");
-    } else if (size != sizes.end() && !fills(size->second.bytes, area.rect, size->second.cellBytes)) {
-      verdict.faults.push_back(fmt::format("{}: its block, row {} of Coef, has {} bytes and not {} x {} x {}",
-                                           nameOf(area), area.blockId, size->second.bytes, columnsOf(area.rect),
-                                           rowsOf(area.rect), size->second.cellBytes));
-    }
-  }
-}
-
-void checkInsideScreens(const std::vector<Placement>& all, Verdict& verdict) {
-  verdict.detail = fmt::format("{} areas", all.size());
-  for (const Placement& area : all) {
-    if (!area.screenRect || holds(*area.screenRect, area.rect)) continue;
-    verdict.faults.push_back(
-        fmt::format("{} leaves its screen {} ({})", nameOf(area), area.screenId, toText(*area.screenRect)));
-  }
-}
-
-void checkOverlaps(std::vector<Placement> all, Verdict& verdict) {
-  verdict.detail = "areas of one screen and type";
-  const auto group = [](const Placement& area) { return std::make_pair(area.screenId, area.type); };
-  std::sort(all.begin(), all.end(), [&](const Placement& a, const Placement& b) {
-    return std::make_tuple(group(a), a.rect.top, a.id) < std::make_tuple(group(b), b.rect.top, b.id);
-  });
-  for (std::size_t i = 0; i < all.size(); ++i) {
-    for (std::size_t j = i + 1; j < all.size(); ++j) {
-      if (group(all[j]) != group(all[i]) || all[j].rect.top > all[i].rect.bottom) break;
-      if (!common(all[i].rect, all[j].rect)) continue;
-      verdict.faults.push_back(fmt::format("{} and {} of screen {} and type {} overlap", nameOf(all[i]), nameOf(all[j]),
-                                           all[i].screenId, all[i].type));
-    }
-  }
-}
-
+// The engine never issues a key below a row's, but keys of deleted rows may come again.
 void checkCounters(Session& session, Verdict& verdict) {
   verdict.detail = "the last key that each table has issued";
   for (const std::string& table : kTables) {
@@ -170,26 +118,14 @@ void checkCounters(Session& session, Verdict& verdict) {
         queryNumber(session.connection(),
                     fmt::format("select ifnull((select max(seq) from sqlite_sequence where name = '{}'), 0)", table));
     if (last >= largest) continue;
-    verdict.faults.push_back(fmt::format(
-        "{}: the counter says {}, but there is a row {}: the next keys may be used twice", table, last, largest));
+    verdict.warnings.add(
+        fmt::format("{}: the counter says {}, but there is a row {}: keys of deleted rows may be "
+                    "used again",
+                    table, last, largest));
   }
 }
 
 }  // namespace
-
-std::vector<Row> schemaOf(Session& session) { return queryRows(session.connection(), kTableSchema); }
-bool isNoFault(const ToolError& error) { return isEnded(error.code()) || error.code() == kBusy; }
-
-void beginAgain(Session& session) {
-  session.connection().exec("rollback");  // fails where there is none
-  session.beginReading();
-}
-
-std::vector<Row> expectedSchema(const std::string& plugin) {
-  Session session = Session::openMemory(plugin);
-  session.require(session.manager().createTables());
-  return schemaOf(session);
-}
 
 std::vector<std::string> pageFaults(Session& session) {
   tovr::IDBOperate& connection = session.connection();
@@ -217,24 +153,25 @@ std::uint64_t bytesToCheck(Session& session) {
 
 std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress) {
   std::vector<Verdict> verdicts;
+  const auto run = [&](const char* name, auto check) { verdicts.push_back(verdictOf(session, name, check)); };
   beginAgain(session);
   const std::uint64_t bytes = bytesToCheck(session);
-  verdicts.push_back(verdictOf(session, "pages", [&](Verdict& verdict) { checkPages(session, verdict); }));
+  const RowNames names(session);
+  run("pages", [&](Verdict& verdict) { checkPages(session, verdict); });
   progress.advance(bytes / 2);
-  verdicts.push_back(verdictOf(session, "schema", [&](Verdict& verdict) { checkSchema(session, schema, verdict); }));
-  verdicts.push_back(verdictOf(session, "foreign keys", [&](Verdict& verdict) { checkForeignKeys(session, verdict); }));
-  BlockSizes sizes;
-  verdicts.push_back(
-      verdictOf(session, "blobs", [&](Verdict& verdict) { checkBlobs(session, verdict, sizes, progress); }));
-  std::vector<Placement> all;
-  verdicts.push_back(verdictOf(session, "block lengths", [&](Verdict& verdict) {
-    all = placements(session);
-    checkLengths(all, sizes, verdict);
-  }));
-  verdicts.push_back(
-      verdictOf(session, "areas in screens", [&](Verdict& verdict) { checkInsideScreens(all, verdict); }));
-  verdicts.push_back(verdictOf(session, "overlaps", [&](Verdict& verdict) { checkOverlaps(all, verdict); }));
-  verdicts.push_back(verdictOf(session, "key counters", [&](Verdict& verdict) { checkCounters(session, verdict); }));
+  run("schema", [&](Verdict& verdict) { compareSchema(schema, schemaOf(session), verdict); });
+  run("foreign keys", [&](Verdict& verdict) { checkForeignKeys(session, names, verdict); });
+  BlobCheck blobs(session, names, progress);
+  run("blobs", [&](Verdict& verdict) { blobs.run(verdict); });
+  std::vector<Placement> areas;
+  run("block lengths", [&](Verdict& verdict) {
+    areas = placements(session);
+    checkLengths(areas, blobs.takeSizes(), verdict);
+  });
+  run("screens", [&](Verdict& verdict) { checkScreens(session, names, verdict); });
+  run("areas in screens", [&](Verdict& verdict) { checkInsideScreens(areas, verdict); });
+  run("overlaps", [&](Verdict& verdict) { checkOverlaps(areas, verdict); });
+  run("key counters", [&](Verdict& verdict) { checkCounters(session, verdict); });
   return verdicts;
 }
 

@@ -4,33 +4,22 @@
 #include <string>
 #include <vector>
 
-#include "tool/database/Session.h"
-#include "tool/database/SqlQuery.h"
+#include "tool/database/FaultyFile.h"
+#include "tool/database/SchemaCheck.h"
 #include "tool/database/Verdict.h"
 #include "tool/io/Progress.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
-
-// Name and create statement of every table of a file.
-std::vector<Row> schemaOf(Session& session);
-// The same as the library makes them. REQUIRES: no Session is open in this process.
-std::vector<Row> expectedSchema(const std::string& plugin);
 
 // Bytes that checkDatabase reads, as it reports them to `progress`.
 std::uint64_t bytesToCheck(Session& session);
 
-// What says nothing about the file: an interrupt, another program that keeps it busy.
-bool isNoFault(const ToolError& error);
-
-// From here on one state of the file is read, whoever else writes to it. After a page that could not be read the engine
-// refuses every other until then.
-void beginAgain(Session& session);
-
-// What is wrong with the pages of an open file: nothing where it is whole.
+// What is wrong with the pages of an open file; empty if it is whole. Engines of the 3.x generation read the pages that
+// are in use; later ones compare the checksums of all of them.
 std::vector<std::string> pageFaults(Session& session);
 
-// One verdict per check; a check that the file's damage ends reports that as a fault.
+// One verdict per check; a check that the file's damage ends reports that as a fault. What is lost is named by what it
+// holds: an area with its rectangle and screen, the type of data, a measurement.
 std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress);
 
 }  // namespace tovrtool

@@ -6,8 +6,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tool/database/Session.h"
-#include "tool/database/SqlQuery.h"
 #include "tool/system/Paths.h"
 
 namespace tovrtool {
@@ -50,7 +48,7 @@ bool isMostlyZero(const std::string& bytes) {
   return zeros > static_cast<std::ptrdiff_t>(bytes.size() / 8);
 }
 
-// Empty where the size says nothing.
+// Empty if the size says nothing.
 std::string oddSize(const std::string& path, std::int64_t pageSize) {
   const auto size = static_cast<std::int64_t>(std::filesystem::file_size(pathOf(path)));
   if (pageSize <= 0 || size % pageSize == 0) return {};
@@ -59,7 +57,7 @@ std::string oddSize(const std::string& path, std::int64_t pageSize) {
 
 }  // namespace
 
-ToolError diagnoseUnreadable(const std::string& path, std::int64_t pageSize) {
+ToolError diagnoseUnreadable(const std::string& path, const std::string& key, std::int64_t pageSize) {
   const std::string start = firstBytes(path, 512);
   for (const Magic& magic : kMagics) {
     if (start.rfind(magic.bytes, 0) != 0) continue;
@@ -67,17 +65,23 @@ ToolError diagnoseUnreadable(const std::string& path, std::int64_t pageSize) {
   }
   if (isText(start)) return {kFileProblem, "it is not a database: it begins like a text"};
   if (isMostlyZero(start)) {
-    return {kFileProblem,
+    return {kDamaged,
             "it begins mostly with zeros, as no encrypted page does: it is not a database, or its first page was "
             "erased; restore a copy"};
   }
   const std::string odd = oddSize(path, pageSize);
   if (!odd.empty()) {
     return {
-        kFileProblem,
+        kDamaged,
         "{}: it is truncated, or not a database. Compare its size with the original's; if they are equal, try other "
         "keys",
         odd};
+  }
+  if (key.rfind("\xEF\xBB\xBF", 0) == 0) {
+    return {
+        kKeyProblem,
+        "26: the key is wrong: it begins with a byte order mark, which some editors put before a text. Save the key "
+        "file as UTF-8 without one"};
   }
   return {
       kKeyProblem,
@@ -90,11 +94,6 @@ ToolError diagnoseDamaged(const std::string& path, std::int64_t pageSize) {
   const std::string odd = oddSize(path, pageSize);
   return {kDamaged, "the key fits, but the file is {}; restore a copy",
           odd.empty() ? "truncated or damaged" : "truncated: " + odd};
-}
-
-std::int64_t enginePageSize(const std::string& plugin) {
-  Session session = Session::openMemory(plugin);
-  return queryNumber(session.connection(), "pragma cipher_page_size");
 }
 
 }  // namespace tovrtool

@@ -1,4 +1,4 @@
-// Why a file does not open, as far as its bytes tell without the right key.
+// Why a file does not open, as far as its bytes tell.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,11 @@
 
 namespace tovrtool {
 
-// What the file is likely to be and what to try: a problem of the file where its bytes show one, else of the key.
-// `pageSize`: the engine's.
-ToolError diagnoseUnreadable(const std::string& path, std::int64_t pageSize);
+// For a file that `key` does not open: what it is likely to be and what to try; a problem of the file if its bytes show
+// one, else of the key. `pageSize`: the engine's; 0 if it does not tell.
+ToolError diagnoseUnreadable(const std::string& path, const std::string& key, std::int64_t pageSize);
 
-// The same for a file whose first page the key opens, and that the engine calls damaged.
+// For a file whose first page the key opens, and that the engine calls damaged.
 ToolError diagnoseDamaged(const std::string& path, std::int64_t pageSize);
-
-// The size of the pages that the engine makes. Throws ToolError.
-std::int64_t enginePageSize(const std::string& plugin);
 
 }  // namespace tovrtool

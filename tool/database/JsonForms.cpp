@@ -25,8 +25,13 @@ void addJson(Json& object, const NumberForm& form) {
 Json checksJson(const std::vector<Verdict>& verdicts) {
   Json checks = Json::array();
   for (const Verdict& verdict : verdicts) {
-    checks.push_back(
-        {{"check", verdict.name}, {"ok", verdict.ok()}, {"detail", verdict.detail}, {"faults", verdict.faults}});
+    checks.push_back({{"check", verdict.name},
+                      {"ok", verdict.ok()},
+                      {"detail", verdict.detail},
+                      {"faults", verdict.faults.kept()},
+                      {"fault_count", verdict.faults.count()},
+                      {"warnings", verdict.warnings.kept()},
+                      {"warning_count", verdict.warnings.count()}});
   }
   return checks;
 }

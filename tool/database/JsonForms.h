@@ -23,7 +23,8 @@ Json numberOrText(const std::string& value);
 // Adds "dtype", "scale" and, if there is one, "unit".
 void addJson(Json& object, const NumberForm& form);
 
-// A list of {check, ok, detail, faults}.
+// A list of {check, ok, detail, faults, fault_count, warnings, warning_count}; "ok" is true without faults. The lists
+// keep the first of very many.
 Json checksJson(const std::vector<Verdict>& verdicts);
 
 }  // namespace tovrtool

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "tool/database/FileDiagnosis.h"
 #include "tool/database/LibraryError.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/Tables.h"
@@ -24,6 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int kDamagedFile = 11;
 constexpr int kNotADatabase = 26;
 constexpr unsigned int kSecond = 1000;
 constexpr unsigned int kSilentWait = 300;  // milliseconds
@@ -43,6 +45,24 @@ std::string missingTables(tovr::IDBOperate& connection) {
 std::uint64_t nextNumber() {
   static std::atomic<std::uint64_t> last{0};
   return ++last;
+}
+
+// 0 if the engine does not tell; needs no key.
+std::int64_t enginePageSize(tovr::IDBOperate& connection) {
+  try {
+    return queryNumber(connection, "pragma cipher_page_size");
+  } catch (const ToolError&) {
+    return 0;
+  }
+}
+
+// Why a file does not open, as far as its bytes tell.
+ToolError diagnosed(const ToolError& error, const std::string& path, const std::string& key, std::int64_t pageSize) {
+  if (error.status() != kNotADatabase && error.status() != kDamagedFile) return error;
+  ToolError diagnosis =
+      error.status() == kNotADatabase ? diagnoseUnreadable(path, key, pageSize) : diagnoseDamaged(path, pageSize);
+  diagnosis.setStatus(error.status());
+  return diagnosis;
 }
 
 }  // namespace
@@ -78,11 +98,15 @@ Session Session::openExisting(const Access& access, const std::string& path, con
   Session session(loadPlugin(access.plugin));
   session.patience_ = access.patience;
   session.whileWaiting_ = access.whileWaiting;
-  session.requireRightKey(session.openPatiently(path, key));
-  session.setPatience(access.patience * kSecond);
-  // More than FULL, which flushes all but the end of the journal, and so may undo the last change.
-  if (access.flushed) session.require(session.connection().exec("PRAGMA synchronous = EXTRA"));
-  session.probe();
+  try {
+    session.requireRightKey(session.openPatiently(path, key));
+    session.setPatience(access.patience * kSecond);
+    // More than FULL, which flushes all but the end of the journal, and so may undo the last change.
+    if (access.flushed) session.require(session.connection().exec("PRAGMA synchronous = EXTRA"));
+    session.probe();
+  } catch (const ToolError& error) {
+    throw diagnosed(error, path, key, enginePageSize(session.connection()));
+  }
   return session;
 }
 
@@ -170,11 +194,7 @@ void Session::beginReading() {
 }
 
 void Session::requireRightKey(int code) {
-  if (code == kNotADatabase) {
-    ToolError error(kKeyProblem, "26: the key is wrong, or the file is not a database (encrypted, the two look alike)");
-    error.setStatus(code);
-    throw error;
-  }
+  if (code == kNotADatabase) throw statusError(code, "the key is wrong, or the file is not a database");
   require(code);
 }
 

@@ -14,4 +14,11 @@ std::string shortList(const std::vector<std::string>& items, const std::string& 
   return items.size() <= kMost ? text : fmt::format("{} and {} more", text, items.size() - kMost);
 }
 
+std::string grouped(std::int64_t number) {
+  std::string text = std::to_string(number);
+  const std::size_t sign = number < 0 ? 1 : 0;
+  for (std::size_t at = text.size(); at > 3 + sign;) text.insert(at -= 3, 1, ',');
+  return text;
+}
+
 }  // namespace tovrtool

@@ -1,6 +1,7 @@
-// Lists in messages.
+// Lists and large numbers in messages.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -8,5 +9,8 @@ namespace tovrtool {
 
 // "a, b, c"; of long lists the beginning: "a, b and 12 more"; "none" of an empty one.
 std::string shortList(const std::vector<std::string>& items, const std::string& separator = ", ");
+
+// "37,324,800"
+std::string grouped(std::int64_t number);
 
 }  // namespace tovrtool

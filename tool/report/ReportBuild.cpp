@@ -4,8 +4,10 @@
 #include <fmt/core.h>
 
 #include <ctime>
+#include <stdexcept>
 #include <utility>
 
+#include "tool/database/SqlQuery.h"
 #include "tool/io/Progress.h"
 #include "tool/report/ReportLayer.h"
 #include "tool/system/Paths.h"
@@ -21,17 +23,19 @@ std::string nameOf(const std::string& path) { return textOf(pathOf(path).filenam
 
 // What cannot be read of a damaged file is left out; the verdicts tell why.
 template <class Action>
-void asFarAsItGoes(Session& session, ReportContent& content, const std::string& what, Action action) {
+void readWhatOneCan(Session& session, ReportContent& content, const std::string& what, Action action) {
+  Verdict verdict;
+  verdict.name = what;
   try {
-    action();
+    return action();
   } catch (const ToolError& error) {
     if (isNoFault(error)) throw;
-    Verdict verdict;
-    verdict.name = what;
-    verdict.faults.emplace_back(error.what());
-    content.verdicts.push_back(std::move(verdict));
-    beginAgain(session);
+    verdict.faults.add(error.what());
+  } catch (const std::logic_error&) {  // the library's, for a text that is not a number
+    verdict.faults.add("a row holds a text where a number belongs");
   }
+  content.verdicts.push_back(std::move(verdict));
+  beginAgain(session);
 }
 
 std::vector<Rect> cabinetsOf(const CellSet& set, const Rect& rect, const CellPair& size) {
@@ -76,17 +80,18 @@ std::int64_t blockFor(double values) {
 Json valuesLayer(Session& session, ReportContent& content, const CellSet& set, const LayerRoom& room) {
   const GridCells grid = readSet(session, set, content.areas);
   if (!grid.any()) return nullptr;
-  LayerSource source{set.rect, set.form, set.components(), {}, {}, {}, {}};
+  LayerSource source{set.rect, set.form, set.components(), {}, {}, false, {}, {}};
   source.stored = [&](std::size_t component) { return storedNumbers(grid, set.form.dtype, component); };
+  source.counted = [&](std::size_t) { return grid.present; };
   addParts(content, set, source);
   return layerJson(source, room);
 }
 
 Json changesLayer(const ReportContent& content, const CellSet& set, const SetChanges& changes, const LayerRoom& room) {
   if (!changes.any()) return nullptr;
-  LayerSource source{changes.rect(), set.form, set.components(), {}, {}, {}, {}};
+  LayerSource source{changes.rect(), set.form, set.components(), {}, {}, true, {}, {}};
   source.stored = [&](std::size_t component) { return changes.differences(component); };
-  source.changed = [&](std::size_t component) { return changes.changed(component); };
+  source.counted = [&](std::size_t component) { return changes.changed(component); };
   addParts(content, set, source);
   return layerJson(source, room);
 }
@@ -112,13 +117,40 @@ void addSets(Session& session, ReportContent& content, const FormOptions& form, 
   }
 }
 
+// Without the library, which gives up at the first row that is not in order; the checks name those rows.
+std::vector<ScreenFacts> readableScreens(Session& session) {
+  std::vector<ScreenFacts> screens;
+  tovr::IDBOperate& connection = session.connection();
+  visitRows(connection,
+            "select id, screenname, left, top, right, bottom from Screen_Info where typeof(left) = 'integer'"
+            " and typeof(top) = 'integer' and typeof(right) = 'integer' and typeof(bottom) = 'integer' order by id",
+            [&] {
+              const Rect rect{connection.column_int(2), connection.column_int(3), connection.column_int(4),
+                              connection.column_int(5)};
+              screens.push_back({{columnNumber(connection, 0), columnText(connection, 1), rect}, 0});
+            });
+  return screens;
+}
+
 void addFacts(Session& session, ReportContent& content) {
-  asFarAsItGoes(session, content, "facts", [&] { content.facts = factsOf(session); });
-  if (!content.facts.description.empty()) return;
-  asFarAsItGoes(session, content, "screens", [&] {
+  readWhatOneCan(session, content, "facts", [&] { content.facts = factsOf(session); });
+  if (!content.facts.screens.empty()) return;
+  readWhatOneCan(session, content, "list of screens", [&] {
     content.facts.type = session.manager().getDBType();
-    for (const StoredScreen& screen : storedScreens(session)) content.facts.screens.push_back({screen, 0});
+    content.facts.screens = readableScreens(session);
   });
+}
+
+// A comparison that damage ends leaves the page without one, and says so.
+FileChanges changesSince(const Access& access, const ReportQuestion& question, ReportContent& content) {
+  try {
+    return changesBetween(access, *question.against, question.file, question.form);
+  } catch (const ToolError& error) {
+    const bool opened = error.code() != kKeyProblem && error.code() != kFileProblem;
+    if (isNoFault(error) || !opened || error.status() == 0) throw;
+    content.againstFault = error.what();
+    return {};
+  }
 }
 
 // At once, or one by one where that fails: so that as many as possible are shown.
@@ -130,7 +162,7 @@ void addAreas(Session& session, ReportContent& content) {
     if (isNoFault(error)) throw;
     beginAgain(session);
   }
-  asFarAsItGoes(session, content, "list of areas", [&] {
+  readWhatOneCan(session, content, "list of areas", [&] {
     for (const Placement& placement : placements(session)) {
       ReportArea& each = content.areas.emplace_back();
       static_cast<Placement&>(each.area) = placement;
@@ -157,7 +189,7 @@ ReportContent buildReport(const Access& access, const ReportQuestion& question) 
   FileChanges changes;
   if (question.against) {
     content.against = nameOf(question.against->path);
-    changes = changesBetween(access, *question.against, question.file, question.form);
+    changes = changesSince(access, question, content);
     content.differences = std::move(changes.differences);
   }
   const auto schema = expectedSchema(access.plugin);

@@ -24,8 +24,9 @@ struct ReportSet {
 
 struct ReportContent {
   std::string file;
-  std::string against;  // the older file; empty: none
-  std::string made;     // when
+  std::string against;       // the older file; empty: none
+  std::string againstFault;  // why there is no comparison with it; empty: there is
+  std::string made;          // when
   FileFacts facts;
   std::vector<Verdict> verdicts;
   std::vector<ReportArea> areas;
@@ -33,8 +34,6 @@ struct ReportContent {
   std::vector<Difference> differences;
   std::optional<CellPair> cabinet;
   std::int64_t block = 1;  // cells of a side that the pictures show as one
-
-  bool ok() const;
 };
 
 }  // namespace tovrtool

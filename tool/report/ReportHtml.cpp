@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMostRows = 500;  // of a table that is there without scripts
 
-constexpr std::size_t kMostFaults = 8;  // of one check
+constexpr std::size_t kMostFindings = 8;  // of one check
 
 using Cells = std::vector<std::string>;  // texts, not markup
 
@@ -34,13 +34,43 @@ std::string table(const std::string& caption, const Cells& titles, const std::ve
   return text;
 }
 
+struct VerdictWords {
+  const char* kind;  // of the page's style
+  const char* check;
+  const char* file;
+};
+
+const VerdictWords& wordsOf(Soundness soundness) {
+  static constexpr VerdictWords kWords[] = {
+      {"good", "✓ ok", "✓ The file is sound."},
+      {"unusual", "⚠ warning", "⚠ The file is sound; the checks below warn of what is unusual. Nothing is lost."},
+      {"bad", "✗ failed",
+       "✗ The file has faults: see below. Restore what they name from a sound copy, and keep this file: all else in it "
+       "may be newer than the copy."}};
+  return kWords[static_cast<int>(soundness)];
+}
+
+void addFindings(const Verdict& verdict, const Findings& findings, Soundness soundness, std::vector<Cells>& rows) {
+  for (const std::string& line : findings.first(kMostFindings)) {
+    rows.push_back({wordsOf(soundness).check, verdict.name, line});
+  }
+}
+
+std::string checksHtml(const ReportContent& content) {
+  std::vector<Cells> rows;
+  for (const Verdict& verdict : content.verdicts) {
+    rows.push_back({wordsOf(soundnessOf(verdict)).check, verdict.name, verdict.detail});
+    addFindings(verdict, verdict.faults, Soundness::kFault, rows);
+    addFindings(verdict, verdict.warnings, Soundness::kWarning, rows);
+  }
+  return table("Checks", {"result", "check", "what was looked at, or found"}, rows);
+}
+
 std::string verdictHtml(const ReportContent& content) {
   const auto shown = std::count_if(content.areas.begin(), content.areas.end(),
                                    [](const ReportArea& area) { return area.fault.empty(); });
-  std::string text =
-      fmt::format("<p class=\"verdict {}\" id=\"verdict\">{}</p>\n", content.ok() ? "good" : "bad",
-                  content.ok() ? "✓ The file is whole."
-                               : "✗ The file has faults: see below, and restore a whole copy if there is one.");
+  const VerdictWords& words = wordsOf(soundnessOf(content.verdicts));
+  std::string text = fmt::format("<p class=\"verdict {}\" id=\"verdict\">{}</p>\n", words.kind, words.file);
   text += fmt::format("<p>{} of {} blocks are shown.</p>\n", shown, content.areas.size());
   std::vector<Cells> facts = {{"file", content.file}, {"report made", content.made}};
   std::string changed;
@@ -52,16 +82,7 @@ std::string verdictHtml(const ReportContent& content) {
   }
   if (!content.against.empty()) facts.push_back({"compared with", content.against});
   text += "<div class=\"columns\">" + table("File", {"what", "value"}, facts, "facts");
-  std::vector<Cells> checks;
-  for (const Verdict& verdict : content.verdicts) {
-    checks.push_back({verdict.ok() ? "✓ ok" : "✗ failed", verdict.name, verdict.detail});
-    const std::size_t shownFaults = std::min(verdict.faults.size(), kMostFaults);
-    for (std::size_t i = 0; i < shownFaults; ++i) checks.push_back({"✗", verdict.name, verdict.faults[i]});
-    if (verdict.faults.size() > shownFaults) {
-      checks.push_back({"✗", verdict.name, fmt::format("and {} more", verdict.faults.size() - shownFaults)});
-    }
-  }
-  return text + table("Checks", {"result", "check", "what was looked at, or found"}, checks) + "</div>\n";
+  return text + checksHtml(content) + "</div>\n";
 }
 
 std::string sizeText(const Rect& rect) { return fmt::format("{} × {}", columnsOf(rect), rowsOf(rect)); }
@@ -123,6 +144,10 @@ std::string changesHtml(const ReportContent& content) {
   std::vector<Cells> changes;
   for (const Difference& difference : content.differences) changes.push_back(differenceRow(content, difference));
   std::string text = "<section id=\"changes\"><h2>What changed</h2>\n";
+  if (!content.againstFault.empty()) {
+    return text + fmt::format("<p class=\"warning\">{} cannot be compared: {}</p></section>\n",
+                              htmlText(content.against), htmlText(content.againstFault));
+  }
   if (changes.empty()) return text + fmt::format("<p>Nothing, since {}.</p></section>\n", htmlText(content.against));
   return text + table("Changes since " + content.against, {"what", "change"}, changes) + "</section>\n";
 }
@@ -160,16 +185,13 @@ std::string setHtml(const ReportSet& set, std::size_t index) {
     text += fmt::format("<p class=\"changed\">{} of {} cells changed.</p>\n", set.changedCells, cells.cells());
   }
   text += "<div class=\"viewer\"><noscript><p>The pictures need scripts.</p></noscript></div>\n";
-  text += statisticsHtml("Statistics per component", set.values);
-  if (!set.difference.is_null()) text += statisticsHtml("Statistics of the difference", set.difference);
+  text += statisticsHtml("Statistics per component, of all cells that could be read", set.values);
+  if (!set.difference.is_null())
+    text += statisticsHtml("Statistics of the difference, of the cells that changed", set.difference);
   return text + "<div class=\"tables\"></div></section>\n";
 }
 
 }  // namespace
-
-bool ReportContent::ok() const {
-  return std::all_of(verdicts.begin(), verdicts.end(), [](const Verdict& verdict) { return verdict.ok(); });
-}
 
 std::string htmlText(const std::string& text) {
   std::string escaped;

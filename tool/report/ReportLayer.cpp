@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
+#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -34,32 +35,30 @@ Json table(const std::string& name, std::size_t all, Json columns) {
   return {{"name", name}, {"all", all}, {"columns", std::move(columns)}, {"rows", Json::array()}};
 }
 
-// The first `most` by `farther`.
+// The first `most` by `farther`, in that order.
 template <class Farther>
 std::vector<std::size_t> foremost(std::size_t count, std::size_t most, Farther farther) {
   std::vector<std::size_t> order(count);
   std::iota(order.begin(), order.end(), std::size_t{0});
-  if (count <= most) return order;
   std::stable_sort(order.begin(), order.end(), farther);
-  order.resize(most);
+  order.resize(std::min(count, most));
   return order;
 }
 
-Json partsTable(const CabinetReport& report, const LayerSource& source, double median) {
+Json partsTable(const std::vector<PartFigures>& all, const LayerSource& source, double median) {
   Json columns = {"left", "top", "right", "bottom", "cells", "minimum", "median", "maximum", "mean", "deviation"};
   const auto ends = endsOf(source.form);
-  if (!source.changed) {
+  if (!source.isDifference) {
     for (const double end : ends) columns.push_back("at " + numberText(end));
   }
   columns.push_back("not finite");
   columns.push_back("stand out");
-  Json parts = table(source.partName, report.parts.size(), std::move(columns));
-  const auto distance = [&](std::size_t i) { return std::abs(report.parts[i].median - median); };
-  for (const std::size_t index : foremost(report.parts.size(), kMostParts, [&](std::size_t one, std::size_t other) {
+  Json parts = table(source.partName, all.size(), std::move(columns));
+  const auto distance = [&](std::size_t i) { return std::abs(all[i].median - median); };
+  for (const std::size_t index : foremost(all.size(), kMostParts, [&](std::size_t one, std::size_t other) {
          return distance(one) > distance(other);
        })) {
-    const PartFigures& part = report.parts[index];
-    if (part.summary.count == 0) continue;
+    const PartFigures& part = all[index];
     Json row = Json::array();
     addEdges(part.rect, row);
     row.push_back(part.summary.count + part.summary.others);
@@ -67,7 +66,7 @@ Json partsTable(const CabinetReport& report, const LayerSource& source, double m
                                rounded(part.summary.deviation)}) {
       row.push_back(value);
     }
-    if (!source.changed) {
+    if (!source.isDifference) {
       for (const std::size_t count : part.atEnds) row.push_back(count);
     }
     row.push_back(part.summary.others);
@@ -101,8 +100,7 @@ Json worstTable(const CabinetReport& report) {
   return worst;
 }
 
-Json statisticsOf(const std::vector<double>& values) {
-  const Summary summary = summarize(values);
+Json statisticsOf(const Summary& summary) {
   Json statistics{{"count", summary.count}, {"not_finite", summary.others}};
   if (summary.count == 0) return statistics;
   statistics.update({{"minimum", summary.least},
@@ -149,9 +147,12 @@ class LayerWriter {
       json["planes"]["mean"] = plane(reduced.mean);
       json["planes"]["maximum"] = plane(reduced.most);
     }
-    if (source_.changed) json["changed"] = changed(index);
-    for (double& number : numbers) number = source_.form.scale.of(number);
-    addFigures(std::move(numbers), json);
+    const std::vector<bool> counted = source_.counted(index);
+    if (source_.isDifference) json["changed"] = changed(counted);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+      numbers[i] = counted[i] ? source_.form.scale.of(numbers[i]) : std::numeric_limits<double>::quiet_NaN();
+    }
+    addFigures({source_.rect, std::move(numbers)}, counted, json);
     return json;
   }
 
@@ -174,8 +175,7 @@ class LayerWriter {
     return json;
   }
 
-  Json changed(std::size_t index) const {
-    const std::vector<bool> cells = source_.changed(index);
+  Json changed(const std::vector<bool>& cells) const {
     std::vector<bool> blocks(static_cast<std::size_t>(columns_ * rows_));
     const auto width = static_cast<std::size_t>(columnsOf(source_.rect));
     const auto block = static_cast<std::size_t>(room_.block);
@@ -185,20 +185,38 @@ class LayerWriter {
     return {{"count", std::count(cells.begin(), cells.end(), true)}, {"cells", packedText(bitsOf(blocks))}};
   }
 
-  void addFigures(std::vector<double> numbers, Json& json) const {
-    json["statistics"] = statisticsOf(numbers);
+  // Cells that do not count are NaN in the grid, and no number that is not finite.
+  void addFigures(const NumberGrid& grid, const std::vector<bool>& counted, Json& json) const {
+    Summary summary = summarize(grid.values);
+    summary.others -= static_cast<std::size_t>(std::count(counted.begin(), counted.end(), false));
+    json["statistics"] = statisticsOf(summary);
     json["tables"] = Json::array();
-    if (json["statistics"]["count"] == 0) return;
+    if (summary.count == 0) return;
     const double median = json["statistics"]["percentiles"]["50"];
-    const NumberGrid grid{source_.rect, std::move(numbers)};
     const std::vector<Rect> whole{source_.rect};
-    const CabinetReport report =
+    CabinetReport report =
         reportCabinets(grid, source_.parts.empty() ? whole : source_.parts, {endsOf(source_.form), kLimit, kMostWorst});
+    const Json worst = worstTable(report);
     if (!source_.partName.empty()) {
-      json["tables"].push_back(partsTable(report, source_, median));
-      json["tables"].push_back(seamsTable(report));
+      const Json seams = seamsTable(report);
+      leaveOutUncounted(grid, counted, report.parts);
+      json["tables"].push_back(partsTable(report.parts, source_, median));
+      json["tables"].push_back(seams);
     }
-    json["tables"].push_back(worstTable(report));
+    json["tables"].push_back(worst);
+  }
+
+  static void leaveOutUncounted(const NumberGrid& grid, const std::vector<bool>& counted,
+                                std::vector<PartFigures>& parts) {
+    for (PartFigures& part : parts) {
+      for (std::int32_t y = part.rect.top; y <= part.rect.bottom; ++y) {
+        const auto first = counted.begin() + static_cast<std::ptrdiff_t>(grid.index(part.rect.left, y));
+        part.summary.others -= static_cast<std::size_t>(std::count(first, first + columnsOf(part.rect), false));
+      }
+    }
+    parts.erase(
+        std::remove_if(parts.begin(), parts.end(), [](const PartFigures& part) { return part.summary.count == 0; }),
+        parts.end());
   }
 
   const LayerSource& source_;

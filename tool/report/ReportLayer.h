@@ -20,8 +20,9 @@ struct LayerSource {
   std::size_t components = 0;
   // The numbers of a component, row after row, as they are stored; NaN where there is none.
   std::function<std::vector<double>(std::size_t component)> stored;
-  // Of differences only: which cells of a component changed.
-  std::function<std::vector<bool>(std::size_t component)> changed;
+  // The cells of a component that its figures are of: those that could be read, of a difference those that changed.
+  std::function<std::vector<bool>(std::size_t component)> counted;
+  bool isDifference = false;
   std::vector<Rect> parts;  // inside `rect`; none: the whole
   std::string partName;     // "cabinets", "areas"; empty: no table of them
 

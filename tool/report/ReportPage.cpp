@@ -31,9 +31,12 @@ Json setJson(const ReportContent& content, const ReportSet& each) {
 }
 
 Json dataOf(const ReportContent& content) {
-  Json data{{"format", 1},          {"tool", "tovrdb " TOVRDB_VERSION},
-            {"file", content.file}, {"made", content.made},
-            {"ok", content.ok()},   {"checks", checksJson(content.verdicts)}};
+  Json data{{"format", 1},
+            {"tool", "tovrdb " TOVRDB_VERSION},
+            {"file", content.file},
+            {"made", content.made},
+            {"ok", soundnessOf(content.verdicts) != Soundness::kFault},
+            {"checks", checksJson(content.verdicts)}};
   if (!content.against.empty()) data["against"] = content.against;
   if (content.cabinet) data["cabinet"] = {content.cabinet->x, content.cabinet->y};
   data["sets"] = Json::array();

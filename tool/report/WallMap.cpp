@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
+#include "tool/cells/Overlaps.h"
 #include "tool/report/ReportHtml.h"
 
 namespace tovrtool {
@@ -13,12 +15,9 @@ namespace {
 constexpr std::size_t kMostAreas = 2000;
 
 bool lieOnOneAnother(const std::vector<ScreenFacts>& screens) {
-  for (std::size_t one = 0; one < screens.size(); ++one) {
-    for (std::size_t other = one + 1; other < screens.size(); ++other) {
-      if (common(screens[one].screen.rect, screens[other].screen.rect)) return true;
-    }
-  }
-  return false;
+  std::vector<Rect> rects;
+  for (const ScreenFacts& each : screens) rects.push_back(each.screen.rect);
+  return overlapsAmong(rects, 0).pairs > 0;
 }
 
 class Map {
@@ -43,6 +42,7 @@ class Map {
     for (const ScreenFacts& each : screens_) text += screen(each.screen, line);
     if (content_.areas.size() <= kMostAreas) {
       for (std::size_t set = 0; set < content_.sets.size(); ++set) text += areasOf(set);
+      text += areasOfNoSet();
     }
     text += "</svg>\n";
     if (content_.areas.size() <= kMostAreas) return text;
@@ -96,6 +96,22 @@ class Map {
           "aria-label=\"area {}, {}\"/>\n",
           each.fault.empty() ? "area" : "area bad", box(each.area.rect, shift_[set.screenId]), index, each.area.id,
           each.area.id, toText(each.area.rect));
+    }
+    return text;
+  }
+
+  // Those without a picture lead to the reason.
+  std::string areasOfNoSet() {
+    std::set<std::size_t> shown;
+    for (const ReportSet& each : content_.sets) shown.insert(each.set.areas.begin(), each.set.areas.end());
+    std::string text;
+    for (std::size_t i = 0; i < content_.areas.size(); ++i) {
+      const StoredArea& area = content_.areas[i].area;
+      if (shown.count(i) != 0 || !isSound(area.rect)) continue;
+      text += fmt::format(
+          "<a href=\"#faults\" aria-label=\"area {0}, {1}: not shown\"><rect class=\"area bad\" {2}>"
+          "<title>area {0}, {1}: not shown</title></rect></a>\n",
+          area.id, toText(area.rect), box(area.rect, shift_[area.screenId]));
     }
     return text;
   }

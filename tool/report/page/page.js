@@ -7,6 +7,13 @@ const kArrows = {
   ArrowDown: [0, 1]
 };
 
+// Sizes on paper, as page.css has them, in pixels of the drawing.
+const kPrintDots = 8;  // per millimetre
+const kPrintSizes = {
+  picture: [190, 85],
+  histogram: [55, 85]
+};
+
 // The controls of a set, its picture and its tables.
 class Viewer {
   constructor(section, set, cabinet) {
@@ -14,6 +21,7 @@ class Viewer {
     this.set = set;
     this.canvas = element('canvas', {class: 'picture', role: 'img', tabindex: '0', width: 900, height: 450});
     this.histogram = element('canvas', {class: 'histogram', role: 'img', width: 260, height: 450});
+    this.prints = element('div', {class: 'prints'});
     this.readout = element('output', {class: 'readout', 'aria-live': 'polite'});
     this.picture = new Picture(this.canvas, set, cabinet);
     this.controls = element('div', {class: 'controls'});
@@ -21,7 +29,7 @@ class Viewer {
         'Wheel or + and - zoom, dragging or Shift and arrows move the picture, arrows move the pointer, 0 shows all.';
     section.querySelector('.viewer').replaceChildren(
         this.controls, this.readout, element('div', {class: 'panes'}, this.canvas, this.histogram),
-        element('p', {class: 'hint'}, hint));
+        element('p', {class: 'hint'}, hint), this.prints);
     this.listen();
     this.showLayer(set.layers[0]);
   }
@@ -37,6 +45,36 @@ class Viewer {
   draw() {
     this.picture.draw();
     drawHistogram(this.histogram, this.picture);
+  }
+
+  // On paper: what is shown, and the other layer whole.
+  addPrints() {
+    onPaper = true;
+    this.prints.replaceChildren(...this.set.layers.map((layer) => this.printOf(layer)));
+    onPaper = false;
+  }
+
+  printOf(layer) {
+    const canvases = Object.entries(kPrintSizes).map(([name, size]) => {
+      const [width, height] = size.map((length) => length * kPrintDots);
+      return element('canvas', {class: name, width, height});
+    });
+    const picture = new Picture(canvases[0], this.set, this.picture.cabinet);
+    picture.dots = kPrintDots / 4;
+    if (layer === this.picture.layer) {
+      picture.copyView(this.picture);
+    } else {
+      const {component, sheet, shared, areas, cabinets} = this.picture.options;
+      picture.show(layer);
+      Object.assign(picture.options, {component, sheet, shared, areas, cabinets});
+    }
+    picture.draw();
+    drawHistogram(canvases[1], picture);
+    const {sheet, component} = picture.options;
+    const what =
+        (layer.isDifference ? 'Difference, ' : 'Values, ') + (sheet ? 'all components' : `component ${component}`);
+    const part = picture.isWhole ? '' : ', enlarged';
+    return element('figure', {}, element('figcaption', {}, what + part), element('div', {class: 'panes'}, ...canvases));
   }
 
   // Ranges are found anew.
@@ -261,7 +299,7 @@ function start() {
     viewer.showPlace(area.rect);
     viewer.canvas.focus({preventScroll: true});
   };
-  document.querySelectorAll('.map .area').forEach((shape) => {
+  document.querySelectorAll('.map .area[data-set]').forEach((shape) => {
     shape.addEventListener('click', () => openArea(shape));
     shape.addEventListener('keydown', (event) => {
       if (event.key === 'Enter' || event.key === ' ') openArea(shape);
@@ -272,9 +310,9 @@ function start() {
   window.matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw);
   window.addEventListener('beforeprint', () => {
     sections.forEach((section) => viewerOf(Number(section.dataset.set)));
-    redraw();
+    viewers.forEach((viewer) => viewer.addPrints());
   });
-  window.addEventListener('afterprint', redraw);
+  window.addEventListener('afterprint', () => viewers.forEach((viewer) => viewer.prints.replaceChildren()));
 }
 
 start();

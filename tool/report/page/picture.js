@@ -3,7 +3,15 @@
 const kBins = 48;
 const kThinnest = 40;  // pixels of a wall's shorter side
 
+// Paper is light, whatever the screen is.
+const kPaperColours = {
+  '--ink': '#000',
+  '--paper': '#fff'
+};
+let onPaper = false;
+
 function cssColour(name) {
+  if (onPaper) return kPaperColours[name];
   return getComputedStyle(document.documentElement).getPropertyValue(name).trim();
 }
 
@@ -16,6 +24,7 @@ class Picture {
     this.range = {percents: [1, 99]};  // or {numbers: [low, high]}
     this.cursor = null;                // a cell
     this.place = null;                 // a rectangle that is pointed at
+    this.dots = 1;                     // pixels of the canvas for one of the page
     this.show(set.layers[0]);
     this.showAll();
   }
@@ -32,6 +41,19 @@ class Picture {
     const [left, top, right, bottom] = this.set.rect;
     this.centre = [(left + right + 1) / 2, (top + bottom + 1) / 2];
     this.zoom = 0;  // pixels per cell; 0: as it fits
+  }
+
+  get isWhole() {
+    return this.zoom === 0;
+  }
+
+  // What another picture of the same set shows, as far as it shows it.
+  copyView(other) {
+    this.show(other.layer);
+    Object.assign(this.options, other.options);
+    Object.assign(this, {plane: other.plane, range: other.range, place: other.place, centre: other.centre});
+    const fits = [this, other].map((each) => each.fittingZoom(each.panels()[0]));
+    this.zoom = other.zoom * fits[0] / fits[1];
   }
 
   showRect(rect) {
@@ -56,7 +78,7 @@ class Picture {
   zooms(panel) {
     const [left, top, right, bottom] = this.set.rect;
     const fit = this.fittingZoom(panel);
-    const stretch = (cells) => Math.max(1, kThinnest / (cells * fit));
+    const stretch = (cells) => Math.max(1, kThinnest * this.dots / (cells * fit));
     const zoom = this.zoomOf(panel);
     return [zoom * stretch(right - left + 1), zoom * stretch(bottom - top + 1)];
   }
@@ -77,7 +99,7 @@ class Picture {
   // Where components are drawn, in pixels of the canvas.
   panels() {
     const {width, height} = this.canvas;
-    const title = 20;
+    const title = 20 * this.dots;
     if (!this.options.sheet)
       return [{component: this.options.component, x: 0, y: title, width, height: height - title}];
     const count = this.layer.components.length;
@@ -136,6 +158,7 @@ class Picture {
       this.canvas.width = Math.round(box.width * scale);
       this.canvas.height = Math.round(box.height * scale);
     }
+    if (box.width > 0) this.dots = scale;
     const context = this.canvas.getContext('2d');
     context.fillStyle = cssColour('--paper');
     context.fillRect(0, 0, this.canvas.width, this.canvas.height);
@@ -154,18 +177,18 @@ class Picture {
   drawPanel(context, panel) {
     const [low, high] = this.rangeOf(panel.component);
     context.fillStyle = cssColour('--ink');
-    context.font = '13px system-ui, sans-serif';
+    context.font = `${13 * this.dots}px system-ui, sans-serif`;
     const numbers = `${shortNumber(low)} \u2026 ${shortNumber(high)}`;
-    context.fillText(`component ${panel.component}: ${numbers}`, panel.x + 2, panel.y - 6, panel.width);
+    context.fillText(`component ${panel.component}: ${numbers}`, panel.x + 2, panel.y - 6 * this.dots, panel.width);
     context.putImageData(this.image(context, panel, low, high), panel.x, panel.y);
     context.save();
     context.beginPath();
     context.rect(panel.x, panel.y, panel.width, panel.height);
     context.clip();
     this.drawLines(context, panel);
-    if (this.place) this.drawFrame(context, panel, this.place, 3);
+    if (this.place) this.drawFrame(context, panel, this.place, 3 * this.dots);
     if (this.cursor) {
-      this.drawFrame(context, panel, [this.cursor.x, this.cursor.y, this.cursor.x, this.cursor.y], 2);
+      this.drawFrame(context, panel, [this.cursor.x, this.cursor.y, this.cursor.x, this.cursor.y], 2 * this.dots);
     }
     context.restore();
   }
@@ -198,7 +221,7 @@ class Picture {
   shade(pixels, at, x, y, column, row) {
     const [left, top, right, bottom] = this.set.rect;
     if (x < left || x >= right + 1 || y < top || y >= bottom + 1) return;
-    const hatched = (column + row) % 8 < 2 ? 150 : 225;
+    const hatched = (column + row) / this.dots % 8 < 2 ? 150 : 225;
     pixels[at] = pixels[at + 1] = pixels[at + 2] = this.layer.isDifference ? 221 : hatched;
     pixels[at + 3] = 255;
   }
@@ -254,7 +277,7 @@ class Picture {
     const box = this.boxOf(panel, rect);
     context.setLineDash([]);
     context.strokeStyle = '#000';
-    context.lineWidth = thickness + 2;
+    context.lineWidth = thickness + 2 * this.dots;
     context.strokeRect(...box);
     context.strokeStyle = '#fff';
     context.lineWidth = thickness;
@@ -263,24 +286,24 @@ class Picture {
 
   drawLines(context, panel) {
     const zoom = this.zoomOf(panel);
-    context.lineWidth = 1;
+    context.lineWidth = this.dots;
     context.strokeStyle = '#000';
     if (this.options.areas) {
       for (const area of this.set.areas) {
         const box = this.boxOf(panel, area.rect);
-        if (Math.min(box[2], box[3]) < 12) continue;
-        context.setLineDash(area.fault ? [3, 3] : []);
+        if (Math.min(box[2], box[3]) < 12 * this.dots) continue;
+        context.setLineDash(area.fault ? [3 * this.dots, 3 * this.dots] : []);
         context.strokeRect(...box);
       }
     }
     if (!this.cabinet || !this.options.cabinets) return;
-    context.setLineDash([6, 4]);
+    context.setLineDash([6 * this.dots, 4 * this.dots]);
     context.strokeStyle = '#fff';
     const [left, top, right, bottom] = this.set.rect;
     for (const [axis, from, to] of [[0, left, right], [1, top, bottom]]) {
       const size = this.cabinet[axis];
       const origin = this.set.screen_rect[axis];
-      if (size * zoom < 8) continue;
+      if (size * zoom < 8 * this.dots) continue;
       for (let at = origin + Math.ceil((from - origin) / size) * size; at <= to; at += size) {
         const line = axis === 0 ? [at, top, at - 1, bottom] : [left, at, right, at - 1];
         const box = this.boxOf(panel, line);
@@ -297,9 +320,8 @@ class Picture {
     const bits = this.layer.changedBits(panel.component);
     if (!bits) return;
     const marked = this.changedPixels(panel, bits);
-    const inner = grown(marked, panel.width, panel.height, 3);
-    const outer = grown(marked, panel.width, panel.height, 5);
-    const edge = grown(marked, panel.width, panel.height, 6);
+    const [inner, outer, edge] =
+        [3, 5, 6].map((reach) => grown(marked, panel.width, panel.height, Math.round(reach * this.dots)));
     for (let i = 0; i < edge.length; ++i) {
       if (!edge[i] || inner[i]) continue;
       pixels.fill(outer[i] ? 0 : 255, i * 4, i * 4 + 3);
@@ -373,7 +395,8 @@ function drawHistogram(canvas, picture) {
   });
   const context = canvas.getContext('2d');
   const ink = cssColour('--ink');
-  const top = 26;
+  const {dots} = picture;
+  const top = 26 * dots;
   const height = canvas.height - 2 * top;
   const table = colourTable(picture.options.colours);
   const most = Math.max(1, ...bins);
@@ -382,14 +405,14 @@ function drawHistogram(canvas, picture) {
     const y = top + height * (kBins - 1 - i) / kBins;
     const colour = Math.round((i + 0.5) / kBins * 255) * 3;
     context.fillStyle = `rgb(${table[colour]}, ${table[colour + 1]}, ${table[colour + 2]})`;
-    context.fillRect(2, y, 22, height / kBins + 1);
+    context.fillRect(2 * dots, y, 22 * dots, height / kBins + 1);
     context.fillStyle = ink;
-    context.fillRect(30, y + 1, (canvas.width - 40) * count / most, Math.max(1, height / kBins - 1));
+    context.fillRect(30 * dots, y + 1, (canvas.width - 40 * dots) * count / most, Math.max(1, height / kBins - 1));
   });
-  context.font = '13px system-ui, sans-serif';
+  context.font = `${13 * dots}px system-ui, sans-serif`;
   context.fillStyle = ink;
-  context.fillText(shortNumber(high), 2, top - 8);
-  context.fillText(`${shortNumber(low)}   (${beyond} beyond)`, 2, canvas.height - 8);
+  context.fillText(shortNumber(high), 2 * dots, top - 8 * dots);
+  context.fillText(`${shortNumber(low)}   (${beyond} beyond)`, 2 * dots, canvas.height - 8 * dots);
   canvas.setAttribute(
       'aria-label', `Histogram of component ${component} from ${low} to ${high}; ${beyond} cells beyond`);
 }

@@ -22,6 +22,15 @@ function compareTexts(one, other) {
   return one.localeCompare(other);
 }
 
+const kPrintedRows = 25;  // of a long table; page.css leaves out the others on paper
+
+// What a print says of the rows that it leaves out.
+function notePrinted(table, order) {
+  const rows = table.tBodies[0].rows.length;
+  const note = table.parentElement.querySelector('.printed');
+  if (note) note.textContent = `Printed: ${kPrintedRows} of ${rows} rows, ${order}.`;
+}
+
 function sortBy(table, column, heading) {
   const descending = heading.getAttribute('aria-sort') === 'ascending';
   for (const each of table.tHead.rows[0].cells) each.removeAttribute('aria-sort');
@@ -32,6 +41,7 @@ function sortBy(table, column, heading) {
     return descending ? -order : order;
   });
   table.tBodies[0].append(...rows);
+  notePrinted(table, `the first by ${heading.textContent}${descending ? ', largest first' : ''}`);
 }
 
 function makeSortable(table) {
@@ -68,5 +78,8 @@ function tableOf(data, heading, show) {
       'table', {class: 'sortable long'}, element('caption', {}, `${heading}: ${data.name}${shown}`),
       element('thead', {}, head), element('tbody', {}, ...rows));
   makeSortable(table);
-  return element('div', {class: 'scroll', tabindex: '0'}, table);
+  const box = element('div', {class: 'scroll', tabindex: '0'}, table);
+  if (rows.length > kPrintedRows) box.append(element('p', {class: 'printed'}));
+  notePrinted(table, 'the worst first');
+  return box;
 }
