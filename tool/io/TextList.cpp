@@ -14,4 +14,8 @@ std::string shortList(const std::vector<std::string>& items, const std::string& 
   return items.size() <= kMost ? text : fmt::format("{} and {} more", text, items.size() - kMost);
 }
 
+std::string counted(std::size_t number, const std::string& singular) {
+  return fmt::format("{} {}{}", number, singular, number == 1 ? "" : "s");
+}
+
 }  // namespace tovrtool
