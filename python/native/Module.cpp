@@ -139,12 +139,12 @@ void defineCells(py::class_<OpenFile>& file) {
   });
   file.def("put", [](OpenFile& self, const py::array& array, const Edges& rect, std::int32_t type,
                      const std::string& screen, const std::string& mode, bool force, std::int32_t number,
-                     const std::string& text, const Text& scale, const Text& unit) {
+                     const std::string& text, const Text& scale, const Text& unit, bool newScreen) {
     const CellBlock block = borrowedBlock(array, rectOf(rect));
     const BlockText kept{number, text, formOf(std::nullopt, scale, unit),
                          parseDtype(py::str(array.dtype().attr("name")))};
     const WantedBlock wanted{"", {type, screen, block.rect}, kept, block.cellBytes};
-    const StoreRules rules{modeNamed(mode), force};
+    const StoreRules rules{modeNamed(mode), force, newScreen};
     return shownTexts(working([&] { return put(self, wanted, rules, block); }));
   });
 }
@@ -154,15 +154,22 @@ void defineWriting(py::class_<OpenFile>& file) {
   file.def("commit", [](OpenFile& self) { working([&] { self.commit(); }); });
   file.def("depth", &OpenFile::depth);
   file.def("roll_back_to", [](OpenFile& self, std::size_t depth) { working([&] { self.rollBackTo(depth); }); });
-  file.def("add_screen", [](OpenFile& self, const std::string& name, const Edges& rect) {
+  file.def("add_screen", [](OpenFile& self, const std::string& name, const Edges& rect, bool force) {
     working([&, cells = rectOf(rect)] {
       Transaction transaction(self.session());
-      addScreen(self.session(), name, cells);
+      addScreen(self.session(), name, cells, force);
+      transaction.commit();
+    });
+  });
+  file.def("rename_screen", [](OpenFile& self, const std::string& name, const std::string& newName, bool force) {
+    working([&] {
+      Transaction transaction(self.session());
+      renameScreen(self.session(), name, newName, force);
       transaction.commit();
     });
   });
   file.def("put_data", [](OpenFile& self, std::int32_t type, const py::bytes& payload, const std::string& text) {
-    working([&, bytes = bytesOf(payload)] { putData(self.session(), type, text, bytes); });
+    return shownTexts(working([&, bytes = bytesOf(payload)] { return putData(self.session(), type, text, bytes); }));
   });
   file.def("put_measurement",
            [](OpenFile& self, const py::bytes& payload, std::int32_t type, const Edges& rect, const std::string& text) {
@@ -172,7 +179,9 @@ void defineWriting(py::class_<OpenFile>& file) {
            });
   file.def("clear_measurements", [](OpenFile& self) { working([&] { clearMeasurements(self.session()); }); });
   file.def("delete_areas", [](OpenFile& self, const std::vector<std::int64_t>& ids) {
-    return remove(self, [&](Session& session) { return areasOfIds(session, ids); });
+    std::vector<IdRange> ranges;
+    for (const std::int64_t id : ids) ranges.push_back({id, id});
+    return remove(self, [&](Session& session) { return areasOfIds(session, ranges); });
   });
   file.def("delete_at", [](OpenFile& self, std::int32_t type, const std::string& screen, const Edges& rect) {
     const AreaName place{type, screen, rectOf(rect)};

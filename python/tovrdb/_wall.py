@@ -201,7 +201,8 @@ class Wall(NotCopied):
 
     def put(self, array: Any, *, type: int, at: Optional[Tuple[int, int]] = None, rect: Optional[Edges] = None,
             screen: str = "", mode: str = "careful", force: bool = False, number: int = -1, text: str = "",
-            scale: Union[str, float, None] = None, unit: Optional[str] = None) -> List[str]:
+            scale: Union[str, float, None] = None, unit: Optional[str] = None,
+            new_screen: bool = False) -> List[str]:
         """Stores a block by the rules of ``tovrdb coef put``; everything is decided before anything is written.
 
         :param array: numbers of shape (rows, columns) or (rows, columns, values...); stored in their own type, which is
@@ -211,11 +212,14 @@ class Wall(NotCopied):
         :param mode: what it may do to stored blocks. "careful": replace one of its very place; "patch": go into the one
             that holds its place; "replace": remove those inside; "beside": lie upon others; "update": rewrite the
             screen's and add nothing
-        :param force: replace a block of another number of bytes per cell or, in files of type 1, of another place
+        :param force: replace a block of another number of bytes per cell, of another type, scale or unit of its numbers
+            or, in files of type 1, of another place
         :param number: other than -1: an area number; the block is always added
         :param text: kept with the block
         :param scale: what 1 stands for, 0.5 or "1/16384"; kept with the block, as is
         :param unit: the unit of the scaled numbers
+        :param new_screen: in files of type 1, add the screen even if its name looks like a slip of another's: it differs
+            only in case or blanks, or begins or ends with a blank
         :return: what was replaced, removed or patched, a line each
         :raises Conflict: it conflicts with stored blocks
         :raises Invalid: the array's type or shape is not that of a block
@@ -231,7 +235,8 @@ class Wall(NotCopied):
             _arguments.whole("number", number),
             _arguments.text("text", text),
             _arguments.scale(scale),
-            _arguments.optional_text("unit", unit)))
+            _arguments.optional_text("unit", unit),
+            _arguments.flag("new_screen", new_screen)))
 
     def delete(self, areas: Union[Area, int, Iterable[Union[Area, int]], None] = None, *, type: Optional[int] = None,
                rect: Optional[Edges] = None, screen: str = "") -> List[str]:
@@ -246,14 +251,23 @@ class Wall(NotCopied):
 
     # Screens, data, measurements
 
-    def add_screen(self, name: str, *, rect: Edges) -> None:
-        """Adds a screen of these cells: left, top, right, bottom, all four inclusive. Raises Conflict for a name twice."""
+    def add_screen(self, name: str, *, rect: Edges, force: bool = False) -> None:
+        """Adds a screen of these cells: left, top, right, bottom, all four inclusive.
+
+        Raises Conflict if there is one of that name and, unless ``force``, if the name looks like a slip of another's or
+        if, in files of type 0, an older screen holds all of its cells.
+        """
         if not _arguments.text("name", name):
             raise Invalid("name: must not be empty")
-        with self.transaction():
-            if any(screen.name == name for screen in self.screens):
-                raise Conflict(f"{shown(self.path)}: there is a screen '{shown(name)}' already; give another name")
-            self._call("add_screen", _arguments.text("name", name), _arguments.rect("rect", rect))
+        self._call("add_screen", _arguments.text("name", name), _arguments.rect("rect", rect),
+                   _arguments.flag("force", force))
+
+    def rename_screen(self, name: str, new_name: str, *, force: bool = False) -> None:
+        """Renames a screen; its areas and data stay with it. Raises NotFound, and Conflict as ``add_screen`` does."""
+        if not _arguments.text("new_name", new_name):
+            raise Invalid("new_name: must not be empty")
+        self._call("rename_screen", _arguments.text("name", name), _arguments.text("new_name", new_name),
+                   _arguments.flag("force", force))
 
     def delete_screen(self, name: str, *, with_areas: bool = False) -> List[str]:
         """Deletes a screen. Returns what was deleted. Raises Conflict if it has data, or areas without `with_areas`."""
@@ -264,10 +278,13 @@ class Wall(NotCopied):
         """The generic data of a type. Raises NotFound, Damaged."""
         return bytes(self._call("get_data", _arguments.whole("type", type)))
 
-    def put_data(self, type: int, payload: bytes, *, text: str = "") -> None:
-        """Stores generic data in the place of what its type held. It belongs to the screen that was added last."""
-        self._call("put_data", _arguments.whole("type", type), _arguments.payload("payload", payload),
-                   _arguments.text("text", text))
+    def put_data(self, type: int, payload: bytes, *, text: str = "") -> List[str]:
+        """Stores generic data in the place of what its type held. Returns what was replaced.
+
+        It belongs to the screen that was added last.
+        """
+        return list(self._call("put_data", _arguments.whole("type", type), _arguments.payload("payload", payload),
+                               _arguments.text("text", text)))
 
     def delete_data(self, type: int) -> List[str]:
         """Deletes the generic data of a type. Returns what went."""

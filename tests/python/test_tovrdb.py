@@ -180,13 +180,14 @@ def test_a_mosaic_reads_across_areas(wall):
 
 def test_blocks_are_put_by_the_tools_rules(wall):
     turned = CELLS.astype(">u2").transpose(1, 0, 2)  # foreign byte order, not contiguous
-    wall.put(turned, type=2, at=(0, 0))
+    wall.put(turned, type=2, at=(0, 0), text="v1")
     assert np.array_equal(wall.coef(type=2)[...], turned)
     before = wall.areas
     with pytest.raises(tovrdb.Conflict, match='mode="beside"'):
         wall.put(CELLS, type=1, at=(11, 6))
-    with pytest.raises(tovrdb.Invalid):
-        wall.put(CELLS[0:2, 0:2].astype("int16"), type=1, at=(11, 6), mode="patch")
+    for mode in ("careful", "patch"):
+        with pytest.raises(tovrdb.Conflict, match="keeps its numbers as 3 x uint16, scale 1/16384"):
+            wall.put(CELLS.astype("int16"), type=1, rect=RECT, mode=mode)
     assert wall.areas == before and np.array_equal(wall.coef(type=1)[...], CELLS)
     assert wall.put(CELLS[0:2, 0:2], type=1, at=(11, 6), mode="patch")
     assert np.array_equal(wall.coef(type=1)[1:3, 1:3], CELLS[0:2, 0:2])
@@ -211,6 +212,12 @@ def test_screens_are_found_by_name_in_files_of_type_1(tmp_path):
             wall.put(CELLS, type=1, at=(0, 0), screen=screen)
         with pytest.raises(tovrdb.Invalid, match="screen="):
             wall.coef(type=1)
+        with pytest.raises(tovrdb.Conflict, match="new_screen=True"):
+            wall.put(CELLS, type=1, at=(0, 0), screen="Right")
+        wall.rename_screen("right", "Right")
+        with pytest.raises(tovrdb.Conflict, match="force=True"):
+            wall.add_screen("right", rect=RECT)
+        wall.rename_screen("Right", "right")
         wall.coef(type=1, screen="right")[0] = 1
         assert np.array_equal(wall.coef(type=1, screen="left")[...], CELLS)
         assert wall.delete_screen("left", with_areas=True) and [s.name for s in wall.screens] == ["right"]

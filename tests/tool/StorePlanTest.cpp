@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tool/database/ScreenNames.h"
 #include "tool/database/StorePlan.h"
 
 namespace {
@@ -42,6 +43,7 @@ struct StorePlanTest : testing::Test {
       area.screenId = area.type = 1;
       area.rect = rect;
       area.cellBytes = 2;
+      area.version = version;
       places.areas.push_back(area);
     }
     return planStore(places, wanted, rules);
@@ -70,6 +72,7 @@ struct StorePlanTest : testing::Test {
   }
 
   int databaseType = 0;
+  std::string version;  // of every area
 };
 
 TEST_F(StorePlanTest, ByRectangleAFreePlaceIsAddedAndTheSamePlaceRewritten) {
@@ -81,14 +84,14 @@ TEST_F(StorePlanTest, ByRectangleAFreePlaceIsAddedAndTheSamePlaceRewritten) {
 }
 
 TEST_F(StorePlanTest, ByRectangleNothingStoredIsHiddenOrHidesUnasked) {
-  const std::string older = "coef get of 4,4,5,5 would answer from area 1, which is older";
+  const std::string older = "reading 4,4,5,5 would answer from area 1, which is older";
   EXPECT_TRUE(refuses({older}, {kWhole}, {block(kMiddle)}));
   EXPECT_TRUE(refuses({older}, {kWhole}, {block(kMiddle)}, kForce));
   EXPECT_TRUE(refuses({older}, {kMiddle}, {block(kWhole)}));
   EXPECT_TRUE(refuses({older}, {kWhole, kMiddle}, {block(kMiddle)}));
   EXPECT_TRUE(takes({Kind::kRewrite}, {kWhole, kMiddle}, {block(kWhole)}));
   EXPECT_TRUE(takes({Kind::kAdd}, {kMiddle}, {block(kWhole)}, kReplace));
-  EXPECT_TRUE(refuses({"coef get of 3,3,9,4 would answer from area 1"}, {kWhole}, {block(kEdge)}, kReplace));
+  EXPECT_TRUE(refuses({"reading 3,3,9,4 would answer from area 1"}, {kWhole}, {block(kEdge)}, kReplace));
   EXPECT_TRUE(takes({Kind::kAdd}, {kWhole}, {block(kMiddle)}, kBeside));
   EXPECT_TRUE(refuses({"overlaps area 1"}, {kWhole}, {block(kWhole, 2, 5)}));
   EXPECT_TRUE(takes({Kind::kAdd}, {kWhole}, {block(kWhole, 2, 5)}, kBeside));
@@ -97,7 +100,9 @@ TEST_F(StorePlanTest, ByRectangleNothingStoredIsHiddenOrHidesUnasked) {
 TEST_F(StorePlanTest, ByRectangleAPatchWantsAnAreaThatHoldsItWithTheSameCells) {
   EXPECT_TRUE(takes({Kind::kPatch}, {kCorner, kWhole}, {block(kMiddle)}, kPatch));
   EXPECT_TRUE(refuses({"which has 2 bytes per cell"}, {kWhole}, {block(kMiddle, 4)}, kPatch));
-  EXPECT_TRUE(refuses({"4113"}, {kCorner}, {block(kMiddle)}, kPatch));
+  EXPECT_TRUE(refuses({"4113: no area of type 1 holds the whole patch, 3,3,12,4; it touches area 2 (0,0,3,3), area 3"},
+                      {{0, 8, 1, 9}, kCorner, kWhole}, {block(kEdge)}, kPatch));
+  EXPECT_TRUE(refuses({"it touches none; areas of type 1: "}, {kCorner}, {block(kMiddle)}, kPatch));
 }
 
 TEST_F(StorePlanTest, BlocksOfOneBatchAreHeldAgainstEachOtherAndAllObjectionsTold) {
@@ -122,6 +127,61 @@ TEST_F(StorePlanTest, ByNameTheOneAreaOfATypeIsNotLostUnasked) {
   EXPECT_TRUE(refuses({"area 2 (4,4,5,5) would lie outside"}, {kCorner, kMiddle}, {named(kCorner)}, kUpdate));
   EXPECT_THROW(plan({}, {block(kWhole)}, kCareful), ToolError);
   EXPECT_THROW(plan({}, {named(kWhole)}, kBeside), ToolError);
+}
+
+TEST_F(StorePlanTest, KeptForm_IsNotLostUnasked) {
+  const std::string kept = "v1 [1 x uint16, scale 1/4, unit cd]";
+  const std::string conflict = "area 1 (0,0,9,9) keeps its numbers as 1 x uint16, scale 1/4, unit cd, and ";
+  const struct {
+    const char* stored;
+    const char* array;  // the type that it tells; null: none
+    const char* scale;
+    const char* text;
+    StoreRules rules;
+    bool passes;
+    std::string words;  // the version that is kept, or those of the objection
+  } cases[] = {
+      {"", "uint16", nullptr, "", kCareful, true, "[1 x uint16]"},
+      {"", "uint16", nullptr, "v1", kCareful, true, "v1 [1 x uint16]"},
+      {"", "uint16", nullptr, "v1 [1 x uint16]", kCareful, true, "v1 [1 x uint16]"},
+      {"another's", "uint16", nullptr, "", kCareful, true, "another's"},
+      {kept.c_str(), nullptr, nullptr, "v2", kCareful, true, "v2 [1 x uint16, scale 1/4, unit cd]"},
+      {kept.c_str(), "uint16", nullptr, "", kCareful, true, kept},
+      {"[1 x uint16]", "uint16", "1/4", "", kCareful, true, "[1 x uint16, scale 1/4]"},
+      {kept.c_str(), "float16", nullptr, "", kCareful, false, conflict + "this block has 1 x float16"},
+      {kept.c_str(), "uint8", nullptr, "", kReplace, false, conflict + "this block has 2 x uint8"},
+      {kept.c_str(), "uint16", "1/8", "", kCareful, false, conflict + "this block has 1 x uint16, scale 1/8, unit cd"},
+      {kept.c_str(), "float16", nullptr, "", kForce, true, "v1 [1 x float16]"},
+      {kept.c_str(), "float16", nullptr, "", kPatch, false, conflict + "the patch has 1 x float16"},
+      {kept.c_str(), "float16", nullptr, "", {StoreMode::kPatch, true}, true, kept},
+      {"", "uint16", nullptr, "a remark of 48 characters, which is one too many", kCareful, false,
+       "has 48, and the form of the numbers beside it 13"},
+  };
+  for (const auto& each : cases) {
+    version = each.stored;
+    WantedBlock wanted = block(kWhole);
+    wanted.text.version = each.text;
+    if (each.array != nullptr) wanted.text.dtype = parseDtype(each.array);
+    if (each.scale != nullptr) wanted.text.form.scale = parseScale(each.scale);
+    const StorePlan found = plan({kWhole}, {wanted}, each.rules);
+    ASSERT_EQ(found.objections.empty(), each.passes) << each.words;
+    if (each.passes) {
+      EXPECT_EQ(found.steps[0].version, each.words);
+    } else {
+      EXPECT_NE(found.objections[0].text.find(each.words), std::string::npos) << found.objections[0].text;
+    }
+  }
+}
+
+TEST_F(StorePlanTest, ByName_SlipsOfScreenNames) {
+  databaseType = 1;
+  for (const std::string slip : {"s", "S ", " S", "s\t", "T ", "\nT"}) {
+    EXPECT_TRUE(refuses({"the name '" + slip + "' "}, {}, {named(kWhole, slip)}));
+    EXPECT_TRUE(takes({Kind::kAdd}, {}, {named(kWhole, slip)}, {StoreMode::kCareful, false, true}));
+  }
+  EXPECT_TRUE(refuses({"differs from the screen 'T\xC3\xBCr 1' only in case or blanks"}, {},
+                      {named(kWhole, "T\xC3\xBCr 1"), named(kWhole, "t\xC3\x9CR1")}));
+  EXPECT_EQ(foldedName("\xC3\x97 \xD0\x81\xC2\xA0\xCE\xA9\xFF\xC3"), "\xC3\x97\xD1\x91\xCF\x89\xFF\xC3");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // objected to, StorePlanTest has.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "tests/support/DatabaseContent.h"
@@ -31,6 +32,9 @@ struct StoreTest : ToolTest {
   void writeBlock(const std::string& name, int columns, int rows, char value) const {
     write(name, npy("<u2", std::to_string(rows) + ", " + std::to_string(columns),
                     std::string(static_cast<std::size_t>(columns * rows * 2), value)));
+  }
+  static std::ptrdiff_t count(const std::string& text, char character) {
+    return std::count(text.begin(), text.end(), character);
   }
   void expectRefused(int code, const std::string& words, const std::string& arguments) const {
     const std::string wall = read("wall.db");
@@ -103,7 +107,8 @@ TEST_F(StoreTest, APatchChangesItsCellsAndNothingElse) {
     sql(path(file), "update Coef_Info set mtime = 'before'");
     EXPECT_EQ(sql(path(file), rows), before);
     expectSound(file);
-    expectRefused(1, "asked for 6,0,8,1", "coef put " + block + "--patch --at 6,0 part.npy");
+    expectRefused(1, "holds the whole patch, 6,0,8,1; it touches area 1 (0,0,7,3)",
+                  "coef put " + block + "--patch --at 6,0 part.npy");
     sql(path(file), "update Coef set data = substr(data, 1, 16)");
     expectRefused(1, "4106", "coef put " + block + "--patch --at 0,0 part.npy");
   }
@@ -153,22 +158,70 @@ TEST_F(StoreTest, WhatIsDeletedIsNamedAndNothingElseGoes) {
   succeed("coef put wall.db --type 2 --at 2,1 part.npy");
   expectRefused(2, "this deletes area 2 (2,1,4,2), the block of 12 bytes, 2 per cell, of 20",
                 "coef delete wall.db --id 2");
-  expectRefused(1, "there is no area 9", "coef delete wall.db --id 2,9 --force");
+  expectRefused(1, "there is no area 3-9", "coef delete wall.db --id 2,3-9 --force");
+  expectRefused(2, "'2-1' is not an id or a range", "coef delete wall.db --id 2-1 --force");
+  expectRefused(1, "no such area", "coef delete wall.db --type 3 --force");
+  EXPECT_EQ(count(succeed("coef list wall.db --rect 5,0,6,0"), '\n'), 2);
+  EXPECT_EQ(count(succeed("coef list wall.db --screen left --type 2"), '\n'), 2);
+  expectFailure(1, "4112", "coef list wall.db --screen Left");
   expectRefused(1, "areas of type 1: area 1 (0,0,7,3)", "coef delete wall.db --type 1 --rect 0,0,6,3 --force");
-  succeed("coef delete wall.db --id 2 --force");
+  expectTold("deleted 1 area\n", "coef delete wall.db --id 2-5 --force");
   EXPECT_EQ(get("wall.db --type 1 --rect 0,0,7,3"), std::string(64, 'w'));
   EXPECT_EQ(sql(path("wall.db"), "select id from Coef"), "1\n");
+  expectTold("deleted 1 area\n", "coef delete wall.db --type 1 --screen left --force");
 }
 
 TEST_F(StoreTest, AScreenGoesOnlyWithoutDataAndWithItsAreasOnlyOnDemand) {
   succeed("coef put wall.db --type 1 --at 0,0 whole.npy");
   succeed("data put wall.db --type 5 cells");
-  expectRefused(kConflict, "data of type 5 belongs to the screen left", "screen delete wall.db --name left --force");
+  expectTold("replaced the data of type 5, 72 stored bytes, of 20", "data put wall.db --type 5 cells");
+  expectRefused(kConflict, "data belongs to the screen left: type 5, 72 stored bytes, of 20",
+                "screen delete wall.db --name left --force");
   expectRefused(2, "this deletes data of type 5", "data delete wall.db --type 5");
   succeed("data delete wall.db --type 5 --force");
   expectRefused(kConflict, "has areas: area 1 (0,0,7,3)", "screen delete wall.db --name left --force");
   succeed("screen delete wall.db --name left --with-areas --force");
   EXPECT_EQ(sql(path("wall.db"), "select count(*) from Coef union all select count(*) from Screen_Info"), "0\n0\n");
+}
+
+// The library files data under the screen that was added last, there or not.
+TEST_F(StoreTest, DataPut_LastScreenDeleted) {
+  succeed("screen add wall.db --name right --rect 8,0,15,3");
+  expectTold("hosts cannot store data in this file", "screen delete wall.db --name right --force");
+  expectTold("belongs to the screen left", "data put wall.db --type 5 cells");
+  EXPECT_EQ(succeed("data get wall.db --type 5 -o -"), payload(64));
+  EXPECT_EQ(sql(path("wall.db"), "select seq from sqlite_sequence where name = 'Screen_Info'"), "2\n");
+  expectSound("wall.db");
+}
+
+TEST_F(StoreTest, Screen_HiddenOrDoubtful) {
+  const std::string add = "screen add wall.db --rect 0,0,3,3 --name ";
+  expectRefused(kConflict, "there is a screen 'left' already", add + "left --force");
+  expectRefused(kConflict, "the screen left (0,0,7,3) holds all cells of 0,0,3,3", add + "right");
+  expectRefused(kConflict, "the name 'LEFT ' differs from the screen 'left' only in case", add + "'LEFT '");
+  succeed(add + "right --force");
+  succeed("coef put wall.db --type 1 --at 0,0 whole.npy");
+  expectRefused(kConflict, "there is a screen 'right' already", "screen rename wall.db left right --force");
+  expectRefused(kConflict, "'Right' differs from the screen 'right'", "screen rename wall.db left Right");
+  succeed("screen rename wall.db left LEFT");
+  succeed("coef list wall.db --screen LEFT --type 1");
+  expectRefused(1, "4112", "screen rename wall.db left x");
+  const std::string put = "coef put named.db --type 1 --at 0,0 whole.npy --screen ";
+  succeed(put + "left");
+  expectRefused(kConflict, "--new-screen adds such a screen", put + "lefT");
+  expectTold("there was no screen lefT", put + "lefT --new-screen");
+}
+
+// What is told about the numbers; what conflicts, StorePlanTest has.
+TEST_F(StoreTest, Force_NamesBothForms) {
+  succeed("coef put wall.db --type 1 --at 0,0 whole.npy --scale 1/4");
+  write("half.npy", npy("<f2", "4, 8", std::string(64, 'h')));
+  const std::string put = "coef put wall.db --type 1 --at 0,0 half.npy ";
+  expectRefused(kConflict, "--force does it anyway", put);
+  expectRefused(kConflict, "--force does it anyway", put + "--patch");
+  expectTold("keeps its numbers as 1 x uint16, scale 1/4, and is now read so in 0,0,7,3 too, which was 1 x float16",
+             put + "--patch --force");
+  expectTold("its numbers were 1 x uint16, scale 1/4 and are now 1 x float16", put + "--force");
 }
 
 }  // namespace

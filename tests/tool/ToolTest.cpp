@@ -109,9 +109,9 @@ TEST_F(ToolTest, MeasurementsAreKeptUnderAKeyAndSayWhatIsLost) {
   EXPECT_TRUE(contains(second.err, "under key 2"));
   EXPECT_EQ(succeed("measure get wall.db --id 2 -o -"), payload(64));
   expectFailure(1, "no measurement has the key 3", "measure get wall.db --id 3 -o -");
-  expectFailure(2, "give --yes", "measure clear wall.db");
+  expectFailure(2, "give --force", "measure clear wall.db");
   EXPECT_EQ(succeed("measure get wall.db --id 1 -o -"), "another");
-  succeed("measure clear wall.db --yes");
+  succeed("measure clear wall.db --force");
   EXPECT_EQ(succeed("measure list wall.db"), "id  stored bytes  version  type  rectangle\n");
 }
 

@@ -102,6 +102,10 @@ std::string toText(const NumberForm& form) {
   return text;
 }
 
+std::string toText(const NumberForm& form, std::int32_t cellBytes) {
+  return std::to_string(static_cast<std::size_t>(cellBytes) / form.dtype.itemSize) + kTimes + toText(form);
+}
+
 std::vector<double> endsOf(const NumberForm& form) {
   if (isFloating(form.dtype)) return {0};
   const int bits = static_cast<int>(form.dtype.itemSize) * 8;
@@ -138,15 +142,19 @@ VersionText splitVersion(const std::string& version, std::int32_t cellBytes) {
   }
 }
 
-std::string joinVersion(const std::string& text, const NumberForm& form, std::int32_t cellBytes) {
-  const std::size_t values = static_cast<std::size_t>(cellBytes) / form.dtype.itemSize;
-  std::string joined = text + (text.empty() ? "[" : " [") + std::to_string(values) + kTimes + toText(form) + "]";
-  if (characters(joined) > kLongestVersion) {
-    throw std::invalid_argument("the text kept with a block has " + std::to_string(kLongestVersion) +
-                                " characters at most, and '" + joined + "' has " + std::to_string(characters(joined)) +
-                                ": shorten --version-text or --unit");
+std::string joinVersion(const std::string& text, const std::optional<NumberForm>& form, std::int32_t cellBytes) {
+  const std::string inBrackets = form ? (text.empty() ? "[" : " [") + toText(*form, cellBytes) + "]" : "";
+  const std::size_t ofText = characters(text);
+  const std::size_t ofForm = characters(inBrackets);
+  if (ofText + ofForm <= kLongestVersion) return text + inBrackets;
+  if (!form) {
+    throw std::invalid_argument(fmt::format(
+        "a block keeps {} characters of text, and --version-text has {}: shorten it", kLongestVersion, ofText));
   }
-  return joined;
+  throw std::invalid_argument(
+      fmt::format("a block keeps {} characters of text: the version text has {}, and the form of the numbers beside it "
+                  "{}; shorten --version-text or --unit",
+                  kLongestVersion, ofText, ofForm));
 }
 
 }  // namespace tovrtool

@@ -46,6 +46,8 @@ bool operator==(const NumberForm& one, const NumberForm& other);
 
 // "uint16, scale 1/16384, unit cd/m2"
 std::string toText(const NumberForm& form);
+// "9 x uint16, scale 1/16384, unit cd/m2", of cells of 18 bytes.
+std::string toText(const NumberForm& form, std::int32_t cellBytes);
 
 // What numbers that hit an end look like, scaled: 0 and the largest; of types with a sign the smallest and the largest;
 // of floating point 0 only.
@@ -72,8 +74,8 @@ struct VersionText {
 // `form` stays empty where it does not describe cells of so many bytes, as after another program replaced the cells.
 VersionText splitVersion(const std::string& version, std::int32_t cellBytes);
 
-// Throws std::invalid_argument when that is longer than the column's 60 characters.
-// REQUIRES: a cell is a whole number of the form's values.
-std::string joinVersion(const std::string& text, const NumberForm& form, std::int32_t cellBytes);
+// The text with the form, if there is one. Throws std::invalid_argument, which tells both lengths, if that is longer
+// than the column's 60 characters. REQUIRES: a cell is a whole number of the form's values.
+std::string joinVersion(const std::string& text, const std::optional<NumberForm>& form, std::int32_t cellBytes);
 
 }  // namespace tovrtool

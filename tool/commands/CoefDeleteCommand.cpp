@@ -1,4 +1,4 @@
-#include <fmt/core.h>
+#include <stdexcept>
 
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
@@ -7,6 +7,7 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/Removal.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -14,24 +15,30 @@ namespace {
 
 struct Options {
   std::string file;
-  std::vector<std::int64_t> ids;
+  std::vector<IdRange> ids;
   std::optional<Rect> rect;
-  std::optional<std::int32_t> type;
-  std::string screen;
+  AreaFilter filter;
   bool force = false;
 };
 
+Removal chosen(Session& session, const Options& options) {
+  if (!options.ids.empty()) return areasOfIds(session, options.ids);
+  if (!options.rect) return areasOf(session, options.filter);
+  return areaAt(session, {*options.filter.type, options.filter.screen, *options.rect});
+}
+
 void deleteAreas(Context& context, const Options& options) {
-  if (options.ids.empty() && !(options.rect && options.type)) {
-    throw ToolError(kUsage, "say which area with --id, or with --rect and --type; tovrdb coef list shows the areas");
+  const bool filtered = options.filter.type || !options.filter.screen.empty();
+  if (options.ids.empty() && !filtered) {
+    throw ToolError(kUsage, "say which areas with --id, or with --type and --screen; tovrdb coef list shows the areas");
   }
+  if (options.rect && !options.filter.type) throw ToolError(kUsage, "--rect goes with --type");
   Session session = openDatabase(context, options.file);
-  const Removal removal = options.ids.empty() ? areaAt(session, {*options.type, options.screen, *options.rect})
-                                              : areasOfIds(session, options.ids);
-  confirmDeletion(toTexts(removal), options.force, "--force");
+  const Removal removal = chosen(session, options);
+  confirmDeletion(toTexts(removal), options.force);
   deleteRows(session, removal);
   session.close();
-  message("deleted {} {}", removal.areas.size(), removal.areas.size() == 1 ? "area" : "areas");
+  message("deleted {}", counted(removal.areas.size(), "area"));
 }
 
 }  // namespace
@@ -39,11 +46,20 @@ void deleteAreas(Context& context, const Options& options) {
 void addCoefDeleteCommand(CommandGroup& coef) {
   const auto [command, options] = coef.add("delete", "Delete areas and their blocks", &Options::file, deleteAreas);
   addFile(command, options.file);
-  CLI::Option* ids = command.add_option("--id", options.ids, "The areas' ids, as coef list shows them");
+  CLI::Option* ids = command.add_option_function<std::vector<std::string>>(
+      "--id",
+      [&options = options](const std::vector<std::string>& texts) {
+        try {
+          for (const std::string& text : texts) options.ids.push_back(parseIdRange(text));
+        } catch (const std::invalid_argument& error) {
+          throw CLI::ValidationError("--id", error.what());
+        }
+      },
+      "The areas' ids, as coef list shows them: 3 or 5-8");
   ids->delimiter(',')->allow_extra_args(false)->type_name("ID,...");
-  addRect(command, options.rect, "Instead, exactly the area's rectangle")->excludes(ids);
-  command.add_option("--type", options.type, "The area's coefficient type")->excludes(ids);
-  command.add_option("--screen", options.screen, "The screen's name, in databases of type 1")->excludes(ids);
+  addCoefType(command, options.filter.type)->excludes(ids)->description("All areas of this coefficient type");
+  command.add_option("--screen", options.filter.screen, "All areas, or those of --type, of this screen")->excludes(ids);
+  addRect(command, options.rect, "With --type, only the area of exactly this rectangle")->excludes(ids);
   addForcedDeletion(command, options.force);
 }
 

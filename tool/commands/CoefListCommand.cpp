@@ -2,6 +2,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/database/AreaFilter.h"
 #include "tool/database/JsonForms.h"
 #include "tool/database/NumberForms.h"
 #include "tool/io/TextTable.h"
@@ -11,6 +12,7 @@ namespace {
 
 struct Options {
   std::string file;
+  AreaFilter filter;
   bool json = false;
 };
 
@@ -53,7 +55,7 @@ std::string asJson(const std::vector<StoredArea>& areas) {
 
 void list(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
-  const std::vector<StoredArea> areas = storedAreas(session);
+  const std::vector<StoredArea> areas = areasThatPass(session, options.filter);
   context.output.print(options.json ? asJson(areas) : asText(areas));
 }
 
@@ -62,6 +64,9 @@ void list(Context& context, const Options& options) {
 void addCoefListCommand(CommandGroup& coef) {
   const auto [command, options] = coef.add("list", "List the stored areas", &Options::file, list);
   addFile(command, options.file);
+  addCoefType(command, options.filter.type)->description("Only areas of this coefficient type");
+  command.add_option("--screen", options.filter.screen, "Only areas of this screen");
+  addRect(command, options.filter.rect, "Only areas that have cells in this rectangle");
   addJsonFlag(command, options.json);
 }
 

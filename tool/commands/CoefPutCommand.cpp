@@ -13,6 +13,7 @@
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/io/Progress.h"
+#include "tool/io/TextList.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -35,15 +36,18 @@ struct Options {
   bool beside = false;
   bool update = false;
   bool force = false;
+  bool newScreen = false;
   std::string backup;
 };
 
 constexpr char kHelp[] =
-    "Everything is decided before anything is written; what stands against it is listed, and nothing is stored then.\n"
+    "Everything is decided before anything is written; if there are conflicts, they are listed and nothing is stored.\n"
     "A block of the very same rectangle (and screen) and type is replaced, and told; with another number of bytes per\n"
-    "cell, with --force only. A block that would lie upon others of its type is refused in databases of type 0, where\n"
-    "coef get answers from the oldest, unless --patch, --replace or --beside says what is meant. Databases of type 1\n"
-    "keep one area of a type on a screen: one of another rectangle is replaced with --force only.\n\n"
+    "cell, or if the stored type of numbers, scale or unit would be lost, with --force only. A block that would lie\n"
+    "upon others of its type is refused in databases of type 0, where coef get answers from the oldest, unless\n"
+    "--patch, --replace or --beside says what is meant. Databases of type 1 keep one area of a type on a screen: one "
+    "of\n"
+    "another rectangle is replaced with --force only.\n\n"
     "  one cabinet of a stored screen:  tovrdb coef put wall.db --patch --type 1 --at 640,360 cabinet.npy\n\n"
     "Many blocks at once, all of them or none, in one transaction:\n"
     "  --manifest FILE  a JSON list of {\"file\": \"a.npy\", \"type\": 1, \"rect\": [L, T, R, B]} and, where wanted,\n"
@@ -60,7 +64,7 @@ StoreRules rulesOf(const Options& options) {
                          : options.beside  ? StoreMode::kBeside
                          : options.update  ? StoreMode::kUpdate
                                            : StoreMode::kCareful;
-  return {mode, options.force};
+  return {mode, options.force, options.newScreen};
 }
 
 // What the command line of one block says, and that of many does not.
@@ -140,7 +144,7 @@ void putMany(Context& context, const Options& options) {
   }
   session.close();
   tell(report.notices);
-  message("stored {} blocks", files.size());
+  message("stored {}", counted(files.size(), "block"));
 }
 
 void put(Context& context, const Options& options) {
@@ -192,9 +196,12 @@ void addRules(CLI::App& command, Options& options) {
                                       "Store upon other areas: where both hold a rectangle, the older answers")
                             ->excludes(patch)
                             ->excludes(replace);
-  command.add_flag(
-      "--force", options.force,
-      "Replace a block of another number of bytes per cell or, in databases of type 1, of another rectangle");
+  command.add_flag("--force", options.force,
+                   "Replace a block of another number of bytes per cell, of other numbers (type, scale, unit) or, in "
+                   "databases of type 1, of another rectangle");
+  command.add_flag("--new-screen", options.newScreen,
+                   "In databases of type 1: add the screen even if its name differs from another's only in case or "
+                   "blanks, or begins or ends with a blank");
   command
       .add_flag("--update", options.update,
                 "Rewrite what is stored and add nothing. The rectangle is the whole screen's (type 0), or becomes the "
@@ -212,7 +219,7 @@ void addRules(CLI::App& command, Options& options) {
 
 void addCoefPutCommand(CommandGroup& coef) {
   const auto [command, options] =
-      coef.add("put", "Store a block of cells, or many; nothing stored is lost without a word", &Options::file, put);
+      coef.add("put", "Store a block of cells, or many; nothing stored is lost silently", &Options::file, put);
   addFile(command, options.file);
   addPlace(command, options);
   addCells(command, options);

@@ -9,13 +9,13 @@
 
 namespace tovrtool {
 
-void confirmDeletion(const std::vector<std::string>& what, bool forced, const std::string& option) {
+void confirmDeletion(const std::vector<std::string>& what, bool forced) {
   if (forced) {
     for (const std::string& thing : what) message("deleting {}", thing);
     return;
   }
   if (!isTerminal(kStandardInput)) {
-    throw ToolError(kUsage, "this deletes {}: give {} to do it", shortList(what, "; "), option);
+    throw ToolError(kUsage, "this deletes {}: give --force to do it", shortList(what, "; "));
   }
   for (const std::string& thing : what) complain("this deletes " + thing);
   std::cerr << "Delete? [y/N] " << std::flush;
@@ -25,7 +25,7 @@ void confirmDeletion(const std::vector<std::string>& what, bool forced, const st
 }
 
 void addForcedDeletion(CLI::App& command, bool& force) {
-  command.add_flag("--force", force, "Do not ask; needed where there is no terminal");
+  command.add_flag("--force", force, "Do not ask; needed when there is no terminal");
 }
 
 }  // namespace tovrtool

@@ -7,11 +7,11 @@
 
 namespace tovrtool {
 
-// Shows what goes and asks on a terminal, unless it was `forced` by `option`. Throws ToolError where the answer is no,
-// and where nobody can be asked.
-void confirmDeletion(const std::vector<std::string>& what, bool forced, const std::string& option);
+// Shows what goes and asks on a terminal, unless `forced`. Throws ToolError if the answer is no, and if nobody can be
+// asked.
+void confirmDeletion(const std::vector<std::string>& what, bool forced);
 
-// The option that forces it.
+// --force
 void addForcedDeletion(CLI::App& command, bool& force);
 
 }  // namespace tovrtool

@@ -30,8 +30,9 @@ void put(Context& context, const Options& options) {
   Bytes payload = readWholeFile(options.input);
   const std::size_t size = payload.size();
   Session session = openDatabase(context, options.file);
-  putData(session, options.type, options.versionText, std::move(payload));
+  const auto notices = putData(session, options.type, options.versionText, std::move(payload));
   session.close();
+  for (const std::string& notice : notices) message(notice);
   message("stored {} bytes as data of type {}", size, options.type);
 }
 
@@ -45,7 +46,7 @@ void get(Context& context, const Options& options) {
 void deleteData(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
   const Removal removal = dataOfType(session, options.type);
-  confirmDeletion(toTexts(removal), options.force, "--force");
+  confirmDeletion(toTexts(removal), options.force);
   deleteRows(session, removal);
   session.close();
   message("deleted the data of type {}", options.type);
@@ -89,7 +90,7 @@ void addDataCommands(CommandGroup& program) {
   CommandGroup group = program.addGroup("data", "Generic data, one blob per data type");
   {
     const auto [command, options] =
-        group.add("put", "Store a file; it replaces what its type held", &Options::file, put);
+        group.add("put", "Store a file; what its type held is replaced, and told", &Options::file, put);
     addFile(command, options.file);
     addType(command, options);
     command.add_option("INPUT", options.input, "The file to store; - is standard input")->required();

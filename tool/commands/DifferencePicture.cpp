@@ -35,8 +35,15 @@ std::vector<std::string> screensOf(const std::vector<StoredArea>& areas) {
   return names;
 }
 
+// A form that only one file keeps counts for both: if the first keeps one, the second keeps another.
 [[noreturn]] void refuseUnknownNumbers(const StoredArea& area) {
-  throw ToolError(kUsage, "nothing tells the numbers of {}, type {}: say it with --dtype", toText(area), area.type);
+  const std::string subject = fmt::format("{}, type {}", toText(area), area.type);
+  if (!keptForm(area))
+    throw ToolError(kUsage, "{}: no file tells the type of its numbers: say it with --dtype", subject);
+  throw ToolError(kUsage,
+                  "{}: the files keep different types, scales or units of its numbers: say how to read both with "
+                  "--dtype, --scale and --unit",
+                  subject);
 }
 
 // A finite difference stays one.

@@ -12,6 +12,7 @@
 #include "tool/io/ByteOutput.h"
 #include "tool/io/FileInput.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
 #include "tool/io/TextTable.h"
 #include "tool/system/ToolError.h"
 
@@ -25,7 +26,7 @@ struct Options {
   std::string input;
   std::string versionText;
   std::int64_t id = 0;
-  bool yes = false;
+  bool force = false;
   OutputOptions output;
   bool json = false;
 };
@@ -84,10 +85,12 @@ void get(Context& context, const Options& options) {
 void clear(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
   const std::int64_t count = countMeasurements(session);
-  confirmDeletion({fmt::format("all {} measurements", count)}, options.yes, "--yes");
+  if (count == 0) return message("there are no measurements");
+  const std::string what = counted(static_cast<std::size_t>(count), "measurement");
+  confirmDeletion({(count == 1 ? "" : "all ") + what}, options.force);
   clearMeasurements(session);
   session.close();
-  message("deleted {} measurements", count);
+  message("deleted {}", what);
 }
 
 void addPut(CommandGroup& group) {
@@ -121,7 +124,7 @@ void addMeasureCommands(CommandGroup& program) {
   {
     const auto [command, options] = group.add("clear", "Delete all measurements", &Options::file, clear);
     addFile(command, options.file);
-    command.add_flag("--yes", options.yes, "Do not ask");
+    addForcedDeletion(command, options.force);
   }
 }
 

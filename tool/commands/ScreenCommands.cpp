@@ -7,6 +7,7 @@
 #include "tool/database/Removal.h"
 #include "tool/database/Screens.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrtool {
@@ -16,6 +17,14 @@ struct AddOptions {
   std::string file;
   std::string name;
   std::optional<Rect> rect;
+  bool force = false;
+};
+
+struct RenameOptions {
+  std::string file;
+  std::string name;
+  std::string newName;
+  bool force = false;
 };
 
 struct DeleteOptions {
@@ -33,19 +42,29 @@ struct ListOptions {
 void add(Context& context, const AddOptions& options) {
   Session session = openDatabase(context, options.file);
   Transaction transaction(session);
-  addScreen(session, options.name, *options.rect);
+  addScreen(session, options.name, *options.rect, options.force);
   transaction.commit();
   session.close();
   message("added the screen {} ({})", options.name, toText(*options.rect));
 }
 
+void rename(Context& context, const RenameOptions& options) {
+  Session session = openDatabase(context, options.file);
+  Transaction transaction(session);
+  renameScreen(session, options.name, options.newName, options.force);
+  transaction.commit();
+  session.close();
+  message("the screen {} is now named {}", options.name, options.newName);
+}
+
 void deleteScreen(Context& context, const DeleteOptions& options) {
   Session session = openDatabase(context, options.file);
   const Removal removal = screenOf(session, options.name, options.withAreas);
-  confirmDeletion(toTexts(removal), options.force, "--force");
+  confirmDeletion(toTexts(removal), options.force);
   deleteRows(session, removal);
   session.close();
-  message("deleted the screen {} and {} areas", options.name, removal.areas.size());
+  message("deleted the screen {} and {}", options.name, counted(removal.areas.size(), "area"));
+  if (!removal.note.empty()) message(removal.note);
 }
 
 std::string asJson(const std::vector<StoredScreen>& screens) {
@@ -86,6 +105,17 @@ void addScreenCommands(CommandGroup& program) {
     addFile(command, options.file);
     command.add_option("--name", options.name, "The screen's name, unique in the file")->required()->check(nameFault);
     addRect(command, options.rect, "The cells that it covers, both edges inclusive")->required();
+    command.add_flag(
+        "--force", options.force,
+        "Add it even if an older screen hides all of it (type 0), or if its name looks like a slip of another");
+  }
+  {
+    const auto [command, options] =
+        group.add("rename", "Rename a screen; its areas and data stay with it", &RenameOptions::file, rename);
+    addFile(command, options.file);
+    command.add_option("OLD", options.name, "The screen's name")->required();
+    command.add_option("NEW", options.newName, "Its new name, unique in the file")->required()->check(nameFault);
+    command.add_flag("--force", options.force, "Take the name even if it looks like a slip of another");
   }
   {
     const auto [command, options] = group.add("delete", "Delete a screen", &DeleteOptions::file, deleteScreen);

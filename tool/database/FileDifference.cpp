@@ -69,10 +69,15 @@ std::optional<NumberForm> commonForm(const StoredArea& before, const StoredArea&
 }
 
 [[noreturn]] void refuseUnknownNumbers(const Item& before, const Item& after) {
-  const bool kept = keptForm(*before.area) && keptForm(*after.area);
-  throw ToolError(
-      kUsage, "{}: {}: say it with --dtype", before.name,
-      kept ? "the files keep different types or scales of its numbers" : "nothing tells the type of its numbers");
+  const auto first = keptForm(*before.area);
+  const auto second = keptForm(*after.area);
+  if (!first || !second) {
+    throw ToolError(kUsage, "{}: no file tells the type of its numbers: say it with --dtype", before.name);
+  }
+  throw ToolError(kUsage,
+                  "{}: the first file keeps its numbers as {}, the second as {}: say how to read both with --dtype, "
+                  "--scale and --unit",
+                  before.name, toText(*first), toText(*second));
 }
 
 }  // namespace

@@ -58,25 +58,29 @@ NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& 
 
 std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, const BlockText& put) {
   const VersionText old = splitVersion(stored, cellBytes);
-  const std::string& text = put.version.empty() ? old.text : put.version;
-  const bool ours = text.empty() || old.text != stored;
-  const FormOptions options = withType(put, ours);
+  const VersionText said = splitVersion(put.version, cellBytes);  // may be a text that another block has
+  const std::string& text = put.version.empty() ? old.text : said.text;
+  const bool foreign = put.version.empty() && !old.text.empty() && old.text == stored;
+  const FormOptions options = withType(put, !foreign);
   if (options.dtype) requireFit(*options.dtype, cellBytes);
-  const std::optional<NumberForm> form = chosenForm(options, old.form);
+  const std::optional<NumberForm> form = chosenForm(options, said.form ? said.form : old.form);
   if (!form && options.isGiven()) throw ToolError(kUsage, "--scale and --unit go with --dtype");
+  if (!form && put.version.empty()) return text;  // however long another program made it
   try {
-    return form ? joinVersion(text, *form, cellBytes) : text;
+    return joinVersion(text, form, cellBytes);
   } catch (const std::invalid_argument& error) {
     throw ToolError(kUsage, error.what());
   }
 }
 
-void requireKeptForm(const StoredArea& area, const BlockText& patch) {
-  const auto kept = keptForm(area);
-  const auto given = chosenForm(withType(patch, true), kept);
-  if (!kept || !given || *given == *kept) return;
-  throw ToolError(kConflict, "the numbers of {} are {}, those of the patch {}; nothing was stored", named(area),
-                  toText(*kept), toText(*given));
+std::optional<NumberForm> formOfPatch(const StoredArea& area, const BlockText& patch) {
+  return chosenForm(withType(patch, true), keptForm(area));
+}
+
+bool losesForm(const NumberForm& kept, const std::optional<NumberForm>& wanted) {
+  if (!wanted || wanted->dtype.descr != kept.dtype.descr) return true;
+  if (kept.isScaled() && wanted->scale.of(1) != kept.scale.of(1)) return true;
+  return !kept.unit.empty() && wanted->unit != kept.unit;
 }
 
 }  // namespace tovrtool

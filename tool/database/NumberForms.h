@@ -23,10 +23,15 @@ std::optional<NumberForm> formOf(const std::vector<StoredArea>& areas, const For
 NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& options);
 
 // The version text that a block of such cells is to have, which has `stored` now; empty for a new one. A type that only
-// the array tells is kept where no other program's text stands. Throws ToolError where the form does not fit the cells.
+// the array tells is kept, unless the block keeps another program's text. Throws ToolError if the form does not fit the
+// cells, or the text beside it is too long.
 std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, const BlockText& put);
 
-// Before a patch, whose cells join others: throws ToolError where they are said to be other numbers than those.
-void requireKeptForm(const StoredArea& area, const BlockText& patch);
+// The form in which cells are put into the area, as far as they or the area tell it. Throws ToolError if the array is
+// of another type than it is said to be.
+std::optional<NumberForm> formOfPatch(const StoredArea& area, const BlockText& patch);
+
+// Whether a block kept as `kept` would lose its type, its scale or its unit if it is kept as `wanted`.
+bool losesForm(const NumberForm& kept, const std::optional<NumberForm>& wanted);
 
 }  // namespace tovrtool

@@ -52,17 +52,17 @@ void requireUnchanged(Session& session, const Removal& removal) {
 
 }  // namespace
 
-Removal areasOfIds(Session& session, const std::vector<std::int64_t>& ids) {
-  const std::set<std::int64_t> wanted(ids.begin(), ids.end());
-  auto areas = areasThat(session, [&](const StoredArea& area) { return wanted.count(area.id) == 1; });
-  if (areas.size() == wanted.size()) return {std::move(areas), {}, {}};
-  std::vector<std::string> missing;
-  for (const std::int64_t id : wanted) {
-    const auto isIt = [&](const StoredArea& area) { return area.id == id; };
-    if (std::none_of(areas.begin(), areas.end(), isIt)) missing.push_back(std::to_string(id));
-  }
-  throw statusError(tovr::kNoMatchingArea,
-                    fmt::format("there is no area {}; tovrdb coef list shows the areas", shortList(missing)));
+Removal areasOfIds(Session& session, const std::vector<IdRange>& ids) {
+  Removal removal;
+  removal.areas = areasWithIds(session, ids);
+  return removal;
+}
+
+Removal areasOf(Session& session, const AreaFilter& filter) {
+  Removal removal;
+  removal.areas = areasThatPass(session, filter);
+  if (!removal.areas.empty()) return removal;
+  throw statusError(tovr::kNoMatchingArea, "no such area is stored; tovrdb coef list shows the areas");
 }
 
 Removal areaAt(Session& session, const AreaName& place) {
@@ -73,11 +73,16 @@ Removal areaAt(Session& session, const AreaName& place) {
   std::vector<StoredArea> areas;
   std::copy_if(ofType.begin(), ofType.end(), std::back_inserter(areas),
                [&](const StoredArea& area) { return area.rect == place.rect; });
-  if (areas.size() == 1) return {std::move(areas), {}, {}};
-  if (areas.size() > 1)
+  if (areas.size() > 1) {
     throw ToolError(kUsage, "{} areas are there: say which with --id: {}", areas.size(), listed(areas));
-  throw libraryError(tovr::kNoMatchingArea,
-                     fmt::format("asked for {}; areas of type {}: {}", placeText(place), place.type, listed(ofType)));
+  }
+  if (areas.empty()) {
+    throw libraryError(tovr::kNoMatchingArea,
+                       fmt::format("asked for {}; areas of type {}: {}", placeText(place), place.type, listed(ofType)));
+  }
+  Removal removal;
+  removal.areas = std::move(areas);
+  return removal;
 }
 
 Removal screenOf(Session& session, const std::string& name, bool withAreas) {
@@ -85,13 +90,24 @@ Removal screenOf(Session& session, const std::string& name, bool withAreas) {
   removal.screen = screenNamed(storedScreens(session), name);
   const auto data = dataThat(session, "screen", name);
   if (!data.empty()) {
-    throw ToolError(kConflict, "data of type {} belongs to the screen {}: delete it first with tovrdb data delete",
-                    data[0].type, name);
+    std::vector<std::string> texts;
+    for (const StoredData& each : data) texts.push_back(dataText(each));
+    throw ToolError(
+        kConflict,
+        "data belongs to the screen {}: {}. It came there because data is filed under the screen that was "
+        "added last, whichever that is: read it with tovrdb data get, delete it with tovrdb data delete, and "
+        "put it back afterwards",
+        name, shortList(texts, "; "));
   }
   removal.areas = areasThat(session, [&](const StoredArea& area) { return area.screenId == removal.screen->id; });
   if (!removal.areas.empty() && !withAreas) {
     throw ToolError(kConflict, "the screen {} has areas: {}; --with-areas deletes them with it", name,
                     listed(removal.areas));
+  }
+  if (removal.screen->id == lastScreenKey(session)) {
+    removal.note =
+        "note: it was the screen that was added last, under which programs file generic data: until another screen is "
+        "added, hosts cannot store data in this file (code 19); tovrdb data put can, if there is a screen";
   }
   return removal;
 }
@@ -109,7 +125,7 @@ std::vector<std::string> toTexts(const Removal& removal) {
     texts.push_back(fmt::format("screen {} ({})", removal.screen->name, toText(removal.screen->rect)));
   for (const StoredArea& area : removal.areas) texts.push_back(fmt::format("{}, {}", areaText(area), blockText(area)));
   for (const StoredData& data : removal.data) {
-    texts.push_back(fmt::format("data of type {}, {} stored bytes", data.type, data.storedBytes));
+    texts.push_back("data of " + dataText(data));
   }
   return texts;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tool/database/AreaFilter.h"
 #include "tool/database/BlockPlace.h"
 #include "tool/database/GenericData.h"
 #include "tool/database/Screens.h"
@@ -18,10 +19,12 @@ struct Removal {
   std::vector<StoredArea> areas;
   std::optional<StoredScreen> screen;
   std::vector<StoredData> data;
+  std::string note;  // what this means for other programs; empty for most
 };
 
 // What they name. Throw ToolError, which tells what there is instead.
-Removal areasOfIds(Session& session, const std::vector<std::int64_t>& ids);
+Removal areasOfIds(Session& session, const std::vector<IdRange>& ids);
+Removal areasOf(Session& session, const AreaFilter& filter);
 Removal areaAt(Session& session, const AreaName& place);  // of exactly this rectangle
 Removal screenOf(Session& session, const std::string& name, bool withAreas);
 Removal dataOfType(Session& session, std::int32_t type);
@@ -29,7 +32,7 @@ Removal dataOfType(Session& session, std::int32_t type);
 // A line for each thing that goes.
 std::vector<std::string> toTexts(const Removal& removal);
 
-// In one transaction. Throws ToolError where one of them was changed since it was looked up; nothing goes then.
+// In one transaction. Throws ToolError if one of them was changed since it was looked up; nothing goes then.
 void deleteRows(Session& session, const Removal& removal);
 
 }  // namespace tovrtool

@@ -22,7 +22,13 @@ std::vector<StoredScreen> storedScreens(Session& session);
 // The screen of that name. Throws ToolError, which lists what there is, when there is none.
 const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const std::string& name);
 
-// Throws ToolError when there is a screen of that name already. REQUIRES: a transaction.
-void addScreen(Session& session, const std::string& name, const Rect& rect);
+// Both throw ToolError (kConflict) for a name that another screen has and, unless `force`, for one that differs from
+// another's only in case or blanks, or that begins or ends with a blank. REQUIRES: a transaction.
+//
+// Unless `force`, in databases that find screens by rectangle, a screen is refused whose cells all lie in an older one:
+// that one is always found first.
+void addScreen(Session& session, const std::string& name, const Rect& rect, bool force);
+// Areas and data refer to screens by key and stay where they are. Throws ToolError also if there is no screen `name`.
+void renameScreen(Session& session, const std::string& name, const std::string& newName, bool force);
 
 }  // namespace tovrtool

@@ -7,7 +7,6 @@
 
 #include "tool/database/AreaPatch.h"
 #include "tool/database/BlockRows.h"
-#include "tool/database/NumberForms.h"
 #include "tool/database/StoreWords.h"
 
 namespace tovrtool {
@@ -17,41 +16,18 @@ StoredPlaces placesOf(Session& session) {
   return {session.manager().getDBType(), storedScreens(session), storedAreas(session)};
 }
 
-// The version texts that the blocks of a plan are to have; of one that is patched nothing changes.
-std::vector<std::string> versionsOf(const StorePlan& plan, const StoredPlaces& stored,
-                                    const std::vector<WantedBlock>& wanted) {
-  std::vector<std::string> versions;
-  for (const StoreStep& step : plan.steps) {
-    const WantedBlock& block = wanted[step.block];
-    try {
-      if (step.kind == StoreStep::Kind::kPatch) requireKeptForm(stored.areas[step.area], block.text);
-      const std::string old = step.kind == StoreStep::Kind::kAdd ? "" : stored.areas[step.area].version;
-      versions.push_back(step.kind == StoreStep::Kind::kPatch ? old : versionToKeep(old, block.cellBytes, block.text));
-    } catch (const ToolError& error) {
-      if (block.name.empty()) throw;
-      throw about(block.name, error);
-    }
-  }
-  return versions;
+// Throws ToolError if anything conflicts.
+StorePlan decide(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules) {
+  StorePlan plan = planStore(stored, wanted, rules);
+  requireNone(plan.objections, "nothing was stored");
+  return plan;
 }
-
-// What is to be done, and the texts for it. Throws ToolError where there is anything against it.
-struct Decision {
-  Decision(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules)
-      : plan(planStore(stored, wanted, rules)) {
-    requireNoObjections(plan);
-    versions = versionsOf(plan, stored, wanted);
-  }
-
-  StorePlan plan;
-  std::vector<std::string> versions;
-};
 
 class Execution {
  public:
   Execution(Session& session, const StoredPlaces& stored, const std::vector<WantedBlock>& wanted,
-            const std::vector<std::string>& versions, const BlockLoader& load)
-      : session_(session), stored_(stored), wanted_(wanted), versions_(versions), load_(load) {}
+            const BlockLoader& load)
+      : session_(session), stored_(stored), wanted_(wanted), load_(load) {}
 
   std::int64_t run(const StoreStep& step) {
     std::vector<StoredArea> removed;
@@ -64,13 +40,13 @@ class Execution {
         patches_[step.area].push_back({wanted.area.rect, [this, block = step.block] { return loaded(block); }});
         return area->blockId;
       case StoreStep::Kind::kRewrite:
-        rewriteAreaRows(session_, *area, rowOf(step.screenId, step.block), loaded(step.block));
+        rewriteAreaRows(session_, *area, rowOf(step.screenId, step), loaded(step.block));
         return area->blockId;
       case StoreStep::Kind::kAdd:
         break;
     }
     const CellBlock block = loaded(step.block);
-    return addAreaRows(session_, rowOf(screenOf(step), step.block), block).block;
+    return addAreaRows(session_, rowOf(screenOf(step), step), block).block;
   }
 
   // The screen's rectangle is the library's to decide.
@@ -86,7 +62,7 @@ class Execution {
     record->coefBuffer.data = block.bytes.get();
     record->coefBuffer.datasize = static_cast<std::int32_t>(block.size());
     session_.require(session_.manager().updateData(record.get()), "asked for " + toText(wanted.area.rect));
-    rewriteVersion(session_, stored_.areas[step.area], versions_[step.block]);
+    rewriteVersion(session_, stored_.areas[step.area], step.version);
     return record->coefid;
   }
 
@@ -104,8 +80,9 @@ class Execution {
     throw ToolError(kFileProblem, "{} changed while it was read; nothing was stored", wanted.name);
   }
 
-  AreaRow rowOf(std::int64_t screenId, std::size_t block) const {
-    return {screenId, wanted_[block].area.type, wanted_[block].text.number, versions_[block]};
+  AreaRow rowOf(std::int64_t screenId, const StoreStep& step) const {
+    const WantedBlock& block = wanted_[step.block];
+    return {screenId, block.area.type, block.text.number, step.version};
   }
 
   std::int64_t screenOf(const StoreStep& step) {
@@ -119,7 +96,6 @@ class Execution {
   Session& session_;
   const StoredPlaces& stored_;
   const std::vector<WantedBlock>& wanted_;
-  const std::vector<std::string>& versions_;
   const BlockLoader& load_;
   std::map<std::size_t, std::vector<Patch>> patches_;  // by the stored area
   std::map<std::string, std::int64_t> addedScreens_;
@@ -131,11 +107,11 @@ StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted
                         const BlockLoader& load) {
   Transaction transaction(session);
   const StoredPlaces stored = placesOf(session);
-  const Decision decision(stored, wanted, rules);
+  const StorePlan plan = decide(stored, wanted, rules);
   StoreReport report;
-  report.notices = noticesOf(decision.plan, stored, wanted);
-  Execution execution(session, stored, wanted, decision.versions, load);
-  for (const StoreStep& step : decision.plan.steps) {
+  report.notices = noticesOf(plan, stored, wanted);
+  Execution execution(session, stored, wanted, load);
+  for (const StoreStep& step : plan.steps) {
     report.blockKeys.push_back(rules.mode == StoreMode::kUpdate ? execution.update(step) : execution.run(step));
   }
   execution.patch();
@@ -144,7 +120,7 @@ StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted
 }
 
 void requireStorable(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules) {
-  const Decision decision(placesOf(session), wanted, rules);
+  decide(placesOf(session), wanted, rules);
 }
 
 }  // namespace tovrtool

@@ -11,7 +11,9 @@
 #include "storage/StatusCodes.h"
 #include "tool/database/AreaWords.h"
 #include "tool/database/LibraryError.h"
+#include "tool/database/NumberForms.h"
 #include "tool/database/PlaceIndex.h"
+#include "tool/database/ScreenNames.h"
 #include "tool/io/TextList.h"
 
 namespace tovrtool {
@@ -24,7 +26,8 @@ std::string listedPlaces(const Things& things) {
   return shortList(texts);
 }
 
-constexpr Remedies kForce{true, false, false, false};
+constexpr Remedies kForce{true, false, false, false, false};
+constexpr Remedies kNewScreen{false, false, false, false, true};
 
 class Planner {
  public:
@@ -41,6 +44,10 @@ class Planner {
         }) {
     for (std::size_t i = 0; i < stored.areas.size(); ++i) {
       firstOfType_.emplace(std::pair(stored.areas[i].screenId, stored.areas[i].type), i);
+    }
+    for (const StoredScreen& screen : stored.screens) {
+      byName_.emplace(screen.name, &screen);
+      names_.add(screen.name);
     }
   }
 
@@ -62,12 +69,9 @@ class Planner {
   void object(const Remedies& remedies, const std::string& text) {
     plan_.objections.push_back({kConflict, 0, remedies, named(text)});
   }
-  // As the library would.
-  void refuse(int status, const std::string& detail = "") {
-    plan_.objections.push_back({kRefused, status, {}, named(libraryError(status, detail).what())});
-  }
-  void refuse(int status, const std::string& title, const std::string& instead) {
-    refuse(status, fmt::format("asked for {}; {}: {}", toText(rect()), title, instead));
+  // As the library would, in words of our own.
+  void refuse(int status, const std::string& text) {
+    plan_.objections.push_back({kRefused, status, {}, named(fmt::format("{}: {}", status, text))});
   }
   std::string named(const std::string& text) const { return block().name.empty() ? text : block().name + ": " + text; }
 
@@ -79,7 +83,10 @@ class Planner {
       throw about(block().name, error);
     }
     if (block().area.type == tovr::kDataTypeNotGiven) {
-      return refuse(tovr::kTypeNotGiven);
+      return refuse(tovr::kTypeNotGiven,
+                    fmt::format("the coefficient type {} means \"not given\" and cannot be stored: "
+                                "choose another",
+                                tovr::kDataTypeNotGiven));
     }
     objectToTwice();
     const StoredScreen* screen = findScreen();
@@ -89,30 +96,72 @@ class Planner {
     step_.screenId = adds ? 0 : screen->id;
     if (rules_.mode == StoreMode::kPatch) return decidePatch();
     if (rules_.mode == StoreMode::kUpdate) return decideUpdate(*screen);
+    if (adds) objectToName();
     if (byName()) objectToOutside(screen);
     if (!adds) decideStore();
+    if (step_.kind == StoreStep::Kind::kAdd) keepVersion("");
   }
 
   const StoredScreen* findScreen() const {
+    if (byName()) {
+      const auto found = byName_.find(block().area.screen);
+      return found != byName_.end() ? found->second : nullptr;
+    }
     const auto found = std::find_if(stored_.screens.begin(), stored_.screens.end(), [&](const StoredScreen& screen) {
-      if (byName()) return screen.name == block().area.screen;
       return rules_.mode == StoreMode::kUpdate ? screen.rect == rect() : holds(screen.rect, rect());
     });
     return found != stored_.screens.end() ? &*found : nullptr;
   }
 
   void refuseScreen() {
-    std::vector<std::pair<std::string, Rect>> screens;
-    for (const StoredScreen& screen : stored_.screens) screens.emplace_back(screen.name, screen.rect);
-    refuse(byName() ? tovr::kNoSuchScreenName : tovr::kNoScreenForRectangle, "screens", listedPlaces(screens));
+    if (!byName() && rules_.mode == StoreMode::kPatch) return refusePatch();
+    if (screensText_.empty()) {
+      std::vector<std::pair<std::string, Rect>> screens;
+      for (const StoredScreen& screen : stored_.screens) screens.emplace_back(screen.name, screen.rect);
+      screensText_ = "; screens: " + listedPlaces(screens);
+    }
+    if (byName()) {
+      return refuse(tovr::kNoSuchScreenName,
+                    fmt::format("there is no screen '{}'{}", block().area.screen, screensText_));
+    }
+    refuse(
+        tovr::kNoScreenForRectangle,
+        rules_.mode == StoreMode::kUpdate
+            ? fmt::format("no screen has exactly the rectangle {}, as an update needs{}", toText(rect()), screensText_)
+            : fmt::format("no screen holds the rectangle {}{}", toText(rect()), screensText_));
   }
 
-  void refuseArea() {
+  void refusePatch() {
+    const std::int32_t type = block().area.type;
+    std::vector<std::pair<std::string, Rect>> touched;
+    for (const std::size_t index : areas_.overlapping({type, rect()})) {
+      const StoredArea& area = stored_.areas[index];
+      if (byName() && area.screenId != step_.screenId) continue;
+      touched.emplace_back(fmt::format("area {}", area.id), area.rect);
+    }
+    refuse(tovr::kNoMatchingArea,
+           fmt::format("no area of type {} holds the whole patch, {}; {}", type, toText(rect()),
+                       touched.empty() ? "it touches none; " + areasText() : "it touches " + listedPlaces(touched)));
+  }
+
+  // The areas of the block's type.
+  const std::string& areasText() {
+    const std::int32_t type = block().area.type;
+    const auto [text, fresh] = areasTexts_.emplace(type, "");
+    if (!fresh) return text->second;
     std::vector<std::pair<std::string, Rect>> areas;
     for (const StoredArea& area : stored_.areas) {
-      if (area.type == block().area.type) areas.emplace_back(area.screen, area.rect);
+      if (area.type == type) areas.emplace_back(area.screen, area.rect);
     }
-    refuse(tovr::kNoMatchingArea, fmt::format("areas of type {}", block().area.type), listedPlaces(areas));
+    return text->second = fmt::format("areas of type {}: {}", type, listedPlaces(areas));
+  }
+
+  // A new screen whose name is probably a slip.
+  void objectToName() {
+    const std::string& name = block().area.screen;
+    const std::string doubt = names_.has(name) ? "" : names_.doubt(name);
+    if (!doubt.empty() && !rules_.newScreen) object(kNewScreen, fmt::format("the name '{}' {}", name, doubt));
+    names_.add(name);
   }
 
   // Blocks of one batch that would replace or hide one another.
@@ -145,22 +194,68 @@ class Planner {
   }
 
   void decidePatch() {
-    step_.kind = StoreStep::Kind::kPatch;
     for (const std::size_t index : overlapping()) {
-      if (!holds(stored_.areas[index].rect, rect())) continue;
+      const StoredArea& area = stored_.areas[index];
+      if (!holds(area.rect, rect())) continue;
+      step_.kind = StoreStep::Kind::kPatch;
       step_.area = index;
-      if (stored_.areas[index].cellBytes != block().cellBytes) {
+      if (area.cellBytes != block().cellBytes) {
         object({}, fmt::format("{} lies in {}, which has {} bytes per cell; this block has {}", placeText(block().area),
-                               areaText(stored_.areas[index]), stored_.areas[index].cellBytes, block().cellBytes));
+                               areaText(area), area.cellBytes, block().cellBytes));
+      } else {
+        keepFormOfPatch(area);
       }
       return;
     }
-    refuseArea();
+    refusePatch();
+  }
+
+  void keepFormOfPatch(const StoredArea& area) {
+    step_.version = area.version;
+    const auto kept = keptForm(area);
+    std::optional<NumberForm> wanted;
+    orObject([&] { wanted = formOfPatch(area, block().text); });
+    if (kept && wanted && !(*wanted == *kept)) changeForm(area, *kept, wanted, true);
+  }
+
+  bool keepVersion(const std::string& stored) {
+    return orObject([&] { step_.version = versionToKeep(stored, block().cellBytes, block().text); });
+  }
+
+  void keepFormOf(const StoredArea& area) {
+    const auto kept = keptForm(area);
+    const auto wanted = splitVersion(step_.version, block().cellBytes).form;
+    const bool sameWidth = area.cellBytes == block().cellBytes;
+    if (kept && !(sameWidth && wanted && *wanted == *kept)) changeForm(area, *kept, wanted, losesForm(*kept, wanted));
+  }
+
+  // The cells of a stored area are read as other numbers than before.
+  void changeForm(const StoredArea& area, const NumberForm& kept, const std::optional<NumberForm>& wanted, bool loses) {
+    step_.keptForm = toText(kept, area.cellBytes);
+    step_.wantedForm = wanted ? toText(*wanted, block().cellBytes) : "of no known type";
+    if (rules_.force || !loses || area.cellBytes != block().cellBytes) return;  // another width is a conflict by itself
+    object(kForce, fmt::format("{} keeps its numbers as {}, and {} has {}", areaText(area), step_.keptForm,
+                               rules_.mode == StoreMode::kPatch ? "the patch" : "this block", step_.wantedForm));
+  }
+
+  // Arguments that contradict each other are one more objection; false then.
+  template <class Work>
+  bool orObject(Work work) {
+    try {
+      work();
+      return true;
+    } catch (const ToolError& error) {
+      plan_.objections.push_back({error.code(), error.status(), {}, named(error.what())});
+      return false;
+    }
   }
 
   void decideUpdate(const StoredScreen& screen) {
     const auto found = firstOfType_.find({step_.screenId, block().area.type});
-    if (found == firstOfType_.end()) return refuseArea();
+    if (found == firstOfType_.end()) {
+      return refuse(tovr::kNoMatchingArea, fmt::format("the screen {} has no area of type {} to update; {}",
+                                                       screen.name, block().area.type, areasText()));
+    }
     rewrite(found->second);
     step_.movesScreen = byName() && !(screen.rect == rect());
     if (!step_.movesScreen || rules_.force) return;
@@ -214,8 +309,9 @@ class Planner {
   void rewrite(std::size_t index) {
     step_.kind = StoreStep::Kind::kRewrite;
     step_.area = index;
-    if (rules_.force) return;
     const StoredArea& area = stored_.areas[index];
+    if (keepVersion(area.version)) keepFormOf(area);
+    if (rules_.force) return;
     const bool inside = holds(rect(), area.rect);
     if (!(area.rect == rect()) && !(rules_.mode == StoreMode::kReplace && inside)) {
       const bool patchable = holds(area.rect, rect()) && area.cellBytes == block().cellBytes;
@@ -251,7 +347,7 @@ class Planner {
   std::string answerBeside(std::size_t index, const std::optional<std::size_t>& same) const {
     const Rect both = *common(stored_.areas[index].rect, rect());
     const std::int64_t screen = byName() ? step_.screenId : screenHolding(both);
-    const std::string asked = "coef get of " + toText(both) + " would ";
+    const std::string asked = "reading " + toText(both) + " would ";
     for (const std::size_t other : areas_.overlapping({block().area.type, both})) {
       const bool rewritten = same && other == *same;
       const StoredArea& area = stored_.areas[other];
@@ -276,7 +372,11 @@ class Planner {
   const PlaceIndex blocks_;
   std::map<std::pair<std::int64_t, std::int32_t>, std::size_t> firstOfType_;  // by screen and type
   std::map<std::pair<std::string, std::int32_t>, std::size_t> firstWanted_;   // in databases of type 1
+  std::map<std::string, const StoredScreen*> byName_;                         // the first of each name
+  ScreenNames names_;                                                         // of stored screens and those to be added
   std::map<std::string, Rect> addedScreens_;                                  // each of the first block that names it
+  std::string screensText_;                                                   // once it was needed
+  std::map<std::int32_t, std::string> areasTexts_;                            // by type, once they were needed
   StorePlan plan_;
   StoreStep step_;
 };
@@ -284,7 +384,12 @@ class Planner {
 }  // namespace
 
 StorePlan planStore(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules) {
-  if (stored.databaseType != 0 && stored.databaseType != 1) throw libraryError(tovr::kTypeNotGiven);
+  if (stored.databaseType != 0 && stored.databaseType != 1) {
+    throw statusError(tovr::kTypeNotGiven,
+                      fmt::format("{}: the file does not say whether it finds screens by rectangle or "
+                                  "by name; `tovrdb check` tells more",
+                                  tovr::kTypeNotGiven));
+  }
   if (rules.mode == StoreMode::kBeside && stored.databaseType == 1) {
     throw ToolError(kUsage,
                     "a database of type 1 keeps one area of a type on a screen: nothing can be stored beside it");

@@ -1,8 +1,9 @@
 // What storing blocks would do to a file, decided before anything is written.
 //
-// Pure: it knows what lies where, and no connection. The library would take all of it without a word: a new block that
-// an older one hides, one that replaces another of a different place, two of one batch that replace each other. A plan
-// objects to these, all of them at once; what it lets pass loses nothing that was not named.
+// Pure: it knows what lies where, and no connection. The library would take all of it silently: a new block that an
+// older one hides, one that replaces another of a different place or another type of numbers, a screen of a mistyped
+// name, two blocks of one batch that replace each other. A plan objects to these, all of them at once; what it lets
+// pass loses nothing that was not named.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +11,9 @@
 #include <vector>
 
 #include "tool/database/BlockPlace.h"
+#include "tool/database/Objection.h"
 #include "tool/database/Screens.h"
 #include "tool/database/StoredArea.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 
@@ -35,7 +36,8 @@ enum class StoreMode {
 
 struct StoreRules {
   StoreMode mode = StoreMode::kCareful;
-  bool force = false;  // other numbers of bytes per cell, other places in databases of type 1
+  bool force = false;      // other widths and types of numbers, other places in databases of type 1
+  bool newScreen = false;  // in databases of type 1: screens whose names look like slips of stored ones
 };
 
 struct StoredPlaces {
@@ -47,34 +49,22 @@ struct StoredPlaces {
 struct StoreStep {
   enum class Kind { kAdd, kRewrite, kPatch };
   Kind kind = Kind::kAdd;
-  std::size_t block = 0;             // of the wanted ones
-  std::int64_t screenId = 0;         // 0: the screen of its name, which the first step of that name adds
-  std::size_t area = 0;              // of the stored ones: what is rewritten or patched
-  bool movesScreen = false;          // kUpdate by name: its rectangle becomes the screen's
+  std::size_t block = 0;      // of the wanted ones
+  std::int64_t screenId = 0;  // 0: the screen of its name, which the first step of that name adds
+  std::size_t area = 0;       // of the stored ones: what is rewritten or patched
+  bool movesScreen = false;   // kUpdate by name: its rectangle becomes the screen's
+  std::string version;        // the text that the block is to have
+  std::string keptForm;       // of the stored numbers and of these, in words; empty unless they differ
+  std::string wantedForm;
   std::vector<std::size_t> removed;  // of the stored ones: what goes before
-};
-
-// What the person may ask for instead.
-struct Remedies {
-  bool force = false;
-  bool patch = false;
-  bool replace = false;
-  bool beside = false;
-};
-
-struct Objection {
-  ExitCode code = kConflict;  // kRefused where the library would refuse as well
-  int status = 0;             // with which it would
-  Remedies remedies;
-  std::string text;
 };
 
 struct StorePlan {
   std::vector<StoreStep> steps;       // one a wanted block, in their order
-  std::vector<Objection> objections;  // one line each; where there are any, nothing is to be done
+  std::vector<Objection> objections;  // one line each; if there are any, nothing is to be done
 };
 
-// Throws ToolError where a block's name, or the mode, does not suit the database's type.
+// Throws ToolError if a block's name, or the mode, does not suit the database's type.
 StorePlan planStore(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules);
 
 }  // namespace tovrtool

@@ -2,7 +2,6 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <map>
 #include <set>
 #include <utility>
@@ -12,25 +11,6 @@
 namespace tovrtool {
 namespace {
 
-std::string remediesText(const std::vector<Objection>& objections) {
-  const auto any = [&](bool Remedies::*remedy) {
-    return std::any_of(objections.begin(), objections.end(),
-                       [&](const Objection& objection) { return objection.remedies.*remedy; });
-  };
-  std::string text;
-  if (any(&Remedies::patch)) text += "; --patch puts the cells into the stored block";
-  if (any(&Remedies::replace)) text += "; --replace removes areas that lie wholly inside";
-  if (any(&Remedies::beside)) text += "; --beside stores in addition";
-  if (any(&Remedies::force)) text += "; --force stores it all the same";
-  return text;
-}
-
-ExitCode codeOf(const std::vector<Objection>& objections) {
-  const bool conflicts = std::all_of(objections.begin(), objections.end(),
-                                     [](const Objection& objection) { return objection.code == kConflict; });
-  return conflicts ? kConflict : kRefused;
-}
-
 // What another host wrote beside the cells and a new block does not have.
 std::string lostText(const StoredArea& area) {
   std::string text;
@@ -39,23 +19,12 @@ std::string lostText(const StoredArea& area) {
   return text;
 }
 
-}  // namespace
-
-void requireNoObjections(const StorePlan& plan) {
-  const auto& objections = plan.objections;
-  if (objections.empty()) return;
-  const std::string end = "nothing was stored" + remediesText(objections);
-  if (objections.size() == 1) {
-    ToolError error(codeOf(objections), objections[0].text + "; " + end);
-    error.setStatus(objections[0].status);
-    throw error;
-  }
-  std::vector<std::string> lines;
-  for (const Objection& objection : objections) lines.push_back(objection.text);
-  ToolError error(codeOf(objections), fmt::format("{} conflicts; {}", lines.size(), end));
-  error.setDetails(std::move(lines));
-  throw error;
+std::string formText(const StoreStep& step) {
+  if (step.keptForm.empty()) return {};
+  return fmt::format("; its numbers were {} and are now {}", step.keptForm, step.wantedForm);
 }
+
+}  // namespace
 
 std::vector<std::string> noticesOf(const StorePlan& plan, const StoredPlaces& stored,
                                    const std::vector<WantedBlock>& wanted) {
@@ -72,10 +41,17 @@ std::vector<std::string> noticesOf(const StorePlan& plan, const StoredPlaces& st
       notices.push_back(fmt::format("removed {}, {}", areaText(stored.areas[gone]), blockText(stored.areas[gone])));
     }
     if (step.movesScreen) notices.push_back(fmt::format("the screen {} is now {}", place.screen, toText(place.rect)));
-    if (step.kind == StoreStep::Kind::kPatch) patched[step.area].push_back(place.rect);
-    if (step.kind != StoreStep::Kind::kRewrite) continue;
+    if (step.kind == StoreStep::Kind::kAdd) continue;
     const StoredArea& area = stored.areas[step.area];
-    notices.push_back(fmt::format("replaced {}, in {}{}", blockText(area), areaText(area), lostText(area)));
+    if (step.kind == StoreStep::Kind::kRewrite) {
+      notices.push_back(
+          fmt::format("replaced {}, in {}{}{}", blockText(area), areaText(area), lostText(area), formText(step)));
+      continue;
+    }
+    patched[step.area].push_back(place.rect);
+    if (step.keptForm.empty()) continue;
+    notices.push_back(fmt::format("note: {} keeps its numbers as {}, and is now read so in {} too, which was {}",
+                                  areaText(area), step.keptForm, toText(place.rect), step.wantedForm));
   }
   for (const auto& [area, rects] : patched) {
     const std::string what = rects.size() == 1 ? toText(rects[0]) : fmt::format("{} rectangles", rects.size());

@@ -21,4 +21,8 @@ std::string grouped(std::int64_t number) {
   return text;
 }
 
+std::string counted(std::size_t number, const std::string& singular) {
+  return fmt::format("{} {}{}", number, singular, number == 1 ? "" : "s");
+}
+
 }  // namespace tovrtool

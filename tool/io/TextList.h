@@ -1,6 +1,7 @@
 // Lists and large numbers in messages.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -12,5 +13,8 @@ std::string shortList(const std::vector<std::string>& items, const std::string& 
 
 // "37,324,800"
 std::string grouped(std::int64_t number);
+
+// "1 area", "2 areas".
+std::string counted(std::size_t number, const std::string& singular);
 
 }  // namespace tovrtool
