@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include "tool/io/TextList.h"
+
 namespace tovrtool {
 namespace {
 
@@ -20,6 +22,12 @@ std::string placeText(const AreaName& area) {
 }
 
 std::string areaText(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area.rect)); }
+
+std::string listText(const std::vector<StoredArea>& areas) {
+  std::vector<std::string> texts;
+  for (const StoredArea& area : areas) texts.push_back(toText(area));
+  return shortList(texts, "; ");
+}
 
 std::string blockText(const StoredArea& area) {
   const std::int64_t bytes = columnsOf(area.rect) * rowsOf(area.rect) * area.cellBytes;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "storage/StatusCodes.h"
+#include "tool/database/Damage.h"
 #include "tool/database/LibraryError.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/io/TextList.h"
@@ -20,7 +21,7 @@ auto findScreen(const std::vector<StoredScreen>& screens, const std::string& nam
 
 std::vector<StoredScreen> storedScreens(Session& session) {
   const auto all = session.host().makeRecord<tovr::ScreenInfoDataResult>();
-  session.require(session.manager().queryData(all.get()));
+  session.require(queryLibrary(session, *all));
   std::vector<StoredScreen> screens;
   for (const auto& screen : all->screens) screens.push_back({screen.id, screen.screenname, rectOf(screen)});
   return screens;
