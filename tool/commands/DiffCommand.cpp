@@ -62,7 +62,8 @@ std::string bytesText(const BytesDifference& bytes) {
 
 std::string faultText(const Difference& difference, const Options& options) {
   std::string text;
-  for (const auto& [file, fault] : {std::pair(options.before, difference.before), {options.after, difference.after}}) {
+  for (const auto& [file, fault] :
+       {std::pair(options.before, difference.before), std::pair(options.after, difference.after)}) {
     if (!fault.empty()) text += fmt::format("{}in {}: {}", text.empty() ? "" : "; ", file, fault);
   }
   return text;

@@ -160,8 +160,7 @@ int Session::execFor(unsigned int milliseconds, const char* sql) {
 }
 
 SessionState Session::state() {
-  return {number_, queryNumber(connection(), "PRAGMA data_version"),
-          queryNumber(connection(), "select total_changes()"), undone_};
+  return {number_, queryNumber(connection(), "PRAGMA data_version"), writtenRows(), undone_};
 }
 
 void Session::beginReading() {
