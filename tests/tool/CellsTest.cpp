@@ -48,6 +48,14 @@ TEST(RectTest, IsReadInTheOrderLeftTopRightBottom) {
   EXPECT_TRUE(complains("whole numbers from 1", [] { parseSize("0x5"); }));
 }
 
+TEST(RectTest, WhatLiesOutsideIsCounted) {
+  const Rect area{0, 10, 959, 539};
+  EXPECT_EQ(outsideText({0, 10, 960, 539}, area, "area 1"), "one column beyond area 1, which ends at 959,539");
+  EXPECT_EQ(outsideText({0, 8, 961, 540}, area, "it"),
+            "2 rows before it, which begins at 0,10, and 2 columns and one row beyond it, which ends at 959,539");
+  EXPECT_EQ(outsideText(area, area, "it"), "");
+}
+
 TEST(RectTest, BytesFillItOnlyWhenTheyAreExactlyItsCells) {
   EXPECT_TRUE(fills(24, {0, 0, 3, 2}, 2));
   EXPECT_FALSE(fills(23, {0, 0, 3, 2}, 2));

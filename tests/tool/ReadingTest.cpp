@@ -4,7 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
+#include "tool/database/StoredArea.h"
 
 namespace {
 
@@ -52,6 +54,11 @@ TEST_F(ReadingTest, TheFormOfNumbersIsKeptAndNeverGuessed) {
   expectFailure(2, "say it with --dtype", "coef stats wall.db --type 3");
   expectFailure(2, "say it with --dtype", "heatmap wall.db --type 3 -o no.png");
   expectFailure(2, "say it with --dtype", "coef get wall.db --type 3 --rect 0,0,1,0 -o no.npy");
+  expectTold("keeps its numbers as uint16, scale 1/4, unit cd/m2; their bytes are read as int16",
+             kGet + "--rect 0,0,1,1 --dtype int16 -o other.npy");
+  succeed("coef put wall.db --type 1 --at 2,0 b.npy --unit nits");
+  expectFailure(2, "read them apart, or say how", "heatmap wall.db --type 1 -o no.png");
+  succeed("heatmap wall.db --type 1 --rect 2,0,3,1 -o part.png");
   expectFailure(2, "the array is of uint16", "coef put wall.db --type 1 --at 0,0 a.npy --dtype int16");
   expectFailure(2, "60 characters", "coef put wall.db --type 1 --at 0,0 a.npy --unit " + std::string(60, 'x'));
 }
@@ -62,6 +69,11 @@ TEST_F(ReadingTest, SeveralAreasReadAsOneArray) {
                 kGet + "--rect 0,0,3,1 -o x.npy");
   succeed(kGet + "--rect 0,0,3,1 --mosaic -o all.npy");
   EXPECT_EQ(read("all.npy"), uint16Array("2, 4, 1", {0, 1, 2, 3, 4, 5, 6, 7}));
+  EXPECT_EQ(run(kGet + "--rect 0,0,3,1 --mosaic -o -").err, "") << "nothing to note";
+  const Outcome beyond = run(kGet + "--rect 1,0,4,1 -o x.npy");
+  EXPECT_TRUE(contains(beyond.err, "it reaches one column before area 2, which begins at 2,0, and one column beyond"));
+  EXPECT_EQ(beyond.err.find("--mosaic"), std::string::npos) << "it would fail, too";
+  expectFailure(1, "one row beyond area 1, which ends at 1,1", kGet + "--rect 0,0,1,2 -o x.npy");
   const std::string wider = kGet + "--rect 2,1,4,1 --mosaic --force -o x.npy";
   expectFailure(1, "no area covers 1 cells of 2,1,4,1, the first at 4,1", wider);
   expectTold("1 cells are covered by no area", wider + " --fill 9");
@@ -72,6 +84,10 @@ TEST_F(ReadingTest, SeveralAreasReadAsOneArray) {
   succeed(kPut + "--at 1,0 --beside c.npy");
   expectTold("areas overlap", kGet + "--rect 0,0,3,0 --mosaic -o top.npy");
   EXPECT_EQ(read("top.npy"), uint16Array("1, 4, 1", {0, 1, 2, 3})) << "the first stored counts";
+  write("d.npy", uint16Array("2, 4", {80, 81, 82, 83, 84, 85, 86, 87}));
+  succeed(kPut + "--at 0,0 --beside d.npy");  // one area holds all of it, and counts last
+  expectTold("areas overlap", kGet + "--rect 0,0,3,1 --mosaic --force -o top.npy");
+  EXPECT_EQ(read("top.npy"), read("all.npy"));
   succeed("coef get wall.db --area 3 -o third.npy");
   EXPECT_EQ(read("third.npy"), uint16Array("1, 3, 1", {90, 91, 92}));
 }
@@ -83,8 +99,80 @@ TEST_F(ReadingTest, CabinetsHaveFiguresAndSeams) {
   EXPECT_EQ(component["cabinets"][1]["mean"], 4.5 / 4);
   EXPECT_EQ(component["seams"][0]["difference"], 0.25);
   EXPECT_TRUE(contains(succeed(stats + " --csv seams"), "\n0,0,0,2,0,2,0,2,1,0.25\n"));
-  const Json byArea = Json::parse(succeed("coef stats wall.db --type 1 --mosaic --by-area --json"));
+  const Json byArea = Json::parse(succeed("coef stats wall.db --type 1 --by-area --json"));
   EXPECT_EQ(byArea["components"][0]["cabinets"].size(), 2U);
+}
+
+TEST(StoredAreaTest, FaultOfWidthsAndSizes) {
+  tovrtool::StoredArea area;
+  area.rect = {0, 0, 9, 9};
+  const struct {
+    std::int32_t cellBytes;
+    std::int64_t storedBytes;
+    const char* fault;
+  } cases[] = {{2, 208, ""},
+               {2, 200, "its block is too short: 196 bytes for 10 x 10 cells of 2 bytes"},
+               {INT32_MAX, 208, "its block is too short: 204 bytes for 10 x 10 cells of 2147483647 bytes"},
+               {-3, 208, "its cells have -3 bytes each"}};
+  for (const auto& c : cases) {
+    area.cellBytes = c.cellBytes;
+    area.storedBytes = c.storedBytes;
+    EXPECT_EQ(faultOf(area), c.fault);
+  }
+  area.rect = {0, 9, 9, 0};
+  EXPECT_EQ(faultOf(area), "no cells can lie in its rectangle 0,9,9,0");
+}
+
+// Three areas side by side; a page in the middle of the second one's block is damaged.
+TEST_F(ReadingTest, ABadPageLeavesOtherAreasAlone) {
+  succeed("create wall.db --type 0");
+  succeed("screen add wall.db --name left --rect 0,0,299,99");
+  write("c.npy", uint16Array("100, 100", std::vector<std::uint16_t>(10000, 7)));
+  succeed(kPut + "--at 0,0 c.npy");
+  const auto before = fs::file_size(path("wall.db"));
+  succeed(kPut + "--at 100,0 c.npy");
+  const auto after = fs::file_size(path("wall.db"));
+  succeed(kPut + "--at 200,0 c.npy");
+  fs::copy_file(path("wall.db"), path("sound.db"));
+  std::string damaged = read("wall.db");
+  damaged[(before + after) / 2] = static_cast<char>(damaged[(before + after) / 2] ^ 1);
+  write("wall.db", damaged);
+
+  const Json list = Json::parse(succeed("coef list wall.db --json"));
+  ASSERT_EQ(list.size(), 3U);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(list[i].contains("fault"), i == 1) << i;
+  EXPECT_TRUE(contains(succeed("coef list wall.db"), "its block 2 cannot be read"));
+  EXPECT_TRUE(contains(succeed("info wall.db"), "damaged"));
+  succeed(kGet + "--rect 0,0,99,99 --mosaic -o sound.npy");
+  succeed("coef get wall.db --area 3 -o third.npy");
+  for (const char* wanted : {"--type 1 --rect 0,0,299,99 --mosaic", "--type 1 --rect 100,0,101,0", "--area 2"}) {
+    EXPECT_TRUE(contains(run("coef get wall.db -o no.npy " + std::string(wanted)).err,
+                         "area 2 (left, 100,0,199,99) is damaged"));
+  }
+  expectTold("area 2 (left, 100,0,199,99) is hatched", "heatmap wall.db --type 1 -o wall.png");
+  EXPECT_TRUE(
+      contains(run("export wall.db folder").err, "row 2 of Coef_Info, whose payload is row 2 of Coef: area 2 ("));
+  succeed("import folder rescued.db");
+  EXPECT_EQ(Json::parse(succeed("coef list rescued.db --json")).size(), 2U);
+  write("a.npy", uint16Array("1, 1", {8}));
+  succeed("coef put sound.db --type 1 --patch --at 200,0 a.npy");
+  const Outcome difference = run("diff sound.db wall.db");
+  EXPECT_EQ(difference.code, 2);
+  EXPECT_TRUE(contains(difference.out, "cannot be compared: in wall.db: its block 2 cannot be read"));
+  EXPECT_TRUE(contains(difference.out, "block of left, 200,0,299,99, type 1: 1 of 10000 cells differ"));
+  succeed(kPut + "--patch --at 200,0 a.npy");
+  EXPECT_FALSE(anythingUnfinished());
+}
+
+TEST_F(ReadingTest, AScreenRowThatIsNoNumberIsNamed) {
+  makeAreas();
+  sql(path("wall.db"), "update Screen_Info set left = 'abc'");
+  const char* const commands[] = {"screen list wall.db", "info wall.db",
+                                  "coef get wall.db --type 1 --rect 0,0,1,1 -o x.npy",
+                                  "coef put wall.db --type 1 --at 0,0 a.npy", "heatmap wall.db --type 1 -o x.png"};
+  for (const char* command : commands) {
+    EXPECT_TRUE(contains(run(command).err, "row 1 of Screen_Info is damaged: its column left holds 'abc'")) << command;
+  }
 }
 
 TEST_F(ReadingTest, EveryListHasJson) {

@@ -35,6 +35,15 @@ std::vector<std::int32_t> numbers(const std::string& text, std::initializer_list
   return found;
 }
 
+std::string countText(std::int64_t columns, std::int64_t rows) {
+  const auto text = [](std::int64_t count, const char* one, const char* several) {
+    return count == 1 ? std::string("one ") + one : fmt::format("{} {}", count, several);
+  };
+  if (rows <= 0) return text(columns, "column", "columns");
+  if (columns <= 0) return text(rows, "row", "rows");
+  return text(columns, "column", "columns") + " and " + text(rows, "row", "rows");
+}
+
 }  // namespace
 
 bool isSound(const Rect& rect) {
@@ -97,6 +106,20 @@ Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows) {
 
 std::string toText(const Rect& rect) {
   return fmt::format("{},{},{},{}", rect.left, rect.top, rect.right, rect.bottom);
+}
+
+std::string outsideText(const Rect& rect, const Rect& bounds, const std::string& name) {
+  std::string text;
+  const std::int64_t left = std::int64_t{bounds.left} - rect.left, top = std::int64_t{bounds.top} - rect.top;
+  const std::int64_t right = std::int64_t{rect.right} - bounds.right, down = std::int64_t{rect.bottom} - bounds.bottom;
+  if (left > 0 || top > 0) {
+    text = fmt::format("{} before {}, which begins at {},{}", countText(left, top), name, bounds.left, bounds.top);
+  }
+  if (right > 0 || down > 0) {
+    text += fmt::format("{}{} beyond {}, which ends at {},{}", text.empty() ? "" : ", and ", countText(right, down),
+                        name, bounds.right, bounds.bottom);
+  }
+  return text;
 }
 
 }  // namespace tovrtool

@@ -47,6 +47,10 @@ Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows);
 // "0,0,63,31", as parseRect takes it
 std::string toText(const Rect& rect);
 
+// What of `rect` lies outside `bounds`, which `name` names: "one column and 2 rows beyond area 1, which ends at
+// 959,539". Empty if nothing does.
+std::string outsideText(const Rect& rect, const Rect& bounds, const std::string& name);
+
 // Records of the library name the edges as Rect does, in an order of their own.
 template <class Record>
 void setRect(Record& record, const Rect& rect) {

@@ -1,6 +1,7 @@
 #include "tool/commands/CellArguments.h"
 
 #include "tool/commands/Arguments.h"
+#include "tool/database/NumberForms.h"
 #include "tool/io/Message.h"
 
 namespace tovrtool {
@@ -31,9 +32,16 @@ void addCells(CLI::App& command, CellQuery& query) {
   addForm(command, query.form, "Type of the numbers in a cell (uint16, float32, ...) [as kept with the block]");
 }
 
-void noteMosaic(const CellAnswer& answer) {
+void noteAnswer(const CellAnswer& answer, const FormOptions& options) {
   if (answer.overlapping) message("note: areas overlap; where they do, the one that was stored first counts");
   if (answer.filled > 0) message("note: {} cells are covered by no area and were filled", answer.filled);
+  for (const StoredArea& area : answer.areas) {
+    const auto kept = keptForm(area);
+    if (!options.dtype || !kept || options.dtype->descr == kept->dtype.descr) continue;
+    message("note: area {} keeps its numbers as {}; their bytes are read as {}, as was asked for", area.id,
+            toText(*kept), dtypeName(*options.dtype));
+    break;
+  }
 }
 
 }  // namespace tovrtool

@@ -16,6 +16,6 @@ void addForm(CLI::App& command, FormOptions& options, const std::string& dtypeDe
 void addCells(CLI::App& command, CellQuery& query);
 
 // On standard error, where several areas were read: that they overlap, that cells were filled.
-void noteMosaic(const CellAnswer& answer);
+void noteAnswer(const CellAnswer& answer, const FormOptions& options);
 
 }  // namespace tovrtool

@@ -37,7 +37,7 @@ void get(Context& context, const Options& options) {
   session.close();
   write(answer, options, output);
   output.commit();
-  noteMosaic(answer);
+  noteAnswer(answer, options.cells.form);
   if (options.raw) message("{}, {} bytes per cell", toText(answer.cells.rect), answer.cells.cellBytes);
 }
 

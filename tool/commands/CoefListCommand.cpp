@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
@@ -17,22 +19,20 @@ struct Options {
 };
 
 std::string asText(const std::vector<StoredArea>& areas) {
+  std::vector<Column> columns = {{"id", true},  {"screen"},      {"type", true},       {"area", true},
+                                 {"rectangle"}, {"block", true}, {"cell bytes", true}, {"stored bytes", true},
+                                 {"version"}};
+  const bool faulty =
+      std::any_of(areas.begin(), areas.end(), [](const StoredArea& area) { return !area.fault.empty(); });
+  if (faulty) columns.push_back({"fault"});
   TextRows rows;
   for (const StoredArea& area : areas) {
     rows.push_back({std::to_string(area.id), area.screen, std::to_string(area.type), std::to_string(area.number),
                     toText(area.rect), std::to_string(area.blockId), std::to_string(area.cellBytes),
                     std::to_string(area.storedBytes), area.version});
+    if (faulty) rows.back().push_back(area.fault);
   }
-  return textTable({{"id", true},
-                    {"screen"},
-                    {"type", true},
-                    {"area", true},
-                    {"rectangle"},
-                    {"block", true},
-                    {"cell bytes", true},
-                    {"stored bytes", true},
-                    {"version"}},
-                   rows);
+  return textTable(columns, rows);
 }
 
 std::string asJson(const std::vector<StoredArea>& areas) {
@@ -48,6 +48,7 @@ std::string asJson(const std::vector<StoredArea>& areas) {
                 {"stored_bytes", area.storedBytes},
                 {"version", area.version}};
     if (const auto form = keptForm(area)) addJson(object, *form);
+    if (!area.fault.empty()) object["fault"] = area.fault;
     list.push_back(std::move(object));
   }
   return jsonText(list);

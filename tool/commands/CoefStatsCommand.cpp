@@ -233,9 +233,14 @@ std::string cabinetReport(const Subject& subject, const std::vector<std::size_t>
 Subject read(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
   Subject subject;
-  subject.cells = findCells(session, options.cells);
+  CellQuery query = options.cells;
+  const bool acrossAreas = options.byArea && !query.areaId;  // none of their figures has cells between them
+  query.mosaic = query.mosaic || acrossAreas;
+  if (acrossAreas) query.fill = 0;
+  subject.cells = findCells(session, query);
   session.close();
-  noteMosaic(subject.cells);
+  if (acrossAreas) subject.cells.filled = 0;
+  noteAnswer(subject.cells, query.form);
   subject.form = requireForm(subject.cells.areas, options.cells.form);
   subject.screen = subject.cells.areas.front().screenRect.value_or(subject.rect());
   subject.valuesPerCell = valuesPerCell(subject.cells.cells.cellBytes, subject.form.dtype);

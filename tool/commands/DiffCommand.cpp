@@ -60,6 +60,15 @@ std::string bytesText(const BytesDifference& bytes) {
   return text;
 }
 
+std::string faultText(const Difference& difference, const Options& options) {
+  std::string text;
+  for (const auto& [file, fault] :
+       {std::pair(options.before, difference.before), std::pair(options.after, difference.after)}) {
+    if (!fault.empty()) text += fmt::format("{}in {}: {}", text.empty() ? "" : "; ", file, fault);
+  }
+  return text;
+}
+
 std::string lineOf(const Difference& difference, const Options& options) {
   const auto only = [&](const std::string& file, const std::string& summary) {
     return fmt::format("only in {}: {}{}", file, difference.item, summary.empty() ? "" : " (" + summary + ")");
@@ -74,6 +83,8 @@ std::string lineOf(const Difference& difference, const Options& options) {
                          difference.after);
     case Difference::Kind::kCells:
       return difference.item + ": " + cellsText(difference);
+    case Difference::Kind::kFault:
+      return fmt::format("{}: cannot be compared: {}", difference.item, faultText(difference, options));
     case Difference::Kind::kBytes:
       break;
   }
@@ -111,6 +122,10 @@ Json jsonOf(const Difference& difference) {
       }
       break;
     }
+    case Difference::Kind::kFault:
+      if (!difference.before.empty()) json["fault_a"] = difference.before;
+      if (!difference.after.empty()) json["fault_b"] = difference.after;
+      break;
     case Difference::Kind::kBytes:
       json.update({{"bytes_a", difference.bytes.sizeBefore},
                    {"bytes_b", difference.bytes.sizeAfter},
@@ -163,6 +178,9 @@ void diff(Context& context, const Options& options) {
   }
   context.output.print(report(differences, options));
   context.output.finish();
+  const bool damaged = std::any_of(differences.begin(), differences.end(),
+                                   [](const Difference& each) { return each.kind == Difference::Kind::kFault; });
+  if (damaged) throw ToolError(kTrouble, "a block is damaged and was not compared; what differs beside it is listed");
   context.code = differences.empty() ? kDone : kDifferent;
 }
 

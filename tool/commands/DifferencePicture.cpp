@@ -29,8 +29,9 @@ std::int32_t onlyTypeOf(const std::vector<StoredArea>& areas) {
 // The screens' names in the order of their areas.
 std::vector<std::string> screensOf(const std::vector<StoredArea>& areas) {
   std::vector<std::string> names;
+  std::set<std::string> known;
   for (const StoredArea& area : areas) {
-    if (std::find(names.begin(), names.end(), area.screen) == names.end()) names.push_back(area.screen);
+    if (known.insert(area.screen).second) names.push_back(area.screen);
   }
   return names;
 }

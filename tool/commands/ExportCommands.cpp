@@ -1,3 +1,6 @@
+#include <fmt/core.h>
+
+#include "storage/StatusCodes.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
@@ -5,6 +8,7 @@
 #include "tool/database/ExportFormat.h"
 #include "tool/database/FolderExport.h"
 #include "tool/database/FolderImport.h"
+#include "tool/database/LibraryError.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 #include "tool/io/UnfinishedFile.h"
@@ -29,6 +33,10 @@ void exportAll(Context& context, const ExportOptions& options) {
   }
   session.close();
   message("exported to {}: {} and {} payload files", options.folder, kManifestName, report.payloadFiles);
+  if (report.faults.empty()) return;
+  for (const std::string& fault : report.faults) message("left out: {}", fault);
+  throw statusError(tovr::kCipherFailed,
+                    fmt::format("the file is damaged; the folder holds all but {} rows", report.faults.size()));
 }
 
 struct ImportOptions {

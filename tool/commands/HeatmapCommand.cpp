@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <numeric>
 
 #include "tool/cells/CellBlock.h"
@@ -13,6 +14,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/database/Damage.h"
 #include "tool/database/Mosaic.h"
 #include "tool/database/NumberForms.h"
 #include "tool/database/Screens.h"
@@ -172,9 +174,21 @@ void requireSomething(const Rect& region, const std::vector<StoredScreen>& scree
                   insteadOf(region, areas));
 }
 
-// Each area is read once for all panels, unless earlier ones hide it. One alone may be large and little of it drawn:
-// the library then deciphers no more than that. Whether areas overlap.
-bool gather(Session& session, const std::vector<StoredArea>& areas, const Options& options,
+// Nothing if the area is damaged, which is told. One alone may be large and little of it drawn: the library then
+// deciphers no more than that.
+std::optional<CellBlock> readIfSound(Session& session, const StoredArea& area, const Rect& part, bool alone) {
+  try {
+    return alone ? readCells(session, area, part) : readBlock(session, area);
+  } catch (const ToolError& error) {
+    if (!isDamage(error)) throw;
+    session.resumeReading();
+    message("note: area {} ({}) is hatched: {}", area.id, toText(area), error.what());
+    return std::nullopt;
+  }
+}
+
+// Each area is read once for all panels, unless earlier ones hide it. Whether areas overlap.
+bool gather(Session& session, const std::vector<StoredArea>& areas, const NumberForm& form,
             const std::vector<PanelNumbers*>& panels) {
   const GatheredNumbers& first = panels.front()->numbers;
   bool overlap = false;
@@ -182,19 +196,31 @@ bool gather(Session& session, const std::vector<StoredArea>& areas, const Option
     const Rect part = *common(area.rect, first.raster().region());
     overlap = overlap || first.covered().meets(part);
     if (first.covered().holds(part)) continue;
-    const CellBlock cells = areas.size() == 1 ? readCells(session, area, part) : readBlock(session, area);
-    const NumberForm form = requireForm({area}, options.form);
-    for (PanelNumbers* panel : panels) addCells(panel->numbers, part, cells, form, panel->component);
+    const auto cells = readIfSound(session, area, part, areas.size() == 1);
+    for (PanelNumbers* panel : panels) {
+      if (cells) {
+        addCells(panel->numbers, part, *cells, form, panel->component);
+      } else {
+        panel->numbers.add(part, [](const CellRun& run, double* row) {
+          std::fill(row, row + (run.right - run.left + 1), std::numeric_limits<double>::quiet_NaN());
+        });
+      }
+    }
   }
   return overlap;
 }
 
 // Adds the panels of one group. Whether its areas overlap.
-bool drawGroup(Session& session, const Group& group, const Rect& region, const Options& options, Picture& picture) {
+bool drawGroup(Session& session, const Group& group, const Rect& region, const NumberForm& form, const Options& options,
+               Picture& picture) {
   const auto drawn = areasMeeting(group.areas, region);
-  const NumberForm form = requireForm({drawn.front()}, options.form);
+  const auto sound =
+      std::find_if(drawn.begin(), drawn.end(), [](const StoredArea& area) { return area.fault.empty(); });
   const std::size_t first = picture.panels.size();
-  for (const std::size_t component : componentsToDraw(options, drawn.front().cellBytes, form)) {
+  std::vector<std::size_t> components(picture.plan.components, options.component);
+  if (options.sheet) std::iota(components.begin(), components.end(), std::size_t{0});
+  if (sound != drawn.end()) components = componentsToDraw(options, sound->cellBytes, form);
+  for (const std::size_t component : components) {
     GatheredNumbers numbers(region, Merge::kMean, picture.plan.limits());
     PanelNumbers& panel = picture.panels.emplace_back(PanelNumbers{group.screen, component, std::move(numbers), {}});
     describe(form, panel);
@@ -202,20 +228,32 @@ bool drawGroup(Session& session, const Group& group, const Rect& region, const O
   }
   std::vector<PanelNumbers*> panels;
   for (std::size_t i = first; i < picture.panels.size(); ++i) panels.push_back(&picture.panels[i]);
-  return gather(session, drawn, options, panels);
+  return gather(session, drawn, form, panels);
 }
 
+// The areas without faults of which cells are drawn. Throws ToolError if there are none.
+std::vector<StoredArea> soundAreas(const std::vector<Group>& groups, const Options& options) {
+  std::vector<StoredArea> sound;
+  for (const Group& group : groups) {
+    const Rect region = regionOf(options, group.screens, group.areas);
+    for (StoredArea& area : areasShowing(group.areas, region).areas) {
+      if (area.fault.empty()) sound.push_back(std::move(area));
+    }
+  }
+  if (sound.empty()) requireReadable(groups.front().areas.front());
+  return sound;
+}
+
+// One form for all: colours mean the same everywhere.
 Picture drawGroups(Session& session, const std::vector<Group>& groups, const Options& options) {
-  const StoredArea& first = groups.front().areas.front();
-  const auto components = options.sheet
-                              ? componentsToDraw(options, first.cellBytes, requireForm({first}, options.form)).size()
-                              : std::size_t{1};
-  Picture picture{{groups.size(), components}, {}, {}};
+  const auto sound = soundAreas(groups, options);
+  const NumberForm form = requireForm(sound, options.form);
+  Picture picture{{groups.size(), componentsToDraw(options, sound.front().cellBytes, form).size()}, {}, {}};
   requirePanels(picture.plan);
   bool overlap = false;
   for (const Group& group : groups) {
     const Rect region = regionOf(options, group.screens, group.areas);
-    overlap = drawGroup(session, group, region, options, picture) || overlap;
+    overlap = drawGroup(session, group, region, form, options, picture) || overlap;
   }
   if (picture.panels.size() != picture.plan.count()) {
     throw ToolError(kUsage, "the cells of the screens have different numbers of components: say which with --screen");
@@ -224,13 +262,28 @@ Picture drawGroups(Session& session, const std::vector<Group>& groups, const Opt
   return picture;
 }
 
+// Without those whose rectangle cannot be drawn, which are told.
+std::vector<StoredArea> drawableAreas(std::vector<StoredArea> areas) {
+  constexpr std::int64_t kMostRows = 100000;  // of an area with a fault; the others have blocks of their size
+  std::vector<StoredArea> drawable;
+  for (StoredArea& area : areas) {
+    if (area.fault.empty() || (isSound(area.rect) && rowsOf(area.rect) <= kMostRows)) {
+      drawable.push_back(std::move(area));
+    } else {
+      message("note: area {} is left out: {}", area.id, area.fault);
+    }
+  }
+  if (drawable.empty()) requireReadable(areas.front());
+  return drawable;
+}
+
 Picture fromDatabase(Context& context, const Options& options) {
   if (!options.type) throw ToolError(kUsage, "a database takes --type");
   Session session = openDatabase(context, options.file);
   const auto screens = storedScreens(session);
   for (const StoredScreen& screen : screens) requireSound(screen.rect, "screen " + screen.name);
   if (!options.screen.empty()) screenNamed(screens, options.screen);
-  const auto areas = areasOfType(session, *options.type, options.screen);
+  const auto areas = drawableAreas(areasOfType(session, *options.type, options.screen));
   const Rect region = regionOf(options, screens, areas);
   requireSomething(region, screens, areas);
   const bool byName = session.manager().getDBType() == 1;

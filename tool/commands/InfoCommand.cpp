@@ -27,7 +27,8 @@ std::string asText(const std::string& file, const FileFacts& facts) {
   for (const Fact& fact : facts.engine) general.push_back({fact.label, fact.value});
   TextRows tables;
   for (const TableFacts& table : facts.tables) {
-    tables.push_back({table.name, std::to_string(table.rows), std::to_string(table.bytes)});
+    tables.push_back(
+        {table.name, std::to_string(table.rows), table.fault.empty() ? std::to_string(table.bytes) : "damaged"});
   }
   TextRows screenRows;
   for (const ScreenFacts& entry : facts.screens) {
@@ -57,7 +58,8 @@ Json engineOf(const std::vector<Fact>& facts) {
 std::string asJson(const std::string& file, const FileFacts& facts) {
   Json tables = Json::array();
   for (const TableFacts& table : facts.tables) {
-    tables.push_back({{"name", table.name}, {"rows", table.rows}, {"bytes", table.bytes}});
+    Json& object = tables.emplace_back(Json{{"name", table.name}, {"rows", table.rows}, {"bytes", table.bytes}});
+    if (!table.fault.empty()) object["fault"] = table.fault;
   }
   Json screenList = Json::array();
   for (const ScreenFacts& entry : facts.screens) {

@@ -2,8 +2,11 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+
 #include "storage/StatusCodes.h"
 #include "tool/database/LibraryError.h"
+#include "tool/database/Mosaic.h"
 #include "tool/database/NumberForms.h"
 #include "tool/database/Screens.h"
 #include "tool/database/StoredArea.h"
@@ -13,21 +16,28 @@
 namespace tovrtool {
 namespace {
 
-std::string namedRect(const std::string& name, const Rect& rect) { return fmt::format("{} ({})", name, toText(rect)); }
-
-// What is there instead of what was asked for; empty where that does not help.
-std::string alternatives(Session& session, int code, const AreaName& area) {
+std::string screenList(const std::vector<StoredScreen>& screens) {
   std::vector<std::string> names;
-  if (code == tovr::kNoScreenForRectangle || code == tovr::kNoSuchScreenName) {
-    for (const StoredScreen& screen : storedScreens(session)) names.push_back(namedRect(screen.name, screen.rect));
-    return "; screens: " + shortList(names);
-  }
-  if (code == tovr::kNoMatchingArea) {
-    for (const Placement& stored : placements(session)) {
-      if (stored.type == area.type) names.push_back(namedRect(stored.screen, stored.rect));
-    }
-    return fmt::format("; areas of type {}: {}", area.type, shortList(names));
-  }
+  for (const StoredScreen& screen : screens) names.push_back(fmt::format("{} ({})", screen.name, toText(screen.rect)));
+  return "screens: " + shortList(names);
+}
+
+// Why no screen holds the rectangle, and what helps.
+std::string insteadOfScreen(Session& session, const AreaName& area) {
+  const std::vector<StoredScreen> screens = storedScreens(session);
+  const std::string text = screenList(screens);
+  const auto areas = areasOfType(session, area.type, "");
+  if (!areasMeeting(areas, area.rect).empty()) return text + "; " + insteadOf(area.rect, areas);
+  const auto screen = std::find_if(screens.begin(), screens.end(),
+                                   [&](const StoredScreen& each) { return common(each.rect, area.rect).has_value(); });
+  if (screen == screens.end()) return text;
+  return text + "; it reaches " + outsideText(area.rect, screen->rect, "the screen " + screen->name);
+}
+
+// What is there instead of what was asked for; empty if that does not help.
+std::string alternatives(Session& session, int code, const AreaName& area) {
+  if (code == tovr::kNoSuchScreenName) return "; " + screenList(storedScreens(session));
+  if (code == tovr::kNoScreenForRectangle) return "; " + insteadOfScreen(session, area);
   return {};
 }
 

@@ -27,23 +27,23 @@ struct CellAnswer {
   CellBlock cells;
   std::vector<StoredArea> areas;   // that the cells are from
   std::optional<NumberForm> form;  // given or kept
-  bool overlapping = false;        // the first stored area shows
+  bool overlapping = false;        // of a mosaic: areas overlap in it, and each cell is the first stored area's
   std::int64_t filled = 0;         // cells
 };
 
 // Where the cells that a query asks for lie.
 struct CellSource {
-  std::vector<StoredArea>
-      areas;  // one; of a mosaic those that have a part in it, in the order in which they were stored
+  std::vector<StoredArea> areas;  // one; of a mosaic those that show, in the order in which they were stored
   Rect rect{};
-  bool mosaic = false;
+  bool mosaic = false;  // more than one area, or not all of the rectangle covered
+  bool overlapping = false;
 };
 
-// Reads no cells. Throws ToolError, which tells what there is instead.
+// Reads no cells. Throws ToolError, which tells what there is instead, also if an area that is needed has a fault.
 CellSource locateCells(Session& session, const CellQuery& query);
 
-// A rectangle that one area holds is answered as the library answers it. Throws ToolError, which tells what there is
-// instead.
+// Without `mosaic`, a rectangle is answered as the library answers it; with it, each cell is from the first stored area
+// that has it. Throws ToolError as locateCells and readMosaic do.
 CellAnswer findCells(Session& session, const CellQuery& query);
 
 }  // namespace tovrtool

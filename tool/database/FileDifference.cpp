@@ -6,6 +6,7 @@
 #include <map>
 #include <utility>
 
+#include "tool/database/Damage.h"
 #include "tool/database/NumberForms.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/system/ToolError.h"
@@ -25,15 +26,32 @@ auto naming(const std::string& file, Action action) {
   }
 }
 
-Bytes storedBytes(Session& session, const Item& item) {
-  return queryPayload(session, item.blob->table, item.blob->id).value_or(Bytes());
+StoredPayload storedPayload(Session& session, const Item& item) {
+  if (item.area && !item.area->fault.empty()) return {{}, item.area->fault};
+  try {
+    return {queryPayload(session, item.blob->table, item.blob->id).value_or(Bytes()), {}};
+  } catch (const ToolError& error) {
+    if (!isDamage(error)) throw;
+    session.resumeReading();
+    return {{}, error.what()};
+  }
 }
 
-Bytes payload(Session& session, const std::string& file, const Item& item, const Bytes& stored) {
-  return naming(file + ": " + item.name, [&] { return decipherBlob(session.host().encryption(), stored); });
+// Deciphered.
+StoredPayload payloadOf(Session& session, const StoredPayload& stored) {
+  if (!stored.fault.empty()) return stored;
+  try {
+    return {decipherBlob(session.host().encryption(), stored.bytes), {}};
+  } catch (const ToolError& error) {
+    if (!isDamage(error)) throw;
+    return {{}, error.what()};
+  }
 }
+
+bool isFaulty(const Item& item) { return item.area && !item.area->fault.empty(); }
 
 std::string summary(const Item& item) {
+  if (isFaulty(item)) return "damaged: " + item.area->fault;
   std::vector<std::string> texts;
   for (const auto& [field, value] : item.fields) {
     if (!value.empty()) texts.push_back(field + " " + value);
@@ -110,7 +128,8 @@ void FileComparison::pairItems() {
     }
     const Item& other = *found->second;
     after.erase(found);
-    for (std::size_t i = 0; i < item.fields.size(); ++i) {
+    const bool faulty = isFaulty(item) || isFaulty(other);
+    for (std::size_t i = 0; i < item.fields.size() && !faulty; ++i) {
       const auto& [field, text] = item.fields[i];
       if (text == other.fields[i].second) continue;
       differences_.push_back(
@@ -127,7 +146,14 @@ void FileComparison::pairItems() {
 std::vector<StoredArea> FileComparison::commonAreas() const {
   std::vector<StoredArea> areas;
   for (const Pair& pair : blobs_) {
-    if (sameShape(*pair.before, *pair.after)) areas.push_back(*pair.before->area);
+    if (!pair.before->area) continue;
+    const bool faulty = isFaulty(*pair.before);
+    if (faulty && isFaulty(*pair.after)) continue;
+    if (faulty || isFaulty(*pair.after)) {
+      areas.push_back(faulty ? *pair.after->area : *pair.before->area);
+    } else if (sameShape(*pair.before, *pair.after)) {
+      areas.push_back(*pair.before->area);
+    }
   }
   return areas;
 }
@@ -146,33 +172,37 @@ std::vector<Difference> FileComparison::compare(const Comparing& how, const Visi
 }
 
 void FileComparison::compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit) {
-  std::vector<Bytes> stored;
+  std::vector<StoredPayload> stored;
   naming(before_.path, [&] {
     Session session = Session::openExisting(access_, before_.path, before_.key);
-    for (std::size_t i = from; i < to; ++i) stored.push_back(storedBytes(session, *blobs_[i].before));
+    for (std::size_t i = from; i < to; ++i) stored.push_back(storedPayload(session, *blobs_[i].before));
     session.close();
   });
   Session session = naming(after_.path, [&] { return Session::openExisting(access_, after_.path, after_.key); });
   for (std::size_t i = from; i < to; ++i) {
     compareBlobs(session, blobs_[i], stored[i - from], how, visit);
-    stored[i - from] = Bytes();
+    stored[i - from] = {};
   }
   naming(after_.path, [&] { session.close(); });
 }
 
 // Payloads are enciphered alike in every file, so equal ones need not be deciphered.
-void FileComparison::compareBlobs(Session& session, const Pair& pair, const Bytes& storedBefore, const Comparing& how,
-                                  const VisitBlock& visit) {
-  const Bytes storedAfter = naming(after_.path, [&] { return storedBytes(session, *pair.after); });
+void FileComparison::compareBlobs(Session& session, const Pair& pair, const StoredPayload& storedBefore,
+                                  const Comparing& how, const VisitBlock& visit) {
+  const StoredPayload storedAfter = naming(after_.path, [&] { return storedPayload(session, *pair.after); });
   const bool shaped = sameShape(*pair.before, *pair.after);
   const auto form = shaped ? commonForm(*pair.before->area, *pair.after->area, how.form) : std::nullopt;
-  if (storedBefore == storedAfter) {
+  const bool readable = storedBefore.fault.empty() && storedAfter.fault.empty();
+  if (readable && storedBefore.bytes == storedAfter.bytes) {
     if (!shaped) return;
     const CellBlock equal{pair.before->area->rect, pair.before->area->cellBytes, nullptr};
     return visit(*pair.before->area, equal, equal, form);
   }
-  Bytes before = payload(session, before_.path, *pair.before, storedBefore);
-  Bytes after = payload(session, after_.path, *pair.after, storedAfter);
+  StoredPayload payloadBefore = payloadOf(session, storedBefore), payloadAfter = payloadOf(session, storedAfter);
+  if (!payloadBefore.fault.empty() || !payloadAfter.fault.empty()) {
+    return addFault(pair, payloadBefore.fault, payloadAfter.fault);
+  }
+  Bytes before = std::move(payloadBefore.bytes), after = std::move(payloadAfter.bytes);
   if (shaped && isBlockOf(*pair.before, before) && isBlockOf(*pair.after, after)) {
     const StoredArea& area = *pair.before->area;
     const CellBlock cellsBefore = blockOf(area.rect, area.cellBytes, std::move(before));
@@ -185,6 +215,11 @@ void FileComparison::compareBlobs(Session& session, const Pair& pair, const Byte
   const BytesDifference bytes = compareBytes(before, after);
   if (bytes.differing == 0 && bytes.sizeBefore == bytes.sizeAfter) return;  // only the padding of the cipher
   differences_.push_back({pair.before->name, pair.before->place, Difference::Kind::kBytes, "", "", "", {}, {}, bytes});
+}
+
+void FileComparison::addFault(const Pair& pair, const std::string& before, const std::string& after) {
+  differences_.push_back(
+      {pair.before->name, pair.before->place, Difference::Kind::kFault, "", before, after, {}, {}, {}});
 }
 
 void FileComparison::addCells(const Pair& pair, const CellBlock& before, const CellBlock& after,

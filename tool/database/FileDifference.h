@@ -26,11 +26,12 @@ struct BytesDifference {
 };
 
 struct Difference {
-  enum class Kind { kOnlyBefore, kOnlyAfter, kField, kCells, kBytes };
+  enum class Kind { kOnlyBefore, kOnlyAfter, kField, kCells, kBytes, kFault };
   std::string item;
   ItemPlace place;
   Kind kind;
-  // kField: of what, and its texts. Items that one file lacks: field and text of the whole.
+  // kField: of what, and its texts. Items that one file lacks: field and text of the whole. kFault: why the payload of
+  // one file, or of each, cannot be read.
   std::string field;
   std::string before;
   std::string after;
@@ -44,6 +45,12 @@ struct Difference {
 using VisitBlock = std::function<void(const StoredArea& area, const CellBlock& before, const CellBlock& after,
                                       const std::optional<NumberForm>& form)>;
 
+// As it is stored; nothing and the reason if that cannot be read.
+struct StoredPayload {
+  Bytes bytes;
+  std::string fault;
+};
+
 struct Comparing {
   FormOptions form;  // blocks whose cells are not a whole number of such values are compared to the bit
   std::optional<Tolerance> tolerance;
@@ -54,7 +61,8 @@ class FileComparison {
   // Reads what both files hold, but no payloads. Throws ToolError, which names the file.
   FileComparison(const Access& access, FileAndKey before, FileAndKey after);
 
-  // Areas of blocks that both hold in the same shape, in the order of the first file.
+  // Areas of blocks that both hold in the same shape, in the order of the first file; if one file's cannot be read, the
+  // other's.
   std::vector<StoredArea> commonAreas() const;
 
   // Compares everything. Only one file can be open at a time, so payloads are read in turns, some hundred megabytes of
@@ -71,8 +79,9 @@ class FileComparison {
   std::vector<Item> inventory(const FileAndKey& file) const;
   void pairItems();
   void compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit);
-  void compareBlobs(Session& session, const Pair& pair, const Bytes& before, const Comparing& how,
+  void compareBlobs(Session& session, const Pair& pair, const StoredPayload& before, const Comparing& how,
                     const VisitBlock& visit);
+  void addFault(const Pair& pair, const std::string& before, const std::string& after);
   void addCells(const Pair& pair, const CellBlock& before, const CellBlock& after,
                 const std::optional<NumberForm>& form, const std::optional<Tolerance>& tolerance);
 

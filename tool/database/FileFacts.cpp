@@ -2,8 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <map>
 
+#include "tool/database/Damage.h"
 #include "tool/database/FileGeneration.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredArea.h"
@@ -54,26 +55,41 @@ std::string bytesOf(const Row& column) {
   return fmt::format("ifnull(sum(length({})), 0)", value);
 }
 
+std::int64_t countRows(Session& session, const std::string& table) {
+  try {
+    return queryNumber(session.connection(), "select count(*) from " + table);
+  } catch (const ToolError& error) {
+    if (!isDamage(error)) throw;
+    session.resumeReading();
+    return 0;
+  }
+}
+
 TableFacts tableFacts(Session& session, const std::string& table) {
   std::vector<std::string> bytes;
   for (const Row& column : queryRows(session.connection(), fmt::format("pragma table_info({})", table))) {
     bytes.push_back(bytesOf(column));
   }
-  TableFacts facts{table, 0, 0};
-  visitRows(session.connection(), fmt::format("select count(*), {} from {}", fmt::join(bytes, " + "), table), [&] {
-    facts.rows = columnNumber(session.connection(), 0);
-    facts.bytes = columnNumber(session.connection(), 1);
-  });
+  TableFacts facts{table, 0, 0, {}};
+  try {
+    visitRows(session.connection(), fmt::format("select count(*), {} from {}", fmt::join(bytes, " + "), table), [&] {
+      facts.rows = columnNumber(session.connection(), 0);
+      facts.bytes = columnNumber(session.connection(), 1);
+    });
+  } catch (const ToolError& error) {
+    if (!isDamage(error)) throw;
+    facts.fault = error.what();
+    session.resumeReading();
+    facts.rows = countRows(session, table);
+  }
   return facts;
 }
 
 std::vector<ScreenFacts> screenFacts(Session& session) {
-  const auto areas = placements(session);
+  std::map<std::int64_t, std::int64_t> areas;  // by screen
+  for (const Placement& area : placements(session)) ++areas[area.screenId];
   std::vector<ScreenFacts> facts;
-  for (const StoredScreen& screen : storedScreens(session)) {
-    facts.push_back({screen, std::count_if(areas.begin(), areas.end(),
-                                           [&](const Placement& area) { return area.screenId == screen.id; })});
-  }
+  for (const StoredScreen& screen : storedScreens(session)) facts.push_back({screen, areas[screen.id]});
   return facts;
 }
 

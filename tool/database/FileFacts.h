@@ -20,6 +20,7 @@ struct TableFacts {
   std::string name;
   std::int64_t rows = 0;
   std::int64_t bytes = 0;  // the sum of the lengths of its values
+  std::string fault;       // why they cannot be counted
 };
 
 struct ScreenFacts {

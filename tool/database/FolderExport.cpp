@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <map>
+#include <set>
+#include <utility>
 
 #include "tool/cells/CellBlock.h"
 #include "tool/database/ExportFormat.h"
@@ -37,6 +39,16 @@ std::map<std::int64_t, StoredArea> areasByBlock(Session& session) {
   return found;
 }
 
+// The rows that refer to payloads.
+struct PayloadOwner {
+  const char* table;
+  const char* column;
+  const char* payloads;
+};
+constexpr PayloadOwner kPayloadOwners[] = {{"Coef_Info", "coefid", kBlockTable},
+                                           {"DataInfo", "dataid", kDataTable},
+                                           {"LumChromDataInfo", "dataid", kMeasurementTable}};
+
 class Exporter {
  public:
   Exporter(Session& session, const UnfinishedFolder& folder, const std::optional<Dtype>& dtype)
@@ -49,14 +61,18 @@ class Exporter {
   Json everything() {
     Json tables = Json::object();
     for (const std::string& table : kTables) tables[table] = rows(table);
+    for (const PayloadOwner& owner : kPayloadOwners) dropOwners(tables, owner);
     Json sequence = Json::object();
     for (const Row& row : queryRows(session_.connection(), "select name, seq from sqlite_sequence order by name")) {
       sequence[row[0]] = std::strtoll(row[1].c_str(), nullptr, 10);
     }
-    return {{"format", kExportFormat}, {"version", kExportVersion}, {"tables", tables}, {"sequence", sequence}};
+    Json manifest{{"format", kExportFormat}, {"version", kExportVersion}, {"tables", tables}, {"sequence", sequence}};
+    if (!faults_.empty()) manifest["faults"] = faults_;
+    return manifest;
   }
 
   std::size_t files() const { return files_; }
+  const std::vector<std::string>& faults() const { return faults_; }
 
  private:
   static std::uint64_t payloadBytes(Session& session) {
@@ -70,9 +86,35 @@ class Exporter {
   Json rows(const std::string& table) {
     Json all = Json::array();
     readTable(
-        session_.connection(), table, [&](const Json& row, Bytes blob) { return write(table, row, std::move(blob)); },
-        [&](Json row) { all.push_back(std::move(row)); });
+        session_, table, [&](const Json& row, Bytes blob) { return write(table, row, std::move(blob)); },
+        [&](Json row) { all.push_back(std::move(row)); },
+        [&](std::int64_t key, const std::string& fault) {
+          missing_.emplace(table, key);
+          faults_.push_back(fmt::format("row {} of {}: {}", key, table, fault));
+        });
     return all;
+  }
+
+  // Rows that refer to a payload that was left out.
+  void dropOwners(Json& tables, const PayloadOwner& owner) {
+    Json kept = Json::array();
+    for (Json& row : tables[owner.table]) {
+      const auto payload = wholeNumber(row.at(owner.column));
+      if (!payload || missing_.count({owner.payloads, *payload}) == 0) {
+        kept.push_back(std::move(row));
+        continue;
+      }
+      faults_.push_back(fmt::format("row {} of {}, whose payload is row {} of {}{}", row.at("id").dump(), owner.table,
+                                    *payload, owner.payloads, areaAt(owner, *payload)));
+    }
+    tables[owner.table] = std::move(kept);
+  }
+
+  // ": area 3 (left, 0,0,7,3), type 1"
+  std::string areaAt(const PayloadOwner& owner, std::int64_t payload) const {
+    const auto found = owner.payloads == std::string(kBlockTable) ? areas_.find(payload) : areas_.end();
+    if (found == areas_.end()) return {};
+    return fmt::format(": area {} ({}), type {}", found->second.id, toText(found->second), found->second.type);
   }
 
   // The file for a payload.
@@ -114,6 +156,8 @@ class Exporter {
   std::map<std::int64_t, StoredArea> areas_;
   Progress progress_;
   std::size_t files_ = 0;
+  std::set<std::pair<std::string, std::int64_t>> missing_;  // tables and keys
+  std::vector<std::string> faults_;
 };
 
 std::vector<std::string> otherObjects(Session& session) {
@@ -139,6 +183,7 @@ ExportReport exportFolder(Session& session, const std::string& path, Existing ex
     file.write(manifest.data(), manifest.size());
     file.commit();
     report.payloadFiles = exporter.files();
+    report.faults = exporter.faults();
   }
   report.leftOut = otherObjects(session);
   session.require(session.connection().exec("COMMIT"));

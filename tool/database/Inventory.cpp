@@ -47,7 +47,6 @@ void addScreens(Session& session, Items& items) {
 
 void addBlocks(Session& session, Items& items) {
   for (const StoredArea& area : storedAreas(session)) {
-    requireSound(area.rect, fmt::format("area {}", area.id));
     const auto form = keptForm(area);
     items.push_back({fmt::format("block of {}, type {}", toText(area), area.type),
                      {"block", area.screen, std::to_string(area.type), area.rect, {}},

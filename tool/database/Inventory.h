@@ -33,7 +33,7 @@ struct Item {
   ItemPlace place;
   std::vector<std::pair<std::string, std::string>> fields;  // in the same order for all items of a kind
   std::optional<BlobPlace> blob;
-  std::optional<StoredArea> area;  // of a block
+  std::optional<StoredArea> area;  // of a block; if it has a fault, fields and blob tell nothing
 };
 
 // In a fixed order of kinds. Times of rows are left out. Throws ToolError on failure.

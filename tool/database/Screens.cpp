@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "storage/StatusCodes.h"
+#include "tool/database/Damage.h"
 #include "tool/database/LibraryError.h"
 #include "tool/database/Objection.h"
 #include "tool/database/ScreenNames.h"
@@ -48,7 +49,7 @@ void objectToHidden(const std::vector<StoredScreen>& screens, const Rect& rect, 
 
 std::vector<StoredScreen> storedScreens(Session& session) {
   const auto all = session.host().makeRecord<tovr::ScreenInfoDataResult>();
-  session.require(session.manager().queryData(all.get()));
+  session.require(queryLibrary(session, *all));
   std::vector<StoredScreen> screens;
   for (const auto& screen : all->screens) screens.push_back({screen.id, screen.screenname, rectOf(screen)});
   return screens;

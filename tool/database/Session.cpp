@@ -184,14 +184,28 @@ int Session::execFor(unsigned int milliseconds, const char* sql) {
 }
 
 SessionState Session::state() {
-  return {number_, queryNumber(connection(), "PRAGMA data_version"),
-          queryNumber(connection(), "select total_changes()"), undone_};
+  return {number_, queryNumber(connection(), "PRAGMA data_version"), writtenRows(), undone_};
 }
 
 void Session::beginReading() {
   require(connection().exec("begin"));
   queryNumber(connection(), "select count(*) from sqlite_master");
 }
+
+void Session::resumeReading() {
+  if (inTransaction() && writtenRows() != rowsBefore_) {
+    throw ToolError(kRefused, "a damaged page was met in a transaction that has written already; undo it first");
+  }
+  const bool reading = connection().exec("ROLLBACK") == 0;  // fails if there is no transaction
+  if (inTransaction()) {
+    require(execPatiently("BEGIN IMMEDIATE"));
+    for (int i = 1; i < transactions_; ++i) require(connection().exec("SAVEPOINT inner"));
+  } else if (reading) {
+    beginReading();
+  }
+}
+
+std::int64_t Session::writtenRows() { return queryNumber(connection(), "select total_changes()"); }
 
 void Session::requireRightKey(int code) {
   if (code == kNotADatabase) throw statusError(code, "the key is wrong, or the file is not a database");
@@ -224,6 +238,7 @@ void Session::close() {
 // Savepoints of one name nest: each statement means the youngest.
 Transaction::Transaction(Session& session) : session_(session), inner_(session.inTransaction()) {
   session_.require(session_.execPatiently(inner_ ? "SAVEPOINT inner" : "BEGIN IMMEDIATE"));
+  if (!inner_) session_.rowsBefore_ = session_.writtenRows();
   ++session_.transactions_;
 }
 

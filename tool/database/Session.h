@@ -64,6 +64,11 @@ class Session {
 
   bool inTransaction() const { return transactions_ > 0; }
 
+  // After a read failed on a damaged page: until their transaction ends, some engines then answer nothing more. Begins
+  // it again, if there is one; what is read from there on may be a later state of the file. Throws ToolError if it has
+  // written rows, which would be lost.
+  void resumeReading();
+
   // Throws ToolError with the code, its meaning, the engine's words and `detail` unless `code` is 0.
   void require(int code, const std::string& detail = "");
   // The file is complete and closed. Throws ToolError where the library says otherwise.
@@ -78,6 +83,7 @@ class Session {
   int execFor(unsigned int milliseconds, const char* sql);
   void announceWait() const;
   void checkWaiting() const;
+  std::int64_t writtenRows();
   void probe();
   void requireRightKey(int code);
 
@@ -85,9 +91,10 @@ class Session {
   bool open_ = false;
   unsigned int patience_ = 0;  // seconds
   std::function<void()> whileWaiting_;
-  int transactions_ = 0;     // one within the other
-  std::int64_t undone_ = 0;  // transactions
-  std::uint64_t number_;     // of all sessions of the process
+  int transactions_ = 0;         // one within the other
+  std::int64_t rowsBefore_ = 0;  // that were written before the outer one began
+  std::int64_t undone_ = 0;      // transactions
+  std::uint64_t number_;         // of all sessions of the process
 };
 
 // Several statements that are kept together or not at all: the library itself rolls nothing back. One within another is

@@ -9,8 +9,11 @@
 #include <set>
 #include <utility>
 
+#include "storage/BlobFraming.h"
 #include "storage/StatusCodes.h"
+#include "tool/database/Damage.h"
 #include "tool/database/LibraryError.h"
+#include "tool/database/PlaceIndex.h"
 #include "tool/database/Screens.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/StoredBlob.h"
@@ -55,12 +58,6 @@ Placement placementOf(tovr::IDBOperate& connection) {
   return area;
 }
 
-std::string listed(const std::vector<StoredArea>& areas) {
-  std::vector<std::string> texts;
-  for (const StoredArea& area : areas) texts.push_back(toText(area));
-  return shortList(texts, "; ");
-}
-
 std::string storedTypes(const std::vector<Placement>& areas) {
   if (areas.empty()) return "the file holds no areas; tovrdb coef put stores them";
   std::set<std::int32_t> types;
@@ -70,27 +67,54 @@ std::string storedTypes(const std::vector<Placement>& areas) {
   return "there are areas of type " + shortList(texts);
 }
 
-// `areas` with what is stored beside their blocks. `which` chooses the rows of areas: reading what lies behind a blob
+// By the key of their block.
+using AreasOfBlocks = std::map<std::int64_t, std::vector<StoredArea*>>;
+
+// What is stored beside the blocks that `which` chooses.
+void readFacts(Session& session, const std::string& which, const AreasOfBlocks& areas) {
+  tovr::IDBOperate& connection = session.connection();
+  const std::string sql = "select id, databitwidth, length(data), version from Coef where id " + which;
+  visitRows(connection, sql, [&] {
+    const auto found = areas.find(columnNumber(connection, 0));
+    if (found == areas.end()) return;
+    for (StoredArea* area : found->second) {
+      area->cellBytes = static_cast<std::int32_t>(columnNumber(connection, 1));
+      area->storedBytes = columnNumber(connection, 2);
+      area->version = columnText(connection, 3);
+      area->fault = faultOf(*area);
+    }
+  });
+}
+
+void readFactsOneByOne(Session& session, const AreasOfBlocks& areas) {
+  for (const auto& [block, those] : areas) {
+    try {
+      readFacts(session, fmt::format("= {}", block), areas);
+    } catch (const ToolError& error) {
+      if (!isDamage(error)) throw;
+      for (StoredArea* area : those) area->fault = fmt::format("its block {} cannot be read ({})", block, error.what());
+      session.resumeReading();
+    }
+  }
+}
+
+// `placed` with what is stored beside their blocks. `which` chooses the rows of areas: reading what lies behind a blob
 // costs as much as the blob.
 std::vector<StoredArea> withBlocks(Session& session, std::vector<Placement> placed, const std::string& which) {
-  std::vector<StoredArea> areas;
-  std::map<std::int64_t, std::vector<std::size_t>> ofBlock;
-  for (Placement& placement : placed) {
-    ofBlock[placement.blockId].push_back(areas.size());
-    static_cast<Placement&>(areas.emplace_back()) = std::move(placement);
+  std::vector<StoredArea> areas(placed.size());
+  AreasOfBlocks ofBlocks;
+  for (std::size_t i = 0; i < placed.size(); ++i) {
+    static_cast<Placement&>(areas[i]) = std::move(placed[i]);
+    areas[i].fault = fmt::format("its block {} is missing", areas[i].blockId);
+    ofBlocks[areas[i].blockId].push_back(&areas[i]);
   }
-  tovr::IDBOperate& connection = session.connection();
-  visitRows(connection,
-            fmt::format("select id, databitwidth, length(data), version from Coef where id in"
-                        " (select coefid from Coef_Info where {})",
-                        which),
-            [&] {
-              for (const std::size_t index : ofBlock[columnNumber(connection, 0)]) {
-                areas[index].cellBytes = static_cast<std::int32_t>(columnNumber(connection, 1));
-                areas[index].storedBytes = columnNumber(connection, 2);
-                areas[index].version = columnText(connection, 3);
-              }
-            });
+  try {
+    readFacts(session, fmt::format("in (select coefid from Coef_Info where {})", which), ofBlocks);
+  } catch (const ToolError& error) {
+    if (!isDamage(error)) throw;
+    session.resumeReading();
+    readFactsOneByOne(session, ofBlocks);
+  }
   return areas;
 }
 
@@ -131,7 +155,7 @@ std::optional<CellBlock> readByLibrary(Session& session, const StoredArea& area,
   record->coeftype = area.type;
   record->screenname = area.screen;
   setRect(*record, rect);
-  const int code = session.manager().queryData(record.get());
+  const int code = queryLibrary(session, *record);
   const std::shared_ptr<unsigned char[]> bytes(record->coefBuffer.data);
   if (code != 0 || record->id != area.id) return std::nullopt;
   return cellsOf(*record, bytes);
@@ -141,9 +165,8 @@ std::optional<CellBlock> readByLibrary(Session& session, const StoredArea& area,
 
 void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes) {
   if (fills(bytes, rect, cellBytes)) return;
-  throw statusError(tovr::kCipherFailed,
-                    fmt::format("the stored block is damaged: {} bytes are not the cells of {} with {} bytes each",
-                                bytes, toText(rect), cellBytes));
+  refuseDamaged("the stored block",
+                fmt::format("{} bytes are not the cells of {} with {} bytes each", bytes, toText(rect), cellBytes));
 }
 
 std::vector<Placement> placements(Session& session) { return placementsThat(session, "1"); }
@@ -154,12 +177,28 @@ StoredArea storedArea(Session& session, const Placement& placement) {
   return withBlocks(session, {placement}, fmt::format("id = {}", placement.id)).front();
 }
 
+std::optional<StoredArea> findArea(Session& session, std::int64_t id) {
+  const auto found = placementsThat(session, fmt::format("i.id = {}", id));
+  if (found.empty()) return std::nullopt;
+  return storedArea(session, found.front());
+}
+
+std::string faultOf(const StoredArea& area) {
+  if (!isSound(area.rect)) return fmt::format("no cells can lie in its rectangle {}", toText(area.rect));
+  if (area.cellBytes <= 0) return fmt::format("its cells have {} bytes each", area.cellBytes);
+  const std::int64_t rowBytes = columnsOf(area.rect) * area.cellBytes;  // the product with the rows may exceed 64 bits
+  const std::int64_t room = std::max<std::int64_t>(area.storedBytes - std::int64_t{tovr::kLengthPrefixSize}, 0);
+  if (rowsOf(area.rect) <= room / rowBytes) return {};
+  return fmt::format("its block is too short: {} bytes for {} x {} cells of {} bytes", room, columnsOf(area.rect),
+                     rowsOf(area.rect), area.cellBytes);
+}
+
+void requireReadable(const StoredArea& area) {
+  if (!area.fault.empty()) refuseDamaged(fmt::format("area {} ({})", area.id, toText(area)), area.fault);
+}
+
 void requireSound(const Rect& rect, const std::string& whose) {
-  if (isSound(rect)) return;
-  ToolError error(kDamaged, "{} has the rectangle {}, in which no cells can lie: the file is damaged", whose,
-                  toText(rect));
-  error.setStatus(tovr::kCipherFailed);
-  throw error;
+  if (!isSound(rect)) refuseDamaged(whose, fmt::format("no cells can lie in its rectangle {}", toText(rect)));
 }
 
 std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const std::string& screen) {
@@ -172,7 +211,6 @@ std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const s
                        fmt::format("asked for type {}{}; {}", type, screen.empty() ? "" : " of the screen " + screen,
                                    storedTypes(all)));
   }
-  for (const Placement& area : chosen) requireSound(area.rect, fmt::format("area {}", area.id));
   return withBlocks(session, std::move(chosen), fmt::format("coeftype = {}", type));
 }
 
@@ -183,37 +221,18 @@ std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, con
   return storedArea(session, *placement);
 }
 
-const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect) {
-  if (!rect) {
-    if (areas.size() == 1) return areas.front();
-    throw ToolError(kUsage, "there are several areas, say which with --rect (and --screen): {}", listed(areas));
-  }
-  const auto found =
-      std::find_if(areas.begin(), areas.end(), [&](const StoredArea& area) { return holds(area.rect, *rect); });
-  if (found != areas.end()) return *found;
-  throw libraryError(tovr::kNoMatchingArea, fmt::format("asked for {}; there are {}", toText(*rect), listed(areas)));
-}
-
 bool screensShareCells(const std::vector<StoredArea>& areas) {
   std::map<std::int64_t, Rect> rects;  // by screen
   for (const StoredArea& area : areas) {
     const auto [entry, fresh] = rects.emplace(area.screenId, area.rect);
     entry->second = united(entry->second, area.rect);
   }
-  for (auto one = rects.begin(); one != rects.end(); ++one) {
-    const auto meets = [&](const auto& other) { return common(one->second, other.second).has_value(); };
-    if (std::any_of(std::next(one), rects.end(), meets)) return true;
-  }
-  return false;
-}
-
-std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {
-  std::vector<std::string> overlapping;
-  for (const StoredArea& area : areas) {
-    if (common(area.rect, rect)) overlapping.push_back(fmt::format("{} ({})", area.id, toText(area.rect)));
-  }
-  if (overlapping.empty()) return "there are " + listed(areas);
-  return fmt::format("areas that overlap it: {}; read across them with --mosaic", shortList(overlapping));
+  std::vector<Rect> each;
+  for (const auto& [screen, rect] : rects) each.push_back(rect);
+  const auto placeOf = [](const Rect& rect) { return PlaceIndex::Place{0, rect}; };
+  const PlaceIndex index(each, placeOf);
+  return std::any_of(each.begin(), each.end(),
+                     [&](const Rect& rect) { return index.overlapping(placeOf(rect)).size() > 1; });
 }
 
 void requireUnmoved(Session& session, const std::vector<StoredArea>& areas) {
@@ -233,22 +252,22 @@ void requireUnmoved(Session& session, const std::vector<StoredArea>& areas) {
 }
 
 CellBlock readBlock(Session& session, const StoredArea& area) {
+  requireReadable(area);
   const auto blob = queryPayload(session, kBlockTable, area.blockId);
-  if (!blob) {
-    throw statusError(tovr::kCipherFailed, fmt::format("block {} of {} is missing", area.blockId, toText(area)));
-  }
+  if (!blob) refuseDamaged(fmt::format("area {} ({})", area.id, toText(area)), "its block is missing");
   Bytes cells = decipherBlob(session.host().encryption(), *blob);
   requireFilled(cells.size(), area.rect, area.cellBytes);
   return blockOf(area.rect, area.cellBytes, std::move(cells));
 }
 
 CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect) {
+  requireReadable(area);
   if (auto cells = readByLibrary(session, area, rect)) return *std::move(cells);
   return cut(readBlock(session, area), rect);
 }
 
 CellBlock queryCells(Session& session, tovr::CoefData& record, const std::function<void(int code)>& require) {
-  const int code = session.manager().queryData(&record);
+  const int code = queryLibrary(session, record);
   const std::shared_ptr<unsigned char[]> bytes(record.coefBuffer.data);
   require(code);
   return cellsOf(record, bytes);

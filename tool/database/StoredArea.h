@@ -27,19 +27,29 @@ struct Placement {
   std::string changed;    // when it was written last
 };
 
-// The same with what is stored beside the block's cells; zeros and empty texts where the block is missing.
+// The same with what is stored beside the block's cells; zeros and empty texts if the block is missing or unreadable.
 struct StoredArea : Placement {
   std::int32_t cellBytes = 0;
   std::int64_t storedBytes = 0;  // enciphered
   std::string version;
+  std::string fault;  // why the cells cannot be read, as far as it shows without reading them; empty if it does not
 };
 
-// In the order in which they were stored. Throw ToolError on failure.
+// In the order in which they were stored. Throw ToolError on failure; an area whose block is damaged has a fault.
 std::vector<Placement> placements(Session& session);
 std::vector<StoredArea> storedAreas(Session& session);
 
-// One of them alone, where another's rows cannot be read. Throws ToolError on failure.
+// One of them alone. Throws ToolError on failure.
 StoredArea storedArea(Session& session, const Placement& placement);
+
+// Nothing if there is no area of that id. Throws ToolError on failure.
+std::optional<StoredArea> findArea(Session& session, std::int64_t id);
+
+// What is wrong with an area by its rectangle, its cells' width and the size of its block; empty if nothing is.
+std::string faultOf(const StoredArea& area);
+
+// Throws ToolError if the area has a fault.
+void requireReadable(const StoredArea& area);
 
 // Throws ToolError for a rectangle, of an area or a screen, in which no cells can lie.
 void requireSound(const Rect& rect, const std::string& whose);
@@ -56,16 +66,9 @@ std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const s
 std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, const std::string& screen,
                                         const Rect& rect);
 
-// The one that is meant: without a rectangle the only one, else the first that holds it. Throws ToolError, which lists
-// them, when that names none or several.
-const StoredArea& chooseArea(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect);
-
 // Whether areas of different screens lie on one another, as they may where screens are found by name: each screen then
 // has cells of its own.
 bool screensShareCells(const std::vector<StoredArea>& areas);
-
-// What to say where no single area holds the rectangle: those that overlap it, else all of them.
-std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas);
 
 // Throws ToolError where one of the areas, looked up some time ago, is not there any more, or lies elsewhere.
 void requireUnmoved(Session& session, const std::vector<StoredArea>& areas);

@@ -3,7 +3,10 @@
 #include <fmt/format.h>
 
 #include <climits>
+#include <cstdlib>
+#include <optional>
 
+#include "tool/database/Damage.h"
 #include "tool/database/Tables.h"
 
 namespace tovrtool {
@@ -111,20 +114,14 @@ void requireKnown(const std::vector<std::string>& columns, const Json& row, cons
   for (const std::string& column : columns) member(row, column.c_str(), where);
 }
 
-}  // namespace
-
-std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table) {
-  std::vector<std::string> names;
-  for (const Row& row : queryRows(connection, "PRAGMA table_info(" + table + ")")) names.push_back(row[1]);
-  return names;
-}
-
-void readTable(tovr::IDBOperate& connection, const std::string& table, const BlobWriter& writeBlob,
-               const std::function<void(Json row)>& visit) {
-  const std::vector<std::string> columns = columnNames(connection, table);
+// The rows that `which` chooses.
+void readRows(tovr::IDBOperate& connection, const std::string& table, const std::vector<std::string>& columns,
+              const std::string& which, const BlobWriter& writeBlob, const std::function<void(Json row)>& visit) {
   std::vector<std::string> selected;
   for (const std::string& column : columns) selected.push_back(fmt::format("typeof({0}), {0}", column));
-  visitRows(connection, fmt::format("select {} from {} order by id", fmt::join(selected, ", "), table), [&] {
+  const std::string sql =
+      fmt::format("select {} from {} where {} order by id", fmt::join(selected, ", "), table, which);
+  visitRows(connection, sql, [&] {
     Json row = Json::object();
     for (std::size_t i = 0; i < columns.size(); ++i) {
       const int place = static_cast<int>(2 * i) + 1;
@@ -139,6 +136,43 @@ void readTable(tovr::IDBOperate& connection, const std::string& table, const Blo
     }
     visit(std::move(row));
   });
+}
+
+}  // namespace
+
+std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table) {
+  std::vector<std::string> names;
+  for (const Row& row : queryRows(connection, "PRAGMA table_info(" + table + ")")) names.push_back(row[1]);
+  return names;
+}
+
+void readTable(Session& session, const std::string& table, const BlobWriter& writeBlob,
+               const std::function<void(Json row)>& visit, const FaultyRow& leaveOut) {
+  tovr::IDBOperate& connection = session.connection();
+  const std::vector<std::string> columns = columnNames(connection, table);
+  std::optional<std::int64_t> last;  // the key of the row that was read last
+  const auto read = [&](const std::string& which) {
+    readRows(connection, table, columns, which, writeBlob, [&](Json row) {
+      last = row.at("id").get<std::int64_t>();
+      visit(std::move(row));
+    });
+  };
+  try {
+    return read("1");
+  } catch (const ToolError& error) {
+    if (!isDamage(error)) throw;
+    session.resumeReading();
+  }
+  const std::string rest = last ? fmt::format(" where id > {}", *last) : "";
+  for (const Row& key : queryRows(connection, fmt::format("select id from {}{} order by id", table, rest))) {
+    try {
+      read("id = " + key[0]);
+    } catch (const ToolError& error) {
+      if (!isDamage(error)) throw;
+      session.resumeReading();
+      leaveOut(std::strtoll(key[0].c_str(), nullptr, 10), error.what());
+    }
+  }
 }
 
 void insertRow(tovr::IDBOperate& connection, const std::string& table, const std::vector<std::string>& columns,

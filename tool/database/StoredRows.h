@@ -4,10 +4,12 @@
 // for texts that are not UTF-8.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "tool/database/Session.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/io/JsonText.h"
 
@@ -20,9 +22,11 @@ std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::st
 using BlobWriter = std::function<Json(const Json& row, Bytes blob)>;
 using BlobReader = std::function<Bytes(const Json& row, const Json& value)>;
 
-// Every row of `table` in the order of its keys, one JSON object each, its members in the order of the columns.
-void readTable(tovr::IDBOperate& connection, const std::string& table, const BlobWriter& writeBlob,
-               const std::function<void(Json row)>& visit);
+// Every row of `table` in the order of its keys, one JSON object each, its members in the order of the columns. A row
+// that lies on a damaged page is left out, and its key reported with the reason.
+using FaultyRow = std::function<void(std::int64_t key, const std::string& fault)>;
+void readTable(Session& session, const std::string& table, const BlobWriter& writeBlob,
+               const std::function<void(Json row)>& visit, const FaultyRow& leaveOut);
 
 // Adds one row, its key included. Payloads with a "file" member are `readBlob`'s. Throws ToolError that names the row
 // when a column is missing or unknown, a value is of a kind that no table holds, or the engine refuses it.

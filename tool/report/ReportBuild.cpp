@@ -156,7 +156,11 @@ FileChanges changesSince(const Access& access, const ReportQuestion& question, R
 // At once, or one by one where that fails: so that as many as possible are shown.
 void addAreas(Session& session, ReportContent& content) {
   try {
-    for (StoredArea& area : storedAreas(session)) content.areas.push_back({std::move(area), ""});
+    for (StoredArea& area : storedAreas(session)) {
+      ReportArea& each = content.areas.emplace_back();
+      each.fault = area.fault;
+      each.area = std::move(area);
+    }
     return;
   } catch (const ToolError& error) {
     if (isNoFault(error)) throw;
