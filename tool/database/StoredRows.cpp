@@ -103,7 +103,9 @@ class RowBinder {
 
 std::string insertStatement(const std::string& table, const std::vector<std::string>& columns) {
   const std::vector<std::string> places(columns.size(), "?");
-  return fmt::format("insert into {}({}) values ({})", table, fmt::join(columns, ", "), fmt::join(places, ", "));
+  std::vector<std::string> names;
+  for (const std::string& column : columns) names.push_back(quotedName(column));
+  return fmt::format("insert into {}({}) values ({})", table, fmt::join(names, ", "), fmt::join(places, ", "));
 }
 
 void requireKnown(const std::vector<std::string>& columns, const Json& row, const std::string& where) {
@@ -123,7 +125,7 @@ void readTable(tovr::IDBOperate& connection, const std::string& table, const Blo
                const std::function<void(Json row)>& visit) {
   const std::vector<std::string> columns = columnNames(connection, table);
   std::vector<std::string> selected;
-  for (const std::string& column : columns) selected.push_back(fmt::format("typeof({0}), {0}", column));
+  for (const std::string& column : columns) selected.push_back(fmt::format("typeof({0}), {0}", quotedName(column)));
   visitRows(connection, fmt::format("select {} from {} order by id", fmt::join(selected, ", "), table), [&] {
     Json row = Json::object();
     for (std::size_t i = 0; i < columns.size(); ++i) {
