@@ -67,7 +67,7 @@ void backUp(const Access& access, const std::string& file, const std::string& ke
             Existing existing) {
   requireDatabaseFile(file);
   requireOther(file, copy);
-  UnfinishedFile unfinished(copy, existing, "-journal");
+  UnfinishedFile unfinished(copy, existing, Writer::kEngine);
   const std::uint64_t size = fs::file_size(pathOf(file));
   Progress progress("backup", size * 2);
   copyOneState(access, file, key, unfinished.path(), progress);

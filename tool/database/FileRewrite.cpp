@@ -98,7 +98,7 @@ void requireWhole(const Access& access, const std::string& path, const std::stri
 
 void rewriteFile(const Access& access, const std::string& file, const std::string& key, const std::string& newKey,
                  const std::string& verb) {
-  UnfinishedFile unfinished(file, Existing::kReplace, "-journal");
+  UnfinishedFile unfinished(file, Existing::kReplace, Writer::kEngine);
   const FileState before(file);
   Progress progress(verb, before.size * 3);
   {
