@@ -27,8 +27,8 @@ bool isNoFault(const ToolError& error);
 // refuses every other until then.
 void beginAgain(Session& session);
 
-// What is wrong with the pages of an open file: nothing where it is whole.
-std::vector<std::string> pageFaults(Session& session);
+// What is wrong with the pages of an open file, or of the attached one that `schema` names: nothing if it is whole.
+std::vector<std::string> pageFaults(Session& session, const std::string& schema = "main");
 
 // One verdict per check; a check that the file's damage ends reports that as a fault.
 std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress);
