@@ -12,6 +12,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/UsageText.h"
+#include "tool/io/DatabaseFiles.h"
 #include "tool/io/Message.h"
 #include "tool/system/Interrupt.h"
 #include "tool/system/Platform.h"
@@ -90,7 +91,10 @@ void addCommands(CommandGroup program) {
 }
 
 int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
-  if (!options.log.empty()) output.logLibraryTo(options.log);
+  if (!options.log.empty()) {
+    requireNoCompanion(options.log);
+    output.logLibraryTo(options.log);
+  }
   if (options.verbose) output.showLibrary();
   if (options.quiet) silenceMessages();
   Context context{options, output};

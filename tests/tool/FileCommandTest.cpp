@@ -218,6 +218,47 @@ TEST_F(FileCommandTest, RekeyChangesTheKeyAndNothingElse) {
   EXPECT_FALSE(anythingUnfinished());
 }
 
+TEST_F(FileCommandTest, Names_OfTheEngineAndStreams) {
+  succeed("export wall.db folder");
+  for (const char* command : {"backup wall.db wall.db-journal", "create x.db-WAL --type 0", "import folder x.db-shm",
+                              "export wall.db wall.db-wal", "--log wall.db-wal info wall.db",
+                              "coef get wall.db --type 1 --rect 0,0,7,3 -o wall.db-journal --force"}) {
+    expectFailure(2, "names that end in -", command);
+  }
+  for (const char* command :
+       {"backup wall.db -", "create - --type 0", "import folder /dev/stdout", "export wall.db -"}) {
+    expectFailure(2, "does not write to standard output", command);
+  }
+  EXPECT_FALSE(anythingUnfinished() || fs::exists(path("wall.db-wal")) || fs::exists(path("-")));
+}
+
+TEST_F(FileCommandTest, Disk_FileCannotGrow) {
+  const std::string before = everything(path("wall.db"));
+  write("big", std::string(200000, 'a'));
+  const std::string limited = "prlimit --fsize=100000 " + std::string(kKey);
+  EXPECT_NE(run("data put wall.db --type 6 big", limited).code, 0);
+  EXPECT_FALSE(anythingUnfinished());
+  EXPECT_EQ(everything(path("wall.db")), before);
+  succeed("data put wall.db --type 6 big");
+  for (const char* command : {"backup wall.db copy.db", "rekey wall.db --new-key-file text"}) {
+    EXPECT_NE(run(command, limited).code, 0) << command;
+    EXPECT_FALSE(anythingUnfinished()) << command;
+  }
+  expectSound("wall.db");
+}
+
+TEST_F(FileCommandTest, Rewrite_ForeignNames) {
+  change("create table \"order \"\"by\"(\"group\" text)");
+  change("insert into \"order \"\"by\" values ('kept')");
+  change("alter table Data add column \"select \"\"from\" text default 'kept too'");
+  EXPECT_TRUE(contains(succeed("info wall.db"), "Data"));
+  succeed("export wall.db folder");
+  EXPECT_TRUE(contains(read(kManifest), "kept too"));
+  EXPECT_EQ(run("rekey wall.db", "TOVRDB_NEW_KEY=other " + std::string(kKey)).code, 0);
+  EXPECT_EQ(sql(path("wall.db"), "select * from \"order \"\"by\"", "other"), "kept\n");
+  EXPECT_EQ(sql(path("wall.db"), "select \"select \"\"from\" from Data", "other"), "kept too\n");
+}
+
 TEST_F(FileCommandTest, TextsAreEncryptedAndBinaryFilesRefused) {
   const std::string key = "TOVRDB_CIPHER_KEY=12345678 ";
   std::string text;

@@ -1,12 +1,28 @@
-// A database file that other programs use at the same time: waiting, being busy, copying it.
+// A database file that other programs use at the same time: waiting, being busy, copying it, replacing it.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <future>
 #include <thread>
 #include <vector>
 
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
+#include "tool/database/FileRewrite.h"
+#include "tool/database/Session.h"
+#include "tool/system/ToolError.h"
+
+namespace {
+
+std::function<void()> whileFlushing;  // runs when this process flushes a file
+
+}  // namespace
+
+// Takes the place of the C library's for the code that is linked into this program.
+extern "C" int fsync(int descriptor) {
+  if (whileFlushing) whileFlushing();
+  return fdatasync(descriptor);
+}
 
 namespace {
 
@@ -85,6 +101,94 @@ TEST_F(SharedFileTest, ABackupIsOneCheckedStateOfAFileInUse) {
   EXPECT_FALSE(fs::exists(path("other.db")));
   expectFailure(1, "was not kept", "backup wall.db copy.db --force");
   expectSound("copy.db");
+}
+
+TEST_F(SharedFileTest, Backup_WalMode) {
+  auto host = std::make_unique<Other>(path("wall.db"), "pragma journal_mode = wal; update Coef set version = 'kept'");
+  succeed("backup wall.db copy.db");
+  EXPECT_EQ(sql(path("copy.db"), "select version from Coef"), "kept\n");
+  // A reader keeps the log from being emptied, a writer from being left alone.
+  for (const char* statements :
+       {"begin; select count(*) from Coef", "begin immediate; update Coef set version = 'no'"}) {
+    EXPECT_EQ(host->host.connection().exec("update Coef set version = 'kept'"), 0);
+    EXPECT_EQ(host->host.connection().exec(statements), 0);
+    const bool reads = statements[6] == ' ';
+    if (reads) sql(path("wall.db"), "update Screen_Info set screenname = 'left'");
+    expectFailure(6, "another program is using the file", "--wait 0 backup wall.db other.db");
+    expectWaits(*host, "backup wall.db copy.db --force");
+  }
+  // What a crashed host leaves.
+  EXPECT_EQ(host->host.connection().exec("update Coef set version = 'crashed'"), 0);
+  fs::copy_file(path("wall.db"), path("left.db"));
+  fs::copy_file(path("wall.db-wal"), path("left.db-wal"));
+  succeed("backup left.db copy.db --force");
+  EXPECT_EQ(sql(path("copy.db"), "select version from Coef"), "crashed\n");
+  expectSound("copy.db");
+}
+
+TEST_F(SharedFileTest, Rekey_LocksUntilReplaced) {
+  std::vector<int> others;
+  whileFlushing = [&] { others.push_back(run("--wait 0 " + kPut + "2").code); };
+  tovrtool::rewriteFile({TOVR_PLUGIN_FILE, 0, true}, path("wall.db"), kWordKey, "another key", "rekey");
+  whileFlushing = nullptr;
+  EXPECT_EQ(others, (std::vector<int>{6, 4})) << "the new file is flushed, then the folder with the new name";
+  EXPECT_EQ(sql(path("wall.db"), "select count(*) from Coef", "another key"), "1\n");
+}
+
+TEST_F(SharedFileTest, Rekey_FileStaysOpenElsewhere) {
+  Other host(path("wall.db"), "select 1");
+  const std::string environment = "TOVRDB_NEW_KEY=other " + std::string(kKey);
+  {
+    auto session = tovrtool::Session::openExisting({TOVR_PLUGIN_FILE, 0, true}, path("wall.db"), kWordKey);
+    EXPECT_EQ(run("rekey wall.db", environment).code, 0);
+    EXPECT_THROW(tovrtool::Transaction transaction(session), tovrtool::ToolError);
+  }
+  EXPECT_EQ(host.host.connection().exec("select * from Coef"), 0);
+  EXPECT_EQ(host.host.connection().exec("delete from Coef"), 8);  // SQLITE_READONLY
+}
+
+TEST_F(SharedFileTest, Rekey_WalMode) {
+  const std::string environment = "TOVRDB_NEW_KEY=other " + std::string(kKey);
+  {
+    Other host(path("wall.db"), "pragma journal_mode = wal; update Coef set version = 'kept'");
+    expectFailure(6, "another program is using the file", "--wait 0 rekey wall.db", environment);
+    EXPECT_EQ(sql(path("wall.db"), "select version from Coef"), "kept\n");
+  }
+  EXPECT_NE(run("rekey wall.db", environment + "prlimit --fsize=8192 ").code, 0);
+  EXPECT_EQ(sql(path("wall.db"), "pragma journal_mode"), "wal\n");
+  EXPECT_EQ(run("rekey wall.db", environment).code, 0);
+  EXPECT_EQ(sql(path("wall.db"), "select version from Coef", "other"), "kept\n");
+  EXPECT_EQ(sql(path("wall.db"), "pragma journal_mode", "other"), "wal\n");
+  EXPECT_FALSE(fs::exists(path("wall.db-wal")));
+}
+
+// A killed writer leaves a journal that is empty, has no header, or holds a change; PERSIST leaves the second kind.
+TEST_F(SharedFileTest, Replace_JournalIsLeft) {
+  succeed("backup wall.db copy.db");
+  succeed("export wall.db folder");
+  write("key", "the test key\n");
+  for (const std::string& name : {"-journal"s, "-wal"s, "-shm"s}) {
+    for (const std::string& command :
+         {"rekey copy.db --new-key-file key"s, "backup wall.db copy.db --force"s, "import folder copy.db --force"s}) {
+      write("copy.db" + name, name == "-wal" ? "" : std::string(512, '\0'));
+      succeed(command);
+      EXPECT_FALSE(fs::exists(path("copy.db" + name))) << command;
+    }
+  }
+  {
+    Other writer(path("wall.db"),
+                 "pragma cache_size = 1; begin; update Coef set version = 'unfinished';"
+                 "create table more(x); insert into more values (zeroblob(99999))");
+    expectFailure(6, "another program is using it", "import folder wall.db --force");
+    fs::copy_file(path("wall.db"), path("copy.db"), fs::copy_options::overwrite_existing);
+    fs::copy_file(path("wall.db-journal"), path("copy.db-journal"));
+  }
+  fs::copy_file(path("copy.db-journal"), path("none.db-journal"));
+  expectFailure(3, "that is no longer there", "backup wall.db none.db");
+  expectFailure(3, "as tovrdb info does", "backup wall.db copy.db --force");
+  succeed("info copy.db");
+  succeed("backup wall.db copy.db --force");
+  EXPECT_EQ(everything(path("copy.db")), everything(path("wall.db")));
 }
 
 TEST_F(SharedFileTest, AFileWhoseFirstBytesAPowerCutToreOpensAtOnce) {

@@ -94,7 +94,8 @@ void requireDone(bool done, const std::string& path) {
 void encrypt(Context& context, const Options& options) {
   const Keys keys = readKeys(options, KeyUse::kCreate);
   const std::uintmax_t size = requireText(options.input);
-  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp");
+  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse,
+                            Writer::kEncryptionService);
   const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().encryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
@@ -112,8 +113,8 @@ void decrypt(Context& context, const Options& options) {
     throw ToolError(kFileProblem, "{} is not an encrypted file, or truncated: its {} bytes are not a multiple of 8",
                     options.input, size);
   }
-  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse, ".temp",
-                            options.mode);
+  UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse,
+                            Writer::kEncryptionService, options.mode);
   const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().decryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());

@@ -47,7 +47,7 @@ struct ImportOptions {
 
 void import(Context& context, const ImportOptions& options) {
   const Json manifest = readManifest(options.folder);
-  UnfinishedFile unfinished(options.file, options.force ? Existing::kReplace : Existing::kRefuse, "-journal");
+  UnfinishedFile unfinished(options.file, options.force ? Existing::kReplace : Existing::kRefuse, Writer::kEngine);
   Session session = Session::openNew(context.options.access.plugin, unfinished.path(),
                                      readKey(context.options.keyFile, KeyUse::kCreate));
   importFolder(session, options.folder, manifest);

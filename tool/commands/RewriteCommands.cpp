@@ -50,7 +50,8 @@ void addRekey(CommandGroup& program) {
   command.footer(
       "A whole new file is written beside the old one, compared with it, read back with the new key, and only then "
       "put\n"
-      "in its place: at every moment the name leads to a complete file. Copies made before keep the old key.");
+      "in its place: at every moment the name leads to a complete file, which no other program can use meanwhile.\n"
+      "Copies made before keep the old key; a host that has the file open must open it again.");
   addFile(command, options.file);
   command
       .add_option("--new-key-file", options.newKeyFile,

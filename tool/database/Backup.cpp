@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "tool/database/DatabaseChecks.h"
+#include "tool/database/LibraryError.h"
 #include "tool/database/Session.h"
+#include "tool/database/SqlQuery.h"
 #include "tool/io/Progress.h"
 #include "tool/io/UnfinishedFile.h"
 #include "tool/system/Paths.h"
@@ -24,31 +26,53 @@ void requireOther(const std::string& file, const std::string& copy) {
     throw ToolError(kUsage, "the copy would replace the file: give another name");
 }
 
-void copyBytes(const std::string& from, const std::string& to, Progress& progress) {
-  const FileHandle input(std::fopen(from.c_str(), "rb"));
-  if (input == nullptr) throw ToolError(kFileProblem, "cannot read {}: {}", from, systemError());
+// In WAL mode a file lacks what was committed last. Moves that into it; true if nothing has been committed since, and
+// then nobody commits until the transaction ends.
+bool holdWithoutLog(Session& session, const std::string& file) {
+  queryRows(session.connection(), "PRAGMA wal_checkpoint(TRUNCATE)");
+  const int code = session.connection().exec("BEGIN IMMEDIATE");
+  if (isBusy(code)) return false;
+  session.require(code);
+  std::error_code error;
+  const std::uintmax_t size = fs::file_size(pathOf(followedLink(file) + "-wal"), error);
+  if (error || size == 0) return true;
+  session.require(session.connection().exec("ROLLBACK"));
+  return false;
+}
+
+// One state of the file, which is all of the database, until the session is closed.
+void holdState(Session& session, const std::string& file) {
+  session.beginReading();
+  if (queryRows(session.connection(), "PRAGMA journal_mode")[0][0] != "wal") return;
+  session.require(session.connection().exec("ROLLBACK"));
+  session.waitUntil([&] { return holdWithoutLog(session, file); });
+}
+
+void copyBytes(std::FILE* input, const std::string& from, const std::string& to, Progress& progress) {
   const FileHandle output = createNew(to);
-  if (output == nullptr) throw ToolError(kFileProblem, "cannot create the copy: {}", systemError());
+  if (output == nullptr) throw systemFailure("cannot create the copy");
   std::error_code error;
   fs::permissions(pathOf(to), fs::status(pathOf(from)).permissions(), error);
   std::vector<unsigned char> piece(kPiece);
   for (std::size_t count = kPiece; count == kPiece;) {
-    count = std::fread(piece.data(), 1, kPiece, input.get());
-    if (std::ferror(input.get()) != 0) throw ToolError(kFileProblem, "cannot read {}: {}", from, systemError());
+    count = std::fread(piece.data(), 1, kPiece, input);
+    if (std::ferror(input) != 0) throw systemFailure("cannot read " + from);
     if (std::fwrite(piece.data(), 1, count, output.get()) != count) {
-      throw ToolError(kFileProblem, "cannot write the copy: {}", systemError());
+      throw systemFailure("cannot write the copy");
     }
     progress.advance(count);
   }
-  if (std::fflush(output.get()) != 0) throw ToolError(kFileProblem, "cannot write the copy: {}", systemError());
+  if (std::fflush(output.get()) != 0) throw systemFailure("cannot write the copy");
 }
 
-// Closing the input ends all locks that this program has on the file, so nothing is done in it afterwards.
+// Closing the input ends all locks that this program has on the file: the session is closed before.
 void copyOneState(const Access& access, const std::string& file, const std::string& key, const std::string& to,
                   Progress& progress) {
   Session session = Session::openExisting(access, file, key);
-  session.beginReading();
-  copyBytes(file, to, progress);
+  holdState(session, file);
+  const FileHandle input(std::fopen(file.c_str(), "rb"));
+  if (input == nullptr) throw systemFailure("cannot read " + file);
+  copyBytes(input.get(), file, to, progress);
   session.close();
 }
 
@@ -67,7 +91,7 @@ void backUp(const Access& access, const std::string& file, const std::string& ke
             Existing existing) {
   requireDatabaseFile(file);
   requireOther(file, copy);
-  UnfinishedFile unfinished(copy, existing, "-journal");
+  UnfinishedFile unfinished(copy, existing, Writer::kEngine);
   const std::uint64_t size = fs::file_size(pathOf(file));
   Progress progress("backup", size * 2);
   copyOneState(access, file, key, unfinished.path(), progress);

@@ -127,15 +127,16 @@ void checkCounters(Session& session, Verdict& verdict) {
 
 }  // namespace
 
-std::vector<std::string> pageFaults(Session& session) {
+std::vector<std::string> pageFaults(Session& session, const std::string& schema) {
   tovr::IDBOperate& connection = session.connection();
   std::vector<std::string> faults;
   try {
     // Engines that do not know the statement answer nothing; a database in memory has no file to be looked at.
     const bool hasFile = !queryRows(connection, "pragma database_list").front()[2].empty();
-    const auto unread = hasFile ? queryRows(connection, "pragma cipher_integrity_check") : std::vector<Row>();
+    const auto unread =
+        hasFile ? queryRows(connection, fmt::format("pragma {}.cipher_integrity_check", schema)) : std::vector<Row>();
     for (const Row& row : unread) faults.push_back(row[0]);
-    for (const Row& row : queryRows(connection, "pragma integrity_check")) {
+    for (const Row& row : queryRows(connection, fmt::format("pragma {}.integrity_check", schema))) {
       std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
       for (std::string line; std::getline(lines, line);) faults.push_back(line);
     }

@@ -51,7 +51,8 @@ std::vector<Fact> engine(Session& session) {
 
 // A blob's length is known without reading it.
 std::string bytesOf(const Row& column) {
-  const std::string value = column[2] == "BLOB" ? column[1] : fmt::format("cast({} as blob)", column[1]);
+  const std::string name = quotedName(column[1]);
+  const std::string value = column[2] == "BLOB" ? name : fmt::format("cast({} as blob)", name);
   return fmt::format("ifnull(sum(length({})), 0)", value);
 }
 

@@ -4,17 +4,11 @@
 #include "tool/system/Paths.h"
 
 namespace tovrtool {
-namespace {
-
-constexpr char kJournal[] = "-journal";  // what the engine keeps beside its file while it works
-
-}  // namespace
-
-void requireFree(const std::string& file) { const UnfinishedFile place(file, Existing::kKeep, kJournal); }
+void requireFree(const std::string& file) { const UnfinishedFile place(file, Existing::kKeep, Writer::kEngine); }
 
 void makeDatabase(const std::string& plugin, const std::string& file, const std::string& key,
                   const DatabaseDescription& description) {
-  UnfinishedFile unfinished(file, Existing::kKeep, kJournal);
+  UnfinishedFile unfinished(file, Existing::kKeep, Writer::kEngine);
   Session session = Session::openNew(plugin, unfinished.path(), key);
   DatabaseDescription named = description;
   if (named.name.empty()) named.name = textOf(pathOf(file).stem());

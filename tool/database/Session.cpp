@@ -98,6 +98,8 @@ Session Session::openExisting(const Access& access, const std::string& path, con
   Session session(loadPlugin(access.plugin));
   session.patience_ = access.patience;
   session.whileWaiting_ = access.whileWaiting;
+  session.path_ = textOf(fs::absolute(pathOf(path)));
+  session.identity_ = fileIdentity(path);
   try {
     session.requireRightKey(session.openPatiently(path, key));
     session.setPatience(access.patience * kSecond);
@@ -138,15 +140,38 @@ int Session::open(const std::string& path, const std::string& key) {
 int Session::openPatiently(const std::string& path, const std::string& key) {
   std::error_code error;
   const bool unfinished = fs::exists(pathOf(path + "-journal"), error);
+  int code = 0;
+  waitFor([&] {
+    code = open(path, key);
+    return !isBusy(code);
+  });
+  return code == kNotADatabase && unfinished ? open(path, key) : code;
+}
+
+bool Session::waitFor(const std::function<bool()>& attempt) const {
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(patience_);
-  int code = open(path, key);
-  if (isBusy(code) && patience_ > 0) announceWait();
-  while (isBusy(code) && std::chrono::steady_clock::now() < end) {
+  bool done = attempt();
+  if (!done && patience_ > 0) announceWait();
+  while (!done && std::chrono::steady_clock::now() < end) {
     checkWaiting();
     std::this_thread::sleep_for(kBetweenAttempts);
-    code = open(path, key);
+    done = attempt();
   }
-  return code == kNotADatabase && unfinished ? open(path, key) : code;
+  return done;
+}
+
+void Session::waitUntil(const std::function<bool()>& attempt) {
+  setPatience(0);
+  if (!waitFor(attempt)) throw libraryError(kBusyStatus);
+  setPatience(patience_ * kSecond);
+}
+
+void Session::requireInPlace() const {
+  if (fileIdentity(path_) == identity_) return;
+  throw ToolError(
+      kBusy,
+      "another program has replaced or moved the file (by rekey, for instance) since it was opened; nothing "
+      "was stored: open it again");
 }
 
 void Session::setPatience(unsigned int milliseconds) {
@@ -240,13 +265,29 @@ Transaction::Transaction(Session& session) : session_(session), inner_(session.i
   session_.require(session_.execPatiently(inner_ ? "SAVEPOINT inner" : "BEGIN IMMEDIATE"));
   if (!inner_) session_.rowsBefore_ = session_.writtenRows();
   ++session_.transactions_;
+  if (inner_) return;
+  try {
+    session_.requireInPlace();
+  } catch (...) {
+    rollBack();
+    throw;
+  }
 }
 
 Transaction::~Transaction() {
+  if (committed_) {
+    --session_.transactions_;
+  } else {
+    rollBack();
+  }
+}
+
+void Transaction::rollBack() {
   --session_.transactions_;
-  if (committed_) return;
   session_.connection().exec(inner_ ? "ROLLBACK TO inner; RELEASE inner" : "ROLLBACK");
   ++session_.undone_;
+  // After a failure of the disk the engine leaves the undoing, and the room that it takes, to the next read.
+  if (!inner_) session_.connection().exec("select count(*) from sqlite_master");
 }
 
 void Transaction::commit() {

@@ -32,6 +32,8 @@ inline bool operator==(const SessionState& one, const SessionState& other) {
          std::tie(other.session, other.dataVersion, other.changes, other.undone);
 }
 
+constexpr int kBusyStatus = 5;  // the engine's answer while another program is using the file
+
 class Session {
  public:
   // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError,
@@ -62,6 +64,14 @@ class Session {
   // ToolError after an interrupt, and what `Access::whileWaiting` throws.
   int execPatiently(const char* sql);
 
+  // Calls `attempt` until it answers true, or the patience ends: then it throws ToolError (kBusy). The engine itself
+  // waits for nobody meanwhile.
+  void waitUntil(const std::function<bool()>& attempt);
+
+  // Throws ToolError (kBusy) if another file has taken the name since this one was opened: what is written here would
+  // be lost. To be asked behind a lock that keeps the name, too.
+  void requireInPlace() const;
+
   bool inTransaction() const { return transactions_ > 0; }
 
   // After a read failed on a damaged page: until their transaction ends, some engines then answer nothing more. Begins
@@ -79,6 +89,7 @@ class Session {
   explicit Session(std::unique_ptr<tovrhost::PluginHost> host);
   int open(const std::string& path, const std::string& key);
   int openPatiently(const std::string& path, const std::string& key);
+  bool waitFor(const std::function<bool()>& attempt) const;
   void setPatience(unsigned int milliseconds);
   int execFor(unsigned int milliseconds, const char* sql);
   void announceWait() const;
@@ -91,6 +102,8 @@ class Session {
   bool open_ = false;
   unsigned int patience_ = 0;  // seconds
   std::function<void()> whileWaiting_;
+  std::string path_;             // of an existing file, absolute
+  std::string identity_;         // of that file when it was opened
   int transactions_ = 0;         // one within the other
   std::int64_t rowsBefore_ = 0;  // that were written before the outer one began
   std::int64_t undone_ = 0;      // transactions
@@ -110,6 +123,8 @@ class Transaction {
   void commit();
 
  private:
+  void rollBack();
+
   Session& session_;
   bool inner_;
   DeferredInterrupt interrupt_;

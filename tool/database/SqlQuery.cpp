@@ -16,6 +16,12 @@ void requireEngine(tovr::IDBOperate& connection, int code, const std::string& wh
   throw where.empty() ? error : about(where, error);
 }
 
+std::string quotedName(const std::string& name) {
+  std::string quoted = "\"";
+  for (const char c : name) quoted += c == '"' ? "\"\"" : std::string(1, c);
+  return quoted + '"';
+}
+
 std::vector<Row> queryRows(tovr::IDBOperate& connection, const std::string& sql) {
   char** table = nullptr;
   int rows = 0;

@@ -14,6 +14,9 @@ namespace tovrtool {
 using Row = std::vector<std::string>;
 using Bytes = std::vector<unsigned char>;
 
+// A name of the file's own, a column's or a table's, as SQL takes it whatever it holds.
+std::string quotedName(const std::string& name);
+
 // Every row as texts; NULL is empty.
 std::vector<Row> queryRows(tovr::IDBOperate& connection, const std::string& sql);
 

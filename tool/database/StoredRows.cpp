@@ -106,7 +106,9 @@ class RowBinder {
 
 std::string insertStatement(const std::string& table, const std::vector<std::string>& columns) {
   const std::vector<std::string> places(columns.size(), "?");
-  return fmt::format("insert into {}({}) values ({})", table, fmt::join(columns, ", "), fmt::join(places, ", "));
+  std::vector<std::string> names;
+  for (const std::string& column : columns) names.push_back(quotedName(column));
+  return fmt::format("insert into {}({}) values ({})", table, fmt::join(names, ", "), fmt::join(places, ", "));
 }
 
 void requireKnown(const std::vector<std::string>& columns, const Json& row, const std::string& where) {
@@ -118,7 +120,7 @@ void requireKnown(const std::vector<std::string>& columns, const Json& row, cons
 void readRows(tovr::IDBOperate& connection, const std::string& table, const std::vector<std::string>& columns,
               const std::string& which, const BlobWriter& writeBlob, const std::function<void(Json row)>& visit) {
   std::vector<std::string> selected;
-  for (const std::string& column : columns) selected.push_back(fmt::format("typeof({0}), {0}", column));
+  for (const std::string& column : columns) selected.push_back(fmt::format("typeof({0}), {0}", quotedName(column)));
   const std::string sql =
       fmt::format("select {} from {} where {} order by id", fmt::join(selected, ", "), table, which);
   visitRows(connection, sql, [&] {

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "platform/FileSystem.h"
+#include "tool/io/DatabaseFiles.h"
 #include "tool/system/Paths.h"
 #include "tool/system/ToolError.h"
 
@@ -29,6 +30,10 @@ void giveName(const std::string& temporary, const std::string& path, Existing ex
   if (existing == Existing::kReplace) {
     std::error_code error;
     fs::rename(pathOf(temporary), pathOf(path), error);
+    if (error && !kReplacesOpenFiles && fs::exists(pathOf(path))) {
+      throw ToolError(kBusy, "cannot replace {}: {}; close the program that has it open and try again", path,
+                      error.message());
+    }
     if (error) throw systemFailure("cannot replace " + path, error);
   } else if (!tovr::renameWithoutReplacing(temporary, path)) {
     if (errno == EEXIST) refuseExisting(path, existing);
@@ -44,12 +49,18 @@ std::string followedLink(const std::string& path) {
   return error ? path : textOf(target);
 }
 
+void requireOwnName(const std::string& path) {
+  if (path != "-" && descriptorNamed(path) < 0) return;
+  throw ToolError(kUsage, "this command does not write to standard output: give a name");
+}
+
 void refuseExisting(const std::string& path, Existing existing) {
   throw ToolError(kFileProblem, "{} exists already and was not touched: give another name{}", path,
                   existing == Existing::kRefuse ? ", or --force to replace it" : "");
 }
 
 void requireReplaceable(const std::string& path, Existing existing) {
+  requireNoCompanion(path);
   std::error_code error;
   const fs::file_status status = fs::status(pathOf(path), error);
   if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);

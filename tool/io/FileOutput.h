@@ -24,10 +24,13 @@ enum class Flushing {
 // Where a link leads, else `path` itself: the file is to be replaced, not the link.
 std::string followedLink(const std::string& path);
 
+// Throws ToolError if `path` stands for standard output, or another descriptor.
+void requireOwnName(const std::string& path);
+
 [[noreturn]] void refuseExisting(const std::string& path, Existing existing);
 
-// Throws ToolError if there is a folder of that name, a file that may not be replaced, or one that nobody may write:
-// somebody has protected it.
+// Throws ToolError if the name belongs to a database beside it, if there is a folder of that name, a file that may not
+// be replaced, or one that nobody may write: somebody has protected it.
 void requireReplaceable(const std::string& path, Existing existing);
 
 // Gives the complete file `temporary` its name, on the same file system, and flushes the name to the disk. It gets the

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "tool/io/DatabaseFiles.h"
 #include "tool/system/Paths.h"
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
@@ -11,8 +12,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The path itself.
-std::string requirePlace(const std::string& path, Existing existing) {
+// Where the file is to be.
+std::string requirePlace(const std::string& finished, Existing existing) {
+  requireOwnName(finished);
+  const std::string path = followedLink(finished);
   requireReplaceable(path, existing);
   std::error_code error;
   const fs::path folder = fs::absolute(pathOf(path), error).parent_path();
@@ -20,39 +23,40 @@ std::string requirePlace(const std::string& path, Existing existing) {
   return path;
 }
 
-void flush(const std::string& path) {
-  const FileHandle file(std::fopen(path.c_str(), "r+b"));
+std::vector<std::string> companionsOf(const std::string& path, Writer writer) {
+  if (writer == Writer::kEncryptionService) return {path + ".temp"};
+  std::vector<std::string> companions;
+  for (const char* suffix : kCompanionSuffixes) companions.push_back(path + suffix);
+  return companions;
+}
+
+}  // namespace
+
+UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, Writer writer,
+                               std::optional<unsigned int> mode)
+    : finished_(requirePlace(finished, existing)),
+      existing_(existing),
+      mode_(mode),
+      writer_(writer),
+      place_(finished_) {
+  for (const std::string& companion : companionsOf(path(), writer)) companionsRemoved_.emplace_back(companion);
+}
+
+void UnfinishedFile::flush() {
+  const FileHandle file(std::fopen(path().c_str(), "r+b"));
   if (file == nullptr || !flushToDisk(file.get())) {
     throw systemFailure("cannot write the new file to the disk");
   }
 }
 
-// The engine would play what another database left there back into the new file.
-void requireAtRest(const std::string& path) {
-  for (const char* suffix : {"-journal", "-wal"}) {
-    std::error_code error;
-    if (!fs::exists(pathOf(path + suffix), error)) continue;
-    throw ToolError(
-        kFileProblem,
-        "{0}{1} exists: another program is using the database {0}, or was ended while it wrote. Close it, or "
-        "open the file once, and try again",
-        path, suffix);
-  }
+void UnfinishedFile::finish() {
+  flush();
+  const DatabaseLock lock(writer_ == Writer::kEngine ? finished_ : "");
+  takeName();
 }
 
-}  // namespace
-
-UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion,
-                               std::optional<unsigned int> mode)
-    : finished_(requirePlace(followedLink(finished), existing)),
-      existing_(existing),
-      mode_(mode),
-      place_(finished_),
-      companionRemoved_(path() + companion) {}
-
-void UnfinishedFile::finish() {
-  flush(path());
-  requireAtRest(finished_);
+void UnfinishedFile::takeName() {
+  if (writer_ == Writer::kEngine) removeIdleCompanions(finished_);
   moveIntoPlace(path(), finished_, existing_, mode_);
 }
 

@@ -2,6 +2,7 @@
 // is complete. What FileOutput is for our own bytes.
 #pragma once
 
+#include <list>
 #include <optional>
 #include <string>
 
@@ -11,12 +12,17 @@
 
 namespace tovrtool {
 
+enum class Writer {
+  kEngine,             // of databases
+  kEncryptionService,  // keeps FILE.temp beside its file
+};
+
 class UnfinishedFile {
  public:
-  // `companion` is the suffix of what the writer keeps beside its file while it works. The file gets the permissions
-  // `mode`; without, those of the file that it replaces, or what its writer gave it. Throws ToolError when `finished`
-  // exists and may not be replaced, and if its folder takes no new file.
-  UnfinishedFile(const std::string& finished, Existing existing, const std::string& companion,
+  // The file gets the permissions `mode`; without, those of the file that it replaces, or what its writer gave it.
+  // Throws ToolError when `finished` is no name for a file of its own, when it exists and may not be replaced, and if
+  // its folder takes no new file.
+  UnfinishedFile(const std::string& finished, Existing existing, Writer writer,
                  std::optional<unsigned int> mode = std::nullopt);
   UnfinishedFile(const UnfinishedFile&) = delete;
   UnfinishedFile& operator=(const UnfinishedFile&) = delete;
@@ -24,16 +30,23 @@ class UnfinishedFile {
   // Where the writer makes the file.
   const std::string& path() const { return place_.path(); }
 
-  // Flushes the file to the disk and gives it its name. Throws ToolError; what had the name is untouched then.
+  // Flushes the file to the disk and gives it its name; a database of that name is locked meanwhile, and kBusy if it
+  // cannot be. Throws ToolError; what had the name is untouched then.
   // REQUIRES: the writer has closed it.
   void finish();
+
+  // The two halves of it, for a caller that has the database of that name locked. An interrupt has no effect once the
+  // file has its name.
+  void flush();
+  void takeName();
 
  private:
   std::string finished_;
   Existing existing_;
   std::optional<unsigned int> mode_;
+  Writer writer_;
   UnfinishedPlace place_;
-  InterruptibleFile companionRemoved_;
+  std::list<InterruptibleFile> companionsRemoved_;
 };
 
 }  // namespace tovrtool

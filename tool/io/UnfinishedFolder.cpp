@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "tool/io/DatabaseFiles.h"
 #include "tool/system/Paths.h"
 #include "tool/system/Platform.h"
 #include "tool/system/ToolError.h"
@@ -32,6 +33,8 @@ void requireReplaceable(const std::string& path, Existing existing, const Unfini
 std::string requirePlace(const std::string& path, Existing existing, const UnfinishedFolder::IsOurs& isOurs) {
   const fs::path folder = pathOf(path).lexically_normal();
   std::string name = textOf(folder.has_filename() ? folder : folder.parent_path());
+  requireOwnName(path);
+  requireNoCompanion(name);
   requireReplaceable(name, existing, isOurs);
   return name;
 }

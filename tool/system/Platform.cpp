@@ -139,6 +139,10 @@ bool flushWholeFolder(const std::string& folder) {
   return done && !error;
 }
 
+std::string fileIdentity(const std::string&) { return {}; }
+
+bool lockBytes(std::FILE*, long long, long long) { return true; }
+
 std::string programFolder() {
   char path[MAX_PATH] = {};
   const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
@@ -296,6 +300,21 @@ bool flushOpened(const std::string& folder, int (*flush)(int)) {
 bool flushFolder(const std::string& folder) { return flushOpened(folder, fsync); }
 
 bool flushWholeFolder(const std::string& folder) { return flushOpened(folder, syncfs); }
+
+std::string fileIdentity(const std::string& path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) return {};
+  return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+}
+
+bool lockBytes(std::FILE* file, long long from, long long length) {
+  struct flock lock = {};
+  lock.l_type = F_WRLCK;
+  lock.l_whence = SEEK_SET;
+  lock.l_start = from;
+  lock.l_len = length;
+  return fcntl(fileno(file), F_SETLK, &lock) == 0 || (errno != EACCES && errno != EAGAIN);
+}
 
 std::string programFolder() {
   std::error_code error;

@@ -82,6 +82,20 @@ bool flushFolder(const std::string& folder);
 // The same, and the files in it: all at once, where the system has such an operation, since each costs a wait.
 bool flushWholeFolder(const std::string& folder);
 
+// Which file a path leads to, also after a rename; empty if there is none. On Windows always empty: nobody replaces a
+// file there that somebody has open.
+std::string fileIdentity(const std::string& path);
+
+#if defined(_WIN32)
+constexpr bool kReplacesOpenFiles = false;
+#else
+constexpr bool kReplacesOpenFiles = true;
+#endif
+
+// Locks a range of bytes of a file, open for writing, against other programs until one of this program closes the file.
+// False if another program holds a lock there. On Windows it locks nothing: an open file cannot be replaced there.
+bool lockBytes(std::FILE* file, long long from, long long length);
+
 // The text of errno.
 std::string systemError();
 
