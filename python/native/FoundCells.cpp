@@ -90,7 +90,9 @@ void FoundCells::requireUnchanged(Session& session, const Rect& part) {
   const SessionState state = session.state();
   for (std::size_t i = 0; i < source_.areas.size(); ++i) {
     if (verifiedAt_[i] == state || !common(source_.areas[i].rect, part)) continue;
-    requireSameForm(source_.areas[i], storedArea(session, source_.areas[i]));
+    const StoredArea now = storedArea(session, source_.areas[i]);
+    requireReadable(now);
+    requireSameForm(source_.areas[i], now);
     verifiedAt_[i] = state;
   }
 }

@@ -51,6 +51,8 @@ const char* kindOf(const Difference& difference) {
       return "field";
     case Difference::Kind::kCells:
       return "cells";
+    case Difference::Kind::kFault:
+      return "fault";
     case Difference::Kind::kBytes:
       break;
   }
@@ -83,7 +85,7 @@ py::dict dictOf(const StoredArea& area) {
   py::dict record("id"_a = area.id, "screen"_a = textOf(area.screen), "type"_a = area.type, "number"_a = area.number,
                   "rect"_a = tupleOf(area.rect), "cell_bytes"_a = area.cellBytes, "stored_bytes"_a = area.storedBytes,
                   "text"_a = textOf(splitVersion(area.version, area.cellBytes).text),
-                  "changed"_a = textOf(area.changed));
+                  "changed"_a = textOf(area.changed), "fault"_a = shownText(area.fault));
   describe(record, keptForm(area));
   return record;
 }

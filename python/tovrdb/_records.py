@@ -35,7 +35,8 @@ class Area:
     """A stored block of coefficients and where it lies.
 
     ``dtype``, ``scale`` and ``unit`` are those that are kept with the block: a number counts as ``scale`` times itself.
-    They are None, None and "" if nothing is kept. ``changed`` is the local time of the last change.
+    They are None, None and "" if nothing is kept. ``changed`` is the local time of the last change. ``fault`` says why
+    the cells cannot be read, as far as that shows without reading them; "" if it does not.
     """
 
     id: int
@@ -50,6 +51,7 @@ class Area:
     unit: str
     text: str
     changed: str
+    fault: str
 
 
 @dataclass(frozen=True)
@@ -95,7 +97,8 @@ class Verdict:
 class Difference:
     """One thing in which two files differ.
 
-    ``kind`` is "only_before", "only_after", "field" (then ``field`` has two texts), "cells" or "bytes". Of cells,
+    ``kind`` is "only_before", "only_after", "field" (then ``before`` and ``after`` are the texts of ``field``), "fault"
+    (then they say why the bytes in one file, or in each, cannot be read), "cells" or "bytes". Of cells,
     ``differing`` counts them; if the type of their numbers is known, ``before`` and ``after`` are the two numbers
     that are farthest apart, scaled, number ``component`` of the cell ``at`` (column, row); else ``at`` is the first.
     """

@@ -398,6 +398,8 @@ def _count(things: List[Any], name: str) -> str:
 
 
 def _numbers(area: Area) -> str:
+    if area.fault:
+        return f"damaged: {area.fault}"
     if area.dtype is None:
         return f"{area.cell_bytes} bytes per cell"
     scale = "" if area.scale == 1 else f", scale {area.scale:g}"
