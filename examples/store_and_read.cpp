@@ -6,8 +6,6 @@
 #include <cstring>
 #include <exception>
 #include <memory>
-#include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "host/PluginHost.h"
@@ -17,12 +15,6 @@ namespace {
 using tovrhost::PluginHost;
 
 constexpr std::size_t kCellBytes = 18;  // a 3x3 matrix of 16-bit numbers
-
-void require(int code, const char* what, PluginHost& host) {
-  if (code == 0) return;
-  const char* text = host.manager().errMsg();
-  throw std::runtime_error(std::string(what) + ": code " + std::to_string(code) + " (" + (text ? text : "") + ")");
-}
 
 template <class Record>
 void setRectangle(Record& record, int left, int top, int right, int bottom) {
@@ -39,13 +31,13 @@ void describeFile(PluginHost& host) {
   info->dbtype = 0;  // areas find their screen by rectangle
   info->datastructversion = info->softwareversion = info->dbversion = "1";
   info->softwaretype = "example";
-  require(host.manager().insertData(info.get()), "describe the file", host);
+  host.require(host.manager().insertData(info.get()), "describe the file");
 
   auto screen = host.makeRecord<tovr::ScreenInfoData>();
   screen->dbid = 1;  // the row of "Attach_DB_List" that the insert above made
   screen->screenname = "left wall";
   setRectangle(*screen, 0, 0, 63, 31);
-  require(host.manager().insertData(screen.get()), "add the screen", host);
+  host.require(host.manager().insertData(screen.get()), "add the screen");
 }
 
 void storeBlock(PluginHost& host, std::vector<unsigned char>& cells) {
@@ -55,7 +47,7 @@ void storeBlock(PluginHost& host, std::vector<unsigned char>& cells) {
   block->coefBuffer.databitwidth = int{kCellBytes};
   block->coefBuffer.data = cells.data();  // stays ours
   block->coefBuffer.datasize = static_cast<int>(cells.size());
-  require(host.manager().insertData(block.get()), "store the block", host);
+  host.require(host.manager().insertData(block.get()), "store the block");
 }
 
 // The cells of a smaller rectangle. The buffer that the query leaves in the record is ours to delete[].
@@ -63,7 +55,7 @@ bool readBack(PluginHost& host, const std::vector<unsigned char>& cells) {
   auto request = host.makeRecord<tovr::CoefData>();
   request->coeftype = 1;
   setRectangle(*request, 8, 4, 23, 11);  // both edges inclusive: 16 x 8 cells
-  require(host.manager().queryData(request.get()), "read the rectangle", host);
+  host.require(host.manager().queryData(request.get()), "read the rectangle");
   const std::unique_ptr<unsigned char[]> region(request->coefBuffer.data);
   std::printf("read %d bytes of %d-byte cells\n", request->coefBuffer.datasize, request->coefBuffer.databitwidth);
   for (std::size_t row = 0; row < 8; ++row) {
@@ -83,8 +75,8 @@ int main(int argc, char** argv) {
   try {
     PluginHost host(argv[1]);  // pluginfo, pluginit
     std::printf("%s %s\n", host.info().name, host.info().version);
-    require(host.manager().openDB(argv[2], "a key of your own"), "open the file", host);
-    require(host.manager().createTables(), "create the tables", host);
+    host.openDB(argv[2], "a key of your own");
+    host.require(host.manager().createTables(), "create the tables");
     describeFile(host);
 
     std::vector<unsigned char> cells(kCellBytes * 64 * 32);
@@ -92,7 +84,7 @@ int main(int argc, char** argv) {
     storeBlock(host, cells);
     const bool same = readBack(host, cells);
     std::printf("%s\n", same ? "the rectangle is exact to the byte" : "the rectangle DIFFERS");
-    require(host.manager().closeDB(), "close the file", host);
+    host.require(host.manager().closeDB(), "close the file");
     return same ? 0 : 1;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());

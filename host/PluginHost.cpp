@@ -1,9 +1,16 @@
 #include "host/PluginHost.h"
 
 #include <algorithm>
-#include <stdexcept>
+
+#include "host/StatusText.h"
+#include "storage/StatusCodes.h"
 
 namespace tovrhost {
+namespace {
+
+constexpr int kFirstOwnCode = 4096;  // of the library; those below are the engine's, which has words for them
+
+}  // namespace
 
 PluginHost::PluginHost(const std::string& libraryPath) : library_(libraryPath) { library_.init(this); }
 
@@ -14,6 +21,24 @@ PluginHost::~PluginHost() {
     last.info->destroy(last.instance);
   }
   library_.init(nullptr);
+}
+
+void PluginHost::openDB(const std::string& path, const std::string& key) {
+  if (key.empty()) throw std::invalid_argument("an empty key would leave " + path + " unencrypted");
+  try {
+    require(manager().openDB(path, key), "open " + path);
+  } catch (...) {
+    manager().closeDB();  // a file that failed to open is open, perhaps unencrypted
+    throw;
+  }
+}
+
+void PluginHost::require(int code, const std::string& what) {
+  if (code == tovr::kOk) return;
+  std::string text = what + ": " + std::to_string(code) + ", " + statusText(code);
+  const char* engine = code < kFirstOwnCode ? manager().errMsg() : nullptr;
+  if (engine != nullptr) text += std::string(" (") + engine + ")";
+  throw StatusError(code, text);
 }
 
 tovr::IDBManager& PluginHost::manager() {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -14,9 +15,22 @@
 
 namespace tovrhost {
 
+// A call of the library that failed. The text says what was done, the code, its meaning and, if the engine refused it,
+// the engine's words.
+class StatusError : public std::runtime_error {
+ public:
+  StatusError(int code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  int code() const { return code_; }
+
+ private:
+  int code_;
+};
+
 class PluginHost final : public tovr::IPluginHost {
  public:
-  // Loads the library and gives it this host. Throws std::runtime_error when it cannot be loaded.
+  // Loads the library and gives it this host. Throws std::runtime_error when it cannot be loaded, and std::logic_error
+  // while another PluginHost of this process uses the same copy of the library: the two would work on each other's
+  // file.
   explicit PluginHost(const std::string& libraryPath);
   PluginHost(const PluginHost&) = delete;
   PluginHost& operator=(const PluginHost&) = delete;
@@ -26,7 +40,14 @@ class PluginHost final : public tovr::IPluginHost {
 
   const tovr::PluginInfo& info() const { return library_.info(); }
 
-  // The services, created when first asked for, owned by this host. Throw std::runtime_error where creation fails.
+  // Opens (or creates) the file with that page key. Throws std::invalid_argument for an empty key, which would leave
+  // the file unencrypted, and StatusError if the library refuses; then no file is open.
+  void openDB(const std::string& path, const std::string& key);
+
+  // Throws StatusError unless `code`, the answer of the call that `what` names, is 0.
+  void require(int code, const std::string& what);
+
+  // The services, created when first asked for, owned by this host. Throw std::runtime_error if creation fails.
   tovr::IDBManager& manager();
   tovr::IDBOperate& connection();
   tovr::IEncryption& encryption();

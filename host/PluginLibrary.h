@@ -23,7 +23,8 @@ class PluginLibrary {
   // The record of a class ("cpp.DBManager"), or null.
   const tovr::ClassInfo* findClass(const std::string& className) const;
 
-  // Gives the library its host; null takes it back.
+  // Gives the library its host; null takes it back. A library keeps one host for all of its managers: throws
+  // std::logic_error while it has one that a PluginLibrary of this program gave it.
   void init(tovr::IPluginHost* host) const;
 
  private:

@@ -28,6 +28,11 @@ bool cryptCbc(const DESBase& cipher, int direction, const std::string& key, cons
 
 std::string temporaryPath(const std::string& destination) { return destination + ".temp"; }
 
+// Opening the temporary file for writing would empty the source.
+bool isItsOwnTemporary(const std::string& source, const std::string& destination) {
+  return isSameFile(source, temporaryPath(destination));
+}
+
 // Runs `convert` (which returns how many bytes of the output count, or a negative number on failure) over every
 // chunk. False where reading, converting or writing failed, or the last bytes could not be handed to the system.
 template <class Convert>
@@ -79,6 +84,7 @@ bool DES::encryptFile(const std::string& key, const std::string& iv, const std::
 
 bool DES::encryptFile(const std::string& key, const std::string& iv, const std::string& source,
                       const std::string& destination) const {
+  if (isItsOwnTemporary(source, destination)) return false;
   std::ifstream plain(source, std::ios::in | kTextMode);
   std::ofstream enciphered(temporaryPath(destination), std::ios::out | std::ios::trunc | std::ios::binary);
   if (!plain.is_open() || !enciphered.is_open()) return false;
@@ -99,6 +105,7 @@ bool DES::decryptFile(const std::string& key, const std::string& iv, const std::
 
 bool DES::decryptFile(const std::string& key, const std::string& iv, const std::string& source,
                       const std::string& destination) const {
+  if (isItsOwnTemporary(source, destination)) return false;
   std::ifstream enciphered(source, std::ios::in | std::ios::binary);
   std::ofstream plain(temporaryPath(destination), std::ios::out | std::ios::trunc | kTextMode);
   if (!enciphered.is_open() || !plain.is_open()) return false;

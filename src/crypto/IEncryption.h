@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "plugin/CompilerFamily.h"
+
 namespace tovr {
 
 class IEncryption {
@@ -31,7 +33,8 @@ class IEncryption {
   // Files, 512 bytes at a time, written to `destination` + ".temp" and then moved. Existing destinations stay (the
   // new content is then left under the ".temp" name and the result is true); in place, the source is replaced.
   // Made for text: deciphering cuts each 512-byte piece at its first zero byte, and the plaintext side is opened in
-  // the platform's text mode. False: a file could not be opened, read or written; the source is untouched.
+  // the platform's text mode. False: a file could not be opened, read or written, or the source itself is the ".temp"
+  // file, under whatever name; the source is untouched.
 #if defined(_MSC_VER)
   virtual bool encryptFile(const std::string& key, const std::string& iv, const std::string& source,
                            const std::string& destination) = 0;                                          // slot 6

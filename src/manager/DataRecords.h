@@ -1,6 +1,6 @@
 // The records that travel between host and library: one class per kind of row, made by IDBManager::createData and
 // deleted by the host through the virtual destructor. Field order, types and defaults are part of the contract with
-// hosts; so is the class of std::string and std::vector: host and library need the same compiler family.
+// hosts; so is the layout of std::string and std::vector: host and library need the same compiler family.
 //
 // Rectangles are cell indices with both edges inclusive; -1 means that the edge is not given. In memory the order is
 // left, top, right, bottom; the columns of the tables have another, so map by name.
@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string>
 #include <vector>
+
+#include "plugin/CompilerFamily.h"
 
 namespace tovr {
 
@@ -35,15 +37,16 @@ struct DataBase {
   virtual ~DataBase() = default;
 
   std::int32_t type;    // a DataType; never changed once the record is made
-  std::string version;  // text of the payload tables' "version" column
+  std::string version;  // text of the payload tables' "version" column: written, never read back
 };
 
 // A block of coefficient cells, row-major: row `top` first, each row from `left` to `right`.
 struct CoefBuffer {
   std::int32_t databitwidth = 0;  // bytes per cell (the column of that name holds the same number)
   unsigned char* data = nullptr;  // not owned
-  std::int32_t datasize = 0;      // bytes at `data`
+  std::int32_t datasize = 0;      // bytes at `data`; inserting does not compare them with the rectangle's size
 };
+static_assert(sizeof(CoefBuffer) == 24, "tovrdatabaseservice: compile for 64 bits, without packed structures");
 
 // One coefficient area and its block. What queryData leaves in coefBuffer.data belongs to the host: delete[] it.
 struct CoefData : DataBase {

@@ -17,14 +17,15 @@ class IDBManager {
   virtual ~IDBManager() = default;  // slot 0
 
   // Opens (or creates) the file at `path` (narrow bytes, passed on unchanged) with the page key `key`, and runs the
-  // two PRAGMAs. With a wrong key the first read fails with 26; engines that read the file for a PRAGMA fail here. The
-  // file then stays open: close it, or open another. 4096 without host or connection.
+  // two PRAGMAs. With a wrong key the first read fails with 26; engines that read the file for a PRAGMA fail here.
+  // Not 0: call closeDB at once. The file may be open; with an empty key, which answers 1, it is open without
+  // encryption and every later call would write it in plain. 4096 without host or connection.
   virtual int openDB(std::string path, std::string key) = 0;  // slot 1
 
-  // Closes the file; 0 where none is open too. 4096 without host or connection.
+  // Closes the file; 0 if none is open, too. 4096 without host or connection.
   virtual int closeDB() = 0;  // slot 2
 
-  // Creates the nine tables where they do not exist yet, in five groups; stops at the first group that fails.
+  // Creates those of the nine tables that do not exist yet, in five groups; stops at the first group that fails.
   // REQUIRES: openDB succeeded.
   virtual int createTables() = 0;  // slot 3
 
@@ -44,11 +45,15 @@ class IDBManager {
   // - ScreenInfoDataResult: every screen
   //
   // LumChromaData and records of an unknown type: 0, nothing happens. ScreenInfoData: 4096. Null: 4096.
-  // A CoefData is unchanged on failure.
+  // A CoefData is unchanged on failure. No query fills `version`.
+  // Throws std::invalid_argument or std::out_of_range if a screen's row, which CoefData and ScreenInfoDataResult read,
+  // holds something else than a number.
   virtual int queryData(DataBase* record) = 0;  // slot 6
 
   // Stores `record` (CoefData, LumChromaData, ScreenInfoData, ConfigData, DBInfo); buffers stay the caller's.
-  // A CoefData receives the keys of its rows. Result records and unknown types: 0, nothing happens. Null: 4096.
+  // A CoefData receives the keys of its screen and its block, and its own (`id`) only if a stored area is taken over;
+  // no other record receives a key. Sizes are not checked: `datasize` bytes are stored whatever the rectangle. Result
+  // records and unknown types: 0, nothing happens. Null: 4096. Throws as queryData, for a CoefData.
   virtual int insertData(DataBase* record) = 0;  // slot 7
 
   // Clears ALL rows of the tables behind the record's type, whatever the record holds. Screens cannot be cleared
@@ -56,7 +61,8 @@ class IDBManager {
   virtual int deleteData(DataBase* record) = 0;  // slot 8
 
   // Rewrites the rows of a CoefData or ScreenInfoData (by `id`). LumChromaData, ConfigData, DBInfo,
-  // ScreenInfoDataResult and unknown types: 0, nothing happens. CoefDataResult: 4096. Null: 4096.
+  // ScreenInfoDataResult and unknown types: 0, nothing happens. CoefDataResult: 4096. Null: 4096. Throws and checks
+  // sizes as insertData.
   virtual int updateData(DataBase* record) = 0;  // slot 9
 
   // The connection's last error text, valid until the next call on the connection; null without a connection.

@@ -22,7 +22,8 @@ class IDBOperate {
   // Opens or creates the file; closes what is open. `path`: narrow bytes, passed to the engine unchanged.
   virtual int open(const char* path) = 0;  // slot 1
   virtual int close() = 0;                 // slot 2: finalizes the current statement first
-  // Gives the page key, `length` bytes. Succeeds with a wrong key too: only the first read proves it.
+  // Gives the page key, `length` bytes. Succeeds with a wrong key too: only the first read proves it. On SQLCipher 4 it
+  // reads the file and resets the busy timeout to 0: set yours afterwards.
   virtual int setKey(const char* key, unsigned int length) = 0;  // slot 3
   // Runs every statement of `sql`.
   virtual int exec(const char* sql) = 0;  // slot 4

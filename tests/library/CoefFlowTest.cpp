@@ -255,6 +255,10 @@ TEST_F(FailedCoefQueryTest, LeavesTheRecordAsItWasAndDoesNotHinderTheNextCall) {
   EXPECT_EQ(queryUnchanged({3, 0, 1, 0}), kThrown) << "inverted: a negative size";
   run("update Coef set databitwidth = 3");
   EXPECT_EQ(queryUnchanged({0, 0, 3, 3}), kBlockTooSmall);
+  CoefData few = block({0, 0, 3, 3});
+  few.coefBuffer.datasize = 5;
+  EXPECT_EQ(insert(few), kOk) << "sizes are the host's to check";
+  EXPECT_EQ(queryUnchanged({0, 0, 3, 3}), kBlockTooSmall);
   for (const char* blob : {"x'0102030405060708'", "x'01'"}) {
     run("update Coef set data = " + std::string(blob));
     EXPECT_EQ(queryUnchanged({0, 0, 0, 0}), kCipherFailed) << blob;

@@ -1,4 +1,4 @@
-// What enciphering a file leaves on the disk where it fails. Where it succeeds, in place and elsewhere, at every length
+// What enciphering a file leaves on the disk when it fails. When it succeeds, in place and elsewhere, at every length
 // and over an existing file, it is fuzz/FileCipherFuzz's to test.
 #include "crypto/Encryption.h"
 #include "tests/support/Bytes.h"
@@ -29,6 +29,21 @@ TEST_F(EncryptionFileTest, AMissingSourceFailsAndLeavesAnEmptyTemporaryFile) {
   std::filesystem::remove(b + ".temp");
   EXPECT_FALSE(decrypt(a, b));
   EXPECT_EQ(contentOf(b + ".temp"), Bytes{});
+}
+
+// Writing the temporary file would empty the source.
+TEST_F(EncryptionFileTest, SourceIsTheTemporaryFile) {
+  const std::string temporary = b + ".temp";
+  writeFile(temporary, letters(10, 8));
+  std::filesystem::create_hard_link(temporary, a);
+  std::vector<std::string> names = {temporary, path(".") + "/b.temp", a};
+#if !defined(_WIN32)  // needs a privilege there
+  std::filesystem::create_symlink(temporary, path("link"));
+  names.push_back(path("link"));
+#endif
+  for (const std::string& name : names) expectNeither(name, b);
+  EXPECT_EQ(contentOf(temporary), letters(10, 8));
+  EXPECT_FALSE(std::filesystem::exists(b));
 }
 
 TEST_F(EncryptionFileTest, AFolderCannotBeReadAndADestinationThatCannotBeMadeLeavesTheSource) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fstream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -88,6 +89,33 @@ TEST_F(HostLifeTest, AThousandLivesDoNotGrow) {
 }
 
 #endif
+
+TEST_F(HostLifeTest, SecondHost_SameLibrary) {
+  const auto another = [] { tovrhost::PluginHost host(TOVR_PLUGIN_FILE); };
+  {
+    tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
+    EXPECT_THROW(another(), std::logic_error);
+    makeFile(host, file);  // the first one has kept its library
+    storeAndRead(host, host.manager(), 1);
+    EXPECT_EQ(host.manager().closeDB(), kOk);
+  }
+  EXPECT_NO_THROW(another());
+}
+
+TEST_F(HostLifeTest, OpenDB_ClosesWhatItRefuses) {
+  tovrhost::PluginHost host(TOVR_PLUGIN_FILE);
+  EXPECT_THROW(host.openDB(file, ""), std::invalid_argument);
+  EXPECT_FALSE(fs::exists(file));
+  makeFile(host, file);
+  try {
+    host.openDB(file, "another key");
+    ADD_FAILURE() << "a wrong key opens it";
+  } catch (const tovrhost::StatusError& error) {
+    EXPECT_EQ(error.code(), SQLITE_NOTADB) << error.what();
+  }
+  EXPECT_EQ(host.manager().createTables(), SQLITE_MISUSE);
+  EXPECT_NO_THROW(host.openDB(file, kRawKey));
+}
 
 TEST_F(HostLifeTest, TwoManagersShareOneConnection) {
   tovrhost::PluginHost host(TOVR_PLUGIN_FILE);

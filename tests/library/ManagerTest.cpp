@@ -70,6 +70,15 @@ TEST_F(ManagerTest, OpenSetsTwoPragmasAndTellsWhyAFileCannotBeOpened) {
   EXPECT_STREQ(manager->errMsg(), "unable to open database file");
 }
 
+// The engine takes no empty key, and the file, which is open all the same, is not encrypted.
+TEST_F(ManagerTest, OpenDB_EmptyKey) {
+  EXPECT_EQ(manager->openDB(path("plain.db"), ""), SQLITE_ERROR);
+  EXPECT_EQ(manager->createTables(), kOk);
+  const Bytes file = contentOf(path("plain.db"));
+  ASSERT_GE(file.size(), 15U);
+  EXPECT_EQ(std::string(file.begin(), file.begin() + 15), "SQLite format 3");
+}
+
 TEST_F(ManagerTest, CheckWantsTheBuiltInKeyAndThePlacementTable) {
   EXPECT_FALSE(manager->checkDB(path("no folder/a.db")));
   EXPECT_FALSE(manager->checkDB(path("empty.db")));

@@ -90,6 +90,18 @@ TEST_F(HostServicesTest, OperatorsCreateWhatTheHostDoesNotKeepAndTheManagerOnlyF
   EXPECT_EQ(host->calls.back(), "find DBOperate");
 }
 
+// The file operations look the connection up at each call, the operators when they are made.
+TEST_F(HostServicesTest, ManagerOlderThanItsHost) {
+  pluginit(nullptr);
+  DBManager manager;
+  pluginit(host.get());
+  EXPECT_EQ(manager.openDB(path("a.db"), kRawKey), kOk);
+  EXPECT_EQ(manager.createTables(), kNoConnection);
+  expectEveryRecordRefused(manager, kNoConnection);
+  EXPECT_FALSE(manager.checkDB(path("a.db")));
+  EXPECT_EQ(manager.closeDB(), kOk);
+}
+
 TEST_F(HostServicesTest, ServicesMayGoBeforeTheManagerAndRecordsOutliveBoth) {
   auto manager = std::make_unique<DBManager>();
   EXPECT_EQ(manager->openDB(path("a.db"), kRawKey), kOk);
