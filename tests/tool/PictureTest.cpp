@@ -251,7 +251,7 @@ TEST_F(PictureTest, ASheetHasAPictureOfEveryComponentAndOfEveryScreenThatLiesOnA
   EXPECT_GE(countPixels(path("wall.png"), last), 8 * kCell);
   succeed("heatmap wall.db -o left.png --type 1 --range 0,40 --sheet --screen left");
   EXPECT_LT(countPixels(path("left.png"), last), 8 * kCell);
-  expectFailure(2, "excludes", "heatmap wall.db -o no.png --type 1 --sheet --component 1");
+  expectFailure(2, "exclude each other", "heatmap wall.db -o no.png --type 1 --sheet --component 1");
 }
 
 }  // namespace

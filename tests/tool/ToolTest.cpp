@@ -74,7 +74,7 @@ TEST_F(ToolTest, ExistingFilesAreReplacedOnlyOnDemandAndNeverHalf) {
   succeed("sample --size 4x4 --raw --force -o out");
   EXPECT_EQ(fs::file_size(path("out")), 4U * 4 * 18);
 
-  expectFailure(2, "would replace the database", "coef get wall.db --type 1 --rect 0,0,1,1 --force -o ./wall.db");
+  expectFailure(2, "would replace wall.db", "coef get wall.db --type 1 --rect 0,0,1,1 --force -o ./wall.db");
   expectFailure(2, "write into the database", "coef list wall.db --log wall.db");
   EXPECT_EQ(read("wall.db"), before);
   expectFailure(3, "cannot create nowhere/out", "sample --size 4x4 -o nowhere/out");

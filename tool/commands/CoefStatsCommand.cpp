@@ -16,6 +16,7 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/database/JsonForms.h"
 #include "tool/database/NumberForms.h"
+#include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
 #include "tool/system/ToolError.h"
 
@@ -147,9 +148,10 @@ std::string heading(const Subject& subject) {
   const std::vector<StoredArea>& areas = subject.cells.areas;
   const std::string place = areas.size() > 1 ? fmt::format("{} areas of {}", areas.size(), areas.front().screen)
                                              : fmt::format("area {} ({})", areas.front().id, toText(areas.front()));
-  return fmt::format("cells {} of {}, type {}: {} cells of {} x {}\n\n", toText(subject.rect()), place,
-                     areas.front().type, columnsOf(subject.rect()) * rowsOf(subject.rect()), subject.valuesPerCell,
-                     toText(subject.form));
+  return printable(fmt::format("cells {} of {}, type {}: {} cells of {} x {}", toText(subject.rect()), place,
+                               areas.front().type, columnsOf(subject.rect()) * rowsOf(subject.rect()),
+                               subject.valuesPerCell, toText(subject.form))) +
+         "\n\n";
 }
 
 std::string asText(const Subject& subject, const std::vector<Component>& components, const Options& options) {

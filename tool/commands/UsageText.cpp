@@ -97,7 +97,8 @@ const CLI::Option* optionIn(const CLI::App& app, const std::string& message) {
 }
 
 std::string aboutConversion(const CLI::Option& option, const std::string& value) {
-  const bool whole = option.get_type_name() == "INT" || option.get_type_name() == "UINT";
+  const std::string type = option.get_type_name();
+  const bool whole = type == "INT" || type == "UINT" || type.rfind("ID", 0) == 0;
   const bool digits = !value.empty() && value.find_first_not_of("-0123456789") == std::string::npos;
   const char* kind = whole ? (digits ? "a smaller whole number" : "a whole number") : "a number";
   return fmt::format("{} takes {}; got '{}'", option.get_name(), kind, value);
@@ -123,6 +124,14 @@ std::string aboutValue(const CLI::Option& option, const CLI::ParseError& error) 
   const std::size_t colon = text.find(": must ");
   if (colon == option.get_name().size()) text.erase(colon, 1);
   return text;
+}
+
+// "--rect excludes --at"
+std::string aboutExclusion(std::string text) {
+  const std::string verb = " excludes ";
+  const std::size_t at = text.find(verb);
+  if (at == std::string::npos) return text;
+  return text.replace(at, verb.size(), " and ") + " exclude each other: give one of them";
 }
 
 template <class Kind>
@@ -162,6 +171,7 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
   if (is<CLI::RequiredError>(error) && group) return aboutCommand(app, rest);
   // What is not known explains what is missing.
   if (is<CLI::ExtrasError>(error) || (is<CLI::RequiredError>(error) && !rest.empty())) return aboutExtras(app, rest);
+  if (is<CLI::ExcludesError>(error)) return aboutExclusion(error.what());
   const CLI::Option* option = optionIn(app, error.what());
   const bool value =
       is<CLI::ConversionError>(error) || is<CLI::ArgumentMismatch>(error) || is<CLI::ValidationError>(error);

@@ -11,7 +11,7 @@ ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, c
     : standard_(standard), force_(options.force) {
   std::error_code error;
   if (std::filesystem::equivalent(pathOf(options.path), pathOf(source), error)) {
-    throw ToolError(kUsage, "the output would replace the database that it is read from");
+    throw ToolError(kUsage, "the output would replace {}, from which it is made: give another name", source);
   }
   if (options.path == "-" || descriptorNamed(options.path) == kStandardOutput) {
     standard_.refuseTerminal();

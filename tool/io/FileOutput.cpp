@@ -41,6 +41,12 @@ void giveName(const std::string& temporary, const std::string& path, Existing ex
   }
 }
 
+// "1.6 MB"
+std::string sizeText(double bytes) {
+  if (bytes >= 1e9) return fmt::format("{:.1f} GB", bytes / 1e9);
+  return bytes >= 1e6 ? fmt::format("{:.1f} MB", bytes / 1e6) : fmt::format("{:.1f} kB", bytes / 1e3);
+}
+
 }  // namespace
 
 std::string followedLink(const std::string& path) {
@@ -106,8 +112,8 @@ void FileOutput::requireRoom(double bytes) const {
   std::error_code error;
   const fs::space_info space = fs::space(fs::absolute(pathOf(path_), error).parent_path(), error);
   if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
-  throw ToolError(kNoSpace, "{} would take {:.1f} GB, and the disk has room for {:.1f} GB; --force writes anyway",
-                  path_, bytes / 1e9, static_cast<double>(space.available) / 1e9);
+  throw ToolError(kNoSpace, "{} would take {}, and the disk has room for {}; --force writes anyway", path_,
+                  sizeText(bytes), sizeText(static_cast<double>(space.available)));
 }
 
 void FileOutput::write(const void* bytes, std::size_t size) {

@@ -32,8 +32,8 @@ std::string textTable(const std::vector<Column>& columns, const TextRows& rows) 
   std::vector<std::string> titles;
   std::vector<std::size_t> widths;
   for (const Column& column : columns) {
-    titles.push_back(column.title);
-    widths.push_back(width(column.title));
+    titles.push_back(printable(column.title, kWidest));
+    widths.push_back(width(titles.back()));
   }
   TextRows shown = rows;
   for (auto& row : shown) {
