@@ -132,6 +132,9 @@ Cells differenceRow(const ReportContent& content, const Difference& difference) 
     case Difference::Kind::kCells:
       return {difference.item,
               fmt::format("{} of {} cells changed", difference.cells.differing, difference.cells.cells)};
+    case Difference::Kind::kFault:
+      return {difference.item,
+              "damaged, not compared: " + (difference.before.empty() ? difference.after : difference.before)};
     case Difference::Kind::kBytes:
       break;
   }
