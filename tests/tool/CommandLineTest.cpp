@@ -211,7 +211,7 @@ TEST_F(ToolTest, ATerminalShowsTheWorkAndAPipeDoesNot) {
               0);
     return read("typed");
   };
-  EXPECT_EQ(run(put).err, "tovrdb: stored 1 blocks\n");
+  EXPECT_EQ(run(put).err, "tovrdb: stored 1 block\n");
   EXPECT_EQ(run("--quiet " + put).err, "");
   EXPECT_TRUE(contains(onTerminal(""), "coef put [####"));
   EXPECT_EQ(onTerminal("NO_COLOR=1 ").find('['), std::string::npos);
