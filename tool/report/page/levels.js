@@ -24,8 +24,9 @@ function isSet(bits, index) {
 
 // One number of every cell of a layer.
 class Plane {
-  constructor(data, layer) {
+  constructor(data, layer, changed) {
     this.data = data;
+    this.changed = changed;  // of a difference: the cells that count
     this.size = layer.columns * layer.rows;
     this.times = layer.scale[0];
     this.over = layer.scale[1];
@@ -52,12 +53,13 @@ class Plane {
     return this.data.exact ? 0 : this.data.step * this.times / this.over / 2;
   }
 
-  // How many cells have each level.
+  // How many cells have each level; of a difference those that changed.
   counts() {
     if (this.counted) return this.counted;
     const counts = new Uint32Array(this.data.bits === 16 ? 65536 : 256);
     for (let i = 0; i < this.size; ++i) {
-      if (!this.isAbsent(i)) ++counts[this.data.bits === 0 ? 0 : this.levels[i]];
+      if (this.isAbsent(i) || (this.changed && !isSet(this.changed, i))) continue;
+      ++counts[this.data.bits === 0 ? 0 : this.levels[i]];
     }
     this.counted = counts;
     return counts;
@@ -111,7 +113,8 @@ class Layer {
 
   plane(component, name) {
     const key = component + ' ' + name;
-    if (!this.planes.has(key)) this.planes.set(key, new Plane(this.components[component].planes[name], this));
+    if (!this.planes.has(key))
+      this.planes.set(key, new Plane(this.components[component].planes[name], this, this.changedBits(component)));
     return this.planes.get(key);
   }
 
