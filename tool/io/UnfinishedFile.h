@@ -24,8 +24,6 @@ class UnfinishedFile {
   // its folder takes no new file.
   UnfinishedFile(const std::string& finished, Existing existing, Writer writer,
                  std::optional<unsigned int> mode = std::nullopt);
-  UnfinishedFile(const UnfinishedFile&) = delete;
-  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
 
   // Where the writer makes the file.
   const std::string& path() const { return place_.path(); }
