@@ -81,7 +81,7 @@ void requireWhole(const Access& access, const std::string& copy, const std::stri
   const auto faults = pageFaults(session);
   session.close();
   if (faults.empty()) return;
-  throw ToolError(kRefused, "the copy is damaged, as the file may be, and was not kept: {}; `tovrdb check` tells more",
+  throw ToolError(kDamaged, "the copy is damaged, as the file may be, and was not kept: {}; `tovrdb check` tells more",
                   faults.front());
 }
 
