@@ -187,7 +187,7 @@ def test_blocks_are_put_by_the_tools_rules(wall):
     with pytest.raises(tovrdb.Conflict, match='mode="beside"'):
         wall.put(CELLS, type=1, at=(11, 6))
     for mode in ("careful", "patch"):
-        with pytest.raises(tovrdb.Conflict, match="keeps its numbers as 3 x uint16, scale 1/16384"):
+        with pytest.raises(tovrdb.Conflict, match="keeps its numbers as 9 x uint16, scale 1/16384"):
             wall.put(CELLS.astype("int16"), type=1, rect=RECT, mode=mode)
     assert wall.areas == before and np.array_equal(wall.coef(type=1)[...], CELLS)
     assert wall.put(CELLS[0:2, 0:2], type=1, at=(11, 6), mode="patch")
