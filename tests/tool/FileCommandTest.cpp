@@ -235,15 +235,14 @@ TEST_F(FileCommandTest, Names_OfTheEngineAndStreams) {
 TEST_F(FileCommandTest, Disk_FileCannotGrow) {
   const std::string before = everything(path("wall.db"));
   write("big", std::string(200000, 'a'));
-  const std::string limited = "prlimit --fsize=100000 " + std::string(kKey);
-  EXPECT_NE(run("data put wall.db --type 6 big", limited).code, 0);
+  const std::string limited = std::string(kKey) + "prlimit --fsize=100000 env ";
+  expectFailure(3, "nothing was changed", "data put wall.db --type 6 big", limited);
   EXPECT_FALSE(anythingUnfinished());
   EXPECT_EQ(everything(path("wall.db")), before);
   succeed("data put wall.db --type 6 big");
-  for (const char* command : {"backup wall.db copy.db", "rekey wall.db --new-key-file text"}) {
-    EXPECT_NE(run(command, limited).code, 0) << command;
-    EXPECT_FALSE(anythingUnfinished()) << command;
-  }
+  expectFailure(9, "cannot write the copy", "backup wall.db copy.db", limited);
+  expectFailure(3, "nothing was changed", "rekey wall.db --new-key-file text", limited);
+  EXPECT_FALSE(anythingUnfinished());
   expectSound("wall.db");
 }
 

@@ -56,7 +56,7 @@ TEST_F(ReadingTest, TheFormOfNumbersIsKeptAndNeverGuessed) {
   expectFailure(2, "say it with --dtype", "coef get wall.db --type 3 --rect 0,0,1,0 -o no.npy");
   expectTold("keeps its numbers as uint16, scale 1/4, unit cd/m2; their bytes are read as int16",
              kGet + "--rect 0,0,1,1 --dtype int16 -o other.npy");
-  succeed("coef put wall.db --type 1 --at 2,0 b.npy --unit nits");
+  succeed("coef put wall.db --type 1 --at 2,0 b.npy --unit nits --force");
   expectFailure(2, "read them apart, or say how", "heatmap wall.db --type 1 -o no.png");
   succeed("heatmap wall.db --type 1 --rect 2,0,3,1 -o part.png");
   expectFailure(2, "the array is of uint16", "coef put wall.db --type 1 --at 0,0 a.npy --dtype int16");

@@ -96,7 +96,7 @@ struct ReportTest : ToolTest {
 };
 
 TEST_F(ReportTest, NamesWithMarkupStayTextAndThePageIsItsOwnersOnly) {
-  EXPECT_EQ(htmlText("a<b>&\"'\x01\xff"), "a&lt;b&gt;&amp;&quot;&#39;?\xEF\xBF\xBD");
+  EXPECT_EQ(htmlText("a<b>&\"'\x01\xff"), "a&lt;b&gt;&amp;&quot;&#39;\\u0001\xEF\xBF\xBD");
   succeed("create wall.db --type 0 --name '</script><script>alert(1)</script>'");
   succeed("screen add wall.db --name '<script>alert(2)</script>' --rect 0,0,1,0");
   write("cells.npy", npy("<u2", "1, 2", std::string("\1\0\4\0", 4)));
