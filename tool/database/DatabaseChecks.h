@@ -14,8 +14,8 @@ namespace tovrtool {
 // Bytes that checkDatabase reads, as it reports them to `progress`.
 std::uint64_t bytesToCheck(Session& session);
 
-// What is wrong with the pages of an open file, or of the attached one that `schema` names; empty if it is whole. Engines
-// of the 3.x generation read the pages that are in use; later ones compare the checksums of all of them.
+// What is wrong with the pages of an open file, or of the attached one that `schema` names; empty if it is whole.
+// Engines of the 3.x generation read the pages that are in use; later ones compare the checksums of all of them.
 std::vector<std::string> pageFaults(Session& session, const std::string& schema = "main");
 
 // One verdict per check; a check that the file's damage ends reports that as a fault. What is lost is named by what it
