@@ -75,8 +75,8 @@ TEST_F(ReadingTest, SeveralAreasReadAsOneArray) {
   EXPECT_EQ(beyond.err.find("--mosaic"), std::string::npos) << "it would fail, too";
   expectFailure(1, "one row beyond area 1, which ends at 1,1", kGet + "--rect 0,0,1,2 -o x.npy");
   const std::string wider = kGet + "--rect 2,1,4,1 --mosaic --force -o x.npy";
-  expectFailure(1, "no area covers 1 cells of 2,1,4,1, the first at 4,1", wider);
-  expectTold("1 cells are covered by no area", wider + " --fill 9");
+  expectFailure(1, "no area covers 1 cell of 2,1,4,1, the first at 4,1", wider);
+  expectTold("filled 1 cell that no area covers", wider + " --fill 9");
   EXPECT_EQ(read("x.npy"), uint16Array("1, 3, 1", {6, 7, 9}));
   expectFailure(2, "-1 is not a number of type uint16", wider + " --fill -1");
 

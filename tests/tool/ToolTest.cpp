@@ -53,7 +53,8 @@ TEST_F(ToolTest, RefusalsSayWhatThereIsInstead) {
   expectFailure(1, "4116: no screen holds the rectangle", put + "--at 1,0");
   expectFailure(2, "inverted", put + "--rect 7,0,0,3");
   expectFailure(2, "--type is required", "coef put wall.db --at 0,0 block.npy");
-  expectFailure(3, "64 bytes", "coef put wall.db --type 1 --rect 0,0,7,3 --raw cells --cell-bytes 5");
+  expectFailure(3, "needs 160 bytes; the input has 64",
+                "coef put wall.db --type 1 --rect 0,0,7,3 --raw cells --cell-bytes 5");
   expectFailure(5, "cannot load the plug-in", "inspect --plugin nowhere.so");
   EXPECT_EQ(succeed("coef list wall.db").find("left"), std::string::npos) << "nothing was stored";
 

@@ -53,8 +53,9 @@ CellBlock blockFromArray(NpyArray array, const std::optional<Rect>& rect, const 
 
 CellBlock blockFromBytes(std::vector<unsigned char> bytes, const Rect& rect, std::int32_t cellBytes) {
   if (bytes.size() > kMostBytes || !fills(bytes.size(), rect, cellBytes)) {
-    throw ToolError(kFileProblem, "{} bytes are not the {} columns x {} rows of {} bytes each that {} takes",
-                    bytes.size(), columnsOf(rect), rowsOf(rect), cellBytes, toText(rect));
+    const double needed = static_cast<double>(columnsOf(rect)) * static_cast<double>(rowsOf(rect)) * cellBytes;
+    throw ToolError(kFileProblem, "the rectangle {} ({} x {} cells of {} bytes) needs {:.0f} bytes; the input has {}",
+                    toText(rect), columnsOf(rect), rowsOf(rect), cellBytes, needed, bytes.size());
   }
   return blockOf(rect, cellBytes, std::move(bytes));
 }

@@ -3,6 +3,7 @@
 #include "tool/commands/Arguments.h"
 #include "tool/database/NumberForms.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
 
 namespace tovrtool {
 
@@ -34,7 +35,8 @@ void addCells(CLI::App& command, CellQuery& query) {
 
 void noteAnswer(const CellAnswer& answer, const FormOptions& options) {
   if (answer.overlapping) message("note: areas overlap; where they do, the one that was stored first counts");
-  if (answer.filled > 0) message("note: {} cells are covered by no area and were filled", answer.filled);
+  if (answer.filled > 0)
+    message("note: filled {} that no area covers", counted(static_cast<std::size_t>(answer.filled), "cell"));
   for (const StoredArea& area : answer.areas) {
     const auto kept = keptForm(area);
     if (!options.dtype || !kept || options.dtype->descr == kept->dtype.descr) continue;

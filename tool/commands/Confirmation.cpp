@@ -21,7 +21,7 @@ void confirmDeletion(const std::vector<std::string>& what, bool forced) {
   std::cerr << "Delete? [y/N] " << std::flush;
   std::string answer;
   std::getline(std::cin, answer);
-  if (answer != "y" && answer != "yes") throw ToolError(kUsage, "nothing was deleted");
+  if (answer != "y" && answer != "yes") throw ToolError(kRefused, "nothing was deleted");
 }
 
 void addForcedDeletion(CLI::App& command, bool& force) {

@@ -11,6 +11,7 @@
 #include "tool/io/ByteOutput.h"
 #include "tool/io/FileInput.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrtool {
@@ -33,7 +34,7 @@ void put(Context& context, const Options& options) {
   const auto notices = putData(session, options.type, options.versionText, std::move(payload));
   session.close();
   for (const std::string& notice : notices) message(notice);
-  message("stored {} bytes as data of type {}", size, options.type);
+  message("stored {} as data of type {}", counted(size, "byte"), options.type);
 }
 
 void get(Context& context, const Options& options) {

@@ -11,6 +11,7 @@
 #include "tool/database/LibraryError.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
 #include "tool/io/UnfinishedFile.h"
 
 namespace tovrtool {
@@ -32,11 +33,11 @@ void exportAll(Context& context, const ExportOptions& options) {
     message("note: the {} is none of the nine tables and is left out", object);
   }
   session.close();
-  message("exported to {}: {} and {} payload files", options.folder, kManifestName, report.payloadFiles);
+  message("exported to {}: {} and {}", options.folder, kManifestName, counted(report.payloadFiles, "payload file"));
   if (report.faults.empty()) return;
   for (const std::string& fault : report.faults) message("left out: {}", fault);
-  throw statusError(tovr::kCipherFailed,
-                    fmt::format("the file is damaged; the folder holds all but {} rows", report.faults.size()));
+  throw statusError(tovr::kCipherFailed, fmt::format("the file is damaged; the folder holds all but {}",
+                                                     counted(report.faults.size(), "row")));
 }
 
 struct ImportOptions {

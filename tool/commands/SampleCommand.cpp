@@ -10,6 +10,7 @@
 #include "tool/commands/Commands.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
+#include "tool/io/TextList.h"
 #include "tool/system/ToolError.h"
 
 namespace tovrtool {
@@ -46,8 +47,9 @@ class Figures {
     for (int i = 0; i < 3; ++i) {
       drives.push_back(fmt::format("{} {:.3f} ({:.3f} to {:.3f})", names[i], mean[i], least_[i], most_[i]));
     }
-    return fmt::format("LED drive at white: {}; {} cells cannot reach it, {} needed less than no light of an LED",
-                       fmt::join(drives, ", "), beyond_, clipped_);
+    return fmt::format("LED drive at white: {}; out of reach: {}, in need of negative light: {}",
+                       fmt::join(drives, ", "), counted(static_cast<std::size_t>(beyond_), "cell"),
+                       counted(static_cast<std::size_t>(clipped_), "cell"));
   }
 
  private:

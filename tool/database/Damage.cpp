@@ -52,6 +52,13 @@ bool isDamage(const ToolError& error) {
          status == kReadFailed || status == kMalformed || status == kNotADatabase;
 }
 
+bool isNoFault(const ToolError& error) { return isEnded(error.code()) || error.code() == kBusy; }
+
+void beginAgain(Session& session) {
+  session.connection().exec("rollback");  // fails if there is no transaction
+  session.beginReading();
+}
+
 void refuseDamaged(const std::string& subject, const std::string& fault) {
   throw statusError(tovr::kCipherFailed,
                     fmt::format("{} is damaged: {}; what else the file holds can be read", subject, fault));

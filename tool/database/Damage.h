@@ -14,6 +14,13 @@ namespace tovrtool {
 // Whether a read failed because of what the file holds: a page or a blob that is not as it was written.
 bool isDamage(const ToolError& error);
 
+// Whether the error says nothing about the file: an interrupt, another program that keeps it busy.
+bool isNoFault(const ToolError& error);
+
+// From here on one state of the file is read, whoever else writes to it. After a page that could not be read the engine
+// refuses every other until this is called.
+void beginAgain(Session& session);
+
 // Throws ToolError: `subject` cannot be read because of `fault`. Its status is kCipherFailed, as of all damage that the
 // engine does not see.
 [[noreturn]] void refuseDamaged(const std::string& subject, const std::string& fault);

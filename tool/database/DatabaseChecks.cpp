@@ -10,6 +10,7 @@
 #include "tool/database/RowNames.h"
 #include "tool/database/StoredBlob.h"
 #include "tool/database/Tables.h"
+#include "tool/io/TextList.h"
 
 namespace tovrtool {
 namespace {
@@ -65,7 +66,7 @@ class BlobCheck {
         ++count;
       }
     }
-    verdict.detail = fmt::format("{} blobs, every byte decrypted", count);
+    verdict.detail = counted(count, "blob") + ", every byte decrypted";
   }
 
   BlockSizes takeSizes() { return std::move(sizes_); }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tool/database/FaultyFile.h"
+#include "tool/database/Damage.h"
 #include "tool/database/SchemaCheck.h"
 #include "tool/database/Verdict.h"
 #include "tool/io/Progress.h"

@@ -55,9 +55,10 @@ class Composer {
       if (!fill.empty()) fillRun(run, fill);
     });
     if (open > 0 && fill.empty()) {
-      throw statusError(tovr::kNoMatchingArea,
-                        fmt::format("no area covers {} cells of {}, the first at {},{}: give them a number with --fill",
-                                    open, toText(cells_.rect), first.left, first.y));
+      throw statusError(
+          tovr::kNoMatchingArea,
+          fmt::format("no area covers {} of {}, the first at {},{}; give a number for what is not covered with --fill",
+                      counted(static_cast<std::size_t>(open), "cell"), toText(cells_.rect), first.left, first.y));
     }
     return open;
   }

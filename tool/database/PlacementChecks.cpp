@@ -2,9 +2,13 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+
 #include "tool/cells/Overlaps.h"
 #include "tool/database/RowNames.h"
+#include "tool/database/Screens.h"
 #include "tool/database/SqlQuery.h"
+#include "tool/io/TextList.h"
 
 namespace tovrtool {
 namespace {
@@ -28,31 +32,41 @@ void checkNumbers(Session& session, const std::string& table, const RowNames& na
   }
 }
 
-// Screens are found by rectangle in a database of type 0 and by name in one of type 1.
+// The screen that the library finds instead of a later one: by rectangle in a database of type 0, by name in type 1.
+const StoredScreen* foundInstead(const std::vector<StoredScreen>& older, const StoredScreen& screen, int type) {
+  const auto hides = [&](const StoredScreen& each) {
+    return type == 1 ? each.name == screen.name : holds(each.rect, screen.rect);
+  };
+  const auto found = std::find_if(older.begin(), older.end(), hides);
+  return found != older.end() ? &*found : nullptr;
+}
+
+// Reads the rows itself: the library refuses all screens if one of them is damaged.
 void checkReachable(Session& session, Verdict& verdict) {
   const int type = session.manager().getDBType();
-  std::map<std::string, std::string> first;  // by what finds it
   tovr::IDBOperate& connection = session.connection();
-  std::int64_t count = 0;
-  visitRows(connection, "select screenname, left, top, right, bottom from Screen_Info order by id", [&] {
-    ++count;
-    const std::string name = columnText(connection, 0);
-    const std::string rect = fmt::format("{},{},{},{}", columnText(connection, 1), columnText(connection, 2),
-                                         columnText(connection, 3), columnText(connection, 4));
-    const auto [found, fresh] = first.emplace(type == 1 ? name : rect, name);
-    if (fresh || type > 1) return;
-    verdict.warnings.add(
-        type == 1 ? fmt::format("there are several screens {}: the library finds only the first", name)
-                  : fmt::format("screen {} lies on the rectangle of screen {}, {}: the library finds only the latter",
-                                name, found->second, rect));
+  const auto edge = [&](int column) { return static_cast<std::int32_t>(columnNumber(connection, column)); };
+  std::vector<StoredScreen> screens;
+  visitRows(connection, "select id, screenname, left, top, right, bottom from Screen_Info order by id", [&] {
+    const StoredScreen screen{
+        columnNumber(connection, 0), columnText(connection, 1), {edge(2), edge(3), edge(4), edge(5)}};
+    const StoredScreen* found = type <= 1 ? foundInstead(screens, screen, type) : nullptr;
+    if (found != nullptr && type == 1) {
+      verdict.warnings.add(fmt::format("there are several screens {}: the library finds only the first", screen.name));
+    } else if (found != nullptr) {
+      verdict.warnings.add(
+          fmt::format("screen {} lies in the rectangle of screen {}, {}: the library finds only the latter",
+                      screen.name, found->name, toText(found->rect)));
+    }
+    screens.push_back(screen);
   });
-  verdict.detail = fmt::format("{} screens", count);
+  verdict.detail = counted(screens.size(), "screen");
 }
 
 }  // namespace
 
 void checkLengths(const std::vector<Placement>& areas, const BlockSizes& sizes, Verdict& verdict) {
-  verdict.detail = fmt::format("{} areas, rectangle x bytes per cell", areas.size());
+  verdict.detail = counted(areas.size(), "area") + ", rectangle x bytes per cell";
   for (const Placement& area : areas) {
     const auto size = sizes.find(area.blockId);
     if (!isSound(area.rect)) {
@@ -71,7 +85,7 @@ void checkScreens(Session& session, const RowNames& names, Verdict& verdict) {
 }
 
 void checkInsideScreens(const std::vector<Placement>& areas, Verdict& verdict) {
-  verdict.detail = fmt::format("{} areas", areas.size());
+  verdict.detail = counted(areas.size(), "area");
   for (const Placement& area : areas) {
     if (!area.screenRect || holds(*area.screenRect, area.rect)) continue;
     verdict.warnings.add(fmt::format("{} reaches beyond its screen ({})", nameOf(area), toText(*area.screenRect)));

@@ -2,7 +2,7 @@
 
 #include <fmt/core.h>
 
-#include "tool/database/FaultyFile.h"
+#include "tool/database/Damage.h"
 #include "tool/database/SqlQuery.h"
 #include "tool/database/Tables.h"
 #include "tool/system/ToolError.h"
