@@ -180,7 +180,7 @@ void diff(Context& context, const Options& options) {
   context.output.finish();
   const bool damaged = std::any_of(differences.begin(), differences.end(),
                                    [](const Difference& each) { return each.kind == Difference::Kind::kFault; });
-  if (damaged) throw ToolError(kTrouble, "a block is damaged and was not compared; what differs beside it is listed");
+  if (damaged) throw ToolError(kDamaged, "a block is damaged and was not compared; all other differences are listed");
   context.code = differences.empty() ? kDone : kDifferent;
 }
 

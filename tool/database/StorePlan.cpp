@@ -199,7 +199,10 @@ class Planner {
       if (!holds(area.rect, rect())) continue;
       step_.kind = StoreStep::Kind::kPatch;
       step_.area = index;
-      if (area.cellBytes != block().cellBytes) {
+      if (!area.fault.empty()) {
+        object({},
+               fmt::format("{} lies in {}, which is damaged: {}", placeText(block().area), areaText(area), area.fault));
+      } else if (area.cellBytes != block().cellBytes) {
         object({}, fmt::format("{} lies in {}, which has {} bytes per cell; this block has {}", placeText(block().area),
                                areaText(area), area.cellBytes, block().cellBytes));
       } else {
@@ -318,6 +321,8 @@ class Planner {
       object({true, patchable, inside, false},
              fmt::format("{} would replace {} of another place, {}, which would be lost", placeText(block().area),
                          areaText(area), blockText(area)));
+    } else if (!area.fault.empty()) {
+      object(kForce, fmt::format("the stored block of {} is damaged: {}", areaText(area), area.fault));
     } else if (area.cellBytes != block().cellBytes) {
       object(kForce, fmt::format("{} is stored with {} bytes per cell; this block has {}", placeText(block().area),
                                  area.cellBytes, block().cellBytes));
