@@ -23,7 +23,7 @@ constexpr char kJsonManual[] =
     "               version, dtype, scale, unit}; the last three where the form of the numbers is kept\n"
     "screen list    a list of {id, name, rect, columns, rows}\n"
     "data list      a list of {type, id, blob_id, stored_bytes, version, screen}\n"
-    "measure list   a list of {id, stored_bytes, version}, with type and rect where they are stored\n"
+    "measure list   a list of {id, stored_bytes, version}, with type and rect if they are stored\n"
     "info           {file, database_type, description, engine, tables, screens}\n"
     "check          {file, ok, checks}\n"
     "coef stats     {file, screen, type, areas, rect, dtype, scale, unit, outlier_limit, components}; a component has\n"

@@ -8,7 +8,7 @@
 namespace tovrtool {
 
 // The candidate that `word` was probably meant to be: it begins with the word, or differs in few letters (left out, put
-// in, exchanged or swapped). Leading dashes do not count. Empty: there is none.
+// in, exchanged or swapped). Leading dashes do not count. Empty if no name is near.
 std::string nearest(const std::string& word, const std::vector<std::string>& candidates);
 
 // What is wrong with the command line that `app` could not parse, and what can be said instead.

@@ -13,7 +13,7 @@ namespace tovrtool {
 
 namespace {
 
-// Of "Screen_Info". Where there is no counter, as in a file that another program made, no key was issued.
+// Of "Screen_Info". Without a counter, as in files that other programs made, no key was issued.
 void setLastScreenKey(Session& session, std::int64_t key) {
   session.require(
       session.connection().exec(fmt::format("delete from sqlite_sequence where name = 'Screen_Info';"

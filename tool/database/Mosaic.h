@@ -39,7 +39,7 @@ ShowingAreas areasShowing(const std::vector<StoredArea>& areas, const Rect& rect
 std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas);
 
 // The cells of `rect`, each area read at most once. `fill` is the stored form of one cell for what no area covers;
-// empty where that is to be refused. Throws ToolError: cells without an area, areas that show and have a fault or cells
+// empty if they are refused. Throws ToolError: cells without an area, areas that show and have a fault or cells
 // of another width, more than 2 GiB of cells. REQUIRES: the areas are in the order in which they were stored.
 Mosaic readMosaic(Session& session, const std::vector<StoredArea>& areas, const Rect& rect, const Bytes& fill);
 

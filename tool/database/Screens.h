@@ -28,7 +28,7 @@ const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const 
 // Unless `force`, in databases that find screens by rectangle, a screen is refused whose cells all lie in an older one:
 // that one is always found first.
 void addScreen(Session& session, const std::string& name, const Rect& rect, bool force);
-// Areas and data refer to screens by key and stay where they are. Throws ToolError also if there is no screen `name`.
+// Areas and data refer to screens by key and stay where they are. Also throws if no screen is named `name`.
 void renameScreen(Session& session, const std::string& name, const std::string& newName, bool force);
 
 }  // namespace tovrtool

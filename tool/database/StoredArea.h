@@ -54,7 +54,7 @@ void requireReadable(const StoredArea& area);
 // Throws ToolError for a rectangle, of an area or a screen, in which no cells can lie.
 void requireSound(const Rect& rect, const std::string& whose);
 
-// Throws ToolError where a stored block of so many bytes is not the cells of its area.
+// Throws ToolError if a stored block of so many bytes does not hold the cells of its area.
 void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes);
 
 // The areas of a type, of the named screen only unless `screen` is empty. Throws ToolError, which says what there is,

@@ -32,7 +32,7 @@ void readWhatOneCan(Session& session, ReportContent& content, const std::string&
     if (isNoFault(error)) throw;
     verdict.faults.add(error.what());
   } catch (const std::logic_error&) {  // the library's, for a text that is not a number
-    verdict.faults.add("a row holds a text where a number belongs");
+    verdict.faults.add("a row holds text in a column of numbers");
   }
   content.verdicts.push_back(std::move(verdict));
   beginAgain(session);
