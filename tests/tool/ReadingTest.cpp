@@ -159,7 +159,7 @@ TEST_F(ReadingTest, ABadPageLeavesOtherAreasAlone) {
   EXPECT_TRUE(contains(difference.out, "cannot be compared: in wall.db: its block 2 cannot be read"));
   EXPECT_TRUE(contains(difference.out, "block of left, 200,0,299,99, type 1: 1 of 10000 cells differ"));
   succeed(kPut + "--patch --at 200,0 a.npy");
-  expectFailure(7, "which is damaged: its block 2", kPut + "--patch --at 100,0 a.npy");
+  expectFailure(8, "which is damaged: its block 2", kPut + "--patch --at 100,0 a.npy");
   EXPECT_FALSE(anythingUnfinished());
 }
 

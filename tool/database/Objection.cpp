@@ -24,7 +24,7 @@ std::string remediesText(const std::vector<Objection>& objections) {
 
 // What cannot be forced counts more than a conflict.
 ExitCode codeOf(const std::vector<Objection>& objections) {
-  for (const ExitCode code : {kRefused, kUsage}) {
+  for (const ExitCode code : {kDamaged, kRefused, kUsage}) {
     const auto hasIt = [&](const Objection& objection) { return objection.code == code; };
     if (std::any_of(objections.begin(), objections.end(), hasIt)) return code;
   }

@@ -200,8 +200,11 @@ class Planner {
       step_.kind = StoreStep::Kind::kPatch;
       step_.area = index;
       if (!area.fault.empty()) {
-        object({},
-               fmt::format("{} lies in {}, which is damaged: {}", placeText(block().area), areaText(area), area.fault));
+        plan_.objections.push_back({kDamaged,
+                                    tovr::kCipherFailed,
+                                    {},
+                                    named(fmt::format("{} lies in {}, which is damaged: {}", placeText(block().area),
+                                                      areaText(area), area.fault))});
       } else if (area.cellBytes != block().cellBytes) {
         object({}, fmt::format("{} lies in {}, which has {} bytes per cell; this block has {}", placeText(block().area),
                                areaText(area), area.cellBytes, block().cellBytes));
