@@ -25,7 +25,7 @@ std::string screenList(const std::vector<StoredScreen>& screens) {
 // Why no screen holds the rectangle, and what helps.
 std::string insteadOfScreen(Session& session, const AreaName& area) {
   const std::vector<StoredScreen> screens = storedScreens(session);
-  const std::string text = screenList(screens);
+  std::string text = screenList(screens);
   const auto areas = areasOfType(session, area.type, "");
   if (!areasMeeting(areas, area.rect).empty()) return text + "; " + insteadOf(area.rect, areas);
   const auto screen = std::find_if(screens.begin(), screens.end(),
