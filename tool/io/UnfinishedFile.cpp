@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 // Where the file is to be.
 std::string requirePlace(const std::string& finished, Existing existing) {
   requireOwnName(finished);
-  const std::string path = followedLink(finished);
+  std::string path = followedLink(finished);
   requireReplaceable(path, existing);
   std::error_code error;
   const fs::path folder = fs::absolute(pathOf(path), error).parent_path();
