@@ -70,7 +70,7 @@ TEST_F(ManagerTest, OpenSetsTwoPragmasAndTellsWhyAFileCannotBeOpened) {
   EXPECT_STREQ(manager->errMsg(), "unable to open database file");
 }
 
-// The engine takes no empty key, and the file, which is open all the same, is not encrypted.
+// The engine takes no empty key; the file stays open and is not encrypted.
 TEST_F(ManagerTest, OpenDB_EmptyKey) {
   EXPECT_EQ(manager->openDB(path("plain.db"), ""), SQLITE_ERROR);
   EXPECT_EQ(manager->createTables(), kOk);

@@ -82,7 +82,7 @@ bool flushFolder(const std::string& folder);
 // The same, and the files in it: all at once, where the system has such an operation, since each costs a wait.
 bool flushWholeFolder(const std::string& folder);
 
-// Which file a path leads to, also after a rename; empty if there is none. On Windows always empty: nobody replaces a
+// Which file a path leads to, also after a rename; empty if no file is there. Always empty on Windows: nobody replaces a
 // file there that somebody has open.
 std::string fileIdentity(const std::string& path);
 
