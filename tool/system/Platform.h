@@ -82,8 +82,8 @@ bool flushFolder(const std::string& folder);
 // The same, and the files in it: all at once, where the system has such an operation, since each costs a wait.
 bool flushWholeFolder(const std::string& folder);
 
-// Which file a path leads to, also after a rename; empty if no file is there. Always empty on Windows: nobody replaces a
-// file there that somebody has open.
+// Which file a path leads to, also after a rename; empty if no file is there. Always empty on Windows: nobody replaces
+// a file there that somebody has open.
 std::string fileIdentity(const std::string& path);
 
 #if defined(_WIN32)
