@@ -51,8 +51,8 @@ def wall(path):
 
 
 def python(code, *arguments):
-    """Another interpreter, whose streams and end can be looked at."""
-    return subprocess.Popen([sys.executable, "-c", "import sys, tovrdb\n" + code, *map(str, arguments)],
+    """Another interpreter, with unbuffered streams that a test can read."""
+    return subprocess.Popen([sys.executable, "-u", "-c", "import sys, tovrdb\n" + code, *map(str, arguments)],
                             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
 
 
