@@ -37,7 +37,7 @@ class KilledWriterTest : public DatabaseTest {
 
   // What the child does until it is killed. Tells of each block that is stored.
   [[noreturn]] void write(unsigned int version, int report) {
-    static_cast<void>(std::freopen("/dev/null", "w", stdout));
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) _exit(1);
     if (manager->openDB(path("file.db"), kRawKey) != kOk) _exit(1);
     for (;; ++version) {
       Bytes cells = cellsOf(version);
