@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "tool/database/CellQuery.h"
-#include "tool/database/Session.h"
+#include "client/reading/CellQuery.h"
+#include "client/session/Session.h"
 
 namespace {
 

@@ -3,18 +3,18 @@
 #include <algorithm>
 #include <string>
 
+#include "client/base/ToolError.h"
+#include "client/cells/NpyFile.h"
+#include "client/contents/StoredBlob.h"
+#include "client/exchange/ExportFormat.h"
+#include "client/exchange/FolderImport.h"
+#include "client/exchange/StoredRows.h"
+#include "client/session/SqlQuery.h"
+#include "client/session/Tables.h"
 #include "fuzz/Choices.h"
 #include "fuzz/ScratchFolder.h"
 #include "fuzz/Target.h"
-#include "tool/cells/NpyFile.h"
-#include "tool/database/ExportFormat.h"
-#include "tool/database/FolderImport.h"
-#include "tool/database/SqlQuery.h"
-#include "tool/database/StoredBlob.h"
-#include "tool/database/StoredRows.h"
-#include "tool/database/Tables.h"
-#include "tool/system/StandardOutput.h"
-#include "tool/system/ToolError.h"
+#include "tool/io/StandardOutput.h"
 
 namespace tovrfuzz {
 namespace {

@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <optional>
 
+#include "client/base/ToolError.h"
+#include "client/cells/CellBlock.h"
+#include "client/cells/NpyFile.h"
 #include "fuzz/Choices.h"
 #include "fuzz/Target.h"
-#include "tool/cells/CellBlock.h"
-#include "tool/cells/NpyFile.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrfuzz {
 namespace {

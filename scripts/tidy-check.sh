@@ -11,7 +11,7 @@ TOVR_WITH_TESTS=1 TOVR_WITH_TIDY=1 scripts/install-dependencies.sh || {
 }
 quietly cmake --preset debug
 log=build/clang-tidy.log
-run-clang-tidy-14 -p build/debug -quiet -j "$(nproc)" "^$PWD/(src|host|tool|python|examples)/" >"$log" 2>&1 || {
+run-clang-tidy-14 -p build/debug -quiet -j "$(nproc)" "^$PWD/(src|host|client|tool|python|examples)/" >"$log" 2>&1 || {
   code=$?
   grep -E 'error:|warning:' "$log" >&2 || tail -n 100 "$log" >&2
   echo "run-clang-tidy-14: exit code $code, all it printed is in $log" >&2

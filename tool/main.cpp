@@ -8,15 +8,15 @@
 #include <sstream>
 #include <string>
 
+#include "client/base/Interrupt.h"
+#include "client/base/Message.h"
+#include "client/base/ToolError.h"
+#include "client/disk/DatabaseFiles.h"
+#include "client/disk/Platform.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/UsageText.h"
-#include "tool/io/DatabaseFiles.h"
-#include "tool/io/Message.h"
-#include "tool/system/Interrupt.h"
-#include "tool/system/Platform.h"
-#include "tool/system/ToolError.h"
 
 namespace {
 

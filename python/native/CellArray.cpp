@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "tool/system/ToolError.h"
+#include "client/base/ToolError.h"
 
 namespace tovrpython {
 

@@ -3,7 +3,7 @@
 
 #include <pybind11/numpy.h>
 
-#include "tool/cells/CellBlock.h"
+#include "client/cells/CellBlock.h"
 
 namespace tovrpython {
 

@@ -2,12 +2,12 @@
 
 #include <fmt/core.h>
 
+#include "client/cells/CellNumbers.h"
+#include "client/reading/Mosaic.h"
+#include "client/reading/NumberForms.h"
+#include "client/session/LibraryError.h"
+#include "client/storing/AreaPatch.h"
 #include "storage/StatusCodes.h"
-#include "tool/cells/CellNumbers.h"
-#include "tool/database/AreaPatch.h"
-#include "tool/database/LibraryError.h"
-#include "tool/database/Mosaic.h"
-#include "tool/database/NumberForms.h"
 
 namespace tovrpython {
 

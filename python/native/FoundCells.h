@@ -7,10 +7,10 @@
 
 #include <vector>
 
-#include "tool/cells/NumberForm.h"
-#include "tool/database/CellQuery.h"
-#include "tool/database/Session.h"
-#include "tool/database/SqlQuery.h"
+#include "client/cells/NumberForm.h"
+#include "client/reading/CellQuery.h"
+#include "client/session/Session.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrpython {
 

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "tool/system/Platform.h"
+#include "client/disk/Platform.h"
 
 namespace tovrpython {
 

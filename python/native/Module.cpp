@@ -10,14 +10,14 @@
 #include <utility>
 #include <vector>
 
+#include "client/base/Message.h"
+#include "client/storing/Removal.h"
+#include "client/storing/StoreBlocks.h"
 #include "native/CellArray.h"
 #include "native/FoundCells.h"
 #include "native/LibraryLines.h"
 #include "native/OpenFile.h"
 #include "native/Records.h"
-#include "tool/database/Removal.h"
-#include "tool/database/StoreBlocks.h"
-#include "tool/io/Message.h"
 
 namespace tovrpython {
 namespace {

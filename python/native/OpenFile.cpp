@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "tool/database/DatabaseChecks.h"
-#include "tool/io/Progress.h"
-#include "tool/system/Platform.h"
-#include "tool/system/ToolError.h"
+#include "client/base/Progress.h"
+#include "client/base/ToolError.h"
+#include "client/checks/DatabaseChecks.h"
+#include "client/disk/Platform.h"
 
 namespace tovrpython {
 

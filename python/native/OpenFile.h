@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "tool/database/NewDatabase.h"
-#include "tool/database/Session.h"
-#include "tool/database/SqlQuery.h"
-#include "tool/database/Verdict.h"
+#include "client/checks/Verdict.h"
+#include "client/files/NewDatabase.h"
+#include "client/session/Session.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrpython {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "tool/database/NumberForms.h"
-#include "tool/io/Message.h"
+#include "client/base/Message.h"
+#include "client/reading/NumberForms.h"
 
 namespace tovrpython {
 

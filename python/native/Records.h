@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "tool/cells/NumberForm.h"
-#include "tool/database/FileDifference.h"
-#include "tool/database/FileFacts.h"
-#include "tool/database/GenericData.h"
-#include "tool/database/Measurements.h"
-#include "tool/database/Screens.h"
-#include "tool/database/StoredArea.h"
-#include "tool/database/Verdict.h"
+#include "client/cells/NumberForm.h"
+#include "client/checks/FileDifference.h"
+#include "client/checks/FileFacts.h"
+#include "client/checks/Verdict.h"
+#include "client/contents/GenericData.h"
+#include "client/contents/Measurements.h"
+#include "client/contents/Screens.h"
+#include "client/contents/StoredArea.h"
 
 namespace tovrpython {
 

@@ -315,8 +315,8 @@ def test_an_argument_is_refused_by_its_name(wall, call, error, text):
 
 def test_errors_name_what_the_package_has():
     """The compiled half is the tool's code: whatever option its texts name is a parameter here."""
-    source = pathlib.Path(__file__).parents[2] / "tool/database"
-    texts = [text for path in source.glob("*.cpp") for text in re.findall(r'"[^"\n]*"', path.read_text())]
+    source = pathlib.Path(__file__).parents[2] / "client"
+    texts = [text for path in source.rglob("*.cpp") for text in re.findall(r'"[^"\n]*"', path.read_text())]
     options = sorted({option for text in texts for option in re.findall(r"--[a-z][a-z-]*", text)})
     operations = [tovrdb.open, tovrdb.create, *(member for _, member in inspect.getmembers(tovrdb.Wall, inspect.isfunction))]
     names = {name for operation in operations for name in inspect.signature(operation).parameters}

@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "client/base/ToolError.h"
+#include "client/cells/CellCsv.h"
+#include "client/cells/CellNumbers.h"
+#include "client/cells/Overlaps.h"
+#include "client/statistics/BlockDifference.h"
+#include "client/statistics/Statistics.h"
 #include "tests/tool/NpyText.h"
-#include "tool/cells/BlockDifference.h"
-#include "tool/cells/CellCsv.h"
-#include "tool/cells/CellNumbers.h"
-#include "tool/cells/Overlaps.h"
-#include "tool/cells/Statistics.h"
-#include "tool/system/ToolError.h"
 
 namespace {
 

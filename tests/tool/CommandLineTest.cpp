@@ -8,11 +8,11 @@
 #include <csignal>
 #include <thread>
 
+#include "client/base/Interrupt.h"
+#include "client/base/JsonText.h"
+#include "client/base/Message.h"
+#include "client/disk/FileOutput.h"
 #include "tests/tool/ToolFixture.h"
-#include "tool/io/FileOutput.h"
-#include "tool/io/JsonText.h"
-#include "tool/io/Message.h"
-#include "tool/system/Interrupt.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The commands about whole files: check, export and import, rekey, encrypt and decrypt.
 #include <gtest/gtest.h>
 
+#include "client/checks/Verdict.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
-#include "tool/database/Verdict.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <stdexcept>
 #include <utility>
 
-#include "tool/cells/CabinetReport.h"
-#include "tool/cells/CoveredCells.h"
-#include "tool/cells/NumberForm.h"
-#include "tool/cells/NumberText.h"
+#include "client/cells/CoveredCells.h"
+#include "client/cells/NumberForm.h"
+#include "client/cells/NumberText.h"
+#include "client/statistics/CabinetReport.h"
 
 namespace {
 

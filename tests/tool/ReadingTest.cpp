@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "client/contents/StoredArea.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
-#include "tool/database/StoredArea.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <limits>
 #include <vector>
 
+#include "client/base/JsonText.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
-#include "tool/io/JsonText.h"
 #include "tool/report/BlockReduction.h"
 #include "tool/report/Levels.h"
 #include "tool/report/ReportHtml.h"

@@ -6,11 +6,11 @@
 #include <thread>
 #include <vector>
 
+#include "client/base/ToolError.h"
+#include "client/files/FileRewrite.h"
+#include "client/session/Session.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
-#include "tool/database/FileRewrite.h"
-#include "tool/database/Session.h"
-#include "tool/system/ToolError.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tool/database/ScreenNames.h"
-#include "tool/database/StorePlan.h"
+#include "client/contents/ScreenNames.h"
+#include "client/storing/StorePlan.h"
 
 namespace {
 

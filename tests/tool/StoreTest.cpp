@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <string>
 
+#include "client/cells/Rect.h"
+#include "client/session/Session.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
-#include "tool/cells/Rect.h"
-#include "tool/database/Session.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "host/PluginHost.h"
 #include "tests/support/Files.h"
 #include "tests/support/Fixture.h"
-#include "tool/system/Paths.h"
+#include "client/disk/Paths.h"
 
 namespace tovrtest {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
-#include "tool/cells/NpyFile.h"
-#include "tool/cells/Rect.h"
+#include "client/cells/NpyFile.h"
+#include "client/cells/Rect.h"
 #include "tool/io/ByteOutput.h"
 
 namespace tovrtool {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "tool/database/Access.h"
-#include "tool/system/StandardOutput.h"
+#include "client/session/Access.h"
+#include "tool/io/StandardOutput.h"
 
 namespace tovrtool {
 

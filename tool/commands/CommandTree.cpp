@@ -1,6 +1,6 @@
 #include "tool/commands/CommandTree.h"
 
-#include "tool/cells/NpyFile.h"
+#include "client/cells/NpyFile.h"
 
 namespace tovrtool {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <iostream>
 
-#include "tool/io/Message.h"
-#include "tool/io/TextList.h"
-#include "tool/system/Platform.h"
-#include "tool/system/ToolError.h"
+#include "client/base/Message.h"
+#include "client/base/TextList.h"
+#include "client/base/ToolError.h"
+#include "client/disk/Platform.h"
 
 namespace tovrtool {
 

@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
+#include "client/base/ToolError.h"
+#include "client/disk/Paths.h"
 #include "tool/io/KeySource.h"
-#include "tool/system/Paths.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 

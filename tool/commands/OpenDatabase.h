@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "client/session/Session.h"
 #include "tool/commands/Command.h"
-#include "tool/database/Session.h"
 
 namespace tovrtool {
 

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "tool/system/Paths.h"
-#include "tool/system/ToolError.h"
+#include "client/base/ToolError.h"
+#include "client/disk/Paths.h"
 
 namespace tovrtool {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tool/io/FileOutput.h"
-#include "tool/system/StandardOutput.h"
+#include "client/disk/FileOutput.h"
+#include "tool/io/StandardOutput.h"
 
 namespace tovrtool {
 

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "tool/system/Paths.h"
-#include "tool/system/Platform.h"
-#include "tool/system/ToolError.h"
+#include "client/base/ToolError.h"
+#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 
 namespace tovrtool {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tool/io/Message.h"
+#include "client/base/Message.h"
 
 namespace tovrtool {
 namespace {

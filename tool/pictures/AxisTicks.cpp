@@ -7,7 +7,7 @@
 #include <limits>
 #include <set>
 
-#include "tool/cells/NumberText.h"
+#include "client/cells/NumberText.h"
 
 namespace tovrtool {
 namespace {

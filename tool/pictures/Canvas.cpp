@@ -8,8 +8,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "tool/io/JsonText.h"
-#include "tool/io/Message.h"
+#include "client/base/JsonText.h"
+#include "client/base/Message.h"
 
 namespace tovrtool {
 namespace {

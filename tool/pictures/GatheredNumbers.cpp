@@ -5,7 +5,7 @@
 #include <iterator>
 #include <limits>
 
-#include "tool/cells/Statistics.h"
+#include "client/statistics/Statistics.h"
 
 namespace tovrtool {
 namespace {

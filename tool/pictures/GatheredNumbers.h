@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "tool/cells/CoveredCells.h"
+#include "client/cells/CoveredCells.h"
 #include "tool/pictures/Raster.h"
 
 namespace tovrtool {

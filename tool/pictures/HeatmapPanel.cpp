@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tool/cells/NumberText.h"
+#include "client/cells/NumberText.h"
 #include "tool/pictures/AxisTicks.h"
 
 namespace tovrtool {

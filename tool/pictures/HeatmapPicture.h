@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tool/cells/NumberText.h"
-#include "tool/cells/Rect.h"
+#include "client/cells/NumberText.h"
+#include "client/cells/Rect.h"
 #include "tool/pictures/ColourMap.h"
 #include "tool/pictures/Raster.h"
 

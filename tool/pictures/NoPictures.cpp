@@ -1,6 +1,6 @@
 // Stands in for the drawing of pictures where the program is built without Pango.
+#include "client/base/ToolError.h"
 #include "tool/pictures/HeatmapPicture.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "tool/cells/Rect.h"
+#include "client/cells/Rect.h"
 
 namespace tovrtool {
 

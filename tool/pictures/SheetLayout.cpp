@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "client/base/ToolError.h"
 #include "tool/pictures/HeatmapWords.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {

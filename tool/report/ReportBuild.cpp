@@ -7,11 +7,11 @@
 #include <stdexcept>
 #include <utility>
 
-#include "tool/database/SqlQuery.h"
-#include "tool/io/Progress.h"
+#include "client/base/Progress.h"
+#include "client/base/ToolError.h"
+#include "client/disk/Paths.h"
+#include "client/session/SqlQuery.h"
 #include "tool/report/ReportLayer.h"
-#include "tool/system/Paths.h"
-#include "tool/system/ToolError.h"
 
 namespace tovrtool {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "tool/database/FileDifference.h"
+#include "client/checks/FileDifference.h"
 #include "tool/report/ReportContent.h"
 
 namespace tovrtool {

@@ -8,11 +8,11 @@
 #include <map>
 #include <tuple>
 
-#include "tool/cells/CellNumbers.h"
-#include "tool/cells/CoveredCells.h"
-#include "tool/database/DatabaseChecks.h"
-#include "tool/database/NumberForms.h"
-#include "tool/system/ToolError.h"
+#include "client/base/ToolError.h"
+#include "client/cells/CellNumbers.h"
+#include "client/cells/CoveredCells.h"
+#include "client/checks/DatabaseChecks.h"
+#include "client/reading/NumberForms.h"
 
 namespace tovrtool {
 namespace {

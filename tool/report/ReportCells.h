@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "tool/cells/CellBlock.h"
-#include "tool/cells/NumberForm.h"
-#include "tool/database/StoredArea.h"
+#include "client/cells/CellBlock.h"
+#include "client/cells/NumberForm.h"
+#include "client/contents/StoredArea.h"
 
 namespace tovrtool {
 

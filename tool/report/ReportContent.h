@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "tool/database/DatabaseChecks.h"
-#include "tool/database/FileFacts.h"
-#include "tool/io/JsonText.h"
+#include "client/base/JsonText.h"
+#include "client/checks/DatabaseChecks.h"
+#include "client/checks/FileFacts.h"
 #include "tool/report/ReportCells.h"
 #include "tool/report/ReportDifference.h"
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <limits>
 
-#include "tool/cells/CellNumbers.h"
+#include "client/cells/CellNumbers.h"
 
 namespace tovrtool {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "tool/cells/CabinetReport.h"
-#include "tool/database/FileDifference.h"
+#include "client/checks/FileDifference.h"
+#include "client/statistics/CabinetReport.h"
 #include "tool/report/ReportCells.h"
 
 namespace tovrtool {

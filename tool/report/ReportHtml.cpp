@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "tool/cells/NumberText.h"
-#include "tool/io/Message.h"
+#include "client/base/Message.h"
+#include "client/cells/NumberText.h"
 #include "tool/report/WallMap.h"
 
 namespace tovrtool {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tool/cells/CabinetReport.h"
-#include "tool/cells/NumberForm.h"
-#include "tool/io/JsonText.h"
+#include "client/base/JsonText.h"
+#include "client/cells/NumberForm.h"
+#include "client/statistics/CabinetReport.h"
 
 namespace tovrtool {
 

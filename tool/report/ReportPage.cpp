@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "tool/database/JsonForms.h"
+#include "client/exchange/JsonForms.h"
 #include "tool/report/PageTemplate.h"
 #include "tool/report/ReportHtml.h"
 

@@ -6,7 +6,7 @@
 #include <map>
 #include <set>
 
-#include "tool/cells/Overlaps.h"
+#include "client/cells/Overlaps.h"
 #include "tool/report/ReportHtml.h"
 
 namespace tovrtool {

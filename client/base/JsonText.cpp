@@ -1,0 +1,168 @@
+#include "client/base/JsonText.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "client/base/ToolError.h"
+#include "client/disk/FileInput.h"
+#include "client/disk/Paths.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kDeepest = 16;
+constexpr std::uintmax_t kMostBytes = std::uintmax_t{1} << 28;
+constexpr std::size_t kMostMembers = 1000;       // of one object; finding one takes a look at those before it
+constexpr std::size_t kMostValues = 10'000'000;  // in all; each takes up to 100 bytes of memory
+
+// Whether `path` begins with all of `folder`.
+bool begins(const fs::path& path, const fs::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
+// The character of valid UTF-8 that begins at `at`, and its bytes.
+std::pair<char32_t, std::size_t> characterAt(const std::string& text, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
+  if (byte(0) < 0x80) return {byte(0), 1};
+  const std::size_t length = byte(0) >= 0xF0 ? 4 : byte(0) >= 0xE0 ? 3 : 2;
+  char32_t point = byte(0) & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) point = point << 6 | (byte(i) & 0x3FU);
+  return {point, length};
+}
+
+bool steers(char32_t point) {
+  return point < 0x20 || (point >= 0x7F && point < 0xA0) || point == 0x061C || point == 0x200E || point == 0x200F ||
+         (point >= 0x2028 && point <= 0x202E) || (point >= 0x2066 && point <= 0x2069);
+}
+
+// Refuses, before it is parsed, what would take memory or time out of all proportion. Brackets, colons and commas count
+// outside of texts only.
+void requireModest(const std::vector<unsigned char>& bytes, const std::string& path) {
+  std::vector<std::size_t> members;  // of every object and list that is open
+  std::size_t values = 0;
+  bool inText = false;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const unsigned char c = bytes[i];
+    if (c == '"') inText = !inText;
+    if (inText && c == '\\') ++i;
+    if (inText) continue;
+    if (c == '{' || c == '[') members.push_back(0);
+    if ((c == '}' || c == ']') && !members.empty()) members.pop_back();
+    if (c == ':' && !members.empty() && ++members.back() > kMostMembers) {
+      refuseJson(path, fmt::format("an object in it has more than {} members", kMostMembers));
+    }
+    if (c == ',' && ++values > kMostValues) refuseJson(path, fmt::format("it has more than {} values", kMostValues));
+    if (members.size() > kDeepest) refuseJson(path, "it is nested too deeply");
+  }
+}
+
+// "line 1, column 5: ..." of "[json.exception.parse_error.101] parse error at line 1, column 5: ..."
+std::string reasonOf(const Json::exception& failure) {
+  const std::string text = failure.what();
+  const std::string title = "parse error at ";
+  const std::size_t bracket = text.find("] ");
+  const std::size_t begin = bracket == std::string::npos ? 0 : bracket + 2;
+  return text.substr(text.compare(begin, title.size(), title) == 0 ? begin + title.size() : begin);
+}
+
+}  // namespace
+
+std::string jsonText(const Json& value) {
+  return escapeControls(value.dump(2, ' ', false, Json::error_handler_t::replace), LineEnds::kKeep) + "\n";
+}
+
+std::string escapeControls(const std::string& text, LineEnds lineEnds) {
+  std::string shown;
+  for (std::size_t at = 0; at < text.size();) {
+    const auto [point, length] = characterAt(text, at);
+    const bool kept = point == '\n' ? lineEnds == LineEnds::kKeep : !steers(point);
+    shown += kept ? text.substr(at, length) : fmt::format("\\u{:04x}", static_cast<unsigned>(point));
+    at += length;
+  }
+  return shown;
+}
+
+std::string validText(const std::string& text) {
+  return Json::parse(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace)).get<std::string>();
+}
+
+Json readJson(const std::string& path) {
+  std::error_code error;
+  if (fs::file_size(pathOf(path), error) > kMostBytes && !error) {
+    throw ToolError(kFileProblem, "{} is too large for a manifest (256 MiB at most)", path);
+  }
+  const auto bytes = readWholeFile(path);
+  requireModest(bytes, path);
+  try {
+    return Json::parse(bytes.begin(), bytes.end());
+  } catch (const Json::exception& failure) {
+    throw ToolError(kFileProblem, "{} is not valid JSON: {}", path, reasonOf(failure));
+  }
+}
+
+const Json& member(const Json& object, const char* name, const std::string& where) {
+  const auto found = requireObject(object, where).find(name);
+  if (found == object.end()) refuseJson(where, fmt::format("\"{}\" is missing", name));
+  return *found;
+}
+
+std::string textMember(const Json& object, const char* name, const std::string& where) {
+  const Json& value = member(object, name, where);
+  if (!value.is_string()) refuseJson(where, fmt::format("\"{}\" is not a string", name));
+  return value.get<std::string>();
+}
+
+std::int32_t numberMember(const Json& object, const char* name, const std::string& where) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  const auto number = wholeNumber(member(object, name, where));
+  if (!number || *number > Limits::max() || *number < Limits::min()) {
+    refuseJson(where, fmt::format("\"{}\" is not a whole number of 32 bits", name));
+  }
+  return static_cast<std::int32_t>(*number);
+}
+
+std::optional<std::int64_t> wholeNumber(const Json& value) {
+  if (!value.is_number_integer()) return std::nullopt;
+  const bool tooLarge = value.is_number_unsigned() && value.get<std::uint64_t>() > INT64_MAX;
+  return tooLarge ? std::nullopt : std::optional<std::int64_t>(value.get<std::int64_t>());
+}
+
+const Json& requireArray(const Json& value, const std::string& where) {
+  if (!value.is_array()) refuseJson(where, "it is not a list");
+  return value;
+}
+
+const Json& requireObject(const Json& value, const std::string& where) {
+  if (!value.is_object()) refuseJson(where, "it is not an object");
+  return value;
+}
+
+void refuseJson(const std::string& where, const std::string& reason) {
+  throw ToolError(kFileProblem, "{} cannot be used: {}", where, reason);
+}
+
+std::string pathInside(const std::string& folder, const std::string& name) {
+  const fs::path relative = pathOf(name);
+  const bool up = std::find(relative.begin(), relative.end(), "..") != relative.end();
+  const bool zero = name.find('\0') != std::string::npos;
+  if (name.empty() || zero || up || relative.has_root_path()) {
+    throw ToolError(kFileProblem, "the name '{}' cannot be used: it leads out of {}", name, folder);
+  }
+  std::error_code error;
+  const fs::path root = fs::canonical(pathOf(folder), error);
+  const fs::path file = error ? fs::path() : fs::canonical(root / relative, error);
+  if (error) throw ToolError(kFileProblem, "the file '{}' in {}: {}", name, folder, error.message());
+  if (!begins(file, root) || !fs::is_regular_file(file, error)) {
+    throw ToolError(kFileProblem, "the name '{}' cannot be used: it is not a file in {}", name, folder);
+  }
+  return textOf(file);
+}
+
+}  // namespace tovrtool

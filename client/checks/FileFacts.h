@@ -1,0 +1,42 @@
+// What a database file holds, in figures.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "client/contents/Screens.h"
+#include "client/session/Session.h"
+
+namespace tovrtool {
+
+struct Fact {
+  const char* label;
+  const char* name;  // in JSON
+  std::string value;
+};
+
+struct TableFacts {
+  std::string name;
+  std::int64_t rows = 0;
+  std::int64_t bytes = 0;  // the sum of the lengths of its values
+  std::string fault;       // why they cannot be counted
+};
+
+struct ScreenFacts {
+  StoredScreen screen;
+  std::int64_t areas = 0;
+};
+
+struct FileFacts {
+  int type = 0;
+  std::vector<Fact> description;
+  std::vector<Fact> engine;  // what the engine answers; not what it does not know
+  std::vector<TableFacts> tables;
+  std::vector<ScreenFacts> screens;
+};
+
+// Throws ToolError on failure.
+FileFacts factsOf(Session& session);
+
+}  // namespace tovrtool

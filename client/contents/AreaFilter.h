@@ -1,0 +1,36 @@
+// Which of the stored areas are meant, by what they have in common or by their ids.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "client/cells/Rect.h"
+#include "client/contents/StoredArea.h"
+#include "client/session/Session.h"
+
+namespace tovrtool {
+
+struct AreaFilter {
+  std::optional<std::int32_t> type;
+  std::string screen;        // empty: of any
+  std::optional<Rect> rect;  // areas that have cells in it
+};
+
+// In the order in which they were stored; possibly none. Throws ToolError if there is no such screen.
+std::vector<StoredArea> areasThatPass(Session& session, const AreaFilter& filter);
+
+// Ids from `first` to `last`.
+struct IdRange {
+  std::int64_t first = 0;
+  std::int64_t last = 0;
+};
+
+// "3" or "5-8". Throws std::invalid_argument with the reason otherwise.
+IdRange parseIdRange(const std::string& text);
+
+// The areas with these ids. Throws ToolError if one of the ranges has none.
+std::vector<StoredArea> areasWithIds(Session& session, const std::vector<IdRange>& ids);
+
+}  // namespace tovrtool

@@ -1,0 +1,26 @@
+#include "client/contents/AreaWords.h"
+
+#include <fmt/core.h>
+
+#include "client/base/TextList.h"
+
+namespace tovrtool {
+std::string placeText(const AreaName& area) {
+  return fmt::format("{} of type {}{}", toText(area.rect), area.type,
+                     area.screen.empty() ? "" : " on the screen " + area.screen);
+}
+
+std::string areaText(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area.rect)); }
+
+std::string listText(const std::vector<StoredArea>& areas) {
+  std::vector<std::string> texts;
+  for (const StoredArea& area : areas) texts.push_back(toText(area));
+  return shortList(texts, "; ");
+}
+
+std::string blockText(const StoredArea& area) {
+  const std::int64_t bytes = columnsOf(area.rect) * rowsOf(area.rect) * area.cellBytes;
+  return fmt::format("the block of {} bytes, {} per cell, of {}", grouped(bytes), area.cellBytes, area.changed);
+}
+
+}  // namespace tovrtool

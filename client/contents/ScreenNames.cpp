@@ -1,0 +1,62 @@
+#include "client/contents/ScreenNames.h"
+
+#include <cstddef>
+
+namespace tovrtool {
+namespace {
+
+bool isBlank(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
+
+// Letters of two UTF-8 bytes, in ranges of capitals whose small letters lie `distance` code points on.
+constexpr struct {
+  unsigned int first;
+  unsigned int last;
+  unsigned int distance;
+} kCapitals[] = {{0xC0, 0xD6, 32}, {0xD8, 0xDE, 32}, {0x391, 0x3A9, 32}, {0x400, 0x40F, 80}, {0x410, 0x42F, 32}};
+
+unsigned int smallLetter(unsigned int letter) {
+  for (const auto& range : kCapitals) {
+    if (letter >= range.first && letter <= range.last) return letter + range.distance;
+  }
+  return letter;
+}
+
+unsigned int byteAt(const std::string& text, std::size_t at) {
+  return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
+}
+
+}  // namespace
+
+std::string foldedName(const std::string& name) {
+  constexpr unsigned int kNoBreakSpace = 0xA0;
+  std::string folded;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const unsigned int lead = byteAt(name, i);
+    const unsigned int next = byteAt(name, i + 1);
+    if (isBlank(name[i])) continue;
+    if (lead >= 0xC2 && lead <= 0xDF && (next & 0xC0U) == 0x80U) {
+      const unsigned int letter = smallLetter((lead & 0x1FU) << 6U | (next & 0x3FU));
+      ++i;
+      if (letter == kNoBreakSpace) continue;
+      folded += static_cast<char>(0xC0U | letter >> 6U);
+      folded += static_cast<char>(0x80U | (letter & 0x3FU));
+    } else {
+      folded += lead >= 'A' && lead <= 'Z' ? static_cast<char>(lead + ('a' - 'A')) : name[i];
+    }
+  }
+  return folded;
+}
+
+void ScreenNames::add(const std::string& name) {
+  names_.insert(name);
+  byFold_.emplace(foldedName(name), name);
+}
+
+std::string ScreenNames::doubt(const std::string& name) const {
+  const auto alike = byFold_.find(foldedName(name));
+  if (alike != byFold_.end()) return "differs from the screen '" + alike->second + "' only in case or blanks";
+  if (name.empty() || (!isBlank(name.front()) && !isBlank(name.back()))) return {};
+  return "begins or ends with a blank";
+}
+
+}  // namespace tovrtool

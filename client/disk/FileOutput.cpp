@@ -1,0 +1,136 @@
+#include "client/disk/FileOutput.h"
+
+#include <cerrno>
+#include <filesystem>
+
+#include "client/base/ToolError.h"
+#include "client/disk/DatabaseFiles.h"
+#include "client/disk/Paths.h"
+#include "platform/FileSystem.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isDevice(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(pathOf(path), error);
+  return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
+}
+
+// Those of the file that is replaced, unless told otherwise.
+void givePermissions(const std::string& temporary, const std::string& path, std::optional<unsigned int> mode) {
+  std::error_code error;
+  const fs::perms permissions = mode ? fs::perms{*mode} : fs::status(pathOf(path), error).permissions();
+  if (!error && permissions != fs::perms::unknown) fs::permissions(pathOf(temporary), permissions, error);
+}
+
+void giveName(const std::string& temporary, const std::string& path, Existing existing) {
+  if (existing == Existing::kReplace) {
+    std::error_code error;
+    fs::rename(pathOf(temporary), pathOf(path), error);
+    if (error && !kReplacesOpenFiles && fs::exists(pathOf(path))) {
+      throw ToolError(kBusy, "cannot replace {}: {}; close the program that has it open and try again", path,
+                      error.message());
+    }
+    if (error) throw systemFailure("cannot replace " + path, error);
+  } else if (!tovr::renameWithoutReplacing(temporary, path)) {
+    if (errno == EEXIST) refuseExisting(path, existing);
+    throw systemFailure("cannot move the new file to " + path);
+  }
+}
+
+// "1.6 MB"
+std::string sizeText(double bytes) {
+  if (bytes >= 1e9) return fmt::format("{:.1f} GB", bytes / 1e9);
+  return bytes >= 1e6 ? fmt::format("{:.1f} MB", bytes / 1e6) : fmt::format("{:.1f} kB", bytes / 1e3);
+}
+
+}  // namespace
+
+std::string followedLink(const std::string& path) {
+  std::error_code error;
+  const fs::path target = fs::canonical(pathOf(path), error);
+  return error ? path : textOf(target);
+}
+
+void requireOwnName(const std::string& path) {
+  if (path != "-" && descriptorNamed(path) < 0) return;
+  throw ToolError(kUsage, "this command does not write to standard output: give a name");
+}
+
+void refuseExisting(const std::string& path, Existing existing) {
+  throw ToolError(kFileProblem, "{} exists already and was not touched: give another name{}", path,
+                  existing == Existing::kRefuse ? ", or --force to replace it" : "");
+}
+
+void requireReplaceable(const std::string& path, Existing existing) {
+  requireNoCompanion(path);
+  std::error_code error;
+  const fs::file_status status = fs::status(pathOf(path), error);
+  if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
+  if (!fs::exists(status)) return;
+  if (existing != Existing::kReplace) refuseExisting(path, existing);
+  constexpr fs::perms kWritable = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  if ((status.permissions() & kWritable) == fs::perms::none) {
+    throw ToolError(kFileProblem, "{} is read-only and was not touched: make it writable, or give another name", path);
+  }
+}
+
+void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing,
+                   std::optional<unsigned int> mode) {
+  const DeferredInterrupt interrupt;
+  givePermissions(temporary, path, mode);
+  interrupt.check();
+  giveName(temporary, path, existing);
+  noteCompletion();
+  std::error_code error;  // if flushing fails, the file is there nevertheless
+  flushFolder(textOf(fs::absolute(pathOf(path), error).parent_path()));
+}
+
+FileOutput::FileOutput(const std::string& path, Existing existing, unsigned int mode, Flushing flushing)
+    : path_(followedLink(path)),
+      existing_(existing),
+      mode_(mode),
+      flushing_(flushing),
+      direct_(descriptorNamed(path) >= 0 || isDevice(path_)) {
+  if (direct_) {
+    const int descriptor = descriptorNamed(path);
+    file_ = descriptor >= 0 ? duplicateAsStream(descriptor) : FileHandle(std::fopen(path_.c_str(), "wb"));
+  } else if (flushing_ == Flushing::kByFolder) {
+    file_ = createNew(path_);
+  } else {
+    requireReplaceable(path_, existing);
+    place_.emplace(path_);
+    file_ = createNew(place_->path());
+  }
+  if (file_ == nullptr) fail("create");
+}
+
+void FileOutput::requireRoom(double bytes) const {
+  std::error_code error;
+  const fs::space_info space = fs::space(fs::absolute(pathOf(path_), error).parent_path(), error);
+  if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
+  throw ToolError(kNoSpace, "{} would take {}, and the disk has room for {}; --force writes anyway", path_,
+                  sizeText(bytes), sizeText(static_cast<double>(space.available)));
+}
+
+void FileOutput::write(const void* bytes, std::size_t size) {
+  if (size != 0 && std::fwrite(bytes, 1, size, file_.get()) != size) fail("write");
+}
+
+void FileOutput::commit() {
+  if (place_ && !flushToDisk(file_.get())) fail("write");
+  if (std::fclose(file_.release()) != 0) fail("write");
+  if (direct_) return;
+  if (!place_) return givePermissions(path_, path_, mode_);
+  moveIntoPlace(place_->path(), path_, existing_, mode_);
+  place_.reset();
+}
+
+void FileOutput::fail(const std::string& action) const {
+  throw systemFailure(fmt::format("cannot {} {}", action, path_));
+}
+
+}  // namespace tovrtool

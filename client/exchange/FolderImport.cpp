@@ -1,0 +1,130 @@
+#include "client/exchange/FolderImport.h"
+
+#include <fmt/core.h>
+
+#include <filesystem>
+#include <map>
+
+#include "client/base/Progress.h"
+#include "client/base/ToolError.h"
+#include "client/cells/CellBlock.h"
+#include "client/contents/StoredBlob.h"
+#include "client/disk/FileInput.h"
+#include "client/disk/Paths.h"
+#include "client/exchange/ExportFormat.h"
+#include "client/exchange/StoredRows.h"
+#include "client/session/Tables.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::uint64_t bytesIn(const std::string& folder) {
+  std::uint64_t bytes = 0;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(pathOf(folder), error)) {
+    const std::uintmax_t size = entry.file_size(error);
+    if (!error) bytes += size;
+  }
+  return bytes;
+}
+
+class Importer {
+ public:
+  Importer(Session& session, const std::string& folder, const Json& manifest)
+      : session_(session), folder_(folder), tables_(manifest["tables"]), progress_("import", bytesIn(folder)) {
+    for (const Json& area : tables_["Coef_Info"]) areas_.emplace(wholeNumber(member(area, "coefid", "an area")), &area);
+  }
+
+  void rows(const std::string& table) {
+    const auto columns = columnNames(session_.connection(), table);
+    for (const Json& row : tables_[table]) {
+      insertRow(session_.connection(), table, columns, row,
+                [&](const Json& owner, const Json& place) { return read(table, owner, place); });
+      progress_.advance(0);
+    }
+  }
+
+ private:
+  Bytes read(const std::string& table, const Json& row, const Json& place) {
+    const std::string name = textMember(place, "file", "a payload");
+    const std::string form = textMember(place, "form", name);
+    Bytes bytes = readWholeFile(pathInside(folder_, name));
+    progress_.advance(bytes.size());
+    if (form == kStoredForm) return bytes;
+    if (form == kCellsForm) {
+      bytes = cells(parseNpy(std::move(bytes), name), table, row, name);
+    } else if (form != kPayloadForm) {
+      refuseJson(name, fmt::format("its form \"{}\" is unknown", form));
+    }
+    return encipherBlob(session_.host().encryption(), bytes.data(), bytes.size());
+  }
+
+  // The array's numbers, which are to fill the rectangle that the rows give the block.
+  Bytes cells(NpyArray array, const std::string& table, const Json& row, const std::string& name) const {
+    if (table != kBlockTable) refuseJson(name, "only blocks have cells");
+    const CellBlock block = blockFromArray(std::move(array), rectOfBlock(row, name), {});
+    const std::int32_t cellBytes = numberMember(row, "databitwidth", name);
+    if (block.cellBytes != cellBytes) {
+      throw ToolError(kFileProblem, "{} has {} bytes per cell, its row says {}", name, block.cellBytes, cellBytes);
+    }
+    return {block.bytes.get(), block.bytes.get() + block.size()};
+  }
+
+  // Of the first area that refers to the block.
+  Rect rectOfBlock(const Json& block, const std::string& name) const {
+    const auto found = areas_.find(wholeNumber(member(block, "id", name)));
+    if (found == areas_.end()) refuseJson(name, "no area refers to its block");
+    const Json& area = *found->second;
+    const Rect rect{numberMember(area, "left", name), numberMember(area, "top", name),
+                    numberMember(area, "right", name), numberMember(area, "bottom", name)};
+    if (columnsOf(rect) <= 0 || rowsOf(rect) <= 0) refuseJson(name, "its area's rectangle is inverted");
+    return rect;
+  }
+
+  Session& session_;
+  const std::string& folder_;
+  const Json& tables_;
+  std::map<std::optional<std::int64_t>, const Json*> areas_;  // the first that refers to a block, by the block's key
+  Progress progress_;
+};
+
+// The engine has counted along with the rows; keys that were issued and deleted since are to stay used.
+void setSequence(Session& session, const Json& sequence) {
+  session.require(session.connection().exec("delete from sqlite_sequence"));
+  for (const auto& [table, last] : requireObject(sequence, "\"sequence\"").items()) {
+    if (!isTable(table)) continue;
+    const auto number = wholeNumber(last);
+    if (!number) refuseJson("\"sequence\"", fmt::format("the last key of {} is not a whole number", table));
+    session.require(session.connection().exec(
+        fmt::format("insert into sqlite_sequence(name, seq) values ('{}', {})", table, *number).c_str()));
+  }
+}
+
+}  // namespace
+
+Json readManifest(const std::string& folder) {
+  std::error_code error;
+  if (!fs::is_directory(pathOf(folder), error)) throw ToolError(kFileProblem, "there is no folder {}", folder);
+  Json manifest = readJson(pathInside(folder, kManifestName));
+  if (textMember(manifest, "format", kManifestName) != kExportFormat ||
+      numberMember(manifest, "version", kManifestName) != kExportVersion) {
+    refuseJson(kManifestName, "it is of another format, or of a version that this program does not know");
+  }
+  const Json& tables = member(manifest, "tables", kManifestName);
+  for (const std::string& table : kTables) requireArray(member(tables, table.c_str(), "\"tables\""), table);
+  if (tables.size() != kTables.size()) refuseJson(kManifestName, "it has tables that no database file has");
+  return manifest;
+}
+
+void importFolder(Session& session, const std::string& folder, const Json& manifest) {
+  session.require(session.manager().createTables());
+  Transaction transaction(session);
+  Importer importer(session, folder, manifest);
+  for (const std::string& table : kTables) importer.rows(table);
+  setSequence(session, member(manifest, "sequence", kManifestName));
+  transaction.commit();
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,172 @@
+#include "client/files/FileRewrite.h"
+
+#include <fmt/core.h>
+
+#include <filesystem>
+
+#include "client/base/Progress.h"
+#include "client/base/ToolError.h"
+#include "client/checks/DatabaseChecks.h"
+#include "client/disk/Paths.h"
+#include "client/disk/UnfinishedFile.h"
+#include "client/exchange/StoredRows.h"
+#include "client/session/LibraryError.h"
+#include "client/session/Session.h"
+#include "client/session/SqlQuery.h"
+#include "client/session/Tables.h"
+
+namespace tovrtool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kWriteAheadLog[] = "wal";
+
+std::string journalMode(Session& session) { return queryRows(session.connection(), "pragma main.journal_mode")[0][0]; }
+
+// Keeps the file out of WAL mode until this ends: the files beside it that this mode needs would be taken for the new
+// file's. Only a program that has the file to itself can leave the mode.
+class RollbackJournal {
+ public:
+  explicit RollbackJournal(Session& session) : session_(session), changed_(journalMode(session) == kWriteAheadLog) {
+    if (!changed_) return;
+    session.waitUntil([&session] {
+      const int code = session.connection().exec("pragma main.journal_mode = delete");
+      if (!isBusy(code)) session.require(code);
+      return code == 0;
+    });
+  }
+  RollbackJournal(const RollbackJournal&) = delete;
+  RollbackJournal& operator=(const RollbackJournal&) = delete;
+  ~RollbackJournal() {
+    if (!changed_) return;
+    session_.connection().exec("rollback");
+    session_.connection().exec("pragma main.journal_mode = wal");
+  }
+
+  bool changed() const { return changed_; }
+  void keep() { changed_ = false; }
+
+ private:
+  Session& session_;
+  bool changed_;
+};
+
+// From here on no other program reads or writes the file until it is closed, whatever this one commits.
+void holdFile(Session& session) {
+  session.require(session.connection().exec("pragma main.locking_mode = exclusive"));
+  session.require(session.execPatiently("begin exclusive"));
+  session.require(session.connection().exec("commit"));
+  if (journalMode(session) == kWriteAheadLog) throw libraryError(kBusyStatus);  // another program has changed it back
+  session.requireInPlace();
+}
+
+// The key is bound, not written into the statement: no text that the engine may show holds it.
+void attach(Session& session, const std::string& path, const std::string& key) {
+  constexpr char kSql[] = "attach database ? as rewritten key ?";
+  tovr::IDBOperate& connection = session.connection();
+  session.require(connection.prepare_v2(kSql, static_cast<int>(sizeof kSql - 1)));
+  session.require(connection.bind_text(1, path.data(), static_cast<int>(path.size()), nullptr));
+  session.require(connection.bind_text(2, key.data(), static_cast<int>(key.size()), nullptr));
+  connection.step();
+  session.require(connection.finalize(), "the new file cannot be made");
+}
+
+void detach(Session& session) { session.require(session.connection().exec("detach database rewritten")); }
+
+void requireSame(Session& session, const std::string& what, const std::string& countDifferences) {
+  if (queryNumber(session.connection(), countDifferences) == 0) return;
+  throw ToolError(kRefused, "the new file differs in {} from the old one, which was left as it is", what);
+}
+
+std::string countBoth(const std::string& table) {
+  return fmt::format("abs((select count(*) from main.{0}) - (select count(*) from rewritten.{0}))", table);
+}
+
+// Rows of `one` that `other` lacks.
+std::string lacking(const std::string& columns, const std::string& table, const std::string& one,
+                    const std::string& other) {
+  return fmt::format("(select count(*) from (select {0} from {2}.{1} except select {0} from {3}.{1}))", columns, table,
+                     one, other);
+}
+
+// For tables of any kind; all their rows are held at a time.
+void requireSameSet(Session& session, const std::string& columns, const std::string& table) {
+  requireSame(session, table,
+              fmt::format("select {} + {} + {}", lacking(columns, table, "main", "rewritten"),
+                          lacking(columns, table, "rewritten", "main"), countBoth(table)));
+}
+
+// Row by row, so that no more than two blobs are held at a time.
+void requireSameRows(Session& session, const std::string& table) {
+  std::string differs = "b.id is null";
+  for (const std::string& column : columnNames(session.connection(), table)) {
+    differs += fmt::format(" or a.{0} is not b.{0}", quotedName(column));
+  }
+  requireSame(session, table,
+              fmt::format("select (select count(*) from main.{0} a left join rewritten.{0} b on b.id = a.id where {1})"
+                          " + {2}",
+                          table, differs, countBoth(table)));
+}
+
+// Tables that another program has added; virtual ones have no page, and their rows lie in others.
+void requireSameForeignTables(Session& session) {
+  for (const Row& row : queryRows(session.connection(),
+                                  "select name from main.sqlite_master where type = 'table' and rootpage > 0"
+                                  " and substr(name, 1, 7) <> 'sqlite_'")) {
+    if (!isTable(row[0])) requireSameSet(session, "*", quotedName(row[0]));
+  }
+}
+
+void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
+  session.require(session.connection().exec("begin"));
+  session.require(session.connection().exec("select sqlcipher_export('rewritten')"));
+  for (const char* setting : {"user_version", "application_id"}) {
+    const std::int64_t value = queryNumber(session.connection(), fmt::format("pragma main.{}", setting));
+    session.require(session.connection().exec(fmt::format("pragma rewritten.{} = {}", setting, value).c_str()));
+  }
+  progress.advance(bytes);
+  requireSameSet(session, "type, name, tbl_name, sql", "sqlite_master");
+  requireSameSet(session, "name, seq", "sqlite_sequence");
+  requireSameForeignTables(session);
+  for (const std::string& table : kTables) {
+    requireSameRows(session, table);
+    progress.advance(bytes / kTables.size());
+  }
+  session.require(session.connection().exec("commit"));
+}
+
+// Reads every page from the disk with the new key.
+void requireWhole(Session& session, const std::string& path, const std::string& key) {
+  attach(session, path, key);
+  if (!pageFaults(session, "rewritten").empty()) {
+    throw ToolError(kRefused, "the new file is damaged; the old one was left as it is");
+  }
+  detach(session);
+}
+
+}  // namespace
+
+void rewriteFile(const Access& access, const std::string& file, const std::string& key, const std::string& newKey,
+                 const std::string& verb) {
+  UnfinishedFile unfinished(file, Existing::kReplace, Writer::kEngine);
+  Session session = Session::openExisting(access, file, key);
+  RollbackJournal journal(session);
+  holdFile(session);
+  const std::uint64_t bytes = fs::file_size(pathOf(file));
+  Progress progress(verb, bytes * 3);
+  attach(session, unfinished.path(), newKey);
+  copyAll(session, progress, bytes);
+  if (journal.changed()) session.require(session.connection().exec("pragma rewritten.journal_mode = wal"));
+  detach(session);
+  unfinished.flush();
+  requireWhole(session, unfinished.path(), newKey);
+  progress.advance(0);
+  session.requireInPlace();
+  if (!kReplacesOpenFiles) session.close();
+  unfinished.takeName();
+  journal.keep();
+  if (kReplacesOpenFiles) session.close();
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,86 @@
+#include "client/reading/NumberForms.h"
+
+#include <fmt/core.h>
+
+#include <stdexcept>
+
+#include "client/base/ToolError.h"
+
+namespace tovrtool {
+namespace {
+
+std::string named(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area)); }
+
+void requireFit(const Dtype& dtype, std::int32_t cellBytes) {
+  if (static_cast<std::size_t>(cellBytes) % dtype.itemSize == 0) return;
+  throw ToolError(kUsage, "--dtype {}: a cell of {} bytes is not a whole number of these", dtypeName(dtype), cellBytes);
+}
+
+FormOptions withType(const BlockText& put, bool unasked) {
+  FormOptions options = put.form;
+  if (options.dtype && put.dtype && options.dtype->descr != put.dtype->descr) {
+    throw ToolError(kUsage, "--dtype {}: the array is of {}", dtypeName(*options.dtype), dtypeName(*put.dtype));
+  }
+  if (!options.dtype && (options.isGiven() || unasked)) options.dtype = put.dtype;
+  return options;
+}
+
+}  // namespace
+
+std::optional<NumberForm> keptForm(const StoredArea& area) { return splitVersion(area.version, area.cellBytes).form; }
+
+std::optional<NumberForm> formOf(const std::vector<StoredArea>& areas, const FormOptions& options) {
+  std::optional<NumberForm> common;
+  for (const StoredArea& area : areas) {
+    const std::optional<NumberForm> form = chosenForm(options, keptForm(area));
+    if (!form) return std::nullopt;
+    if (common && !(*common == *form)) {
+      throw ToolError(kUsage,
+                      "the numbers of {} are {}, those of {} {}: read them apart, or say how with --dtype, "
+                      "--scale and --unit",
+                      named(areas.front()), toText(*common), named(area), toText(*form));
+    }
+    common = form;
+  }
+  return common;
+}
+
+NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& options) {
+  if (const auto form = formOf(areas, options)) return *form;
+  for (const StoredArea& area : areas) {
+    if (keptForm(area)) continue;
+    throw ToolError(kUsage,
+                    "nothing tells the type of the numbers in {}, whose cells have {} bytes: say it with --dtype",
+                    named(area), area.cellBytes);
+  }
+  throw ToolError(kUsage, "say the type of the numbers with --dtype");
+}
+
+std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, const BlockText& put) {
+  const VersionText old = splitVersion(stored, cellBytes);
+  const VersionText said = splitVersion(put.version, cellBytes);  // may be a text that another block has
+  const std::string& text = put.version.empty() ? old.text : said.text;
+  const bool foreign = put.version.empty() && !old.text.empty() && old.text == stored;
+  const FormOptions options = withType(put, !foreign);
+  if (options.dtype) requireFit(*options.dtype, cellBytes);
+  const std::optional<NumberForm> form = chosenForm(options, said.form ? said.form : old.form);
+  if (!form && options.isGiven()) throw ToolError(kUsage, "--scale and --unit go with --dtype");
+  if (!form && put.version.empty()) return text;  // however long another program made it
+  try {
+    return joinVersion(text, form, cellBytes);
+  } catch (const std::invalid_argument& error) {
+    throw ToolError(kUsage, error.what());
+  }
+}
+
+std::optional<NumberForm> formOfPatch(const StoredArea& area, const BlockText& patch) {
+  return chosenForm(withType(patch, true), keptForm(area));
+}
+
+bool losesForm(const NumberForm& kept, const std::optional<NumberForm>& wanted) {
+  if (!wanted || wanted->dtype.descr != kept.dtype.descr) return true;
+  if (kept.isScaled() && wanted->scale.of(1) != kept.scale.of(1)) return true;
+  return !kept.unit.empty() && wanted->unit != kept.unit;
+}
+
+}  // namespace tovrtool

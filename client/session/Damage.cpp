@@ -1,0 +1,75 @@
+#include "client/session/Damage.h"
+
+#include <fmt/core.h>
+
+#include <array>
+#include <cstdlib>
+#include <limits>
+#include <stdexcept>
+
+#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
+#include "storage/StatusCodes.h"
+
+namespace tovrtool {
+namespace {
+
+// SQLite's codes; newer versions of SQLCipher answer the first for a page that they cannot decipher.
+constexpr int kEngineError = 1;
+constexpr int kReadFailed = 10;
+constexpr int kMalformed = 11;
+constexpr int kNotADatabase = 26;
+
+constexpr std::array<const char*, 6> kScreenNumbers = {"id", "dbid", "left", "top", "right", "bottom"};
+
+// Whether the library reads a number at the beginning of the text.
+bool isNumber(const std::string& text) {
+  char* end = nullptr;
+  const long long value = std::strtoll(text.c_str(), &end, 10);
+  using Limits = std::numeric_limits<std::int32_t>;
+  return end != text.c_str() && value >= Limits::min() && value <= Limits::max();
+}
+
+[[noreturn]] void refuseScreens(Session& session, const std::string& reason) {
+  for (const Row& row :
+       queryRows(session.connection(), "select id, dbid, left, top, right, bottom from Screen_Info order by id")) {
+    for (std::size_t i = 0; i < kScreenNumbers.size(); ++i) {
+      if (isNumber(row[i])) continue;
+      throw statusError(tovr::kCipherFailed,
+                        fmt::format("row {} of Screen_Info is damaged: its column {} holds '{}', which is not a whole "
+                                    "number of 32 bits; tovrdb export, correct it in the manifest, then tovrdb import",
+                                    row[0], kScreenNumbers[i], row[i]));
+    }
+  }
+  throw statusError(tovr::kCipherFailed, "the file is damaged: the library cannot read its rows (" + reason + ")");
+}
+
+}  // namespace
+
+bool isDamage(const ToolError& error) {
+  const int status = error.status();
+  return status == tovr::kCipherFailed || status == tovr::kBlockTooSmall || status == kEngineError ||
+         status == kReadFailed || status == kMalformed || status == kNotADatabase;
+}
+
+bool isNoFault(const ToolError& error) { return isEnded(error.code()) || error.code() == kBusy; }
+
+void beginAgain(Session& session) {
+  session.connection().exec("rollback");  // fails if there is no transaction
+  session.beginReading();
+}
+
+void refuseDamaged(const std::string& subject, const std::string& fault) {
+  throw statusError(tovr::kCipherFailed,
+                    fmt::format("{} is damaged: {}; what else the file holds can be read", subject, fault));
+}
+
+int queryLibrary(Session& session, tovr::DataBase& record) {
+  try {
+    return session.manager().queryData(&record);
+  } catch (const std::logic_error& error) {
+    refuseScreens(session, error.what());
+  }
+}
+
+}  // namespace tovrtool

@@ -1,0 +1,34 @@
+// Many blocks to store at once, as a list or the names of their files say.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "client/cells/CellBlock.h"
+#include "client/contents/BlockPlace.h"
+#include "client/storing/StorePlan.h"
+
+namespace tovrtool {
+
+struct BlockFile {
+  std::string path;
+  AreaName area;
+  BlockText text;
+};
+
+// The files of a manifest: a JSON list of {"file": NAME, "type": NUMBER, "rect": [L, T, R, B]} and, where wanted,
+// "screen", "area", "version", "scale" ("1/16384") and "unit"; files lie in the manifest's folder or below it. Throws
+// ToolError, which names the block at fault.
+std::vector<BlockFile> blocksOfManifest(const std::string& path);
+
+// The .npy files of a folder, named [screen_]T<type>_L,T,R,B.npy, in the order of their names; other files are left
+// alone. Throws ToolError for a .npy file of another name.
+std::vector<BlockFile> blocksOfFolder(const std::string& folder);
+
+// The cells in a file. Throws ToolError, which names it, where they are not those of the rectangle.
+CellBlock readBlock(const BlockFile& file);
+
+// Each file is looked at. Throws ToolError, with every file at fault among its details.
+std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files);
+
+}  // namespace tovrtool

@@ -1,0 +1,146 @@
+#include "client/storing/Removal.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+#include "client/base/TextList.h"
+#include "client/contents/AreaWords.h"
+#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
+#include "client/storing/BlockRows.h"
+#include "storage/StatusCodes.h"
+
+namespace tovrtool {
+namespace {
+
+void exec(Session& session, const std::string& sql) { session.require(session.connection().exec(sql.c_str())); }
+
+std::string listed(const std::vector<StoredArea>& areas) {
+  std::vector<std::string> texts;
+  for (const StoredArea& area : areas) texts.push_back(areaText(area));
+  return shortList(texts);
+}
+
+template <class Predicate>
+std::vector<StoredArea> areasThat(Session& session, const Predicate& qualify) {
+  const auto all = storedAreas(session);
+  std::vector<StoredArea> areas;
+  std::copy_if(all.begin(), all.end(), std::back_inserter(areas), qualify);
+  return areas;
+}
+
+std::vector<StoredData> dataThat(Session& session, const std::string& member, const std::string& value) {
+  std::vector<StoredData> found;
+  for (const StoredData& data : storedData(session)) {
+    if ((member == "type" ? data.type : data.screen) == value) found.push_back(data);
+  }
+  return found;
+}
+
+void requireSame(bool same, const std::string& what) {
+  if (!same) throw ToolError(kBusy, "another program changed {} meanwhile; nothing was deleted: try again", what);
+}
+
+void requireUnchanged(Session& session, const Removal& removal) {
+  std::set<std::pair<std::int64_t, std::string>> present;
+  for (const StoredArea& area : storedAreas(session)) present.emplace(area.id, area.changed);
+  for (const StoredArea& area : removal.areas) requireSame(present.count({area.id, area.changed}) == 1, areaText(area));
+}
+
+}  // namespace
+
+Removal areasOfIds(Session& session, const std::vector<IdRange>& ids) {
+  Removal removal;
+  removal.areas = areasWithIds(session, ids);
+  return removal;
+}
+
+Removal areasOf(Session& session, const AreaFilter& filter) {
+  Removal removal;
+  removal.areas = areasThatPass(session, filter);
+  if (!removal.areas.empty()) return removal;
+  throw statusError(tovr::kNoMatchingArea, "no such area is stored; tovrdb coef list shows the areas");
+}
+
+Removal areaAt(Session& session, const AreaName& place) {
+  requireSuits(place, session.manager().getDBType());
+  const auto ofType = areasThat(session, [&](const StoredArea& area) {
+    return area.type == place.type && (place.screen.empty() || area.screen == place.screen);
+  });
+  std::vector<StoredArea> areas;
+  std::copy_if(ofType.begin(), ofType.end(), std::back_inserter(areas),
+               [&](const StoredArea& area) { return area.rect == place.rect; });
+  if (areas.size() > 1) {
+    throw ToolError(kUsage, "{} areas are there: say which with --id: {}", areas.size(), listed(areas));
+  }
+  if (areas.empty()) {
+    throw libraryError(tovr::kNoMatchingArea,
+                       fmt::format("asked for {}; areas of type {}: {}", placeText(place), place.type, listed(ofType)));
+  }
+  Removal removal;
+  removal.areas = std::move(areas);
+  return removal;
+}
+
+Removal screenOf(Session& session, const std::string& name, bool withAreas) {
+  Removal removal;
+  removal.screen = screenNamed(storedScreens(session), name);
+  const auto data = dataThat(session, "screen", name);
+  if (!data.empty()) {
+    std::vector<std::string> texts;
+    for (const StoredData& each : data) texts.push_back(dataText(each));
+    throw ToolError(
+        kConflict,
+        "data belongs to the screen {}: {}. It came there because data is filed under the screen that was "
+        "added last, whichever that is: read it with tovrdb data get, delete it with tovrdb data delete, and "
+        "put it back afterwards",
+        name, shortList(texts, "; "));
+  }
+  removal.areas = areasThat(session, [&](const StoredArea& area) { return area.screenId == removal.screen->id; });
+  if (!removal.areas.empty() && !withAreas) {
+    throw ToolError(kConflict, "the screen {} has areas: {}; --with-areas deletes them with it", name,
+                    listed(removal.areas));
+  }
+  if (removal.screen->id == lastScreenKey(session)) {
+    removal.note =
+        "note: it was the screen that was added last, under which programs file generic data: until another screen is "
+        "added, hosts cannot store data in this file (code 19); tovrdb data put can, if there is a screen";
+  }
+  return removal;
+}
+
+Removal dataOfType(Session& session, std::int32_t type) {
+  Removal removal;
+  removal.data = dataThat(session, "type", std::to_string(type));
+  if (removal.data.empty()) throw libraryError(tovr::kNoData, "tovrdb data list shows the types");
+  return removal;
+}
+
+std::vector<std::string> toTexts(const Removal& removal) {
+  std::vector<std::string> texts;
+  if (removal.screen)
+    texts.push_back(fmt::format("screen {} ({})", removal.screen->name, toText(removal.screen->rect)));
+  for (const StoredArea& area : removal.areas) texts.push_back(fmt::format("{}, {}", areaText(area), blockText(area)));
+  for (const StoredData& data : removal.data) {
+    texts.push_back("data of " + dataText(data));
+  }
+  return texts;
+}
+
+void deleteRows(Session& session, const Removal& removal) {
+  Transaction transaction(session);
+  requireUnchanged(session, removal);
+  deleteAreaRows(session, removal.areas);
+  for (const StoredData& data : removal.data) {
+    exec(session, fmt::format("delete from DataInfo where id = {}", data.id));
+    exec(session,
+         fmt::format("delete from Data where id = {0} and id not in (select dataid from DataInfo)", data.blobId));
+  }
+  if (removal.screen) exec(session, fmt::format("delete from Screen_Info where id = {}", removal.screen->id));
+  transaction.commit();
+}
+
+}  // namespace tovrtool

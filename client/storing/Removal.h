@@ -1,0 +1,38 @@
+// Areas, screens and data that leave a file. What goes is looked up first, so that a person can be asked.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "client/contents/AreaFilter.h"
+#include "client/contents/BlockPlace.h"
+#include "client/contents/GenericData.h"
+#include "client/contents/Screens.h"
+#include "client/contents/StoredArea.h"
+#include "client/session/Session.h"
+
+namespace tovrtool {
+
+struct Removal {
+  std::vector<StoredArea> areas;
+  std::optional<StoredScreen> screen;
+  std::vector<StoredData> data;
+  std::string note;  // what this means for other programs; empty for most
+};
+
+// What they name. Throw ToolError, which tells what there is instead.
+Removal areasOfIds(Session& session, const std::vector<IdRange>& ids);
+Removal areasOf(Session& session, const AreaFilter& filter);
+Removal areaAt(Session& session, const AreaName& place);  // of exactly this rectangle
+Removal screenOf(Session& session, const std::string& name, bool withAreas);
+Removal dataOfType(Session& session, std::int32_t type);
+
+// A line for each thing that goes.
+std::vector<std::string> toTexts(const Removal& removal);
+
+// In one transaction. Throws ToolError if one of them was changed since it was looked up; nothing goes then.
+void deleteRows(Session& session, const Removal& removal);
+
+}  // namespace tovrtool

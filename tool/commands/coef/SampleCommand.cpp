@@ -1,0 +1,122 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "client/base/Message.h"
+#include "client/base/TextList.h"
+#include "client/base/ToolError.h"
+#include "client/cells/NpyFile.h"
+#include "client/statistics/WallModel.h"
+#include "tool/commands/Arguments.h"
+#include "tool/commands/Command.h"
+#include "tool/commands/Commands.h"
+#include "tool/io/ByteOutput.h"
+
+namespace tovrtool {
+namespace {
+
+constexpr int kCellBytes = 2 * 9;
+
+struct Options {
+  CellPair size{1920, 1080};
+  CellPair cabinet{160, 180};
+  std::optional<Rect> rect;
+  std::uint64_t seed = 1;
+  bool raw = false;
+  OutputOptions output;
+};
+
+// What the numbers look like, for a reader who wonders whether they make sense.
+class Figures {
+ public:
+  void add(const Eigen::Matrix3d& correction) {
+    const Eigen::Vector3d white = correction.rowwise().sum();  // the drive of each LED when the cell shows white
+    least_ = least_.cwiseMin(white);
+    most_ = most_.cwiseMax(white);
+    sum_ += white;
+    ++cells_;
+    beyond_ += white.maxCoeff() > 1.0 ? 1 : 0;
+    clipped_ += correction.minCoeff() < 0.0 ? 1 : 0;
+  }
+
+  std::string text() const {
+    const Eigen::Vector3d mean = sum_ / static_cast<double>(cells_);
+    const char* const names[3] = {"red", "green", "blue"};
+    std::vector<std::string> drives;
+    for (int i = 0; i < 3; ++i) {
+      drives.push_back(fmt::format("{} {:.3f} ({:.3f} to {:.3f})", names[i], mean[i], least_[i], most_[i]));
+    }
+    return fmt::format("LED drive at white: {}; out of reach: {}, in need of negative light: {}",
+                       fmt::join(drives, ", "), counted(static_cast<std::size_t>(beyond_), "cell"),
+                       counted(static_cast<std::size_t>(clipped_), "cell"));
+  }
+
+ private:
+  Eigen::Vector3d least_ = Eigen::Vector3d::Constant(1e9);
+  Eigen::Vector3d most_ = Eigen::Vector3d::Constant(-1e9);
+  Eigen::Vector3d sum_ = Eigen::Vector3d::Zero();
+  std::int64_t cells_ = 0;
+  std::int64_t beyond_ = 0;
+  std::int64_t clipped_ = 0;
+};
+
+void appendLittleEndian(const CellCoefficients& cell, std::vector<unsigned char>& bytes) {
+  for (const std::uint16_t number : cell) {
+    bytes.push_back(static_cast<unsigned char>(number & 0xFF));
+    bytes.push_back(static_cast<unsigned char>(number >> 8));
+  }
+}
+
+void sample(Context& context, const Options& options) {
+  const Rect wall{0, 0, options.size.x - 1, options.size.y - 1};
+  const Rect rect = options.rect.value_or(wall);
+  if (!holds(wall, rect)) {
+    throw ToolError(kUsage, "the rectangle {} lies outside the wall, {}", toText(rect), toText(wall));
+  }
+  ByteOutput output(context.output, options.output, "");
+  output.requireRoom(static_cast<double>(rowsOf(rect)) * static_cast<double>(columnsOf(rect)) * kCellBytes);
+  if (!options.raw) {
+    output.write(npyHeader(parseDtype("uint16"),
+                           {static_cast<std::size_t>(rowsOf(rect)), static_cast<std::size_t>(columnsOf(rect)), 9}));
+  }
+  const WallModel model({options.size.x, options.size.y, options.cabinet.x, options.cabinet.y, options.seed});
+  Figures figures;
+  std::vector<unsigned char> row;
+  for (std::int32_t y = rect.top; y <= rect.bottom; ++y) {
+    row.clear();
+    for (std::int32_t x = rect.left; x <= rect.right; ++x) {
+      const Eigen::Matrix3d correction = model.correction(x, y);
+      figures.add(correction);
+      appendLittleEndian(WallModel::fixedPoint(correction), row);
+    }
+    output.write(row);
+  }
+  output.commit();
+  message(
+      fmt::format("SYNTHETIC data, computed from a model of an LED wall; nothing was measured. Cells {} of a wall of "
+                  "{} x {}, 18 bytes "
+                  "per cell: a 3x3 matrix in row-major order, unsigned Q2.14 (16384 is 1.0)",
+                  toText(rect), options.size.x, options.size.y));
+  message(figures.text());
+}
+
+}  // namespace
+
+void addSampleCommand(CommandGroup& program) {
+  const auto [command, options] =
+      program.add("sample", "Compute SYNTHETIC correction coefficients of an LED wall", sample);
+  command.footer(
+      "The array: uint16, rows x columns x 9, a row-major 3x3 matrix per cell in unsigned Q2.14 (16384 is 1.0).\n"
+      "Row i says how much of the target's red, green and blue the cell's LED i gives. Nothing was measured.");
+  addOutput(command, options.output);
+  addSize(command, "--size", options.size, "The wall's cells [1920x1080]");
+  addRect(command, options.rect, "Only this part of the wall, the same to the byte as cut out of the whole");
+  addSize(command, "--cabinet", options.cabinet, "The cells of a cabinet [160x180]");
+  command.add_option("--seed", options.seed, "Another number gives another wall")
+      ->check(atLeast(0))
+      ->capture_default_str();
+  command.add_flag("--raw", options.raw, "Write the bare cells without a header");
+}
+
+}  // namespace tovrtool
