@@ -8,7 +8,8 @@
 
 namespace {
 
-using namespace tovrtool;
+using namespace tovrdb;
+using namespace tovrdb::tool;
 
 // The bare call of the library.
 void query(Session& session, std::int32_t type, const Rect& rect) {

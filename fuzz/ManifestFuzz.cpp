@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/NpyFile.h"
 #include "client/contents/StoredBlob.h"
 #include "client/exchange/ExportFormat.h"
@@ -19,15 +19,15 @@
 namespace tovrfuzz {
 namespace {
 
-using tovrtool::Json;
+using tovrdb::Json;
 
 constexpr char kRawKey[] = "x'000102030405060708090A0B0C0D0E0F101112131415161718191A1B1C1D1E1F'";
 constexpr char kPayload[] = "payload";
 
 // The tool as `tovrdb import` runs it, with a database in memory.
 struct Tool {
-  tovrtool::StandardOutput output;
-  tovrtool::Session session = tovrtool::Session::openMemory(TOVR_PLUGIN_FILE);
+  tovrdb::tool::StandardOutput output;
+  tovrdb::Session session = tovrdb::Session::openMemory(TOVR_PLUGIN_FILE);
 };
 
 Json wildValue(Choices& choices) {
@@ -60,7 +60,7 @@ Json wildValue(Choices& choices) {
 }
 
 Json payloadValue(Choices& choices) {
-  const char* const forms[] = {tovrtool::kPayloadForm, tovrtool::kStoredForm, tovrtool::kCellsForm, "other"};
+  const char* const forms[] = {tovrdb::kPayloadForm, tovrdb::kStoredForm, tovrdb::kCellsForm, "other"};
   const char* const names[] = {"missing", "", ".", "../outside"};
   const unsigned char choice = choices.byte();
   return {{"file", choice < 240 ? kPayload : choices.oneOf(names)}, {"form", forms[choice < 240 ? choice % 3 : 3]}};
@@ -80,7 +80,7 @@ Json value(const std::string& column, std::size_t key, const Shape& shape, Choic
   const unsigned char choice = choices.byte();
   if (choice >= 253) return wildValue(choices);
   if (column == "id") return key;
-  if (column == tovrtool::kPayloadColumn) return payloadValue(choices);
+  if (column == tovrdb::kPayloadColumn) return payloadValue(choices);
   if (column == "left" || column == "top") return 0;
   if (column == "right") return choice < 240 ? shape.columns - 1 : choice;
   if (column == "bottom") return choice < 240 ? shape.rows - 1 : choice;
@@ -98,11 +98,11 @@ Json rowOf(const std::vector<std::string>& columns, std::size_t key, const Shape
   return odd == 253 ? wildValue(choices) : row;
 }
 
-Json manifestOf(tovrtool::Session& session, const Shape& shape, Choices& choices) {
-  Json manifest = {{"format", tovrtool::kExportFormat}, {"version", tovrtool::kExportVersion}};
-  for (const std::string& table : tovrtool::kTables) {
+Json manifestOf(tovrdb::Session& session, const Shape& shape, Choices& choices) {
+  Json manifest = {{"format", tovrdb::kExportFormat}, {"version", tovrdb::kExportVersion}};
+  for (const std::string& table : tovrdb::kTables) {
     Json rows = Json::array();
-    const auto columns = tovrtool::columnNames(session.connection(), table);
+    const auto columns = tovrdb::columnNames(session.connection(), table);
     const std::size_t count = choices.byte() < 240 ? 1 : choices.below(3);  // the others refer to the first
     for (std::size_t key = 1; key <= count; ++key) rows.push_back(rowOf(columns, key, shape, choices));
     manifest["tables"][table] = rows;
@@ -126,33 +126,33 @@ Json manifestOf(tovrtool::Session& session, const Shape& shape, Choices& choices
 
 Bytes payloadOf(const Shape& shape, Choices& choices) {
   if (choices.byte() >= 240) return choices.rest();
-  const std::string header = tovrtool::npyHeader({"|u1", 1}, {shape.rows, shape.columns, shape.cellBytes});
+  const std::string header = tovrdb::npyHeader({"|u1", 1}, {shape.rows, shape.columns, shape.cellBytes});
   Bytes file(header.begin(), header.end());
   const Bytes cells = noise(shape.rows * shape.columns * shape.cellBytes, 1);
   file.insert(file.end(), cells.begin(), cells.end());
   return file;
 }
 
-std::int64_t rowsIn(tovrtool::Session& session, const std::string& table) {
-  return tovrtool::queryNumber(session.connection(), "select count(*) from " + table);
+std::int64_t rowsIn(tovrdb::Session& session, const std::string& table) {
+  return tovrdb::queryNumber(session.connection(), "select count(*) from " + table);
 }
 
-void requirePayload(tovrtool::Session& session, const std::string& table, const Json& row, const Bytes& file) {
+void requirePayload(tovrdb::Session& session, const std::string& table, const Json& row, const Bytes& file) {
   const std::string query = "select data from " + table + " where id = " + row["id"].dump();
-  const auto blob = tovrtool::queryBlob(session.connection(), query);
+  const auto blob = tovrdb::queryBlob(session.connection(), query);
   require(blob.has_value(), "a row has lost its key");
   const std::string form = row["data"]["form"];
-  if (form == tovrtool::kStoredForm) return require(*blob == file, "a stored blob was changed");
-  const Bytes payload = tovrtool::decipherBlob(session.host().encryption(), *blob);
-  if (form == tovrtool::kPayloadForm) return require(payload == file, "a payload was changed");
-  const tovrtool::NpyArray array = tovrtool::parseNpy(file, "the payload");
+  if (form == tovrdb::kStoredForm) return require(*blob == file, "a stored blob was changed");
+  const Bytes payload = tovrdb::decipherBlob(session.host().encryption(), *blob);
+  if (form == tovrdb::kPayloadForm) return require(payload == file, "a payload was changed");
+  const tovrdb::NpyArray array = tovrdb::parseNpy(file, "the payload");
   require(payload == array.bytes, "cells were changed");
   require(array.shape[0] * array.shape[1] * row["databitwidth"].get<std::size_t>() == payload.size(),
           "cells that their row does not fit");
 }
 
-void requireStored(tovrtool::Session& session, const Json& manifest, const Bytes& payload) {
-  for (const std::string& table : tovrtool::kTables) {
+void requireStored(tovrdb::Session& session, const Json& manifest, const Bytes& payload) {
+  for (const std::string& table : tovrdb::kTables) {
     const Json& rows = manifest["tables"][table];
     require(rowsIn(session, table) == static_cast<std::int64_t>(rows.size()), "rows were lost");
     for (const Json& row : rows) {
@@ -163,15 +163,15 @@ void requireStored(tovrtool::Session& session, const Json& manifest, const Bytes
 }
 
 void test(Tool& tool, const std::string& folder, const Bytes& payload) {
-  tovrtool::Session& session = tool.session;
+  tovrdb::Session& session = tool.session;
   session.require(session.manager().openDB(":memory:", kRawKey));  // in place of the one before
   Json manifest;
   try {
-    manifest = tovrtool::readManifest(folder);
-    tovrtool::importFolder(session, folder, manifest);
-  } catch (const tovrtool::ToolError&) {
+    manifest = tovrdb::readManifest(folder);
+    tovrdb::importFolder(session, folder, manifest);
+  } catch (const tovrdb::Error&) {
     session.require(session.manager().createTables());
-    for (const std::string& table : tovrtool::kTables) require(rowsIn(session, table) == 0, "half a folder was stored");
+    for (const std::string& table : tovrdb::kTables) require(rowsIn(session, table) == 0, "half a folder was stored");
     return;
   }
   requireStored(session, manifest, payload);
@@ -196,13 +196,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   } else {
     tool.session.require(tool.session.manager().createTables());
     const Shape shape(choices);
-    const std::string text = tovrtool::jsonText(manifestOf(tool.session, shape, choices));
+    const std::string text = tovrdb::jsonText(manifestOf(tool.session, shape, choices));
     manifest.assign(text.begin(), text.end());
     payload = payloadOf(shape, choices);
   }
   std::filesystem::create_directory(folder);
   writeFile(scratch.path("outside"), {'s', 'e', 'c', 'r', 'e', 't'});
-  writeFile(folder + "/" + tovrtool::kManifestName, manifest);
+  writeFile(folder + "/" + tovrdb::kManifestName, manifest);
   writeFile(folder + "/" + kPayload, payload);
   test(tool, folder, payload);
   return 0;

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/CellBlock.h"
 #include "client/cells/NpyFile.h"
 #include "fuzz/Choices.h"
@@ -11,22 +11,22 @@
 namespace tovrfuzz {
 namespace {
 
-std::optional<tovrtool::NpyArray> parsed(const Bytes& file) {
+std::optional<tovrdb::NpyArray> parsed(const Bytes& file) {
   try {
-    return tovrtool::parseNpy(file, "input");
-  } catch (const tovrtool::ToolError&) {
+    return tovrdb::parseNpy(file, "input");
+  } catch (const tovrdb::Error&) {
     return std::nullopt;
   }
 }
 
-Bytes fileOf(const tovrtool::NpyArray& array) {
-  const std::string header = tovrtool::npyHeader(array.dtype, array.shape);
+Bytes fileOf(const tovrdb::NpyArray& array) {
+  const std::string header = tovrdb::npyHeader(array.dtype, array.shape);
   Bytes file(header.begin(), header.end());
   file.insert(file.end(), array.bytes.begin(), array.bytes.end());
   return file;
 }
 
-bool hasItsSize(const tovrtool::NpyArray& array) {
+bool hasItsSize(const tovrdb::NpyArray& array) {
   std::size_t left = array.bytes.size();
   if (left == 0) return std::count(array.shape.begin(), array.shape.end(), std::size_t{0}) > 0;
   for (const std::size_t extent : array.shape) {
@@ -36,12 +36,12 @@ bool hasItsSize(const tovrtool::NpyArray& array) {
   return left == array.dtype.itemSize;
 }
 
-void testBlock(const tovrtool::NpyArray& array) {
+void testBlock(const tovrdb::NpyArray& array) {
   try {
-    const tovrtool::CellBlock block = tovrtool::blockFromArray(array, std::nullopt, tovrtool::CellPair{});
-    require(tovrtool::fills(array.bytes.size(), block.rect, block.cellBytes), "the cells do not fill their rectangle");
+    const tovrdb::CellBlock block = tovrdb::blockFromArray(array, std::nullopt, tovrdb::CellPair{});
+    require(tovrdb::fills(array.bytes.size(), block.rect, block.cellBytes), "the cells do not fill their rectangle");
     require(std::equal(array.bytes.begin(), array.bytes.end(), block.bytes.get()), "a block of other cells");
-  } catch (const tovrtool::ToolError&) {  // no block has that shape
+  } catch (const tovrdb::Error&) {  // no block has that shape
   }
 }
 

@@ -54,7 +54,7 @@ buildGoogletest() {
 # The tool's libraries of headers, away from the folder that holds those of this machine's own C library. Of fmt, too,
 # only the headers: without the description of its library's file, CMake offers nothing else.
 copyHeaders() {
-  cp -r /usr/include/{CLI,eigen3,fmt,nlohmann} "$prefix/include/"
+  cp -r /usr/include/{CLI,eigen3,fmt,nlohmann,utf8cpp} "$prefix/include/"
   mkdir -p "$prefix/share/cmake" "$prefix/share/eigen3" "$prefix/lib/$target/cmake"
   cp -r /usr/share/cmake/{CLI11,nlohmann_json} "$prefix/share/cmake/"
   cp -r /usr/share/eigen3/cmake "$prefix/share/eigen3/"

@@ -8,9 +8,9 @@ source "$(dirname "$0")/failures.sh"
 packages=(
   g++ cmake ninja-build                        # the build
   libsqlcipher-dev libssl-dev                  # the library's two engines
-  libcli11-dev libfmt-dev libeigen3-dev        # the tool
+  libcli11-dev libfmt-dev libeigen3-dev        # the client and the tool
   libpango1.0-dev pkg-config                   # the tool: pictures, with cairo
-  nlohmann-json3-dev                           # the tool: JSON
+  nlohmann-json3-dev libutfcpp-dev             # the client: JSON, UTF-8
 )
 [ -z "${TOVR_WITH_PYTHON:-}${TOVR_WITH_TESTS:-}" ] || packages+=(python3-dev pybind11-dev python3-numpy)
 [ -z "${TOVR_WITH_TESTS:-}" ] || packages+=(libgtest-dev libsqlite3-dev nettle-dev binutils util-linux bsdutils

@@ -12,7 +12,7 @@ source scripts/tool-trial.sh
 licences=build/mingw/licences
 rm -rf $licences build/mingw/packages
 mkdir -p $licences
-for package in libsqlcipher-dev libssl-dev libcli11-dev libfmt-dev libeigen3-dev nlohmann-json3-dev \
+for package in libsqlcipher-dev libssl-dev libcli11-dev libfmt-dev libeigen3-dev nlohmann-json3-dev libutfcpp-dev \
   gcc-mingw-w64-base mingw-w64-common; do
   cp "/usr/share/doc/$package/copyright" "$licences/$package.txt"
 done

@@ -8,19 +8,21 @@
 #include <sstream>
 #include <string>
 
+#include "client/base/Error.h"
 #include "client/base/Interrupt.h"
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
 #include "client/disk/DatabaseFiles.h"
 #include "client/disk/Platform.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/UsageText.h"
+#include "tool/io/Message.h"
+#include "tool/io/ProgressBar.h"
 
 namespace {
 
-using namespace tovrtool;
+using namespace tovrdb;
+using namespace tovrdb::tool;
 
 constexpr const char* kIntroduction =
     "tovrdb keeps calibration data of LED screens in encrypted database files.\n\n"
@@ -106,17 +108,17 @@ int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutpu
 // The outcome of `action`, on behalf of a command, as an exit code, its failure as a message.
 template <class Action>
 int report(const Command& command, Action action) {
-  const auto failed = [&command](int code, const std::string& text) {
+  const auto failed = [&command](ErrorKind kind, const std::string& text) {
     complain(command.what.empty() ? text : fmt::format("{}: {}", command.what, text));
-    if (code == kUsage) complain(helpHint(command.words));
-    return code;
+    if (kind == kInvalid) complain(helpHint(command.words));
+    return static_cast<int>(exitCodeOf(kind));
   };
   try {
     return action();
-  } catch (const ToolError& error) {
-    if (error.code() == kPipeClosed) return kPipeClosed;
+  } catch (const Error& error) {
+    if (error.kind() == kPipeClosed) return static_cast<int>(ExitCode::kPipeClosed);
     for (const std::string& detail : error.details()) complain(detail);
-    return failed(error.code(), error.what());
+    return failed(error.kind(), messageOf(error));
   } catch (const std::bad_alloc&) {
     return failed(kRefused, "out of memory");
   } catch (const std::exception& error) {
@@ -129,6 +131,8 @@ int report(const Command& command, Action action) {
 int main(int argc, char** argv) {
   ignoreBrokenPipes();
   handleInterrupts();
+  ProgressBar bar;
+  setListener(&bar);
   StandardOutput output;
   GlobalOptions options;
   Command chosen;
@@ -146,12 +150,12 @@ int main(int argc, char** argv) {
     return report({}, [&] {
       output.print(text.str());
       output.finish();
-      return static_cast<int>(kDone);
+      return static_cast<int>(ExitCode::kDone);
     });
   } catch (const CLI::ParseError& error) {
     complain(usageText(app, error));
     complain(helpHint(namedCommand(app)));
-    return kUsage;
+    return static_cast<int>(ExitCode::kUsage);
   }
   return report(chosen, [&] { return runChosen(options, chosen, output); });
 }

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/Paths.h"
 
 #if defined(_WIN32)
@@ -15,7 +15,7 @@
 #include <unistd.h>
 #endif
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr int kSlots = 16;
@@ -97,6 +97,14 @@ void handleInterrupts() {
 
 #endif
 
+ErrorKind kindOfSignal(int signal) {
+  if (signal == SIGTERM) return kTerminated;
+#if !defined(_WIN32)
+  if (signal == SIGHUP) return kHungUp;
+#endif
+  return kInterrupted;
+}
+
 void noteCompletion() { completed = true; }
 
 InterruptibleFile::InterruptibleFile(const std::string& path) : slot_(-1) {
@@ -122,8 +130,8 @@ DeferredInterrupt::~DeferredInterrupt() { --deferrals; }
 void DeferredInterrupt::check() const {
   const int signal = noted;
   if (signal == 0) return;
-  throw ToolError(static_cast<ExitCode>(128 + signal), "{}: nothing unfinished is left",
-                  signal == SIGINT ? "interrupted" : "ended by a signal");
+  throw Error(kindOfSignal(signal), "{}: nothing unfinished is left",
+              signal == SIGINT ? "interrupted" : "ended by a signal");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

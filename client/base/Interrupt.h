@@ -8,7 +8,12 @@
 
 #include <string>
 
-namespace tovrtool {
+#include "client/base/Error.h"
+
+namespace tovrdb {
+
+// The kind of error with which work ends that this signal interrupts.
+ErrorKind kindOfSignal(int signal);
 
 // Call once, before the first file is made.
 void handleInterrupts();
@@ -35,8 +40,8 @@ class DeferredInterrupt {
   DeferredInterrupt& operator=(const DeferredInterrupt&) = delete;
   ~DeferredInterrupt();
 
-  // Throws ToolError after an interrupt: kInterrupted, or the code of the signal that asked the program to end.
+  // Throws Error after an interrupt: kInterrupted, or the code of the signal that asked the program to end.
   void check() const;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

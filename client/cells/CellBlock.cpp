@@ -4,9 +4,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr auto kMostBytes = static_cast<std::size_t>(kMostBlockBytes);
@@ -15,7 +15,7 @@ Rect rectOfShape(const std::vector<std::size_t>& shape, CellPair position) {
   try {
     return rectAt(position, shape[1], shape[0]);
   } catch (const std::invalid_argument& error) {
-    throw ToolError(kFileProblem, "the array does not fit: {}", error.what());
+    throw Error(kFileProblem, "the array does not fit: {}", error.what());
   }
 }
 
@@ -33,7 +33,7 @@ CellBlock blockOf(const Rect& rect, std::int32_t cellBytes, std::vector<unsigned
 CellBlock blockFromArray(NpyArray array, const std::optional<Rect>& rect, const std::optional<CellPair>& position) {
   const std::string shape = shapeText(array.shape);
   if (array.shape.size() < 2 || array.bytes.empty()) {
-    throw ToolError(
+    throw Error(
         kFileProblem,
         "an array of shape {} is not a block, which takes (rows, columns, values) or (rows, columns), none of them 0",
         shape);
@@ -41,12 +41,12 @@ CellBlock blockFromArray(NpyArray array, const std::optional<Rect>& rect, const 
   const Rect cells = rect ? *rect : rectOfShape(array.shape, *position);
   if (static_cast<std::uint64_t>(rowsOf(cells)) != array.shape[0] ||
       static_cast<std::uint64_t>(columnsOf(cells)) != array.shape[1]) {
-    throw ToolError(kFileProblem,
-                    "an array of shape {0} does not fit the rectangle {1}, which has {2} columns x {3} rows: its shape "
-                    "would begin with ({3}, {2})",
-                    shape, toText(cells), columnsOf(cells), rowsOf(cells));
+    throw Error(kFileProblem,
+                "an array of shape {0} does not fit the rectangle {1}, which has {2} columns x {3} rows: its shape "
+                "would begin with ({3}, {2})",
+                shape, toText(cells), columnsOf(cells), rowsOf(cells));
   }
-  if (array.bytes.size() > kMostBytes) throw ToolError(kFileProblem, "the block is larger than 2 GiB: split it");
+  if (array.bytes.size() > kMostBytes) throw Error(kFileProblem, "the block is larger than 2 GiB: split it");
   const std::size_t cellBytes = array.bytes.size() / (array.shape[0] * array.shape[1]);
   return blockOf(cells, static_cast<std::int32_t>(cellBytes), std::move(array.bytes));
 }
@@ -54,8 +54,8 @@ CellBlock blockFromArray(NpyArray array, const std::optional<Rect>& rect, const 
 CellBlock blockFromBytes(std::vector<unsigned char> bytes, const Rect& rect, std::int32_t cellBytes) {
   if (bytes.size() > kMostBytes || !fills(bytes.size(), rect, cellBytes)) {
     const double needed = static_cast<double>(columnsOf(rect)) * static_cast<double>(rowsOf(rect)) * cellBytes;
-    throw ToolError(kFileProblem, "the rectangle {} ({} x {} cells of {} bytes) needs {:.0f} bytes; the input has {}",
-                    toText(rect), columnsOf(rect), rowsOf(rect), cellBytes, needed, bytes.size());
+    throw Error(kFileProblem, "the rectangle {} ({} x {} cells of {} bytes) needs {:.0f} bytes; the input has {}",
+                toText(rect), columnsOf(rect), rowsOf(rect), cellBytes, needed, bytes.size());
   }
   return blockOf(rect, cellBytes, std::move(bytes));
 }
@@ -74,9 +74,8 @@ CellBlock cut(const CellBlock& whole, const Rect& rect) {
 std::size_t valuesPerCell(std::int32_t cellBytes, const Dtype& dtype) {
   const auto bytes = static_cast<std::size_t>(cellBytes);
   if (cellBytes <= 0 || bytes % dtype.itemSize != 0) {
-    throw ToolError(kFileProblem,
-                    "a cell of {} bytes is not a whole number of {} values: choose another --dtype or leave it out",
-                    cellBytes, dtype.descr);
+    throw Error(kFileProblem, "a cell of {} bytes is not a whole number of {} values", cellBytes, dtype.descr)
+        .suggest(Remedy::kOtherNumberType);
   }
   return bytes / dtype.itemSize;
 }
@@ -86,4 +85,4 @@ std::vector<std::size_t> blockShape(const Rect& rect, std::int32_t cellBytes, co
           valuesPerCell(cellBytes, dtype)};
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

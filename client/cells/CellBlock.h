@@ -11,7 +11,7 @@
 #include "client/cells/NpyFile.h"
 #include "client/cells/Rect.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The library counts a block's bytes in 32 bits.
 constexpr std::int64_t kMostBlockBytes = std::numeric_limits<std::int32_t>::max();
@@ -37,20 +37,20 @@ struct CellBlock {
 // REQUIRES: the bytes fill the rectangle.
 CellBlock blockOf(const Rect& rect, std::int32_t cellBytes, std::vector<unsigned char> bytes);
 
-// The array as the cells of `rect`, or of the rectangle of its own size at `position`. Throws ToolError when the
+// The array as the cells of `rect`, or of the rectangle of its own size at `position`. Throws Error when the
 // array's shape is not rows x columns (x values). REQUIRES: one of the two is given.
 CellBlock blockFromArray(NpyArray array, const std::optional<Rect>& rect, const std::optional<CellPair>& position);
 
-// The bytes as cells of `rect`. Throws ToolError when they are not exactly as many.
+// The bytes as cells of `rect`. Throws Error when they are not exactly as many.
 CellBlock blockFromBytes(std::vector<unsigned char> bytes, const Rect& rect, std::int32_t cellBytes);
 
 // The cells of a part. REQUIRES: the block's rectangle holds `rect`.
 CellBlock cut(const CellBlock& whole, const Rect& rect);
 
-// How many values of type `dtype` a cell holds. Throws ToolError when it is not a whole number of them.
+// How many values of type `dtype` a cell holds. Throws Error when it is not a whole number of them.
 std::size_t valuesPerCell(std::int32_t cellBytes, const Dtype& dtype);
 
-// rows x columns x values of type `dtype`. Throws ToolError as valuesPerCell does.
+// rows x columns x values of type `dtype`. Throws Error as valuesPerCell does.
 std::vector<std::size_t> blockShape(const Rect& rect, std::int32_t cellBytes, const Dtype& dtype);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -5,10 +5,10 @@
 #include <iterator>
 #include <vector>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // Enough digits to read the same number back: 9 for 32-bit floats and less, 17 for 64-bit ones (IEEE 754).
@@ -25,7 +25,7 @@ std::string heading(std::size_t values) {
 void writeCsv(const CellBlock& block, const NumberForm& form, const std::function<void(const std::string&)>& write) {
   const Dtype& dtype = form.dtype;
   if (dtype.itemSize == 8 && dtype.descr[1] != 'f') {
-    throw ToolError(kUsage, "64-bit whole numbers do not fit CSV's decimal numbers; write .npy instead");
+    throw Error(kInvalid, "64-bit whole numbers do not fit CSV's decimal numbers; write .npy instead");
   }
   const Rect& rect = block.rect;
   const std::size_t values = valuesPerCell(block.cellBytes, dtype);
@@ -46,4 +46,4 @@ void writeCsv(const CellBlock& block, const NumberForm& form, const std::functio
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,11 +7,11 @@
 #include "client/cells/CellBlock.h"
 #include "client/cells/NumberForm.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // A heading, then a line per cell: its column and row on the screen, and its values, scaled. Hands the text to `write`
-// a row of cells at a time. Numbers are exact; whole numbers of 64 bits do not fit and throw ToolError, as does a cell
+// a row of cells at a time. Numbers are exact; whole numbers of 64 bits do not fit and throw Error, as does a cell
 // that is not a whole number of values.
 void writeCsv(const CellBlock& block, const NumberForm& form, const std::function<void(const std::string&)>& write);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,10 +7,10 @@
 #include <limits>
 #include <stdexcept>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/NumberText.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 struct Half {
@@ -123,7 +123,7 @@ std::vector<unsigned char> cellOf(const Dtype& dtype, std::size_t values, double
   if (!item.empty()) readNumbers(dtype, item.data(), item.size(), 1, &back);
   const bool floating = dtype.descr[1] == 'f';
   if (item.empty() || (floating ? std::isfinite(back) != std::isfinite(number) : back != number)) {
-    throw ToolError(kUsage, "{} is not a number of type {}", numberText(number), dtypeName(dtype));
+    throw Error(kInvalid, "{} is not a number of type {}", numberText(number), dtypeName(dtype));
   }
   std::vector<unsigned char> cell;
   for (std::size_t i = 0; i < values; ++i) cell.insert(cell.end(), item.begin(), item.end());
@@ -133,7 +133,7 @@ std::vector<unsigned char> cellOf(const Dtype& dtype, std::size_t values, double
 void requireComponent(std::int32_t cellBytes, const Dtype& dtype, std::size_t component) {
   const std::size_t values = valuesPerCell(cellBytes, dtype);
   if (component >= values) {
-    throw ToolError(kUsage, "there is no component {}: a cell has the components 0 to {}", component, values - 1);
+    throw Error(kInvalid, "there is no component {}: a cell has the components 0 to {}", component, values - 1);
   }
 }
 
@@ -143,4 +143,4 @@ void readRow(const CellBlock& block, const NumberForm& form, std::size_t compone
               static_cast<std::size_t>(columnsOf(part)), numbers);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

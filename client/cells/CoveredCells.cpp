@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // The first run that ends at `column` or beyond.
@@ -72,4 +72,4 @@ void CoveredCells::cover(Runs& runs, const CellRun& row) {
   runs.emplace(whole.left, whole.right);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,7 +7,7 @@
 
 #include "client/cells/Rect.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Columns of one row, both ends inclusive.
 struct CellRun {
@@ -37,4 +37,4 @@ class CoveredCells {
   std::map<std::int32_t, Runs> rows_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

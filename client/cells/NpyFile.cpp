@@ -9,9 +9,9 @@
 #include <set>
 #include <stdexcept>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr char kMagic[] = "\x93NUMPY";
@@ -33,7 +33,7 @@ constexpr NamedDtype kDtypes[] = {
 };
 
 [[noreturn]] void refuse(const std::string& name, const std::string& reason) {
-  throw ToolError(kFileProblem, name + " cannot be used: " + reason);
+  throw Error(kFileProblem, name + " cannot be used: " + reason);
 }
 
 struct Header {
@@ -159,7 +159,7 @@ HeaderPlace placeHeader(const std::vector<unsigned char>& file, const std::strin
   if (file.size() < kPrologue + 2 ||
       !std::equal(magic.begin(), magic.end(), file.begin(),
                   [](char expected, unsigned char found) { return static_cast<unsigned char>(expected) == found; })) {
-    refuse(name, "it is not a .npy file (give raw bytes with --raw)");
+    throw Error(kFileProblem, "{}: it is not a .npy file", name).suggest(Remedy::kReadRaw);
   }
   const unsigned int version = file[6];
   if (version < 1 || version > 3) refuse(name, fmt::format("its .npy version {} is unknown", version));
@@ -273,4 +273,4 @@ std::string npyHeader(const Dtype& dtype, const std::vector<std::size_t>& shape)
 
 std::string shapeText(const std::vector<std::size_t>& shape) { return fmt::format("({})", fmt::join(shape, ", ")); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The type of one number: "<u2" is two bytes, unsigned, little-endian.
 struct Dtype {
@@ -30,7 +30,7 @@ struct NpyArray {
   std::vector<unsigned char> bytes;  // exactly as many as shape and dtype say
 };
 
-// The array in the bytes of a file. Throws ToolError, which names `name`, when they are not such an array: truncated,
+// The array in the bytes of a file. Throws Error, which names `name`, when they are not such an array: truncated,
 // too long, in Fortran order, big-endian, or of another kind of type.
 NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name);
 
@@ -41,4 +41,4 @@ std::string npyHeader(const Dtype& dtype, const std::vector<std::size_t>& shape)
 // "(64, 128, 9)"
 std::string shapeText(const std::vector<std::size_t>& shape);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,9 +8,10 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "client/base/Text.h"
 #include "client/cells/NumberText.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr std::size_t kLongestVersion = 60;  // characters, as the column is declared
@@ -56,11 +57,6 @@ CountedForm parseForm(std::string text) {
 
 bool isFloating(const Dtype& dtype) { return dtype.descr[1] == 'f'; }
 bool isSigned(const Dtype& dtype) { return dtype.descr[1] == 'i'; }
-
-std::size_t characters(const std::string& text) {  // of UTF-8: continuation bytes are none of their own
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
-}
 
 }  // namespace
 
@@ -149,12 +145,12 @@ std::string joinVersion(const std::string& text, const std::optional<NumberForm>
   if (ofText + ofForm <= kLongestVersion) return text + inBrackets;
   if (!form) {
     throw std::invalid_argument(fmt::format(
-        "a block keeps {} characters of text, and --version-text has {}: shorten it", kLongestVersion, ofText));
+        "a block keeps {} characters of text, and the version text has {}: shorten it", kLongestVersion, ofText));
   }
   throw std::invalid_argument(
       fmt::format("a block keeps {} characters of text: the version text has {}, and the form of the numbers beside it "
-                  "{}; shorten --version-text or --unit",
+                  "{}; shorten the text or the unit",
                   kLongestVersion, ofText, ofForm));
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -15,7 +15,7 @@
 
 #include "client/cells/NpyFile.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // A number counts as `times` / `over` of itself.
 struct Scale {
@@ -78,4 +78,4 @@ VersionText splitVersion(const std::string& version, std::int32_t cellBytes);
 // than the column's 60 characters. REQUIRES: a cell is a whole number of the form's values.
 std::string joinVersion(const std::string& text, const std::optional<NumberForm>& form, std::int32_t cellBytes);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr int kMostDecimals = 15;
@@ -25,4 +25,4 @@ std::string numberText(double value, double step) {
   return text == "-0" ? "0" : text;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The fewest digits that read back as the same number: 16777216, 0.1, 1e+20.
 std::string numberText(double value);
@@ -11,4 +11,4 @@ std::string numberText(double value);
 // As many decimals as a difference of `step` takes, without zeros at their end; all digits where `step` is not above 0.
 std::string numberText(double value, double step);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

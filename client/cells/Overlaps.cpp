@@ -4,7 +4,7 @@
 #include <set>
 #include <tuple>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // Counts of column indices, of which one can ask how many are below a bound.
@@ -103,4 +103,4 @@ class Sweep {
 
 Overlaps overlapsAmong(const std::vector<Rect>& rects, std::size_t mostNamed) { return Sweep(rects, mostNamed).run(); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,7 +8,7 @@
 
 #include "client/cells/Rect.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct Overlaps {
   std::uint64_t pairs = 0;
@@ -22,4 +22,4 @@ struct Overlaps {
 // trees (P. Fenwick: A New Data Structure for Cumulative Frequency Tables, 1994); all other open ones overlap it.
 Overlaps overlapsAmong(const std::vector<Rect>& rects, std::size_t mostNamed);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr std::int32_t kLastCell = std::numeric_limits<std::int32_t>::max();
@@ -122,4 +122,4 @@ std::string outsideText(const Rect& rect, const Rect& bounds, const std::string&
   return text;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,7 +7,7 @@
 
 #include "manager/Rectangle.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 using tovr::Rect;  // cell indices, both edges inclusive
 using tovr::rectOf;
@@ -60,4 +60,4 @@ void setRect(Record& record, const Rect& rect) {
   record.bottom = rect.bottom;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -6,13 +6,13 @@
 #include <sstream>
 #include <utility>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/checks/PlacementChecks.h"
 #include "client/contents/RowNames.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // Runs one check; what ends it is its last fault.
@@ -22,7 +22,7 @@ Verdict verdictOf(Session& session, const std::string& name, Check check) {
   verdict.name = name;
   try {
     check(verdict);
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (isNoFault(error)) throw;
     verdict.faults.add(error.what());
   }
@@ -77,7 +77,7 @@ class BlobCheck {
     try {
       read(table, key);
       if (unused) verdict.warnings.add(names_.of(table, key) + " is used by nothing: it only takes room");
-    } catch (const ToolError& error) {
+    } catch (const Error& error) {
       if (isNoFault(error)) throw;
       Findings& findings = unused ? verdict.warnings : verdict.faults;
       findings.add(
@@ -141,7 +141,7 @@ std::vector<std::string> pageFaults(Session& session, const std::string& schema)
       std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
       for (std::string line; std::getline(lines, line);) faults.push_back(line);
     }
-  } catch (const ToolError& error) {  // a page that ends the reading
+  } catch (const Error& error) {  // a page that ends the reading
     if (isNoFault(error)) throw;
     faults.emplace_back(error.what());
   }
@@ -177,4 +177,4 @@ std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& sch
   return verdicts;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

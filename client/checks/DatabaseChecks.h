@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "client/base/Progress.h"
+#include "client/base/Listener.h"
 #include "client/checks/SchemaCheck.h"
 #include "client/checks/Verdict.h"
 #include "client/session/Damage.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Bytes that checkDatabase reads, as it reports them to `progress`.
 std::uint64_t bytesToCheck(Session& session);
@@ -22,4 +22,4 @@ std::vector<std::string> pageFaults(Session& session, const std::string& schema 
 // holds: an area with its rectangle and screen, the type of data, a measurement.
 std::vector<Verdict> checkDatabase(Session& session, const std::vector<Row>& schema, Progress& progress);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -6,12 +6,12 @@
 #include <map>
 #include <utility>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/contents/StoredBlob.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/Damage.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr std::int64_t kBatchBytes = std::int64_t{256} << 20;
@@ -21,8 +21,8 @@ template <class Action>
 auto naming(const std::string& file, Action action) {
   try {
     return action();
-  } catch (const ToolError& error) {
-    throw about(file, error);
+  } catch (const Error& error) {
+    throw error.about(file);
   }
 }
 
@@ -30,7 +30,7 @@ StoredPayload storedPayload(Session& session, const Item& item) {
   if (item.area && !item.area->fault.empty()) return {{}, item.area->fault};
   try {
     return {queryPayload(session, item.blob->table, item.blob->id).value_or(Bytes()), {}};
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isDamage(error)) throw;
     session.resumeReading();
     return {{}, error.what()};
@@ -42,7 +42,7 @@ StoredPayload payloadOf(Session& session, const StoredPayload& stored) {
   if (!stored.fault.empty()) return stored;
   try {
     return {decipherBlob(session.host().encryption(), stored.bytes), {}};
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isDamage(error)) throw;
     return {{}, error.what()};
   }
@@ -90,12 +90,12 @@ std::optional<NumberForm> commonForm(const StoredArea& before, const StoredArea&
   const auto first = keptForm(*before.area);
   const auto second = keptForm(*after.area);
   if (!first || !second) {
-    throw ToolError(kUsage, "{}: no file tells the type of its numbers: say it with --dtype", before.name);
+    throw Error(kInvalid, "{}: neither file tells the type of its numbers", before.name)
+        .suggest(Remedy::kGiveNumberType);
   }
-  throw ToolError(kUsage,
-                  "{}: the first file keeps its numbers as {}, the second as {}: say how to read both with --dtype, "
-                  "--scale and --unit",
-                  before.name, toText(*first), toText(*second));
+  throw Error(kInvalid, "{}: the first file keeps its numbers as {}, the second as {}", before.name, toText(*first),
+              toText(*second))
+      .suggest(Remedy::kGiveNumberForm);
 }
 
 }  // namespace
@@ -230,4 +230,4 @@ void FileComparison::addCells(const Pair& pair, const CellBlock& before, const C
       {pair.before->name, pair.before->place, Difference::Kind::kCells, "", "", "", cells, form, {}});
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

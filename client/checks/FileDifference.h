@@ -11,7 +11,7 @@
 #include "client/session/SqlQuery.h"
 #include "client/statistics/BlockDifference.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct FileAndKey {
   std::string path;
@@ -58,7 +58,7 @@ struct Comparing {
 
 class FileComparison {
  public:
-  // Reads what both files hold, but no payloads. Throws ToolError, which names the file.
+  // Reads what both files hold, but no payloads. Throws Error, which names the file.
   FileComparison(const Access& access, FileAndKey before, FileAndKey after);
 
   // Areas of blocks that both hold in the same shape, in the order of the first file; if one file's cannot be read, the
@@ -66,7 +66,7 @@ class FileComparison {
   std::vector<StoredArea> commonAreas() const;
 
   // Compares everything. Only one file can be open at a time, so payloads are read in turns, some hundred megabytes of
-  // the first file and then the same ones of the second. Throws ToolError where a tolerance is asked for and nothing
+  // the first file and then the same ones of the second. Throws Error where a tolerance is asked for and nothing
   // tells the numbers of blocks that differ.
   std::vector<Difference> compare(const Comparing& how, const VisitBlock& visit);
 
@@ -94,4 +94,4 @@ class FileComparison {
   std::vector<Difference> differences_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

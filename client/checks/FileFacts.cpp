@@ -10,7 +10,7 @@
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 std::vector<Fact> description(Session& session) {
@@ -59,7 +59,7 @@ std::string bytesOf(const Row& column) {
 std::int64_t countRows(Session& session, const std::string& table) {
   try {
     return queryNumber(session.connection(), "select count(*) from " + table);
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isDamage(error)) throw;
     session.resumeReading();
     return 0;
@@ -77,7 +77,7 @@ TableFacts tableFacts(Session& session, const std::string& table) {
       facts.rows = columnNumber(session.connection(), 0);
       facts.bytes = columnNumber(session.connection(), 1);
     });
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isDamage(error)) throw;
     facts.fault = error.what();
     session.resumeReading();
@@ -106,4 +106,4 @@ FileFacts factsOf(Session& session) {
   return facts;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,7 +8,7 @@
 #include "client/contents/Screens.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct Fact {
   const char* label;
@@ -36,7 +36,7 @@ struct FileFacts {
   std::vector<ScreenFacts> screens;
 };
 
-// Throws ToolError on failure.
+// Throws Error on failure.
 FileFacts factsOf(Session& session);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -4,13 +4,13 @@
 
 #include <algorithm>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/cells/Overlaps.h"
 #include "client/contents/RowNames.h"
 #include "client/contents/Screens.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // Their columns of whole numbers are read by the library as numbers of 32 bits.
@@ -107,4 +107,4 @@ void checkOverlaps(const std::vector<Placement>& areas, Verdict& verdict) {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

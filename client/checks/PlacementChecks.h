@@ -10,7 +10,7 @@
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct BlockSize {
   std::uint64_t bytes = 0;
@@ -28,4 +28,4 @@ void checkScreens(Session& session, const RowNames& names, Verdict& verdict);
 void checkInsideScreens(const std::vector<Placement>& areas, Verdict& verdict);
 void checkOverlaps(const std::vector<Placement>& areas, Verdict& verdict);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

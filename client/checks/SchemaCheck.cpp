@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // The engine's own tables begin with "sqlite_"; a trigger counts whatever its name is. Indexes without a statement
@@ -68,4 +68,4 @@ void compareSchema(const std::vector<Row>& expected, const std::vector<Row>& pre
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

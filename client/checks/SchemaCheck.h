@@ -8,7 +8,7 @@
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Type, name, table and create statement of every table, index, trigger and view of a file; not of the engine's own.
 std::vector<Row> schemaOf(Session& session);
@@ -20,4 +20,4 @@ std::vector<Row> expectedSchema(const std::string& plugin);
 // indexes, which refuse rows. Warnings: other tables and indexes.
 void compareSchema(const std::vector<Row>& expected, const std::vector<Row>& present, Verdict& verdict);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

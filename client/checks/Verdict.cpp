@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 void Findings::add(std::string text) {
   ++count_;
@@ -30,4 +30,4 @@ Soundness soundnessOf(const std::vector<Verdict>& verdicts) {
   return worst;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

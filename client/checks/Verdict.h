@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Sentences about a file. Only the first are kept as text: areas that overlap can be millions of pairs.
 class Findings {
@@ -41,4 +41,4 @@ enum class Soundness { kSound, kWarning, kFault };
 Soundness soundnessOf(const Verdict& verdict);
 Soundness soundnessOf(const std::vector<Verdict>& verdicts);  // the worst of them
 
-}  // namespace tovrtool
+}  // namespace tovrdb

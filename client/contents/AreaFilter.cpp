@@ -7,12 +7,12 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/contents/Screens.h"
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 bool passes(const AreaFilter& filter, const StoredArea& area) {
@@ -60,8 +60,8 @@ std::vector<StoredArea> areasWithIds(Session& session, const std::vector<IdRange
     std::fill(chosen.begin() + (from - areas.begin()), chosen.begin() + (to - areas.begin()), true);
   }
   if (!missing.empty()) {
-    throw statusError(tovr::kNoMatchingArea,
-                      fmt::format("there is no area {}; tovrdb coef list shows the areas", shortList(missing)));
+    throw statusError(tovr::kNoMatchingArea, fmt::format("there is no area {}", shortList(missing)))
+        .suggest(Remedy::kListAreas);
   }
   std::vector<StoredArea> found;
   for (std::size_t i = 0; i < areas.size(); ++i) {
@@ -70,4 +70,4 @@ std::vector<StoredArea> areasWithIds(Session& session, const std::vector<IdRange
   return found;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

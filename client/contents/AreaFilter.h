@@ -10,7 +10,7 @@
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct AreaFilter {
   std::optional<std::int32_t> type;
@@ -18,7 +18,7 @@ struct AreaFilter {
   std::optional<Rect> rect;  // areas that have cells in it
 };
 
-// In the order in which they were stored; possibly none. Throws ToolError if there is no such screen.
+// In the order in which they were stored; possibly none. Throws Error if there is no such screen.
 std::vector<StoredArea> areasThatPass(Session& session, const AreaFilter& filter);
 
 // Ids from `first` to `last`.
@@ -30,7 +30,7 @@ struct IdRange {
 // "3" or "5-8". Throws std::invalid_argument with the reason otherwise.
 IdRange parseIdRange(const std::string& text);
 
-// The areas with these ids. Throws ToolError if one of the ranges has none.
+// The areas with these ids. Throws Error if one of the ranges has none.
 std::vector<StoredArea> areasWithIds(Session& session, const std::vector<IdRange>& ids);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

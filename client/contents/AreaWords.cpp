@@ -2,9 +2,9 @@
 
 #include <fmt/core.h>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 
-namespace tovrtool {
+namespace tovrdb {
 std::string placeText(const AreaName& area) {
   return fmt::format("{} of type {}{}", toText(area.rect), area.type,
                      area.screen.empty() ? "" : " on the screen " + area.screen);
@@ -23,4 +23,4 @@ std::string blockText(const StoredArea& area) {
   return fmt::format("the block of {} bytes, {} per cell, of {}", grouped(bytes), area.cellBytes, area.changed);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,7 +8,7 @@
 #include "client/cells/NumberForm.h"
 #include "client/cells/Rect.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Which area of a file: databases of type 1 find it by its screen's name, those of type 0 without.
 struct AreaName {
@@ -17,7 +17,7 @@ struct AreaName {
   Rect rect{};
 };
 
-// Throws ToolError where a screen's name is missing, or given where none is used.
+// Throws Error where a screen's name is missing, or given where none is used.
 void requireSuits(const AreaName& area, int databaseType);
 
 struct BlockText {
@@ -27,4 +27,4 @@ struct BlockText {
   std::optional<Dtype> dtype{};  // as the array tells it
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

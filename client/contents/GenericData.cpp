@@ -5,11 +5,12 @@
 #include <algorithm>
 #include <memory>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/contents/Screens.h"
+#include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 namespace {
 
@@ -55,7 +56,7 @@ std::vector<std::string> putData(Session& session, std::int32_t type, const std:
   Transaction transaction(session);  // the library deletes the old blob before it stores the new one
   const std::vector<StoredScreen> screens = storedScreens(session);
   if (screens.empty()) {
-    throw ToolError(kRefused, "data belongs to a screen, and the file has none: add one with tovrdb screen add");
+    throw Error(kRefused, "data belongs to a screen, and the file has none").suggest(Remedy::kAddScreen);
   }
   std::vector<std::string> notices;
   for (const StoredData& data : storedData(session)) {
@@ -80,8 +81,9 @@ Bytes getData(Session& session, std::int32_t type) {
   record->datatype = type;
   const int code = session.manager().queryData(record.get());
   const std::unique_ptr<unsigned char[]> payload(record->data);
-  session.require(code, code == tovr::kNoData ? "tovrdb data list shows the types" : "");
+  if (code == tovr::kNoData) throw libraryError(code).suggest(Remedy::kListData);
+  session.require(code);
   return {payload.get(), payload.get() + record->dataSize};
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

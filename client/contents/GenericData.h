@@ -8,7 +8,7 @@
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // A row as it is stored; empty texts and zeros where what it refers to is missing.
 struct StoredData {
@@ -21,7 +21,7 @@ struct StoredData {
   std::string changed;  // when it was written last
 };
 
-// In the order in which they were stored. Every function throws ToolError on failure.
+// In the order in which they were stored. Every function throws Error on failure.
 std::vector<StoredData> storedData(Session& session);
 
 // The key that "Screen_Info" issued last, under which the library files data; 0 before the first screen.
@@ -36,4 +36,4 @@ std::string dataText(const StoredData& data);
 std::vector<std::string> putData(Session& session, std::int32_t type, const std::string& version, Bytes payload);
 Bytes getData(Session& session, std::int32_t type);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -11,7 +11,7 @@
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 using Items = std::vector<Item>;
@@ -106,4 +106,4 @@ std::vector<Item> takeInventory(Session& session) {
   return items;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -10,7 +10,7 @@
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The row that holds an item's stored payload.
 struct BlobPlace {
@@ -36,7 +36,7 @@ struct Item {
   std::optional<StoredArea> area;  // of a block; if it has a fault, fields and blob tell nothing
 };
 
-// In a fixed order of kinds. Times of rows are left out. Throws ToolError on failure.
+// In a fixed order of kinds. Times of rows are left out. Throws Error on failure.
 std::vector<Item> takeInventory(Session& session);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -2,13 +2,13 @@
 
 #include <fmt/core.h>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/LibraryError.h"
 #include "client/session/Tables.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr int kRowRejected = 19;  // how the library answers for a measurement whose blob it has stored
@@ -63,7 +63,8 @@ MeasurementReport putMeasurement(Session& session, std::int32_t type, const Rect
 Bytes getMeasurement(Session& session, std::int64_t id) {
   const auto blob = queryPayload(session, kMeasurementTable, id);
   if (!blob) {
-    throw statusError(tovr::kNoData, fmt::format("no measurement has the key {}; tovrdb measure list shows them", id));
+    throw statusError(tovr::kNoData, fmt::format("no measurement has the key {}", id))
+        .suggest(Remedy::kListMeasurements);
   }
   return decipherBlob(session.host().encryption(), *blob);
 }
@@ -75,4 +76,4 @@ void clearMeasurements(Session& session) {
   transaction.commit();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -10,7 +10,7 @@
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct StoredMeasurement {
   std::int64_t id = 0;
@@ -20,7 +20,7 @@ struct StoredMeasurement {
   std::optional<Rect> rect;
 };
 
-// In the order of their keys. Every function throws ToolError on failure.
+// In the order of their keys. Every function throws Error on failure.
 std::vector<StoredMeasurement> storedMeasurements(Session& session);
 std::int64_t countMeasurements(Session& session);
 
@@ -34,4 +34,4 @@ MeasurementReport putMeasurement(Session& session, std::int32_t type, const Rect
 Bytes getMeasurement(Session& session, std::int64_t id);
 void clearMeasurements(Session& session);  // in a transaction of its own
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -2,12 +2,12 @@
 
 #include <fmt/core.h>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/session/Damage.h"
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr char kPlacementTable[] = "Coef_Info";
@@ -26,7 +26,7 @@ RowNames::RowNames(Session& session) {
   const auto attempt = [&](auto read) {
     try {
       (this->*read)(session);
-    } catch (const ToolError& error) {
+    } catch (const Error& error) {
       if (isNoFault(error)) throw;
       beginAgain(session);
     }
@@ -89,4 +89,4 @@ void RowNames::readMeasurements(Session& session) {
   });
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

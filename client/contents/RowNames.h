@@ -9,7 +9,7 @@
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 std::string nameOf(const Placement& area);
 
@@ -36,4 +36,4 @@ class RowNames {
   std::map<std::string, bool> complete_;  // by table: all of its rows that are used have a name
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 bool isBlank(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
@@ -59,4 +59,4 @@ std::string ScreenNames::doubt(const std::string& name) const {
   return "begins or ends with a blank";
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

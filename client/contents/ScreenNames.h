@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The name without blanks, in lower case: two names with the same one read alike. Folds the letters of ASCII, Latin-1,
 // Greek and Cyrillic (their simple case pairs in Unicode); others stay as they are.
@@ -24,4 +24,4 @@ class ScreenNames {
   std::map<std::string, std::string> byFold_;  // the first name of each fold
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

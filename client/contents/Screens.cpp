@@ -4,42 +4,44 @@
 
 #include <algorithm>
 
-#include "client/base/Objection.h"
-#include "client/base/TextList.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/contents/ScreenNames.h"
 #include "client/session/Damage.h"
 #include "client/session/LibraryError.h"
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 auto findScreen(const std::vector<StoredScreen>& screens, const std::string& name) {
   return std::find_if(screens.begin(), screens.end(), [&](const StoredScreen& screen) { return screen.name == name; });
 }
 
+Subject subjectOf(const std::string& screen) { return {{}, screen, std::nullopt, std::nullopt}; }
+
 // Objections to a new name beside those of `screens`.
 std::vector<Objection> objectionsToName(const std::vector<StoredScreen>& screens, const std::string& name, bool force) {
   if (findScreen(screens, name) != screens.end()) {
-    return {{kConflict, 0, {}, fmt::format("there is a screen '{}' already; give another name", name)}};
+    return {
+        {kConflict, 0, {}, subjectOf(name), fmt::format("there is a screen '{}' already; give another name", name)}};
   }
   ScreenNames names;
   for (const StoredScreen& screen : screens) names.add(screen.name);
   const std::string doubt = names.doubt(name);
   if (doubt.empty() || force) return {};
-  Remedies remedies;
-  remedies.force = true;
-  return {{kConflict, 0, remedies, fmt::format("the name '{}' {}", name, doubt)}};
+  return {{kConflict, 0, {Remedy::kForce}, subjectOf(name), fmt::format("the name '{}' {}", name, doubt)}};
 }
 
 void objectToHidden(const std::vector<StoredScreen>& screens, const Rect& rect, std::vector<Objection>& objections) {
   const auto hides = [&](const StoredScreen& screen) { return holds(screen.rect, rect); };
   const auto older = std::find_if(screens.begin(), screens.end(), hides);
   if (older == screens.end()) return;
-  Remedies remedies;
-  remedies.force = true;
-  objections.push_back({kConflict, 0, remedies,
+  objections.push_back({kConflict,
+                        0,
+                        {Remedy::kForce},
+                        subjectOf(older->name),
                         fmt::format("the screen {} ({}) holds all cells of {}; the database finds screens by rectangle "
                                     "and would never look on the new one",
                                     older->name, toText(older->rect), toText(rect))});
@@ -79,7 +81,7 @@ void addScreen(Session& session, const std::string& name, const Rect& rect, bool
 void renameScreen(Session& session, const std::string& name, const std::string& newName, bool force) {
   auto screens = storedScreens(session);
   const StoredScreen renamed = screenNamed(screens, name);
-  if (newName == name) throw ToolError(kUsage, "the screen is named {} already", name);
+  if (newName == name) throw Error(kInvalid, "the screen is named {} already", name);
   screens.erase(findScreen(screens, name));
   requireNone(objectionsToName(screens, newName, force), "nothing was renamed");
   auto screen = session.host().makeRecord<tovr::ScreenInfoData>();
@@ -89,4 +91,4 @@ void renameScreen(Session& session, const std::string& name, const std::string& 
   session.require(session.manager().updateData(screen.get()));
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -9,7 +9,7 @@
 #include <set>
 #include <utility>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/Damage.h"
@@ -20,7 +20,7 @@
 #include "storage/BlobFraming.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // Screens in columns 0 to 5, areas from there on; which areas is left open. Each area has a copy of its screen's name:
@@ -59,7 +59,7 @@ Placement placementOf(tovr::IDBOperate& connection) {
 }
 
 std::string storedTypes(const std::vector<Placement>& areas) {
-  if (areas.empty()) return "the file holds no areas; tovrdb coef put stores them";
+  if (areas.empty()) return "the file holds no areas";
   std::set<std::int32_t> types;
   for (const Placement& area : areas) types.insert(area.type);
   std::vector<std::string> texts;
@@ -90,7 +90,7 @@ void readFactsOneByOne(Session& session, const AreasOfBlocks& areas) {
   for (const auto& [block, those] : areas) {
     try {
       readFacts(session, fmt::format("= {}", block), areas);
-    } catch (const ToolError& error) {
+    } catch (const Error& error) {
       if (!isDamage(error)) throw;
       for (StoredArea* area : those) area->fault = fmt::format("its block {} cannot be read ({})", block, error.what());
       session.resumeReading();
@@ -110,7 +110,7 @@ std::vector<StoredArea> withBlocks(Session& session, std::vector<Placement> plac
   }
   try {
     readFacts(session, fmt::format("in (select coefid from Coef_Info where {})", which), ofBlocks);
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isDamage(error)) throw;
     session.resumeReading();
     readFactsOneByOne(session, ofBlocks);
@@ -275,4 +275,4 @@ CellBlock queryCells(Session& session, tovr::CoefData& record, const std::functi
 
 std::string toText(const Placement& area) { return area.screen + ", " + toText(area.rect); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -10,7 +10,7 @@
 #include "client/cells/CellBlock.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Where a block lies: a row of areas with the screen that it refers to.
 struct Placement {
@@ -35,29 +35,29 @@ struct StoredArea : Placement {
   std::string fault;  // why the cells cannot be read, as far as it shows without reading them; empty if it does not
 };
 
-// In the order in which they were stored. Throw ToolError on failure; an area whose block is damaged has a fault.
+// In the order in which they were stored. Throw Error on failure; an area whose block is damaged has a fault.
 std::vector<Placement> placements(Session& session);
 std::vector<StoredArea> storedAreas(Session& session);
 
-// One of them alone. Throws ToolError on failure.
+// One of them alone. Throws Error on failure.
 StoredArea storedArea(Session& session, const Placement& placement);
 
-// Nothing if there is no area of that id. Throws ToolError on failure.
+// Nothing if there is no area of that id. Throws Error on failure.
 std::optional<StoredArea> findArea(Session& session, std::int64_t id);
 
 // What is wrong with an area by its rectangle, its cells' width and the size of its block; empty if nothing is.
 std::string faultOf(const StoredArea& area);
 
-// Throws ToolError if the area has a fault.
+// Throws Error if the area has a fault.
 void requireReadable(const StoredArea& area);
 
-// Throws ToolError for a rectangle, of an area or a screen, in which no cells can lie.
+// Throws Error for a rectangle, of an area or a screen, in which no cells can lie.
 void requireSound(const Rect& rect, const std::string& whose);
 
-// Throws ToolError if a stored block of so many bytes does not hold the cells of its area.
+// Throws Error if a stored block of so many bytes does not hold the cells of its area.
 void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes);
 
-// The areas of a type, of the named screen only unless `screen` is empty. Throws ToolError, which says what there is,
+// The areas of a type, of the named screen only unless `screen` is empty. Throws Error, which says what there is,
 // when there are none.
 std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const std::string& screen);
 
@@ -70,14 +70,14 @@ std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, con
 // has cells of its own.
 bool screensShareCells(const std::vector<StoredArea>& areas);
 
-// Throws ToolError where one of the areas, looked up some time ago, is not there any more, or lies elsewhere.
+// Throws Error where one of the areas, looked up some time ago, is not there any more, or lies elsewhere.
 void requireUnmoved(Session& session, const std::vector<StoredArea>& areas);
 
-// The whole block of an area, by its key. Throws ToolError.
+// The whole block of an area, by its key. Throws Error.
 CellBlock readBlock(Session& session, const StoredArea& area);
 
 // The cells of a part of an area, by the library where it answers from this very one: that deciphers no more than it
-// has to. Throws ToolError. REQUIRES: the area holds `rect`.
+// has to. Throws Error. REQUIRES: the area holds `rect`.
 CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect);
 
 // The cells that the library answers `record` with, whose type, rectangle and screen say what is asked for. `require`
@@ -87,4 +87,4 @@ CellBlock queryCells(Session& session, tovr::CoefData& record, const std::functi
 // "left, 0,0,63,31"
 std::string toText(const Placement& area);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -11,7 +11,7 @@
 #include "storage/BlobFraming.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr char kBlobKey[] = "kelptarn";  // the same in every file; key and initialisation vector
@@ -98,4 +98,4 @@ void changePayload(tovr::IEncryption& encryption, Bytes& stored, std::size_t ski
   std::copy(enciphered.begin(), enciphered.end(), tail);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/Paths.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -47,10 +47,10 @@ void requireNoCompanion(const std::string& path) {
   const std::string name = lowerCase(path);  // on some systems the two are one name
   for (const std::string suffix : kCompanionSuffixes) {
     if (!endsIn(name, suffix)) continue;
-    throw ToolError(kUsage,
-                    "names that end in {} are the database engine's own: it would take {} for a part of the database "
-                    "{}, and delete it; give another name",
-                    suffix, path, path.substr(0, path.size() - suffix.size()));
+    throw Error(kInvalid,
+                "names that end in {} are the database engine's own: it would take {} for a part of the database "
+                "{}, and delete it; give another name",
+                suffix, path, path.substr(0, path.size() - suffix.size()));
   }
 }
 
@@ -62,22 +62,22 @@ void removeIdleCompanions(const std::string& database) {
     if (!holdsChange(database, suffix)) {
       fs::remove(pathOf(companion), error);
     } else if (fs::exists(pathOf(database), error)) {
-      throw ToolError(kFileProblem,
-                      "{0} holds an unfinished change of a program that was killed while it wrote to the database {1}: "
-                      "open {1} once with its key, as tovrdb info does, which completes or undoes it, and try again",
-                      companion, database);
+      throw Error(kFileProblem,
+                  "{0} holds an unfinished change of a program that was killed while it wrote to the database {1}",
+                  companion, database)
+          .suggest(Remedy::kRecoverFile);
     } else {
-      throw ToolError(kFileProblem,
-                      "{} belongs to a database {} that is no longer there: move it back to its database or delete it, "
-                      "and try again",
-                      companion, database);
+      throw Error(kFileProblem,
+                  "{} belongs to a database {} that is no longer there: move it back to its database or delete it, "
+                  "and try again",
+                  companion, database);
     }
   }
 }
 
 DatabaseLock::DatabaseLock(const std::string& database) : file_(std::fopen(database.c_str(), "r+b")) {
   if (file_ == nullptr || lockBytes(file_.get(), kFirstLockByte, kLockBytes)) return;
-  throw ToolError(kBusy, "{} was not replaced: another program is using it; try again when it has finished", database);
+  throw Error(kBusy, "{} was not replaced: another program is using it; try again when it has finished", database);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -6,14 +6,14 @@
 
 #include "client/disk/Platform.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 constexpr std::array<const char*, 3> kCompanionSuffixes = {"-journal", "-wal", "-shm"};
 
-// Throws ToolError if `path` has the name of such a file: the engine would replace it, delete it, or play it back.
+// Throws Error if `path` has the name of such a file: the engine would replace it, delete it, or play it back.
 void requireNoCompanion(const std::string& path);
 
-// Deletes the companions of `database` that hold no change, as a killed writer leaves them. Throws ToolError if one
+// Deletes the companions of `database` that hold no change, as a killed writer leaves them. Throws Error if one
 // holds a change, which the engine would play back into a new file of that name.
 // REQUIRES: no program is writing to the database.
 void removeIdleCompanions(const std::string& database);
@@ -22,11 +22,11 @@ void removeIdleCompanions(const std::string& database);
 // Session of this program may be open on the file.
 class DatabaseLock {
  public:
-  // Without a file there is nothing to lock. Throws ToolError if another program reads or writes it.
+  // Without a file there is nothing to lock. Throws Error if another program reads or writes it.
   explicit DatabaseLock(const std::string& database);
 
  private:
   FileHandle file_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -3,12 +3,12 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/DatabaseFiles.h"
 #include "client/disk/Paths.h"
 #include "platform/FileSystem.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -31,8 +31,8 @@ void giveName(const std::string& temporary, const std::string& path, Existing ex
     std::error_code error;
     fs::rename(pathOf(temporary), pathOf(path), error);
     if (error && !kReplacesOpenFiles && fs::exists(pathOf(path))) {
-      throw ToolError(kBusy, "cannot replace {}: {}; close the program that has it open and try again", path,
-                      error.message());
+      throw Error(kBusy, "cannot replace {}: {}; close the program that has it open and try again", path,
+                  error.message());
     }
     if (error) throw systemFailure("cannot replace " + path, error);
   } else if (!tovr::renameWithoutReplacing(temporary, path)) {
@@ -57,24 +57,25 @@ std::string followedLink(const std::string& path) {
 
 void requireOwnName(const std::string& path) {
   if (path != "-" && descriptorNamed(path) < 0) return;
-  throw ToolError(kUsage, "this command does not write to standard output: give a name");
+  throw Error(kInvalid, "this command does not write to standard output: give a name");
 }
 
 void refuseExisting(const std::string& path, Existing existing) {
-  throw ToolError(kFileProblem, "{} exists already and was not touched: give another name{}", path,
-                  existing == Existing::kRefuse ? ", or --force to replace it" : "");
+  Error error(kFileProblem, "{} exists already and was not touched: give another name", path);
+  if (existing == Existing::kRefuse) error.suggest(Remedy::kOverwrite);
+  throw error;
 }
 
 void requireReplaceable(const std::string& path, Existing existing) {
   requireNoCompanion(path);
   std::error_code error;
   const fs::file_status status = fs::status(pathOf(path), error);
-  if (fs::is_directory(status)) throw ToolError(kFileProblem, "{} is a folder: give a file name", path);
+  if (fs::is_directory(status)) throw Error(kFileProblem, "{} is a folder: give a file name", path);
   if (!fs::exists(status)) return;
   if (existing != Existing::kReplace) refuseExisting(path, existing);
   constexpr fs::perms kWritable = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
   if ((status.permissions() & kWritable) == fs::perms::none) {
-    throw ToolError(kFileProblem, "{} is read-only and was not touched: make it writable, or give another name", path);
+    throw Error(kFileProblem, "{} is read-only and was not touched: make it writable, or give another name", path);
   }
 }
 
@@ -112,8 +113,9 @@ void FileOutput::requireRoom(double bytes) const {
   std::error_code error;
   const fs::space_info space = fs::space(fs::absolute(pathOf(path_), error).parent_path(), error);
   if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
-  throw ToolError(kNoSpace, "{} would take {}, and the disk has room for {}; --force writes anyway", path_,
-                  sizeText(bytes), sizeText(static_cast<double>(space.available)));
+  throw Error(kNoSpace, "{} would take {}, and the disk has room for {}", path_, sizeText(bytes),
+              sizeText(static_cast<double>(space.available)))
+      .suggest(Remedy::kForce);
 }
 
 void FileOutput::write(const void* bytes, std::size_t size) {
@@ -133,4 +135,4 @@ void FileOutput::fail(const std::string& action) const {
   throw systemFailure(fmt::format("cannot {} {}", action, path_));
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,11 +8,11 @@
 #include "client/disk/Platform.h"
 #include "client/disk/UnfinishedPlace.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 enum class Existing {
-  kRefuse,  // the command has --force, and it was not given
-  kKeep,    // there is no --force
+  kRefuse,  // the caller could choose kReplace
+  kKeep,    // the caller has no such choice
   kReplace,
 };
 
@@ -24,32 +24,32 @@ enum class Flushing {
 // Where a link leads, else `path` itself: the file is to be replaced, not the link.
 std::string followedLink(const std::string& path);
 
-// Throws ToolError if `path` stands for standard output, or another descriptor.
+// Throws Error if `path` stands for standard output, or another descriptor.
 void requireOwnName(const std::string& path);
 
 [[noreturn]] void refuseExisting(const std::string& path, Existing existing);
 
-// Throws ToolError if the name belongs to a database beside it, if there is a folder of that name, a file that may not
+// Throws Error if the name belongs to a database beside it, if there is a folder of that name, a file that may not
 // be replaced, or one that nobody may write: somebody has protected it.
 void requireReplaceable(const std::string& path, Existing existing);
 
 // Gives the complete file `temporary` its name, on the same file system, and flushes the name to the disk. It gets the
 // permissions `mode`; without, those of the file that it replaces. After an interrupt nothing is moved; one that comes
-// later no longer counts. Throws ToolError; `path` is untouched then.
+// later no longer counts. Throws Error; `path` is untouched then.
 void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing,
                    std::optional<unsigned int> mode);
 
 class FileOutput {
  public:
   // The file gets the permissions `mode`, whatever the file had that it replaces. What is not committed is removed; so
-  // it is by an interrupt. Throws ToolError when `path` exists and may not be replaced, and when its folder takes no
+  // it is by an interrupt. Throws Error when `path` exists and may not be replaced, and when its folder takes no
   // new file.
   FileOutput(const std::string& path, Existing existing, unsigned int mode, Flushing flushing = Flushing::kAtCommit);
 
-  // Throws ToolError if the disk has no room for so many bytes.
+  // Throws Error if the disk has no room for so many bytes.
   void requireRoom(double bytes) const;
 
-  // Throw ToolError when the disk does not take it; what `path` held before is untouched then.
+  // Throw Error when the disk does not take it; what `path` held before is untouched then.
   void write(const void* bytes, std::size_t size);
   void commit();
 
@@ -65,4 +65,4 @@ class FileOutput {
   FileHandle file_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

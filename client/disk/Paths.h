@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <string>
 
-namespace tovrtool {
+namespace tovrdb {
 
 inline std::filesystem::path pathOf(const std::string& text) { return std::filesystem::u8path(text); }
 inline std::string textOf(const std::filesystem::path& path) { return path.u8string(); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -1,5 +1,7 @@
 #include "client/disk/Platform.h"
 
+#include "client/base/Interrupt.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -26,12 +28,12 @@
 #include <csignal>
 #endif
 
-namespace tovrtool {
+namespace tovrdb {
 
 namespace {
 
 // EFBIG: beyond the size that the file system or `ulimit -f` allows.
-ExitCode codeOf(const std::error_code& error) {
+ErrorKind codeOf(const std::error_code& error) {
   if (error == std::errc::broken_pipe) return kPipeClosed;
 #if !defined(_WIN32)
   if (error.value() == EDQUOT) return kNoSpace;
@@ -43,10 +45,10 @@ ExitCode codeOf(const std::error_code& error) {
 
 std::string systemError() { return std::strerror(errno); }
 
-ToolError systemFailure(const std::string& what) { return systemFailure(what, {errno, std::generic_category()}); }
+Error systemFailure(const std::string& what) { return systemFailure(what, {errno, std::generic_category()}); }
 
-ToolError systemFailure(const std::string& what, const std::error_code& error) {
-  const ExitCode code = codeOf(error);
+Error systemFailure(const std::string& what, const std::error_code& error) {
+  const ErrorKind code = codeOf(error);
   return {code, "{}: {}{}", what, error.message(), code == kNoSpace ? "; free some space and try again" : ""};
 }
 
@@ -80,7 +82,7 @@ std::string readWithoutEcho(const std::string& prompt) {
     line.push_back(static_cast<char>(character));
   SetConsoleMode(console, mode);
   std::fputs("\n", stderr);
-  if (character == EOF) throw ToolError(kKeyProblem, "no key was typed");
+  if (character == EOF) throw Error(kKeyProblem, "no key was typed");
   return line;
 }
 
@@ -223,8 +225,8 @@ std::string readWithoutEcho(const std::string& prompt) {
     }
   }
   std::fputs("\n", stderr);
-  if (interrupted != 0) throw ToolError(static_cast<ExitCode>(128 + interrupted), "interrupted: nothing was done");
-  if (count != 1) throw ToolError(kKeyProblem, "no key was typed");
+  if (interrupted != 0) throw Error(kindOfSignal(interrupted), "interrupted: nothing was done");
+  if (count != 1) throw Error(kKeyProblem, "no key was typed");
   return line;
 }
 
@@ -326,4 +328,4 @@ int processNumber() { return getpid(); }
 
 #endif
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,9 +7,9 @@
 #include <string>
 #include <system_error>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
@@ -30,7 +30,7 @@ void ignoreBrokenPipes();
 bool isTerminal(int descriptor);
 
 // A line typed on the terminal at standard input, without echo, after `prompt` on standard error. An interrupt
-// restores the terminal and throws ToolError; so does the end of the input. REQUIRES: isTerminal(kStandardInput).
+// restores the terminal and throws Error; so does the end of the input. REQUIRES: isTerminal(kStandardInput).
 std::string readWithoutEcho(const std::string& prompt);
 
 // Standard input as bytes, without translation of line ends.
@@ -101,12 +101,12 @@ std::string systemError();
 
 // A call of the system failed and set errno: "WHAT: REASON", with kNoSpace on a full disk, kPipeClosed after the reader
 // of a pipe has ended, else kFileProblem.
-ToolError systemFailure(const std::string& what);
-ToolError systemFailure(const std::string& what, const std::error_code& error);
+Error systemFailure(const std::string& what);
+Error systemFailure(const std::string& what, const std::error_code& error);
 
 // The folder of the running program; empty when the system does not tell.
 std::string programFolder();
 
 int processNumber();
 
-}  // namespace tovrtool
+}  // namespace tovrdb

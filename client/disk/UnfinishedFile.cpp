@@ -2,12 +2,12 @@
 
 #include <filesystem>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/DatabaseFiles.h"
 #include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -19,7 +19,7 @@ std::string requirePlace(const std::string& finished, Existing existing) {
   requireReplaceable(path, existing);
   std::error_code error;
   const fs::path folder = fs::absolute(pathOf(path), error).parent_path();
-  if (!fs::is_directory(folder, error)) throw ToolError(kFileProblem, "there is no folder {}", textOf(folder));
+  if (!fs::is_directory(folder, error)) throw Error(kFileProblem, "there is no folder {}", textOf(folder));
   return path;
 }
 
@@ -60,4 +60,4 @@ void UnfinishedFile::takeName() {
   moveIntoPlace(path(), finished_, existing_, mode_);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -10,7 +10,7 @@
 #include "client/disk/FileOutput.h"
 #include "client/disk/UnfinishedPlace.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 enum class Writer {
   kEngine,             // of databases
@@ -20,7 +20,7 @@ enum class Writer {
 class UnfinishedFile {
  public:
   // The file gets the permissions `mode`; without, those of the file that it replaces, or what its writer gave it.
-  // Throws ToolError when `finished` is no name for a file of its own, when it exists and may not be replaced, and if
+  // Throws Error when `finished` is no name for a file of its own, when it exists and may not be replaced, and if
   // its folder takes no new file.
   UnfinishedFile(const std::string& finished, Existing existing, Writer writer,
                  std::optional<unsigned int> mode = std::nullopt);
@@ -29,7 +29,7 @@ class UnfinishedFile {
   const std::string& path() const { return place_.path(); }
 
   // Flushes the file to the disk and gives it its name; a database of that name is locked meanwhile, and kBusy if it
-  // cannot be. Throws ToolError; what had the name is untouched then.
+  // cannot be. Throws Error; what had the name is untouched then.
   // REQUIRES: the writer has closed it.
   void finish();
 
@@ -47,4 +47,4 @@ class UnfinishedFile {
   std::list<InterruptibleFile> companionsRemoved_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -4,12 +4,12 @@
 
 #include <filesystem>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/DatabaseFiles.h"
 #include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -18,15 +18,15 @@ void requireReplaceable(const std::string& path, Existing existing, const Unfini
   std::error_code error;
   const fs::file_status status = fs::symlink_status(pathOf(path), error);
   if (!fs::exists(status)) return;
-  if (!fs::is_directory(status)) throw ToolError(kFileProblem, "{} exists already and is not a folder", path);
+  if (!fs::is_directory(status)) throw Error(kFileProblem, "{} exists already and is not a folder", path);
   for (const auto& entry : fs::directory_iterator(pathOf(path), error)) {
     if (existing == Existing::kRefuse) refuseExisting(path, existing);
     const std::string name = textOf(entry.path().filename());
     if (!entry.is_regular_file(error) || entry.is_symlink(error) || !isOurs(name)) {
-      throw ToolError(kFileProblem, "{} is not replaced: it holds {}, which no export has written", path, name);
+      throw Error(kFileProblem, "{} is not replaced: it holds {}, which no export has written", path, name);
     }
   }
-  if (error) throw ToolError(kFileProblem, "cannot read the folder {}: {}", path, error.message());
+  if (error) throw Error(kFileProblem, "cannot read the folder {}: {}", path, error.message());
 }
 
 // The path itself, without a slash at its end.
@@ -97,4 +97,4 @@ void UnfinishedFolder::takeName() {
   require(error, "replace the folder " + finished_);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,21 +8,21 @@
 #include "client/disk/FileOutput.h"
 #include "client/disk/UnfinishedPlace.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 class UnfinishedFolder {
  public:
   // Tells which files a folder may hold that is to be replaced.
   using IsOurs = std::function<bool(const std::string& fileName)>;
 
-  // Its files get the permissions `mode`; whoever may read those may enter it. Throws ToolError when `finished` is not
+  // Its files get the permissions `mode`; whoever may read those may enter it. Throws Error when `finished` is not
   // a folder, when it is not empty and may not be replaced, and when it holds anything that is not ours.
   UnfinishedFolder(const std::string& finished, Existing existing, unsigned int mode, const IsOurs& isOurs);
 
-  // A new file in it. Throws ToolError after an interrupt, too.
+  // A new file in it. Throws Error after an interrupt, too.
   FileOutput file(const std::string& name) const;
 
-  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws ToolError, also after
+  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws Error, also after
   // an interrupt; what had the name is whole then.
   void finish();
 
@@ -36,4 +36,4 @@ class UnfinishedFolder {
   UnfinishedPlace place_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

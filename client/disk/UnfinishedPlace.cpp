@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <vector>
 
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Listener.h"
 #include "client/disk/Paths.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -44,7 +44,8 @@ void removeLeftover(const std::string& folder) {
   }
   const bool removed = !fs::exists(pathOf(folder), error);
   if (removed && empty) return;
-  message("note: {} {}, which a killed run left unfinished", removed ? "removed" : "cannot remove", folder);
+  listener().onNote(
+      fmt::format("{} {}, which a killed run left unfinished", removed ? "removed" : "cannot remove", folder));
 }
 
 // Of a folder that is named as the user named it; empty: the current one.
@@ -89,4 +90,4 @@ UnfinishedPlace::~UnfinishedPlace() {
   lock_.reset();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

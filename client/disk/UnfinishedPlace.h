@@ -7,13 +7,13 @@
 #include "client/base/Interrupt.h"
 #include "client/disk/Platform.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // A folder that only its owner can enter, so that nobody else plants a link in it or reads what is half done. It is
 // locked as long as this lives. Making one removes those in the same folder whose writer was killed, and tells which.
 class UnfinishedPlace {
  public:
-  // Throws ToolError if the folder of `target` takes no new folder.
+  // Throws Error if the folder of `target` takes no new folder.
   explicit UnfinishedPlace(const std::string& target);
   UnfinishedPlace(const UnfinishedPlace&) = delete;
   UnfinishedPlace& operator=(const UnfinishedPlace&) = delete;
@@ -33,4 +33,4 @@ class UnfinishedPlace {
   std::optional<InterruptibleFile> pathRemoved_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

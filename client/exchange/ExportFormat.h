@@ -8,7 +8,7 @@
 //   "stored"   the enciphered bytes as they are stored, where deciphering them would lose something: damaged blobs
 #pragma once
 
-namespace tovrtool {
+namespace tovrdb {
 
 constexpr char kManifestName[] = "manifest.json";
 constexpr char kExportFormat[] = "tovrdb export";
@@ -18,4 +18,4 @@ constexpr char kCellsForm[] = "cells";
 constexpr char kPayloadForm[] = "payload";
 constexpr char kStoredForm[] = "stored";
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,7 +7,7 @@
 #include <set>
 #include <utility>
 
-#include "client/base/Progress.h"
+#include "client/base/Listener.h"
 #include "client/cells/CellBlock.h"
 #include "client/contents/StoredArea.h"
 #include "client/contents/StoredBlob.h"
@@ -17,7 +17,7 @@
 #include "client/reading/NumberForms.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // The manifest, or TABLE-KEY.npy or .bin.
@@ -191,4 +191,4 @@ ExportReport exportFolder(Session& session, const std::string& path, Existing ex
   return report;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

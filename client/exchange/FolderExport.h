@@ -10,7 +10,7 @@
 #include "client/disk/FileOutput.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct ExportReport {
   std::size_t payloadFiles = 0;
@@ -20,9 +20,9 @@ struct ExportReport {
 
 // The folder appears when it is complete, with one state of the file, whoever else writes to it; that of a damaged file
 // can be of several. `mode` is for its files. Without `dtype` the arrays have the types that are kept with the blocks,
-// else bytes. Throws ToolError when the folder exists and may not be replaced or holds anything that no export has
+// else bytes. Throws Error when the folder exists and may not be replaced or holds anything that no export has
 // written, when a cell is not a whole number of `dtype` values, and on any other failure.
 ExportReport exportFolder(Session& session, const std::string& folder, Existing existing, unsigned int mode,
                           const std::optional<Dtype>& dtype);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

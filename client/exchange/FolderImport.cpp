@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <map>
 
-#include "client/base/Progress.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Listener.h"
 #include "client/cells/CellBlock.h"
 #include "client/contents/StoredBlob.h"
 #include "client/disk/FileInput.h"
@@ -15,7 +15,7 @@
 #include "client/exchange/StoredRows.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -67,7 +67,7 @@ class Importer {
     const CellBlock block = blockFromArray(std::move(array), rectOfBlock(row, name), {});
     const std::int32_t cellBytes = numberMember(row, "databitwidth", name);
     if (block.cellBytes != cellBytes) {
-      throw ToolError(kFileProblem, "{} has {} bytes per cell, its row says {}", name, block.cellBytes, cellBytes);
+      throw Error(kFileProblem, "{} has {} bytes per cell, its row says {}", name, block.cellBytes, cellBytes);
     }
     return {block.bytes.get(), block.bytes.get() + block.size()};
   }
@@ -106,7 +106,7 @@ void setSequence(Session& session, const Json& sequence) {
 
 Json readManifest(const std::string& folder) {
   std::error_code error;
-  if (!fs::is_directory(pathOf(folder), error)) throw ToolError(kFileProblem, "there is no folder {}", folder);
+  if (!fs::is_directory(pathOf(folder), error)) throw Error(kFileProblem, "there is no folder {}", folder);
   Json manifest = readJson(pathInside(folder, kManifestName));
   if (textMember(manifest, "format", kManifestName) != kExportFormat ||
       numberMember(manifest, "version", kManifestName) != kExportVersion) {
@@ -127,4 +127,4 @@ void importFolder(Session& session, const std::string& folder, const Json& manif
   transaction.commit();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

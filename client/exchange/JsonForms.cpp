@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <system_error>
 
-namespace tovrtool {
+namespace tovrdb {
 
 Json rectJson(const Rect& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
 
@@ -36,4 +36,4 @@ Json checksJson(const std::vector<Verdict>& verdicts) {
   return checks;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

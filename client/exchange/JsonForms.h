@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 #include "client/cells/NumberForm.h"
 #include "client/cells/Rect.h"
 #include "client/checks/Verdict.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // [left, top, right, bottom]
 Json rectJson(const Rect& rect);
@@ -27,4 +27,4 @@ void addJson(Json& object, const NumberForm& form);
 // keep the first of very many.
 Json checksJson(const std::vector<Verdict>& verdicts);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -9,7 +9,7 @@
 #include "client/session/Damage.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 template <class Container>
@@ -161,7 +161,7 @@ void readTable(Session& session, const std::string& table, const BlobWriter& wri
   };
   try {
     return read("1");
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isDamage(error)) throw;
     session.resumeReading();
   }
@@ -169,7 +169,7 @@ void readTable(Session& session, const std::string& table, const BlobWriter& wri
   for (const Row& key : queryRows(connection, fmt::format("select id from {}{} order by id", table, rest))) {
     try {
       read("id = " + key[0]);
-    } catch (const ToolError& error) {
+    } catch (const Error& error) {
       if (!isDamage(error)) throw;
       session.resumeReading();
       leaveOut(std::strtoll(key[0].c_str(), nullptr, 10), error.what());
@@ -198,4 +198,4 @@ void insertRow(tovr::IDBOperate& connection, const std::string& table, const std
   requireEngine(connection, connection.finalize(), where);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

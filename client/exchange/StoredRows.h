@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table);
 
@@ -28,9 +28,9 @@ using FaultyRow = std::function<void(std::int64_t key, const std::string& fault)
 void readTable(Session& session, const std::string& table, const BlobWriter& writeBlob,
                const std::function<void(Json row)>& visit, const FaultyRow& leaveOut);
 
-// Adds one row, its key included. Payloads with a "file" member are `readBlob`'s. Throws ToolError that names the row
+// Adds one row, its key included. Payloads with a "file" member are `readBlob`'s. Throws Error that names the row
 // when a column is missing or unknown, a value is of a kind that no table holds, or the engine refuses it.
 void insertRow(tovr::IDBOperate& connection, const std::string& table, const std::vector<std::string>& columns,
                const Json& row, const BlobReader& readBlob);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

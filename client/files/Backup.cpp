@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "client/base/Progress.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Listener.h"
 #include "client/checks/DatabaseChecks.h"
 #include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
@@ -13,7 +13,7 @@
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -23,7 +23,7 @@ constexpr std::size_t kPiece = std::size_t{1} << 20;
 void requireOther(const std::string& file, const std::string& copy) {
   std::error_code error;
   if (fs::equivalent(pathOf(file), pathOf(copy), error))
-    throw ToolError(kUsage, "the copy would replace the file: give another name");
+    throw Error(kInvalid, "the copy would replace the file: give another name");
 }
 
 // In WAL mode a file lacks what was committed last. Moves that into it; true if nothing has been committed since, and
@@ -81,8 +81,8 @@ void requireWhole(const Access& access, const std::string& copy, const std::stri
   const auto faults = pageFaults(session);
   session.close();
   if (faults.empty()) return;
-  throw ToolError(kDamaged, "the copy is damaged, as the file may be, and was not kept: {}; `tovrdb check` tells more",
-                  faults.front());
+  throw Error(kDamaged, "the copy is damaged, as the file may be, and was not kept: {}", faults.front())
+      .suggest(Remedy::kCheckFile);
 }
 
 }  // namespace
@@ -100,4 +100,4 @@ void backUp(const Access& access, const std::string& file, const std::string& ke
   unfinished.finish();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -6,13 +6,13 @@
 #include "client/disk/FileOutput.h"
 #include "client/session/Access.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Copies `file`, opened with `key`, to `copy`: one state of the file, byte by byte, which no other program can change
 // meanwhile. The copy is flushed to the disk and gets its name only after every page of it was checked. Other programs
-// go on reading; what they write waits until the file is read. Throws ToolError; what had the name is untouched then.
+// go on reading; what they write waits until the file is read. Throws Error; what had the name is untouched then.
 // REQUIRES: no Session is open on `file` in this program.
 void backUp(const Access& access, const std::string& file, const std::string& key, const std::string& copy,
             Existing existing);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

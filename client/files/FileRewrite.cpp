@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "client/base/Progress.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Listener.h"
 #include "client/checks/DatabaseChecks.h"
 #include "client/disk/Paths.h"
 #include "client/disk/UnfinishedFile.h"
@@ -15,7 +15,7 @@
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -76,7 +76,7 @@ void detach(Session& session) { session.require(session.connection().exec("detac
 
 void requireSame(Session& session, const std::string& what, const std::string& countDifferences) {
   if (queryNumber(session.connection(), countDifferences) == 0) return;
-  throw ToolError(kRefused, "the new file differs in {} from the old one, which was left as it is", what);
+  throw Error(kRefused, "the new file differs in {} from the old one, which was left as it is", what);
 }
 
 std::string countBoth(const std::string& table) {
@@ -140,7 +140,7 @@ void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
 void requireWhole(Session& session, const std::string& path, const std::string& key) {
   attach(session, path, key);
   if (!pageFaults(session, "rewritten").empty()) {
-    throw ToolError(kRefused, "the new file is damaged; the old one was left as it is");
+    throw Error(kRefused, "the new file is damaged; the old one was left as it is");
   }
   detach(session);
 }
@@ -169,4 +169,4 @@ void rewriteFile(const Access& access, const std::string& file, const std::strin
   if (kReplacesOpenFiles) session.close();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

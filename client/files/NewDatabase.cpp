@@ -3,7 +3,7 @@
 #include "client/disk/Paths.h"
 #include "client/disk/UnfinishedFile.h"
 
-namespace tovrtool {
+namespace tovrdb {
 void requireFree(const std::string& file) { const UnfinishedFile place(file, Existing::kKeep, Writer::kEngine); }
 
 void makeDatabase(const std::string& plugin, const std::string& file, const std::string& key,
@@ -29,4 +29,4 @@ void fillNew(Session& session, const DatabaseDescription& description) {
   session.require(session.manager().insertData(info.get()));
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

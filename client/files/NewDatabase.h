@@ -5,7 +5,7 @@
 
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // What a file says about itself.
 struct DatabaseDescription {
@@ -17,15 +17,15 @@ struct DatabaseDescription {
   std::string databaseVersion = "1";
 };
 
-// Throws ToolError where no file of that name can be made.
+// Throws Error where no file of that name can be made.
 void requireFree(const std::string& file);
 
-// The file appears when it is complete. Without a name it has its file's. Throws ToolError, also where there is
+// The file appears when it is complete. Without a name it has its file's. Throws Error, also where there is
 // something of that name.
 void makeDatabase(const std::string& plugin, const std::string& file, const std::string& key,
                   const DatabaseDescription& description);
 
-// The tables and the description, in a database that has none yet. Throws ToolError.
+// The tables and the description, in a database that has none yet. Throws Error.
 void fillNew(Session& session, const DatabaseDescription& description);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

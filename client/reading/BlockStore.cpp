@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 #include "client/reading/Mosaic.h"
@@ -13,7 +13,7 @@
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 std::string screenList(const std::vector<StoredScreen>& screens) {
@@ -23,30 +23,34 @@ std::string screenList(const std::vector<StoredScreen>& screens) {
 }
 
 // Why no screen holds the rectangle, and what helps.
-std::string insteadOfScreen(Session& session, const AreaName& area) {
+Alternatives alternativesToScreen(Session& session, const AreaName& area) {
   const std::vector<StoredScreen> screens = storedScreens(session);
   std::string text = screenList(screens);
   const auto areas = areasOfType(session, area.type, "");
-  if (!areasMeeting(areas, area.rect).empty()) return text + "; " + insteadOf(area.rect, areas);
+  if (!areasMeeting(areas, area.rect).empty()) {
+    Alternatives alternatives = alternativesTo(area.rect, areas);
+    alternatives.text = text + "; " + alternatives.text;
+    return alternatives;
+  }
   const auto screen = std::find_if(screens.begin(), screens.end(),
                                    [&](const StoredScreen& each) { return common(each.rect, area.rect).has_value(); });
-  if (screen == screens.end()) return text;
-  return text + "; it reaches " + outsideText(area.rect, screen->rect, "the screen " + screen->name);
+  if (screen == screens.end()) return {text, {}};
+  return {text + "; it reaches " + outsideText(area.rect, screen->rect, "the screen " + screen->name), {}};
 }
 
 // What is there instead of what was asked for; empty if that does not help.
-std::string alternatives(Session& session, int code, const AreaName& area) {
-  if (code == tovr::kNoSuchScreenName) return "; " + screenList(storedScreens(session));
-  if (code == tovr::kNoScreenForRectangle) return "; " + insteadOfScreen(session, area);
+Alternatives alternatives(Session& session, int code, const AreaName& area) {
+  if (code == tovr::kNoSuchScreenName) return {screenList(storedScreens(session)), {}};
+  if (code == tovr::kNoScreenForRectangle) return alternativesToScreen(session, area);
   return {};
 }
 
 void requireArea(Session& session, int code, const AreaName& area) {
   if (code == 0) return;
-  session.require(code, fmt::format("asked for {}{}", toText(area.rect), alternatives(session, code, area)));
+  throw withAlternatives(code, area.rect, alternatives(session, code, area));
 }
 
-// Throws ToolError where the name does not suit the database's type.
+// Throws Error where the name does not suit the database's type.
 std::unique_ptr<tovr::CoefData> recordOf(Session& session, const AreaName& area) {
   requireSuits(area, session.manager().getDBType());
   auto record = session.host().makeRecord<tovr::CoefData>();
@@ -63,8 +67,8 @@ CellBlock fetchBlock(Session& session, const AreaName& area) {
   return queryCells(session, *record, [&](int code) {
     if (code != tovr::kNoMatchingArea) return requireArea(session, code, area);
     std::vector<StoredArea> areas = areasOfType(session, area.type, area.screen);
-    throw libraryError(code, fmt::format("asked for {}; {}", toText(area.rect), insteadOf(area.rect, areas)));
+    throw noMatchingArea(area.rect, areas);
   });
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

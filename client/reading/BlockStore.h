@@ -5,9 +5,9 @@
 #include "client/contents/BlockPlace.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
-// The cells of a rectangle. Throws ToolError, which tells what there is instead.
+// The cells of a rectangle. Throws Error, which tells what there is instead.
 CellBlock fetchBlock(Session& session, const AreaName& area);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
 #include "client/contents/AreaWords.h"
 #include "client/contents/Screens.h"
@@ -15,20 +15,20 @@
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 CellSource sourceOfId(Session& session, const CellQuery& query) {
   const auto area = findArea(session, *query.areaId);
   if (!area) {
-    throw statusError(tovr::kNoMatchingArea,
-                      fmt::format("there is no area {}; tovrdb coef list shows them", *query.areaId));
+    throw statusError(tovr::kNoMatchingArea, fmt::format("there is no area {}", *query.areaId))
+        .suggest(Remedy::kListAreas);
   }
   requireReadable(*area);
   const Rect rect = query.rect.value_or(area->rect);
   if (!holds(area->rect, rect)) {
-    throw ToolError(kRefused, "the rectangle {} reaches {}", toText(rect),
-                    outsideText(rect, area->rect, fmt::format("area {}", area->id)));
+    throw Error(kRefused, "the rectangle {} reaches {}", toText(rect),
+                outsideText(rect, area->rect, fmt::format("area {}", area->id)));
   }
   return {{*area}, rect, false, false};
 }
@@ -36,13 +36,12 @@ CellSource sourceOfId(Session& session, const CellQuery& query) {
 // The one that is meant: without a rectangle the only one, else the first that holds it.
 CellSource sourceOfOne(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect) {
   if (!rect && areas.size() > 1) {
-    throw ToolError(kUsage, "ambiguous: there are {} areas; choose with --rect or --screen: {}", areas.size(),
-                    listText(areas));
+    throw Error(kInvalid, "ambiguous: {} areas: {}", areas.size(), listText(areas)).suggest(Remedy::kGiveRectOrScreen);
   }
   const auto found = std::find_if(areas.begin(), areas.end(),
                                   [&](const StoredArea& area) { return !rect || holds(area.rect, *rect); });
   if (found == areas.end()) {
-    throw libraryError(tovr::kNoMatchingArea, fmt::format("asked for {}; {}", toText(*rect), insteadOf(*rect, areas)));
+    throw noMatchingArea(*rect, areas);
   }
   requireReadable(*found);
   return {{*found}, rect.value_or(found->rect), false, false};
@@ -54,9 +53,9 @@ void requireOneScreen(Session& session, const std::vector<StoredArea>& areas) {
   const auto other = std::find_if(areas.begin(), areas.end(),
                                   [&](const StoredArea& area) { return area.screenId != areas.front().screenId; });
   if (other == areas.end()) return;
-  throw ToolError(kUsage,
-                  "there are areas of the type on several screens, among them {} and {}: say which with --screen",
-                  areas.front().screen, other->screen);
+  throw Error(kInvalid, "several screens have areas of the type, among them {} and {}", areas.front().screen,
+              other->screen)
+      .suggest(Remedy::kGiveScreen);
 }
 
 CellAnswer readMosaicOf(Session& session, const CellQuery& query, const CellSource& source) {
@@ -70,7 +69,7 @@ CellAnswer readMosaicOf(Session& session, const CellQuery& query, const CellSour
   return {std::move(mosaic.cells), std::move(mosaic.areas), form, source.overlapping, mosaic.filled};
 }
 
-// Throws ToolError if one of them has a fault: its rectangle cannot be trusted.
+// Throws Error if one of them has a fault: its rectangle cannot be trusted.
 Rect unitedRect(const std::vector<StoredArea>& areas) {
   for (const StoredArea& area : areas) requireReadable(area);
   Rect rect = areas.front().rect;
@@ -97,14 +96,14 @@ bool libraryFinds(Session& session, const CellQuery& query) {
 
 CellSource locateCells(Session& session, const CellQuery& query) {
   if (query.areaId) return sourceOfId(session, query);
-  if (!query.type) throw ToolError(kUsage, "--type or --area is required");
+  if (!query.type) throw Error(kInvalid, "neither a type nor an area was given").suggest(Remedy::kGiveTypeOrArea);
   if (query.rect && !query.mosaic && libraryFinds(session, query)) {
     if (const auto area = answeringArea(session, *query.type, query.screen, *query.rect)) {
       requireReadable(*area);
       return {{*area}, *query.rect, false, false};
     }
     fetchBlock(session, {*query.type, query.screen, *query.rect});  // tells why not
-    throw ToolError(kBusy, "another program changed the file while it was read: try again");
+    throw Error(kBusy, "another program changed the file while it was read: try again");
   }
   if (!query.screen.empty()) screenNamed(storedScreens(session), query.screen);
   const auto areas = areasOfType(session, *query.type, query.screen);
@@ -119,4 +118,4 @@ CellAnswer findCells(Session& session, const CellQuery& query) {
           source.overlapping, 0};
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

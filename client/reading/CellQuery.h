@@ -11,7 +11,7 @@
 #include "client/cells/NumberForm.h"
 #include "client/contents/StoredArea.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct CellQuery {
   std::optional<std::int64_t> areaId;  // instead of type and screen
@@ -39,11 +39,11 @@ struct CellSource {
   bool overlapping = false;
 };
 
-// Reads no cells. Throws ToolError, which tells what there is instead, also if an area that is needed has a fault.
+// Reads no cells. Throws Error, which tells what there is instead, also if an area that is needed has a fault.
 CellSource locateCells(Session& session, const CellQuery& query);
 
 // Without `mosaic`, a rectangle is answered as the library answers it; with it, each cell is from the first stored area
-// that has it. Throws ToolError as locateCells and readMosaic do.
+// that has it. Throws Error as locateCells and readMosaic do.
 CellAnswer findCells(Session& session, const CellQuery& query);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

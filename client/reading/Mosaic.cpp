@@ -6,22 +6,23 @@
 #include <cstring>
 #include <iterator>
 
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/cells/CoveredCells.h"
 #include "client/contents/AreaWords.h"
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
-// Throws ToolError for an area that cannot show beside the first.
+// Throws Error for an area that cannot show beside the first.
 void requireMatching(const StoredArea& area, const StoredArea& first) {
   requireReadable(area);
   if (area.cellBytes == first.cellBytes) return;
-  throw ToolError(kRefused, "area {} has {} bytes per cell and area {} has {}: read them apart, with --area", first.id,
-                  first.cellBytes, area.id, area.cellBytes);
+  throw Error(kRefused, "area {} has {} bytes per cell and area {} has {}", first.id, first.cellBytes, area.id,
+              area.cellBytes)
+      .suggest(Remedy::kReadApart);
 }
 
 // The cells of a rectangle, without bytes yet.
@@ -45,7 +46,7 @@ class Composer {
         *part, [&](const CellRun& run) { std::memcpy(placeIn(cells_, run), cells.at(run.left, run.y), bytesOf(run)); });
   }
 
-  // Fills the cells that nothing covers, and counts them. Throws ToolError if there are some and `fill` is empty.
+  // Fills the cells that nothing covers, and counts them. Throws Error if there are some and `fill` is empty.
   std::int64_t fillOpen(const Bytes& fill) {
     std::int64_t open = 0;
     CellRun first;
@@ -55,10 +56,10 @@ class Composer {
       if (!fill.empty()) fillRun(run, fill);
     });
     if (open > 0 && fill.empty()) {
-      throw statusError(
-          tovr::kNoMatchingArea,
-          fmt::format("no area covers {} of {}, the first at {},{}; give a number for what is not covered with --fill",
-                      counted(static_cast<std::size_t>(open), "cell"), toText(cells_.rect), first.left, first.y));
+      throw statusError(tovr::kNoMatchingArea, fmt::format("no area covers {} of {}, the first at {},{}",
+                                                           counted(static_cast<std::size_t>(open), "cell"),
+                                                           toText(cells_.rect), first.left, first.y))
+          .suggest(Remedy::kFill);
     }
     return open;
   }
@@ -101,7 +102,7 @@ const StoredArea& nearest(const std::vector<StoredArea>& areas, const Rect& rect
 
 void requireBlockSize(const Rect& rect, std::int32_t cellBytes) {
   if (fitsBlock(rect, cellBytes)) return;
-  throw ToolError(kUsage, "the cells of {} are more than 2 GiB: read a part of them", toText(rect));
+  throw Error(kInvalid, "the cells of {} are more than 2 GiB: read a part of them", toText(rect));
 }
 
 std::vector<StoredArea> areasMeeting(const std::vector<StoredArea>& areas, const Rect& rect) {
@@ -128,16 +129,27 @@ ShowingAreas areasShowing(const std::vector<StoredArea>& areas, const Rect& rect
   return showing;
 }
 
-std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas) {
+Alternatives alternativesTo(const Rect& rect, const std::vector<StoredArea>& areas) {
   const std::vector<StoredArea> meeting = areasMeeting(areas, rect);
-  if (meeting.empty()) return "there are " + listText(areas);
+  if (meeting.empty()) return {"there are " + listText(areas), {}};
   std::vector<std::string> texts;
   for (const StoredArea& area : meeting) texts.push_back(fmt::format("{} ({})", area.id, toText(area.rect)));
   const std::string text = "areas that overlap it: " + shortList(texts);
-  if (readsAcross(meeting, rect)) return text + "; read across them with --mosaic";
+  if (readsAcross(meeting, rect)) return {text, {Remedy::kReadAcross}};
   const StoredArea& area = nearest(meeting, rect);
   const std::string outside = outsideText(rect, area.rect, fmt::format("area {}", area.id));
-  return outside.empty() ? text : text + "; it reaches " + outside;
+  return {outside.empty() ? text : text + "; it reaches " + outside, {}};
+}
+
+Error withAlternatives(int status, const Rect& rect, const Alternatives& alternatives) {
+  const std::string text = alternatives.text.empty() ? "" : "; " + alternatives.text;
+  Error error = libraryError(status, fmt::format("asked for {}{}", toText(rect), text));
+  for (const Remedy remedy : alternatives.remedies) error.suggest(remedy);
+  return error;
+}
+
+Error noMatchingArea(const Rect& rect, const std::vector<StoredArea>& areas) {
+  return withAlternatives(tovr::kNoMatchingArea, rect, alternativesTo(rect, areas));
 }
 
 // One that holds all of it alone is read as far as it is needed.
@@ -161,4 +173,4 @@ Mosaic readMosaic(Session& session, const std::vector<StoredArea>& areas, const 
   return {composer.take(), std::move(showing.areas), showing.overlapping, filled};
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

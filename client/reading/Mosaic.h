@@ -9,7 +9,7 @@
 #include "client/contents/StoredArea.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Each cell is from the first stored area that has it, as in the library.
 struct Mosaic {
@@ -19,7 +19,7 @@ struct Mosaic {
   std::int64_t filled = 0;        // cells that no area covers
 };
 
-// Throws ToolError if the cells of the rectangle are more than a block may have.
+// Throws Error if the cells of the rectangle are more than a block may have.
 void requireBlockSize(const Rect& rect, std::int32_t cellBytes);
 
 // The areas that have cells in `rect`, in the order given.
@@ -34,13 +34,23 @@ struct ShowingAreas {
 };
 ShowingAreas areasShowing(const std::vector<StoredArea>& areas, const Rect& rect);
 
+// What there is instead of what was asked for.
+struct Alternatives {
+  std::string text;
+  std::vector<Remedy> remedies;
+};
+
 // Why no single area holds the rectangle, and what helps: the areas that overlap it, and either that they can be read
 // together or what it passes; else all areas.
-std::string insteadOf(const Rect& rect, const std::vector<StoredArea>& areas);
+Alternatives alternativesTo(const Rect& rect, const std::vector<StoredArea>& areas);
+
+// The library's refusal of a rectangle, with what there is instead.
+Error withAlternatives(int status, const Rect& rect, const Alternatives& alternatives);
+Error noMatchingArea(const Rect& rect, const std::vector<StoredArea>& areas);
 
 // The cells of `rect`, each area read at most once. `fill` is the stored form of one cell for what no area covers;
-// empty if they are refused. Throws ToolError: cells without an area, areas that show and have a fault or cells
+// empty if they are refused. Throws Error: cells without an area, areas that show and have a fault or cells
 // of another width, more than 2 GiB of cells. REQUIRES: the areas are in the order in which they were stored.
 Mosaic readMosaic(Session& session, const std::vector<StoredArea>& areas, const Rect& rect, const Bytes& fill);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -4,22 +4,22 @@
 
 #include <stdexcept>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 std::string named(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area)); }
 
 void requireFit(const Dtype& dtype, std::int32_t cellBytes) {
   if (static_cast<std::size_t>(cellBytes) % dtype.itemSize == 0) return;
-  throw ToolError(kUsage, "--dtype {}: a cell of {} bytes is not a whole number of these", dtypeName(dtype), cellBytes);
+  throw Error(kInvalid, "{}: a cell of {} bytes is not a whole number of these", dtypeName(dtype), cellBytes);
 }
 
 FormOptions withType(const BlockText& put, bool unasked) {
   FormOptions options = put.form;
   if (options.dtype && put.dtype && options.dtype->descr != put.dtype->descr) {
-    throw ToolError(kUsage, "--dtype {}: the array is of {}", dtypeName(*options.dtype), dtypeName(*put.dtype));
+    throw Error(kInvalid, "the array has {} values, not {}", dtypeName(*put.dtype), dtypeName(*options.dtype));
   }
   if (!options.dtype && (options.isGiven() || unasked)) options.dtype = put.dtype;
   return options;
@@ -35,10 +35,10 @@ std::optional<NumberForm> formOf(const std::vector<StoredArea>& areas, const For
     const std::optional<NumberForm> form = chosenForm(options, keptForm(area));
     if (!form) return std::nullopt;
     if (common && !(*common == *form)) {
-      throw ToolError(kUsage,
-                      "the numbers of {} are {}, those of {} {}: read them apart, or say how with --dtype, "
-                      "--scale and --unit",
-                      named(areas.front()), toText(*common), named(area), toText(*form));
+      throw Error(kInvalid, "the numbers of {} are {}, those of {} {}", named(areas.front()), toText(*common),
+                  named(area), toText(*form))
+          .suggest(Remedy::kReadApart)
+          .suggest(Remedy::kGiveNumberForm);
     }
     common = form;
   }
@@ -49,11 +49,11 @@ NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& 
   if (const auto form = formOf(areas, options)) return *form;
   for (const StoredArea& area : areas) {
     if (keptForm(area)) continue;
-    throw ToolError(kUsage,
-                    "nothing tells the type of the numbers in {}, whose cells have {} bytes: say it with --dtype",
-                    named(area), area.cellBytes);
+    throw Error(kInvalid, "nothing tells the type of the numbers in {}, whose cells have {} bytes", named(area),
+                area.cellBytes)
+        .suggest(Remedy::kGiveNumberType);
   }
-  throw ToolError(kUsage, "say the type of the numbers with --dtype");
+  throw Error(kInvalid, "the type of the numbers is not known").suggest(Remedy::kGiveNumberType);
 }
 
 std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, const BlockText& put) {
@@ -64,12 +64,13 @@ std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, con
   const FormOptions options = withType(put, !foreign);
   if (options.dtype) requireFit(*options.dtype, cellBytes);
   const std::optional<NumberForm> form = chosenForm(options, said.form ? said.form : old.form);
-  if (!form && options.isGiven()) throw ToolError(kUsage, "--scale and --unit go with --dtype");
+  if (!form && options.isGiven())
+    throw Error(kInvalid, "a scale or a unit was given without a number type").suggest(Remedy::kGiveNumberType);
   if (!form && put.version.empty()) return text;  // however long another program made it
   try {
     return joinVersion(text, form, cellBytes);
   } catch (const std::invalid_argument& error) {
-    throw ToolError(kUsage, error.what());
+    throw Error(kInvalid, error.what());
   }
 }
 
@@ -83,4 +84,4 @@ bool losesForm(const NumberForm& kept, const std::optional<NumberForm>& wanted) 
   return !kept.unit.empty() && wanted->unit != kept.unit;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

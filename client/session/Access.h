@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct Access {
   std::string plugin;         // the plug-in library; empty: where it usually lies
@@ -14,4 +14,4 @@ struct Access {
   std::function<void()> whileWaiting{};
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

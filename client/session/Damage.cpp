@@ -11,7 +11,7 @@
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // SQLite's codes; newer versions of SQLCipher answer the first for a page that they cannot decipher.
@@ -37,8 +37,9 @@ bool isNumber(const std::string& text) {
       if (isNumber(row[i])) continue;
       throw statusError(tovr::kCipherFailed,
                         fmt::format("row {} of Screen_Info is damaged: its column {} holds '{}', which is not a whole "
-                                    "number of 32 bits; tovrdb export, correct it in the manifest, then tovrdb import",
-                                    row[0], kScreenNumbers[i], row[i]));
+                                    "number of 32 bits",
+                                    row[0], kScreenNumbers[i], row[i]))
+          .suggest(Remedy::kExportAndImport);
     }
   }
   throw statusError(tovr::kCipherFailed, "the file is damaged: the library cannot read its rows (" + reason + ")");
@@ -46,13 +47,13 @@ bool isNumber(const std::string& text) {
 
 }  // namespace
 
-bool isDamage(const ToolError& error) {
+bool isDamage(const Error& error) {
   const int status = error.status();
   return status == tovr::kCipherFailed || status == tovr::kBlockTooSmall || status == kEngineError ||
          status == kReadFailed || status == kMalformed || status == kNotADatabase;
 }
 
-bool isNoFault(const ToolError& error) { return isEnded(error.code()) || error.code() == kBusy; }
+bool isNoFault(const Error& error) { return isEnded(error.kind()) || error.kind() == kBusy; }
 
 void beginAgain(Session& session) {
   session.connection().exec("rollback");  // fails if there is no transaction
@@ -72,4 +73,4 @@ int queryLibrary(Session& session, tovr::DataBase& record) {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,7 +8,7 @@
 
 #include "client/disk/Paths.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 struct Magic {
@@ -19,7 +19,7 @@ struct Magic {
 constexpr Magic kMagics[] = {
     {"PK\x03\x04", "a ZIP archive"},
     {"\x1f\x8b\x08", "a gzip archive"},
-    {"\x93NUMPY", "a NumPy array; tovrdb coef put stores it"},
+    {"\x93NUMPY", "a NumPy array"},
     {"\x89PNG", "a PNG picture"},
     {"%PDF", "a PDF document"},
     {"\x7f"
@@ -57,7 +57,7 @@ std::string oddSize(const std::string& path, std::int64_t pageSize) {
 
 }  // namespace
 
-ToolError diagnoseUnreadable(const std::string& path, const std::string& key, std::int64_t pageSize) {
+Error diagnoseUnreadable(const std::string& path, const std::string& key, std::int64_t pageSize) {
   const std::string start = firstBytes(path, 512);
   for (const Magic& magic : kMagics) {
     if (start.rfind(magic.bytes, 0) != 0) continue;
@@ -90,10 +90,10 @@ ToolError diagnoseUnreadable(const std::string& path, const std::string& key, st
       "cipher settings made looks the same"};
 }
 
-ToolError diagnoseDamaged(const std::string& path, std::int64_t pageSize) {
+Error diagnoseDamaged(const std::string& path, std::int64_t pageSize) {
   const std::string odd = oddSize(path, pageSize);
   return {kDamaged, "the key fits, but the file is {}; restore a copy",
           odd.empty() ? "truncated or damaged" : "truncated: " + odd};
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

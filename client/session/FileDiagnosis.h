@@ -4,15 +4,15 @@
 #include <cstdint>
 #include <string>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // For a file that `key` does not open: what it is likely to be and what to try; a problem of the file if its bytes show
 // one, else of the key. `pageSize`: the engine's; 0 if it does not tell.
-ToolError diagnoseUnreadable(const std::string& path, const std::string& key, std::int64_t pageSize);
+Error diagnoseUnreadable(const std::string& path, const std::string& key, std::int64_t pageSize);
 
 // For a file whose first page the key opens, and that the engine calls damaged.
-ToolError diagnoseDamaged(const std::string& path, std::int64_t pageSize);
+Error diagnoseDamaged(const std::string& path, std::int64_t pageSize);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -4,7 +4,7 @@
 
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 int engineGeneration(Session& session) {
   const auto rows = queryRows(session.connection(), "pragma cipher_version");
@@ -19,4 +19,4 @@ int fileGeneration(Session& session) {
 
 std::string generationText(int generation) { return fmt::format("{}.x", generation); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

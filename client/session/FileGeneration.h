@@ -6,7 +6,7 @@
 
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The generation of the open file, and that of the files which the engine makes: 3 or 4.
 int fileGeneration(Session& session);
@@ -15,4 +15,4 @@ int engineGeneration(Session& session);
 // "4.x"
 std::string generationText(int generation);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,25 +8,25 @@
 #include "host/StatusText.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // SQLite's result codes that are not plain refusals.
 struct EngineStatus {
   int status;
-  ExitCode code;
+  ErrorKind kind;
   const char* words;   // the engine's own, by which a statement that runs others tells their failure
-  const char* remedy;  // after "nothing was changed"; null: this is not said, since a read says it too
+  const char* advice;  // after "nothing was changed"; null: this is not said, since a read says it too
+  bool check = false;  // the checks of the file tell more
 };
 
-constexpr char kCheckFile[] = "; `tovrdb check` tells whether the file is sound";
 constexpr EngineStatus kEngineStatuses[] = {
-    {1, kRefused, nullptr, kCheckFile},
+    {1, kRefused, nullptr, "", true},
     {5, kBusy, "database is locked", nullptr},
     {6, kBusy, "database table is locked", nullptr},
     {7, kRefused, "out of memory", ": close other programs and try again"},
     {8, kFileProblem, "attempt to write a readonly database", ""},
-    {10, kFileProblem, "disk I/O error", kCheckFile},
+    {10, kFileProblem, "disk I/O error", "", true},
     {11, kDamaged, "database disk image is malformed", nullptr},
     {13, kNoSpace, "database or disk is full", ": free some space on it and try again"},
     {14, kFileProblem, "unable to open database file", nullptr},
@@ -40,45 +40,44 @@ const EngineStatus* findStatus(const Predicate& suits) {
   return found != std::end(kEngineStatuses) ? found : nullptr;
 }
 
-ExitCode exitCodeOf(int status) {
+ErrorKind kindOf(int status) {
   if (status == tovr::kCipherFailed || status == tovr::kBlockTooSmall) return kDamaged;
   const auto* known = findStatus([&](const EngineStatus& each) { return each.status == status; });
-  return known != nullptr ? known->code : kRefused;
+  return known != nullptr ? known->kind : kRefused;
 }
 
 std::string engineText(const EngineStatus& known, const std::string& engineWords) {
   std::string text = tovrhost::statusText(known.status);
   if (!engineWords.empty() && (known.words == nullptr || engineWords != known.words)) text += " (" + engineWords + ")";
-  if (known.remedy != nullptr) text += std::string("; nothing was changed") + known.remedy;
+  if (known.advice != nullptr) text += std::string("; nothing was changed") + known.advice;
   return text;
 }
 
 }  // namespace
 
-bool isBusy(int status) { return exitCodeOf(status) == kBusy; }
+bool isBusy(int status) { return kindOf(status) == kBusy; }
 
-ToolError libraryError(int code, const std::string& engineWords, const std::string& detail) {
+Error libraryError(int code, const std::string& engineWords, const std::string& detail) {
   const auto* known = findStatus([&](const EngineStatus& each) {
     return code == 1 ? each.words != nullptr && engineWords == each.words : each.status == code;
   });
   if (known == nullptr && code == 1) known = &kEngineStatuses[0];
   const int status = known != nullptr ? known->status : code;
   if (isBusy(status)) {
-    ToolError busy(kBusy, "{}: another program is using the file; try again, or wait longer with --wait SECONDS",
-                   status);
-    busy.setStatus(status);
-    return busy;
+    return Error(kBusy, "{}: another program is using the file", status).setStatus(status).suggest(Remedy::kWait);
   }
   std::string text = known != nullptr ? engineText(*known, engineWords) : tovrhost::statusText(status);
   if (known == nullptr && !engineWords.empty()) text += " (" + engineWords + ")";
   if (!detail.empty()) text += "; " + detail;
-  return statusError(status, fmt::format("{}: {}", status, text));
+  Error error = statusError(status, fmt::format("{}: {}", status, text));
+  if (known != nullptr && known->check) error.suggest(Remedy::kCheckFile);
+  return error;
 }
 
-ToolError statusError(int status, const std::string& text) {
-  ToolError error(exitCodeOf(status), text);
+Error statusError(int status, const std::string& text) {
+  Error error(kindOf(status), text);
   error.setStatus(status);
   return error;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Another program is using the file: nothing is wrong with it.
 bool isBusy(int status);
@@ -14,12 +14,12 @@ bool isBusy(int status);
 // out, and so are words of the engine that repeat the meaning. A failure of the engine says that nothing was changed:
 // REQUIRES that it ends the transaction in which it happened, if there is one. If the file is busy the error says how
 // to wait, and nothing else. Its exit code is kDamaged, kNoSpace, kBusy or kFileProblem for codes that mean that.
-ToolError libraryError(int status, const std::string& engineWords, const std::string& detail);
+Error libraryError(int status, const std::string& engineWords, const std::string& detail);
 
 // Codes of the library's own say it all.
-inline ToolError libraryError(int status, const std::string& detail = "") { return libraryError(status, "", detail); }
+inline Error libraryError(int status, const std::string& detail = "") { return libraryError(status, "", detail); }
 
 // The same code in words of our own.
-ToolError statusError(int status, const std::string& text);
+Error statusError(int status, const std::string& text);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

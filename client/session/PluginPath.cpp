@@ -6,7 +6,7 @@
 #include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -36,4 +36,4 @@ std::string pluginPath(const std::string& given) {
   return TOVRDB_PLUGIN_NAME;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

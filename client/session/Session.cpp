@@ -10,8 +10,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
+#include "client/base/Listener.h"
+#include "client/base/Text.h"
 #include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 #include "client/session/FileDiagnosis.h"
@@ -20,7 +20,7 @@
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -51,15 +51,15 @@ std::uint64_t nextNumber() {
 std::int64_t enginePageSize(tovr::IDBOperate& connection) {
   try {
     return queryNumber(connection, "pragma cipher_page_size");
-  } catch (const ToolError&) {
+  } catch (const Error&) {
     return 0;
   }
 }
 
 // Why a file does not open, as far as its bytes tell.
-ToolError diagnosed(const ToolError& error, const std::string& path, const std::string& key, std::int64_t pageSize) {
+Error diagnosed(const Error& error, const std::string& path, const std::string& key, std::int64_t pageSize) {
   if (error.status() != kNotADatabase && error.status() != kDamagedFile) return error;
-  ToolError diagnosis =
+  Error diagnosis =
       error.status() == kNotADatabase ? diagnoseUnreadable(path, key, pageSize) : diagnoseDamaged(path, pageSize);
   diagnosis.setStatus(error.status());
   return diagnosis;
@@ -71,17 +71,17 @@ void requireDatabaseFile(const std::string& path) {
   std::error_code error;  // opening a missing file would make it
   const fs::file_status status = fs::status(pathOf(path), error);
   if (!fs::exists(status)) {
-    throw ToolError(kFileProblem, "there is no such file; `tovrdb create` makes a new one");
+    throw Error(kFileProblem, "there is no such file").suggest(Remedy::kCreateFile);
   }
-  if (!fs::is_regular_file(status)) throw ToolError(kFileProblem, "it is not a file");
+  if (!fs::is_regular_file(status)) throw Error(kFileProblem, "it is not a file");
   std::ifstream file(pathOf(path), std::ios::binary);
-  if (!file) throw ToolError(kFileProblem, "the file cannot be read; check its permissions");
+  if (!file) throw Error(kFileProblem, "the file cannot be read; check its permissions");
   constexpr std::size_t kMagicLength = 15;
   std::string start(kMagicLength, '\0');
   file.read(start.data(), kMagicLength);
-  if (file.gcount() == 0) throw ToolError(kFileProblem, "the file is empty (0 bytes); it never was a database");
+  if (file.gcount() == 0) throw Error(kFileProblem, "the file is empty (0 bytes); it never was a database");
   if (start == "SQLite format 3") {
-    throw ToolError(kFileProblem, "it is an SQLite database, but not an encrypted one");
+    throw Error(kFileProblem, "it is an SQLite database, but not an encrypted one");
   }
 }
 
@@ -89,7 +89,7 @@ std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin) {
   try {
     return std::make_unique<tovrhost::PluginHost>(pluginPath(plugin));
   } catch (const std::runtime_error& error) {
-    throw ToolError(kPluginProblem, "{}; say where it is with --plugin or TOVRDB_PLUGIN", error.what());
+    throw Error(kPluginProblem, error.what()).suggest(Remedy::kLocatePlugin);
   }
 }
 
@@ -106,7 +106,7 @@ Session Session::openExisting(const Access& access, const std::string& path, con
     // More than FULL, which flushes all but the end of the journal, and so may undo the last change.
     if (access.flushed) session.require(session.connection().exec("PRAGMA synchronous = EXTRA"));
     session.probe();
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     throw diagnosed(error, path, key, enginePageSize(session.connection()));
   }
   return session;
@@ -168,20 +168,16 @@ void Session::waitUntil(const std::function<bool()>& attempt) {
 
 void Session::requireInPlace() const {
   if (fileIdentity(path_) == identity_) return;
-  throw ToolError(
-      kBusy,
-      "another program has replaced or moved the file (by rekey, for instance) since it was opened; nothing "
-      "was stored: open it again");
+  throw Error(kBusy,
+              "another program has replaced or moved the file (by rekey, for instance) since it was opened; nothing "
+              "was stored: open it again");
 }
 
 void Session::setPatience(unsigned int milliseconds) {
   require(connection().exec(fmt::format("PRAGMA busy_timeout = {}", milliseconds).c_str()));
 }
 
-void Session::announceWait() const {
-  if (!isTerminal(kStandardError)) return;
-  message("another program is using the file; waiting for it, {} s at most", patience_);
-}
+void Session::announceWait() const { listener().onWait(patience_); }
 
 void Session::checkWaiting() const {
   if (whileWaiting_) whileWaiting_();
@@ -219,7 +215,7 @@ void Session::beginReading() {
 
 void Session::resumeReading() {
   if (inTransaction() && writtenRows() != rowsBefore_) {
-    throw ToolError(kRefused, "a damaged page was met in a transaction that has written already; undo it first");
+    throw Error(kRefused, "a damaged page was met in a transaction that has written already; undo it first");
   }
   const bool reading = connection().exec("ROLLBACK") == 0;  // fails if there is no transaction
   if (inTransaction()) {
@@ -248,8 +244,7 @@ void Session::probe() {
   requireRightKey(code);
   const std::string missing = missingTables(connection());
   if (!missing.empty()) {
-    throw ToolError(kFileProblem, "the key opens it, but it is not a calibration database; it lacks tables: {}",
-                    missing);
+    throw Error(kFileProblem, "the key opens it, but it is not a calibration database; it lacks tables: {}", missing);
   }
 }
 
@@ -297,4 +292,4 @@ void Transaction::commit() {
   if (!inner_) noteCompletion();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -11,13 +11,13 @@
 #include "client/session/Access.h"
 #include "host/PluginHost.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
-// Loads the plug-in from `plugin`, or from where it usually lies when that is empty. Throws ToolError when there is
+// Loads the plug-in from `plugin`, or from where it usually lies when that is empty. Throws Error when there is
 // none.
 std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin);
 
-// What can be told without the key. Throws ToolError where `path` cannot be a database.
+// What can be told without the key. Throws Error where `path` cannot be a database.
 void requireDatabaseFile(const std::string& path);
 
 // Which state of which open file: as long as two of them are equal, what was read at the first is still so.
@@ -36,7 +36,7 @@ constexpr int kBusyStatus = 5;  // the engine's answer while another program is 
 
 class Session {
  public:
-  // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws ToolError,
+  // Opens an existing database file and proves that the key fits and that it holds the nine tables. Throws Error,
   // also where other programs keep it busy for longer than the patience.
   static Session openExisting(const Access& access, const std::string& path, const std::string& key);
   // Opens a file that does not exist yet; the first write makes it. It is flushed only when it is complete.
@@ -54,34 +54,34 @@ class Session {
   tovr::IDBManager& manager() { return host_->manager(); }
   tovr::IDBOperate& connection() { return host_->connection(); }
 
-  // Reads nothing but the file's first page. Throws ToolError on failure.
+  // Reads nothing but the file's first page. Throws Error on failure.
   SessionState state();
 
   // Reads one state of the file from here on; until then other programs may have written to it.
   void beginReading();
 
   // Runs a statement that waits for other programs, and says so on a terminal. Returns the library's code. Throws
-  // ToolError after an interrupt, and what `Access::whileWaiting` throws.
+  // Error after an interrupt, and what `Access::whileWaiting` throws.
   int execPatiently(const char* sql);
 
-  // Calls `attempt` until it answers true, or the patience ends: then it throws ToolError (kBusy). The engine itself
+  // Calls `attempt` until it answers true, or the patience ends: then it throws Error (kBusy). The engine itself
   // waits for nobody meanwhile.
   void waitUntil(const std::function<bool()>& attempt);
 
-  // Throws ToolError (kBusy) if another file has taken the name since this one was opened: what is written here would
+  // Throws Error (kBusy) if another file has taken the name since this one was opened: what is written here would
   // be lost. To be asked behind a lock that keeps the name, too.
   void requireInPlace() const;
 
   bool inTransaction() const { return transactions_ > 0; }
 
   // After a read failed on a damaged page: until their transaction ends, some engines then answer nothing more. Begins
-  // it again, if there is one; what is read from there on may be a later state of the file. Throws ToolError if it has
+  // it again, if there is one; what is read from there on may be a later state of the file. Throws Error if it has
   // written rows, which would be lost.
   void resumeReading();
 
-  // Throws ToolError with the code, its meaning, the engine's words and `detail` unless `code` is 0.
+  // Throws Error with the code, its meaning, the engine's words and `detail` unless `code` is 0.
   void require(int code, const std::string& detail = "");
-  // The file is complete and closed. Throws ToolError where the library says otherwise.
+  // The file is complete and closed. Throws Error where the library says otherwise.
   void close();
 
  private:
@@ -119,7 +119,7 @@ class Transaction {
   Transaction& operator=(const Transaction&) = delete;
   // Undoes everything since the beginning unless it was committed.
   ~Transaction();
-  // Throws ToolError where the engine refuses, and after an interrupt.
+  // Throws Error where the engine refuses, and after an interrupt.
   void commit();
 
  private:
@@ -131,4 +131,4 @@ class Transaction {
   bool committed_ = false;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -6,14 +6,14 @@
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 void requireEngine(tovr::IDBOperate& connection, int code, const std::string& where, const std::string& detail) {
   if (code == 0) return;
   // Codes of the library's own say it all, and so does one that the connection knows nothing of.
   const char* words = code < tovr::kNoConnection && connection.errCode() != 0 ? connection.errMsg() : nullptr;
-  const ToolError error = libraryError(code, words != nullptr ? words : "", detail);
-  throw where.empty() ? error : about(where, error);
+  const Error error = libraryError(code, words != nullptr ? words : "", detail);
+  throw where.empty() ? error : error.about(where);
 }
 
 std::string quotedName(const std::string& name) {
@@ -80,4 +80,4 @@ std::int64_t columnNumber(tovr::IDBOperate& connection, int column) {
   return std::strtoll(columnText(connection, column).c_str(), nullptr, 10);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -1,4 +1,4 @@
-// Reading through the shared connection what no record brings. Every function throws ToolError on failure.
+// Reading through the shared connection what no record brings. Every function throws Error on failure.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 #include "storage/IDBOperate.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 using Row = std::vector<std::string>;
 using Bytes = std::vector<unsigned char>;
@@ -34,9 +34,9 @@ std::string columnText(tovr::IDBOperate& connection, int column);
 Bytes columnBytes(tovr::IDBOperate& connection, int column);
 std::int64_t columnNumber(tovr::IDBOperate& connection, int column);
 
-// Throws ToolError with `where`, the code, its meaning, the engine's own words where it has any, and `detail`, unless
+// Throws Error with `where`, the code, its meaning, the engine's own words where it has any, and `detail`, unless
 // `code`, which may be the library's own, is 0.
 void requireEngine(tovr::IDBOperate& connection, int code, const std::string& where = "",
                    const std::string& detail = "");
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tovrtool {
+namespace tovrdb {
 
 const std::vector<std::string> kTables = {"DB_Info",          "Attach_DB_List", "Screen_Info",
                                           kBlockTable,        "Coef_Info",      kMeasurementTable,
@@ -10,4 +10,4 @@ const std::vector<std::string> kTables = {"DB_Info",          "Attach_DB_List", 
 
 bool isTable(const std::string& name) { return std::find(kTables.begin(), kTables.end(), name) != kTables.end(); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

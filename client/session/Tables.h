@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb {
 
 extern const std::vector<std::string> kTables;
 bool isTable(const std::string& name);
@@ -16,4 +16,4 @@ constexpr char kDataTable[] = "Data";
 constexpr const char* kPayloadTables[] = {kBlockTable, kMeasurementTable, kDataTable};
 constexpr char kPayloadColumn[] = "data";
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,7 +8,7 @@
 
 #include "client/cells/CellNumbers.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // Row by row, since most rows are equal.
@@ -98,4 +98,4 @@ BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, c
   return comparison.result();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

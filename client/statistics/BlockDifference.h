@@ -8,7 +8,7 @@
 #include "client/cells/CellBlock.h"
 #include "client/cells/NumberForm.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // Two numbers count as equal when they are no farther apart than `absolute`, or than `relative` times the larger of
 // their sizes. Numbers that are none (NaN) are equal to one another only.
@@ -38,4 +38,4 @@ double distance(double before, double after);
 BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<NumberForm>& form,
                               const std::optional<Tolerance>& tolerance);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 std::vector<double> numbersIn(const NumberGrid& numbers, const Rect& rect) {
@@ -138,4 +138,4 @@ CabinetReport reportCabinets(const NumberGrid& numbers, const std::vector<Rect>&
   return Reporter(numbers, parts, question).report();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

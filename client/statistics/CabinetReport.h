@@ -7,7 +7,7 @@
 #include "client/cells/Rect.h"
 #include "client/statistics/Statistics.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // One number of every cell of a rectangle, row-major.
 struct NumberGrid {
@@ -63,4 +63,4 @@ struct CabinetQuestion {
 CabinetReport reportCabinets(const NumberGrid& numbers, const std::vector<Rect>& parts,
                              const CabinetQuestion& question);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <limits>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr double kNormalMad = 1.4826;   // of normally distributed values: deviation / median absolute deviation
@@ -141,4 +141,4 @@ Outliers standOut(const std::vector<double>& values, double limit, std::size_t m
   return result;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

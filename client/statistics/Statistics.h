@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The percents for which a summary gives the values.
 extern const std::vector<double> kPercents;
@@ -58,4 +58,4 @@ struct Outliers {
 // The finite values farther than `limit` spreads from the median; none when all are equal.
 Outliers standOut(const std::vector<double>& values, double limit, std::size_t most);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 using Chromaticity = Eigen::Vector2d;  // CIE 1931 x, y
@@ -174,4 +174,4 @@ double WallModel::cameraGain(std::int32_t x, std::int32_t y) const {
   return 1.0 - kVignettingLeft * (1.0 - cosineSquared * cosineSquared);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

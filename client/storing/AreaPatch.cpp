@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/contents/AreaWords.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/LibraryError.h"
@@ -12,7 +12,7 @@
 #include "client/storing/BlockRows.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // `payload` are the area's cells from its row `firstRow` on.
@@ -42,4 +42,4 @@ void patchArea(Session& session, const StoredArea& area, const std::vector<Patch
   rewriteBlobOf(session, area, *blob);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

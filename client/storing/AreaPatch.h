@@ -8,7 +8,7 @@
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // A rectangle and where its cells come from, asked once, when they are needed.
 struct Patch {
@@ -17,8 +17,8 @@ struct Patch {
 };
 
 // Deciphers the block from the first changed row on, puts all patches in, in their order, and stores it again. Throws
-// ToolError where the stored block is damaged. REQUIRES: a transaction; the area holds every rectangle; cells of its
+// Error where the stored block is damaged. REQUIRES: a transaction; the area holds every rectangle; cells of its
 // width.
 void patchArea(Session& session, const StoredArea& area, const std::vector<Patch>& patches);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

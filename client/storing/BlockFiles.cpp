@@ -9,12 +9,12 @@
 #include <stdexcept>
 #include <utility>
 
-#include "client/base/JsonText.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Json.h"
 #include "client/disk/FileInput.h"
 #include "client/disk/Paths.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -78,8 +78,8 @@ CellBlock readBlock(const BlockFile& file, std::optional<Dtype>& dtype) {
   dtype = array.dtype;
   try {
     return blockFromArray(std::move(array), file.area.rect, {});
-  } catch (const ToolError& error) {
-    throw about(file.path, error);
+  } catch (const Error& error) {
+    throw error.about(file.path);
   }
 }
 
@@ -105,10 +105,10 @@ std::vector<BlockFile> blocksOfFolder(const std::string& folder) {
       blocks.push_back(blockOfName(textOf(found.path().stem())));
       blocks.back().path = textOf(found.path());
     } catch (const std::invalid_argument& reason) {
-      throw ToolError(kFileProblem, "{} is refused: {}", textOf(found.path()), reason.what());
+      throw Error(kFileProblem, "{} is refused: {}", textOf(found.path()), reason.what());
     }
   }
-  if (error) throw ToolError(kFileProblem, "cannot read the folder {}: {}", folder, error.message());
+  if (error) throw Error(kFileProblem, "cannot read the folder {}: {}", folder, error.message());
   std::sort(blocks.begin(), blocks.end(), [](const BlockFile& a, const BlockFile& b) { return a.path < b.path; });
   return blocks;
 }
@@ -126,15 +126,15 @@ std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files) {
       BlockText text = file.text;
       const std::int32_t cellBytes = readBlock(file, text.dtype).cellBytes;
       wanted.push_back({file.path, file.area, text, cellBytes});
-    } catch (const ToolError& error) {
+    } catch (const Error& error) {
       faults.emplace_back(error.what());
     }
   }
   if (faults.empty()) return wanted;
-  if (faults.size() == 1) throw ToolError(kFileProblem, "{}; nothing was stored", faults[0]);
-  ToolError error(kFileProblem, "{} files cannot be used; nothing was stored", faults.size());
+  if (faults.size() == 1) throw Error(kFileProblem, "{}; nothing was stored", faults[0]);
+  Error error(kFileProblem, "{} files cannot be used; nothing was stored", faults.size());
   error.setDetails(std::move(faults));
   throw error;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,7 +8,7 @@
 #include "client/contents/BlockPlace.h"
 #include "client/storing/StorePlan.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct BlockFile {
   std::string path;
@@ -18,17 +18,17 @@ struct BlockFile {
 
 // The files of a manifest: a JSON list of {"file": NAME, "type": NUMBER, "rect": [L, T, R, B]} and, where wanted,
 // "screen", "area", "version", "scale" ("1/16384") and "unit"; files lie in the manifest's folder or below it. Throws
-// ToolError, which names the block at fault.
+// Error, which names the block at fault.
 std::vector<BlockFile> blocksOfManifest(const std::string& path);
 
 // The .npy files of a folder, named [screen_]T<type>_L,T,R,B.npy, in the order of their names; other files are left
-// alone. Throws ToolError for a .npy file of another name.
+// alone. Throws Error for a .npy file of another name.
 std::vector<BlockFile> blocksOfFolder(const std::string& folder);
 
-// The cells in a file. Throws ToolError, which names it, where they are not those of the rectangle.
+// The cells in a file. Throws Error, which names it, where they are not those of the rectangle.
 CellBlock readBlock(const BlockFile& file);
 
-// Each file is looked at. Throws ToolError, with every file at fault among its details.
+// Each file is looked at. Throws Error, with every file at fault among its details.
 std::vector<WantedBlock> wantedOf(const std::vector<BlockFile>& files);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

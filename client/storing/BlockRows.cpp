@@ -6,7 +6,7 @@
 
 #include "client/contents/StoredBlob.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 constexpr char kInsertBlock[] = "insert into Coef(data, databitwidth, version) values (?, ?, ?)";
@@ -119,4 +119,4 @@ std::int64_t addScreenFor(Session& session, const AreaName& area) {
   return lastKey(session);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -13,9 +13,9 @@
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
-// All throw ToolError on failure. REQUIRES: a transaction.
+// All throw Error on failure. REQUIRES: a transaction.
 
 // What an area and its block hold beside the cells.
 struct AreaRow {
@@ -47,4 +47,4 @@ void deleteAreaRows(Session& session, const std::vector<StoredArea>& areas);
 // The screen that the library adds for the first block that names it.
 std::int64_t addScreenFor(Session& session, const AreaName& area);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

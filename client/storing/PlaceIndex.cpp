@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tovrtool {
+namespace tovrdb {
 
 void PlaceIndex::add(const Place& place, std::size_t item) {
   if (isSound(place.rect)) entries_[place.type].push_back({place.rect, item, place.rect.bottom});
@@ -30,4 +30,4 @@ std::vector<std::size_t> PlaceIndex::overlapping(const Place& place) const {
   return found;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

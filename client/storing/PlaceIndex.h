@@ -8,7 +8,7 @@
 
 #include "client/cells/Rect.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 class PlaceIndex {
  public:
@@ -40,4 +40,4 @@ class PlaceIndex {
   std::map<std::int32_t, std::vector<Entry>> entries_;  // by their tops
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb

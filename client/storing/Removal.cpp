@@ -6,14 +6,14 @@
 #include <iterator>
 #include <set>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/contents/AreaWords.h"
 #include "client/session/LibraryError.h"
 #include "client/session/SqlQuery.h"
 #include "client/storing/BlockRows.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 void exec(Session& session, const std::string& sql) { session.require(session.connection().exec(sql.c_str())); }
@@ -41,7 +41,7 @@ std::vector<StoredData> dataThat(Session& session, const std::string& member, co
 }
 
 void requireSame(bool same, const std::string& what) {
-  if (!same) throw ToolError(kBusy, "another program changed {} meanwhile; nothing was deleted: try again", what);
+  if (!same) throw Error(kBusy, "another program changed {} meanwhile; nothing was deleted: try again", what);
 }
 
 void requireUnchanged(Session& session, const Removal& removal) {
@@ -62,7 +62,7 @@ Removal areasOf(Session& session, const AreaFilter& filter) {
   Removal removal;
   removal.areas = areasThatPass(session, filter);
   if (!removal.areas.empty()) return removal;
-  throw statusError(tovr::kNoMatchingArea, "no such area is stored; tovrdb coef list shows the areas");
+  throw statusError(tovr::kNoMatchingArea, "no such area is stored").suggest(Remedy::kListAreas);
 }
 
 Removal areaAt(Session& session, const AreaName& place) {
@@ -74,7 +74,7 @@ Removal areaAt(Session& session, const AreaName& place) {
   std::copy_if(ofType.begin(), ofType.end(), std::back_inserter(areas),
                [&](const StoredArea& area) { return area.rect == place.rect; });
   if (areas.size() > 1) {
-    throw ToolError(kUsage, "{} areas are there: say which with --id: {}", areas.size(), listed(areas));
+    throw Error(kInvalid, "{} areas are there: {}", areas.size(), listed(areas)).suggest(Remedy::kGiveAreaIds);
   }
   if (areas.empty()) {
     throw libraryError(tovr::kNoMatchingArea,
@@ -92,22 +92,20 @@ Removal screenOf(Session& session, const std::string& name, bool withAreas) {
   if (!data.empty()) {
     std::vector<std::string> texts;
     for (const StoredData& each : data) texts.push_back(dataText(each));
-    throw ToolError(
-        kConflict,
-        "data belongs to the screen {}: {}. It came there because data is filed under the screen that was "
-        "added last, whichever that is: read it with tovrdb data get, delete it with tovrdb data delete, and "
-        "put it back afterwards",
-        name, shortList(texts, "; "));
+    throw Error(kConflict,
+                "data belongs to the screen {}: {}. It came there because data is filed under the screen that was "
+                "added last, whichever that is",
+                name, shortList(texts, "; "))
+        .suggest(Remedy::kMoveData);
   }
   removal.areas = areasThat(session, [&](const StoredArea& area) { return area.screenId == removal.screen->id; });
   if (!removal.areas.empty() && !withAreas) {
-    throw ToolError(kConflict, "the screen {} has areas: {}; --with-areas deletes them with it", name,
-                    listed(removal.areas));
+    throw Error(kConflict, "the screen {} has areas: {}", name, listed(removal.areas)).suggest(Remedy::kWithAreas);
   }
   if (removal.screen->id == lastScreenKey(session)) {
     removal.note =
         "note: it was the screen that was added last, under which programs file generic data: until another screen is "
-        "added, hosts cannot store data in this file (code 19); tovrdb data put can, if there is a screen";
+        "added, hosts cannot store data in this file (code 19)";
   }
   return removal;
 }
@@ -115,7 +113,7 @@ Removal screenOf(Session& session, const std::string& name, bool withAreas) {
 Removal dataOfType(Session& session, std::int32_t type) {
   Removal removal;
   removal.data = dataThat(session, "type", std::to_string(type));
-  if (removal.data.empty()) throw libraryError(tovr::kNoData, "tovrdb data list shows the types");
+  if (removal.data.empty()) throw libraryError(tovr::kNoData).suggest(Remedy::kListData);
   return removal;
 }
 
@@ -143,4 +141,4 @@ void deleteRows(Session& session, const Removal& removal) {
   transaction.commit();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -13,7 +13,7 @@
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 struct Removal {
   std::vector<StoredArea> areas;
@@ -22,7 +22,7 @@ struct Removal {
   std::string note;  // what this means for other programs; empty for most
 };
 
-// What they name. Throw ToolError, which tells what there is instead.
+// What they name. Throw Error, which tells what there is instead.
 Removal areasOfIds(Session& session, const std::vector<IdRange>& ids);
 Removal areasOf(Session& session, const AreaFilter& filter);
 Removal areaAt(Session& session, const AreaName& place);  // of exactly this rectangle
@@ -32,7 +32,7 @@ Removal dataOfType(Session& session, std::int32_t type);
 // A line for each thing that goes.
 std::vector<std::string> toTexts(const Removal& removal);
 
-// In one transaction. Throws ToolError if one of them was changed since it was looked up; nothing goes then.
+// In one transaction. Throws Error if one of them was changed since it was looked up; nothing goes then.
 void deleteRows(Session& session, const Removal& removal);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

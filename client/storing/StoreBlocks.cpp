@@ -9,14 +9,14 @@
 #include "client/storing/BlockRows.h"
 #include "client/storing/StoreWords.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 StoredPlaces placesOf(Session& session) {
   return {session.manager().getDBType(), storedScreens(session), storedAreas(session)};
 }
 
-// Throws ToolError if anything conflicts.
+// Throws Error if anything conflicts.
 StorePlan decide(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules) {
   StorePlan plan = planStore(stored, wanted, rules);
   requireNone(plan.objections, "nothing was stored");
@@ -77,7 +77,7 @@ class Execution {
     CellBlock block = load_(index);
     const WantedBlock& wanted = wanted_[index];
     if (block.rect == wanted.area.rect && block.cellBytes == wanted.cellBytes) return block;
-    throw ToolError(kFileProblem, "{} changed while it was read; nothing was stored", wanted.name);
+    throw Error(kFileProblem, "{} changed while it was read; nothing was stored", wanted.name);
   }
 
   AreaRow rowOf(std::int64_t screenId, const StoreStep& step) const {
@@ -123,4 +123,4 @@ void requireStorable(Session& session, const std::vector<WantedBlock>& wanted, c
   decide(placesOf(session), wanted, rules);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

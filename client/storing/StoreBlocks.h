@@ -10,7 +10,7 @@
 #include "client/session/Session.h"
 #include "client/storing/StorePlan.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // The cells of a wanted block, asked once, when they are stored.
 using BlockLoader = std::function<CellBlock(std::size_t block)>;
@@ -20,12 +20,12 @@ struct StoreReport {
   std::vector<std::int64_t> blockKeys;  // one a wanted block
 };
 
-// Plans under the lock of the transaction, so that nobody writes between the decision and the rows. Throws ToolError,
+// Plans under the lock of the transaction, so that nobody writes between the decision and the rows. Throws Error,
 // with nothing stored: what planStore objects to (kConflict), what `load` throws, what the engine refuses.
 StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules,
                         const BlockLoader& load);
 
-// Throws ToolError where storeBlocks would object; nothing is written in any case.
+// Throws Error where storeBlocks would object; nothing is written in any case.
 void requireStorable(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/contents/AreaWords.h"
 #include "client/contents/ScreenNames.h"
 #include "client/reading/NumberForms.h"
@@ -16,7 +16,7 @@
 #include "manager/DataRecords.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 template <class Things>
@@ -25,9 +25,6 @@ std::string listedPlaces(const Things& things) {
   for (const auto& thing : things) texts.push_back(fmt::format("{} ({})", thing.first, toText(thing.second)));
   return shortList(texts);
 }
-
-constexpr Remedies kForce{true, false, false, false, false};
-constexpr Remedies kNewScreen{false, false, false, false, true};
 
 class Planner {
  public:
@@ -66,21 +63,22 @@ class Planner {
   const WantedBlock& block() const { return wanted_[step_.block]; }
   const Rect& rect() const { return block().area.rect; }
 
-  void object(const Remedies& remedies, const std::string& text) {
-    plan_.objections.push_back({kConflict, 0, remedies, named(text)});
+  void object(std::vector<Remedy> remedies, const std::string& text) {
+    plan_.objections.push_back({kConflict, 0, std::move(remedies), subject(), named(text)});
   }
+  Subject subject() const { return {block().name, block().area.screen, std::nullopt, rect()}; }
   // As the library would, in words of our own.
   void refuse(int status, const std::string& text) {
-    plan_.objections.push_back({kRefused, status, {}, named(fmt::format("{}: {}", status, text))});
+    plan_.objections.push_back({kRefused, status, {}, subject(), named(fmt::format("{}: {}", status, text))});
   }
   std::string named(const std::string& text) const { return block().name.empty() ? text : block().name + ": " + text; }
 
   void decide() {
     try {
       requireSuits(block().area, stored_.databaseType);
-    } catch (const ToolError& error) {
+    } catch (const Error& error) {
       if (block().name.empty()) throw;
-      throw about(block().name, error);
+      throw error.about(block().name);
     }
     if (block().area.type == tovr::kDataTypeNotGiven) {
       return refuse(tovr::kTypeNotGiven,
@@ -160,7 +158,7 @@ class Planner {
   void objectToName() {
     const std::string& name = block().area.screen;
     const std::string doubt = names_.has(name) ? "" : names_.doubt(name);
-    if (!doubt.empty() && !rules_.newScreen) object(kNewScreen, fmt::format("the name '{}' {}", name, doubt));
+    if (!doubt.empty() && !rules_.newScreen) object({Remedy::kNewScreen}, fmt::format("the name '{}' {}", name, doubt));
     names_.add(name);
   }
 
@@ -203,6 +201,7 @@ class Planner {
         plan_.objections.push_back({kDamaged,
                                     tovr::kCipherFailed,
                                     {},
+                                    subject(),
                                     named(fmt::format("{} lies in {}, which is damaged: {}", placeText(block().area),
                                                       areaText(area), area.fault))});
       } else if (area.cellBytes != block().cellBytes) {
@@ -240,8 +239,9 @@ class Planner {
     step_.keptForm = toText(kept, area.cellBytes);
     step_.wantedForm = wanted ? toText(*wanted, block().cellBytes) : "of no known type";
     if (rules_.force || !loses || area.cellBytes != block().cellBytes) return;  // another width is a conflict by itself
-    object(kForce, fmt::format("{} keeps its numbers as {}, and {} has {}", areaText(area), step_.keptForm,
-                               rules_.mode == StoreMode::kPatch ? "the patch" : "this block", step_.wantedForm));
+    object({Remedy::kForce},
+           fmt::format("{} keeps its numbers as {}, and {} has {}", areaText(area), step_.keptForm,
+                       rules_.mode == StoreMode::kPatch ? "the patch" : "this block", step_.wantedForm));
   }
 
   // Arguments that contradict each other are one more objection; false then.
@@ -250,8 +250,8 @@ class Planner {
     try {
       work();
       return true;
-    } catch (const ToolError& error) {
-      plan_.objections.push_back({error.code(), error.status(), {}, named(error.what())});
+    } catch (const Error& error) {
+      plan_.objections.push_back({error.kind(), error.status(), error.remedies(), subject(), named(error.what())});
       return false;
     }
   }
@@ -267,8 +267,8 @@ class Planner {
     if (!step_.movesScreen || rules_.force) return;
     for (const StoredArea& area : stored_.areas) {
       if (area.screenId != screen.id || &area == &stored_.areas[found->second] || holds(rect(), area.rect)) continue;
-      object(kForce, fmt::format("the screen {} would become {}, and {} would lie outside", screen.name, toText(rect()),
-                                 areaText(area)));
+      object({Remedy::kForce}, fmt::format("the screen {} would become {}, and {} would lie outside", screen.name,
+                                           toText(rect()), areaText(area)));
     }
   }
 
@@ -277,20 +277,26 @@ class Planner {
     if (same) rewrite(*same);
     if (rules_.mode == StoreMode::kBeside) return;
     std::vector<std::string> met;
-    Remedies remedies{false, false, true, !byName()};
+    bool inside = true;
+    bool patchable = false;
     for (const std::size_t index : overlapping()) {
       const StoredArea& area = stored_.areas[index];
-      const bool inside = holds(rect(), area.rect);
+      const bool isInside = holds(rect(), area.rect);
       if (same && index == *same) continue;
-      if (rules_.mode == StoreMode::kReplace && inside) {
+      if (rules_.mode == StoreMode::kReplace && isInside) {
         step_.removed.push_back(index);
       } else if (!liesBehindAlready(same, index)) {
         met.push_back(fmt::format("{}: {}", areaText(area), answerBeside(index, same)));
-        remedies.replace = remedies.replace && inside;
-        remedies.patch = remedies.patch || (holds(area.rect, rect()) && area.cellBytes == block().cellBytes);
+        inside = inside && isInside;
+        patchable = patchable || (holds(area.rect, rect()) && area.cellBytes == block().cellBytes);
       }
     }
-    if (!met.empty()) object(remedies, fmt::format("{} overlaps {}", placeText(block().area), shortList(met, "; ")));
+    if (met.empty()) return;
+    std::vector<Remedy> remedies;
+    if (patchable) remedies.push_back(Remedy::kPatch);
+    if (inside) remedies.push_back(Remedy::kReplace);
+    if (!byName()) remedies.push_back(Remedy::kBeside);
+    object(std::move(remedies), fmt::format("{} overlaps {}", placeText(block().area), shortList(met, "; ")));
   }
 
   // An area that came after the one that is rewritten in its very place.
@@ -321,14 +327,16 @@ class Planner {
     const bool inside = holds(rect(), area.rect);
     if (!(area.rect == rect()) && !(rules_.mode == StoreMode::kReplace && inside)) {
       const bool patchable = holds(area.rect, rect()) && area.cellBytes == block().cellBytes;
-      object({true, patchable, inside, false},
-             fmt::format("{} would replace {} of another place, {}, which would be lost", placeText(block().area),
-                         areaText(area), blockText(area)));
+      std::vector<Remedy> remedies{Remedy::kForce};
+      if (patchable) remedies.push_back(Remedy::kPatch);
+      if (inside) remedies.push_back(Remedy::kReplace);
+      object(std::move(remedies), fmt::format("{} would replace {} of another place, {}, which would be lost",
+                                              placeText(block().area), areaText(area), blockText(area)));
     } else if (!area.fault.empty()) {
-      object(kForce, fmt::format("the stored block of {} is damaged: {}", areaText(area), area.fault));
+      object({Remedy::kForce}, fmt::format("the stored block of {} is damaged: {}", areaText(area), area.fault));
     } else if (area.cellBytes != block().cellBytes) {
-      object(kForce, fmt::format("{} is stored with {} bytes per cell; this block has {}", placeText(block().area),
-                                 area.cellBytes, block().cellBytes));
+      object({Remedy::kForce}, fmt::format("{} is stored with {} bytes per cell; this block has {}",
+                                           placeText(block().area), area.cellBytes, block().cellBytes));
     }
   }
 
@@ -336,7 +344,7 @@ class Planner {
     const Rect whole =
         screen != nullptr ? screen->rect : addedScreens_.emplace(block().area.screen, rect()).first->second;
     if (rules_.force || holds(whole, rect())) return;
-    object(kForce, fmt::format("{} leaves its screen, which is {}", placeText(block().area), toText(whole)));
+    object({Remedy::kForce}, fmt::format("{} leaves its screen, which is {}", placeText(block().area), toText(whole)));
   }
 
   // Stored areas on which the block would lie: databases of type 0 have one plane for all screens.
@@ -395,14 +403,14 @@ StorePlan planStore(const StoredPlaces& stored, const std::vector<WantedBlock>& 
   if (stored.databaseType != 0 && stored.databaseType != 1) {
     throw statusError(tovr::kTypeNotGiven,
                       fmt::format("{}: the file does not say whether it finds screens by rectangle or "
-                                  "by name; `tovrdb check` tells more",
-                                  tovr::kTypeNotGiven));
+                                  "by name",
+                                  tovr::kTypeNotGiven))
+        .suggest(Remedy::kCheckFile);
   }
   if (rules.mode == StoreMode::kBeside && stored.databaseType == 1) {
-    throw ToolError(kUsage,
-                    "a database of type 1 keeps one area of a type on a screen: nothing can be stored beside it");
+    throw Error(kInvalid, "a database of type 1 keeps one area of a type on a screen: nothing can be stored beside it");
   }
   return Planner(stored, wanted, rules).plan();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

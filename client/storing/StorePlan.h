@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "client/base/Objection.h"
+#include "client/base/Error.h"
 #include "client/contents/BlockPlace.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // A block that is to be stored, but for its cells.
 struct WantedBlock {
@@ -64,7 +64,7 @@ struct StorePlan {
   std::vector<Objection> objections;  // one line each; if there are any, nothing is to be done
 };
 
-// Throws ToolError if a block's name, or the mode, does not suit the database's type.
+// Throws Error if a block's name, or the mode, does not suit the database's type.
 StorePlan planStore(const StoredPlaces& stored, const std::vector<WantedBlock>& wanted, const StoreRules& rules);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -8,7 +8,7 @@
 
 #include "client/contents/AreaWords.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 // What another host wrote beside the cells and a new block does not have.
@@ -60,4 +60,4 @@ std::vector<std::string> noticesOf(const StorePlan& plan, const StoredPlaces& st
   return notices;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -6,10 +6,10 @@
 
 #include "client/storing/StorePlan.h"
 
-namespace tovrtool {
+namespace tovrdb {
 
 // What was replaced, removed, patched or reinterpreted, and which screens were added; a line each.
 std::vector<std::string> noticesOf(const StorePlan& plan, const StoredPlaces& stored,
                                    const std::vector<WantedBlock>& wanted);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

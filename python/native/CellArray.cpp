@@ -2,12 +2,11 @@
 
 #include <memory>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 
 namespace py = pybind11;
-using namespace tovrtool;
 
 py::array arrayOf(const CellBlock& block, const Dtype& dtype) {
   using Owner = std::shared_ptr<unsigned char[]>;
@@ -21,7 +20,7 @@ py::array arrayOf(const CellBlock& block, const Dtype& dtype) {
 CellBlock borrowedBlock(const py::array& array, const Rect& rect) {
   const auto bytes = static_cast<std::size_t>(array.nbytes());
   if (bytes > static_cast<std::size_t>(kMostBlockBytes)) {
-    throw ToolError(kUsage, "the block is larger than 2 GiB: split it");
+    throw Error(kInvalid, "the block is larger than 2 GiB: split it");
   }
   const auto cells = static_cast<std::size_t>(rowsOf(rect) * columnsOf(rect));
   // Blocks that are stored are only read.
@@ -29,4 +28,4 @@ CellBlock borrowedBlock(const py::array& array, const Rect& rect) {
   return {rect, static_cast<std::int32_t>(bytes / cells), {first, [](unsigned char*) {}}};
 }
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

@@ -5,14 +5,14 @@
 
 #include "client/cells/CellBlock.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 
-// rows x columns x values of the type. The array owns the block's bytes. Throws ToolError where a cell is not a whole
+// rows x columns x values of the type. The array owns the block's bytes. Throws Error where a cell is not a whole
 // number of such values.
-pybind11::array arrayOf(const tovrtool::CellBlock& block, const tovrtool::Dtype& dtype);
+pybind11::array arrayOf(const CellBlock& block, const Dtype& dtype);
 
-// The array's bytes as the cells of `rect`. Throws ToolError for more than 2 GiB. REQUIRES: the array is in C order,
+// The array's bytes as the cells of `rect`. Throws Error for more than 2 GiB. REQUIRES: the array is in C order,
 // begins with rows x columns, has at least one value a cell, and outlives the block.
-tovrtool::CellBlock borrowedBlock(const pybind11::array& array, const tovrtool::Rect& rect);
+CellBlock borrowedBlock(const pybind11::array& array, const Rect& rect);
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

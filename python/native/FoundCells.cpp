@@ -9,9 +9,7 @@
 #include "client/storing/AreaPatch.h"
 #include "storage/StatusCodes.h"
 
-namespace tovrpython {
-
-using namespace tovrtool;
+namespace tovrdb::python {
 
 namespace {
 
@@ -19,8 +17,8 @@ namespace {
 std::size_t valuesOf(std::int32_t cellBytes, const Dtype& dtype) {
   try {
     return valuesPerCell(cellBytes, dtype);
-  } catch (const ToolError& error) {
-    throw ToolError(kUsage, error.what());
+  } catch (const Error& error) {
+    throw Error(kInvalid, error.what());
   }
 }
 
@@ -76,7 +74,7 @@ CellBlock FoundCells::read(Session& session, const Rect& part) {
 }
 
 void FoundCells::patch(Session& session, const CellBlock& block) {
-  if (source_.mosaic) throw ToolError(kUsage, "a mosaic is for reading: write to its areas, one by one");
+  if (source_.mosaic) throw Error(kInvalid, "a mosaic is for reading: write to its areas, one by one");
   Transaction transaction(session);
   requireUnchanged(session, block.rect);
   patchArea(session, source_.areas.front(), {{block.rect, [&] { return block; }}});
@@ -97,4 +95,4 @@ void FoundCells::requireUnchanged(Session& session, const Rect& part) {
   }
 }
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

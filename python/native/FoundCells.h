@@ -12,33 +12,33 @@
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 
 class FoundCells {
  public:
-  // Reads no cells. Throws ToolError: there are none, or nothing tells their numbers.
-  FoundCells(tovrtool::Session& session, const tovrtool::CellQuery& query);
+  // Reads no cells. Throws Error: there are none, or nothing tells their numbers.
+  FoundCells(Session& session, const CellQuery& query);
 
-  const tovrtool::CellSource& source() const { return source_; }
-  const tovrtool::NumberForm& form() const { return form_; }
+  const CellSource& source() const { return source_; }
+  const NumberForm& form() const { return form_; }
   std::size_t values() const { return values_; }  // of a cell
 
-  // The cells of a part, all of one state of the file. Throws ToolError. REQUIRES: the source's rectangle holds it.
-  tovrtool::CellBlock read(tovrtool::Session& session, const tovrtool::Rect& part);
+  // The cells of a part, all of one state of the file. Throws Error. REQUIRES: the source's rectangle holds it.
+  CellBlock read(Session& session, const Rect& part);
 
-  // Puts cells in, in a transaction of its own. Throws ToolError, also for a mosaic; nothing is written then.
+  // Puts cells in, in a transaction of its own. Throws Error, also for a mosaic; nothing is written then.
   // REQUIRES: the source's rectangle holds the block's, and both have as many bytes per cell.
-  void patch(tovrtool::Session& session, const tovrtool::CellBlock& block);
+  void patch(Session& session, const CellBlock& block);
 
  private:
-  void requireUnchanged(tovrtool::Session& session, const tovrtool::Rect& part);
+  void requireUnchanged(Session& session, const Rect& part);
 
-  tovrtool::CellSource source_;
-  tovrtool::NumberForm form_;
+  CellSource source_;
+  NumberForm form_;
   std::int32_t cellBytes_ = 0;
   std::size_t values_ = 0;
-  tovrtool::Bytes fill_;                            // of a mosaic: one cell
-  std::vector<tovrtool::SessionState> verifiedAt_;  // the state in which each area's form was last seen to be the same
+  Bytes fill_;                            // of a mosaic: one cell
+  std::vector<SessionState> verifiedAt_;  // the state in which each area's form was last seen to be the same
 };
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

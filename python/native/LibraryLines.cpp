@@ -12,7 +12,7 @@
 #endif
 #endif
 
-namespace tovrpython {
+namespace tovrdb::python {
 namespace {
 
 struct Buffer {
@@ -57,14 +57,14 @@ LibraryLines::~LibraryLines() {
 
 #else
 
-LibraryLines::LibraryLines() : before_(tovrtool::duplicateAsStream(tovrtool::kStandardOutput)) {
+LibraryLines::LibraryLines() : before_(duplicateAsStream(kStandardOutput)) {
   std::fflush(stdout);
-  tovrtool::redirectToNull(tovrtool::kStandardOutput);
+  redirectToNull(kStandardOutput);
 }
 
 LibraryLines::~LibraryLines() {
   std::fflush(stdout);
-  if (before_ != nullptr) tovrtool::redirectTo(fileno(before_.get()), tovrtool::kStandardOutput);
+  if (before_ != nullptr) redirectTo(fileno(before_.get()), kStandardOutput);
 }
 
 #endif
@@ -79,4 +79,4 @@ std::string LibraryLines::take() {
   return std::exchange(buffer().text, {});
 }
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

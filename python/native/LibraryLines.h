@@ -9,7 +9,7 @@
 
 #include "client/disk/Platform.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 
 class LibraryLines {
  public:
@@ -28,8 +28,8 @@ class LibraryLines {
 #if defined(__GLIBC__)
   std::FILE* before_;
 #else
-  tovrtool::FileHandle before_;
+  FileHandle before_;
 #endif
 };
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "client/base/Message.h"
 #include "client/storing/Removal.h"
 #include "client/storing/StoreBlocks.h"
 #include "native/CellArray.h"
@@ -18,13 +17,13 @@
 #include "native/LibraryLines.h"
 #include "native/OpenFile.h"
 #include "native/Records.h"
+#include "tool/io/Message.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 namespace {
 
 namespace py = pybind11;
 using namespace py::literals;
-using namespace tovrtool;
 
 using Text = std::optional<std::string>;
 using Edges = std::tuple<std::int64_t, std::int64_t, std::int64_t, std::int64_t>;  // left, top, right, bottom
@@ -203,26 +202,28 @@ py::dict describeCells(const FoundCells& cells) {
 }
 
 // The package knows which exception an error is.
-void raise(int exitCode, int status, const std::string& text, const std::vector<std::string>& details) {
-  const py::object error =
-      py::module_::import("tovrdb._errors").attr("error_of")(exitCode, status, shownText(text), shownTexts(details));
+void raise(const Error& failure) {
+  py::list remedies;
+  for (const Remedy remedy : failure.remedies()) remedies.append(nameOf(remedy));
+  const py::object error = py::module_::import("tovrdb._errors")
+                               .attr("error_of")(nameOf(failure.kind()), failure.status(), shownText(failure.what()),
+                                                 remedies, shownTexts(failure.details()));
   PyErr_SetObject(py::type::of(error).ptr(), error.ptr());
 }
 
 void translate(std::exception_ptr thrown) {
   try {
     if (thrown) std::rethrow_exception(std::move(thrown));
-  } catch (const ToolError& error) {
-    raise(error.code(), error.status(), error.what(), error.details());
+  } catch (const Error& error) {
+    raise(error);
   } catch (const std::invalid_argument& error) {
-    raise(kUsage, 0, error.what(), {});
+    raise(Error(kInvalid, error.what()));
   }
 }
 
 }  // namespace
 
 PYBIND11_MODULE(_native, module) {
-  silenceMessages();
   module.attr("PLUGIN_NAME") = TOVR_PLUGIN_NAME;
   module.attr("PLUGIN_FOLDERS") = py::str(TOVR_PLUGIN_FOLDERS).attr("split")(":");
   module.attr("VERSION") = TOVR_VERSION;
@@ -251,4 +252,4 @@ PYBIND11_MODULE(_native, module) {
   defineWriting(file);
 }
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

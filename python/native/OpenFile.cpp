@@ -2,14 +2,12 @@
 
 #include <utility>
 
-#include "client/base/Progress.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Listener.h"
 #include "client/checks/DatabaseChecks.h"
 #include "client/disk/Platform.h"
 
-namespace tovrpython {
-
-using namespace tovrtool;
+namespace tovrdb::python {
 
 OpenFile::OpenFile(Access access, std::string path, std::string key)
     : access_(std::move(access)), path_(std::move(path)), key_(std::move(key)), process_(processNumber()) {
@@ -35,8 +33,8 @@ OpenFile::~OpenFile() {
 bool OpenFile::isOurs() const { return process_ == processNumber(); }
 
 Session& OpenFile::session() {
-  if (session_ == nullptr) throw ToolError(kUsage, "the file is closed: open it again");
-  if (!isOurs()) throw ToolError(kUsage, "the file was opened in another process: open it again in this one");
+  if (session_ == nullptr) throw Error(kInvalid, "the file is closed: open it again");
+  if (!isOurs()) throw Error(kInvalid, "the file was opened in another process: open it again in this one");
   return *session_;
 }
 
@@ -66,7 +64,7 @@ void OpenFile::begin() { transactions_.push_back(std::make_unique<Transaction>(s
 
 void OpenFile::commit() {
   session();
-  if (transactions_.empty()) throw ToolError(kUsage, "no transaction has been begun");
+  if (transactions_.empty()) throw Error(kInvalid, "no transaction has been begun");
   const auto transaction = std::move(transactions_.back());
   transactions_.pop_back();
   transaction->commit();
@@ -90,15 +88,15 @@ std::vector<Verdict> OpenFile::check() {
       return verdictsOf(session, schema);
     });
   }
-  if (session().inTransaction()) throw ToolError(kUsage, "not within a transaction: end it first");
+  if (session().inTransaction()) throw Error(kInvalid, "not within a transaction: end it first");
   auto verdicts = verdictsOf(session(), schema_);
   session().connection().exec("rollback");  // the checks read one state
   return verdicts;
 }
 
 void OpenFile::requireReopenable() {
-  if (session().inTransaction()) throw ToolError(kUsage, "not within a transaction: end it first");
-  if (path_.empty()) throw ToolError(kUsage, "a database in memory is no file");
+  if (session().inTransaction()) throw Error(kInvalid, "not within a transaction: end it first");
+  if (path_.empty()) throw Error(kInvalid, "a database in memory is no file");
 }
 
 OpenFile::Reopening::~Reopening() {
@@ -109,4 +107,4 @@ OpenFile::Reopening::~Reopening() {
   }
 }
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

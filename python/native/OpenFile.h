@@ -14,23 +14,23 @@
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 
 class OpenFile {
  public:
-  // Opens an existing file; `path` is absolute. Throws ToolError.
-  OpenFile(tovrtool::Access access, std::string path, std::string key);
-  // A new database in memory, gone when it is closed. Throws ToolError.
-  OpenFile(tovrtool::Access access, const tovrtool::DatabaseDescription& description);
+  // Opens an existing file; `path` is absolute. Throws Error.
+  OpenFile(Access access, std::string path, std::string key);
+  // A new database in memory, gone when it is closed. Throws Error.
+  OpenFile(Access access, const DatabaseDescription& description);
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;
   // Undoes what no transaction has kept, and closes.
   ~OpenFile();
 
-  // Throws ToolError when the file is closed, and in another process.
-  tovrtool::Session& session();
+  // Throws Error when the file is closed, and in another process.
+  Session& session();
 
-  // The same as the destructor; throws ToolError where the library says that something is wrong. Closed files stay
+  // The same as the destructor; throws Error where the library says that something is wrong. Closed files stay
   // closed.
   void close();
   bool isClosed() const { return session_ == nullptr; }
@@ -44,9 +44,9 @@ class OpenFile {
 
   // The checks of the whole file, which is closed and opened again for them. REQUIRES: no transaction, unless the
   // database is in memory.
-  std::vector<tovrtool::Verdict> check();
+  std::vector<Verdict> check();
 
-  // Closes the file, runs `work(access, path, key)`, which may open it by itself, and opens it again. Throws ToolError
+  // Closes the file, runs `work(access, path, key)`, which may open it by itself, and opens it again. Throws Error
   // within a transaction and for a database in memory.
   template <class Work>
   auto whileClosed(Work work) {
@@ -75,13 +75,13 @@ class OpenFile {
   void endTransactions();
   void endSession();
 
-  tovrtool::Access access_;
+  Access access_;
   std::string path_;  // empty: in memory
   std::string key_;
   int process_;
-  std::vector<tovrtool::Row> schema_;  // of a database in memory, as it was made
-  std::unique_ptr<tovrtool::Session> session_;
-  std::vector<std::unique_ptr<tovrtool::Transaction>> transactions_;
+  std::vector<Row> schema_;  // of a database in memory, as it was made
+  std::unique_ptr<Session> session_;
+  std::vector<std::unique_ptr<Transaction>> transactions_;
 };
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

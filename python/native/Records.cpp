@@ -4,14 +4,13 @@
 #include <cstdint>
 #include <optional>
 
-#include "client/base/Message.h"
 #include "client/reading/NumberForms.h"
+#include "tool/io/Message.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 
 namespace py = pybind11;
 using namespace py::literals;
-using namespace tovrtool;
 
 namespace {
 
@@ -138,4 +137,4 @@ py::dict dictOf(const Difference& difference) {
   return record;
 }
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

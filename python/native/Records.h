@@ -18,23 +18,23 @@
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 
-namespace tovrpython {
+namespace tovrdb::python {
 
 // For messages: control characters and bytes that are not UTF-8 are replaced.
 pybind11::str shownText(const std::string& text);
 pybind11::list shownTexts(const std::vector<std::string>& texts);
 
-pybind11::tuple tupleOf(const tovrtool::Rect& rect);  // left, top, right, bottom
-pybind11::dict dictOf(const tovrtool::StoredScreen& screen);
-pybind11::dict dictOf(const tovrtool::StoredArea& area);
-pybind11::dict dictOf(const tovrtool::StoredData& data);
-pybind11::dict dictOf(const tovrtool::StoredMeasurement& measurement);
-pybind11::dict dictOf(const tovrtool::FileFacts& facts);
-pybind11::dict dictOf(const tovrtool::Verdict& verdict);
-pybind11::dict dictOf(const tovrtool::Difference& difference);
+pybind11::tuple tupleOf(const Rect& rect);  // left, top, right, bottom
+pybind11::dict dictOf(const StoredScreen& screen);
+pybind11::dict dictOf(const StoredArea& area);
+pybind11::dict dictOf(const StoredData& data);
+pybind11::dict dictOf(const StoredMeasurement& measurement);
+pybind11::dict dictOf(const FileFacts& facts);
+pybind11::dict dictOf(const Verdict& verdict);
+pybind11::dict dictOf(const Difference& difference);
 
 // dtype, scale and unit; None each where there is no form.
-void describe(pybind11::dict& record, const std::optional<tovrtool::NumberForm>& form);
+void describe(pybind11::dict& record, const std::optional<NumberForm>& form);
 
 template <class Record>
 pybind11::list listOf(const std::vector<Record>& records) {
@@ -43,4 +43,4 @@ pybind11::list listOf(const std::vector<Record>& records) {
   return list;
 }
 
-}  // namespace tovrpython
+}  // namespace tovrdb::python

@@ -1,6 +1,5 @@
 """The exceptions of the package: one family."""
 
-import re
 from typing import Dict, List, Optional, Type
 
 __all__ = ["Error", "WrongKey", "Busy", "NotFound", "Conflict", "Damaged", "NoSpace", "Invalid", "OutOfRange"]
@@ -50,9 +49,14 @@ class OutOfRange(Error, IndexError):
     """An index or a slice is outside the block."""
 
 
-# As programs end: part of the tool's interface with scripts.
-_USAGE, _KEY_PROBLEM, _BUSY, _CONFLICT, _DAMAGED, _NO_SPACE = 2, 4, 6, 7, 8, 9
-
+_BY_KIND: Dict[str, Type[Error]] = {
+    "invalid": Invalid,
+    "key problem": WrongKey,
+    "busy": Busy,
+    "conflict": Conflict,
+    "damaged": Damaged,
+    "no space": NoSpace,
+}
 _BY_CODE: Dict[int, Type[Error]] = {
     11: Damaged,  # the engine's: the file is corrupt
     13: NoSpace,  # the engine's: the disk is full
@@ -62,57 +66,45 @@ _BY_CODE: Dict[int, Type[Error]] = {
     4113: NotFound,
     4116: NotFound,
 }
-_BY_EXIT: Dict[int, Type[Error]] = {
-    _USAGE: Invalid,
-    _KEY_PROBLEM: WrongKey,
-    _BUSY: Busy,
-    _CONFLICT: Conflict,
-    _DAMAGED: Damaged,
-    _NO_SPACE: NoSpace,
+
+# What the person may do, by the names of the compiled half.
+_ADVICE = {
+    "patch": 'mode="patch" puts the cells into the stored block',
+    "replace": 'mode="replace" removes areas that lie wholly inside',
+    "beside": 'mode="beside" stores in addition',
+    "new screen": "new_screen=True adds such a screen",
+    "force": "force=True does it anyway",
+    "with areas": "with_areas=True deletes them with it",
+    "overwrite": "force=True replaces it",
+    "wait": "try again, or wait longer with wait=SECONDS",
+    "check file": "check() tells more",
+    "recover file": "open the database once with its key, which completes or undoes it, and try again",
+    "export and import": "export the file, correct the manifest, and import it",
+    "create file": "tovrdb.create() makes a new one",
+    "locate plug-in": "say where it is with plugin= or TOVRDB_PLUGIN",
+    "list areas": "`areas` lists them",
+    "list data": "`data` lists the types",
+    "list measurements": "`measurements` lists them",
+    "store block": "put() stores them",
+    "add screen": "add one with add_screen()",
+    "move data": "read it with get_data(), delete it with delete_data(), and put it back afterwards",
+    "give type or area": "type= or area= is required",
+    "give rect or screen": "choose one with rect= or screen=",
+    "give screen": "say which with screen=",
+    "omit screen": "leave out screen=",
+    "give area ids": "say which with area=",
+    "read across": "read across them with mosaic=True",
+    "read apart": "read them apart, with area=",
+    "fill": "fill= gives the number for such cells",
+    "give number type": "say it with dtype=",
+    "give number form": "say how to read them with dtype=, scale= and unit=",
+    "other number type": "choose another dtype= or leave it out",
+    "read raw": "read the file as raw bytes",
 }
 
-# Texts come from the code that the command-line tool is made of, and may name its commands and options.
-_COMMANDS = {
-    "check": "check()",
-    "coef delete": "delete()",
-    "coef get": "coef()",
-    "coef list": "`areas`",
-    "coef put": "put()",
-    "create": "tovrdb.create()",
-    "data delete": "delete_data()",
-    "data get": "get_data()",
-    "data list": "`data`",
-    "data put": "put_data()",
-    "measure list": "`measurements`",
-    "screen add": "add_screen()",
-    "screen delete": "delete_screen()",
-    "screen list": "`screens`",
-}
-_OPTIONS = {
-    "beside": 'mode="beside"',
-    "force": "force=True",
-    "id": "area=",
-    "mosaic": "mosaic=True",
-    "new-screen": "new_screen=True",
-    "patch": 'mode="patch"',
-    "replace": 'mode="replace"',
-    "version-text": "text=",
-    "wait SECONDS": "wait=SECONDS",
-    "with-areas": "with_areas=True",
-}
-_NAMED = re.compile(r"`?\btovrdb (%s)\b`?|--(%s)\b|--([a-z][a-z-]*)"
-                    % ("|".join(_COMMANDS), "|".join(sorted(_OPTIONS, key=len, reverse=True))))
 
-
-def _in_python(named: "re.Match[str]") -> str:
-    command, option, parameter = named.groups()
-    if command:
-        return _COMMANDS[command]
-    return _OPTIONS[option] if option else parameter.replace("-", "_") + "="
-
-
-def error_of(exit_code: int, status: int, text: str, details: List[str]) -> Error:
-    """The exception for a failure of the compiled half, which calls this."""
-    kind = _BY_EXIT.get(exit_code, _BY_CODE.get(status, Error))
-    text = _NAMED.sub(_in_python, "\n".join([*details, text]))
-    return kind(text, status or None)
+def error_of(kind: str, status: int, text: str, remedies: List[str], details: List[str]) -> Error:
+    """The exception for an error of the compiled half, which calls this."""
+    exception = _BY_KIND.get(kind, _BY_CODE.get(status, Error))
+    advised = "; ".join([text, *(_ADVICE[remedy] for remedy in remedies)])
+    return exception("\n".join([*details, advised]), status or None)

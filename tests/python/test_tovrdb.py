@@ -313,18 +313,18 @@ def test_an_argument_is_refused_by_its_name(wall, call, error, text):
     assert (str(wall), wall.areas, wall.data) == before
 
 
-def test_errors_name_what_the_package_has():
-    """The compiled half is the tool's code: whatever option its texts name is a parameter here."""
-    source = pathlib.Path(__file__).parents[2] / "client"
-    texts = [text for path in source.rglob("*.cpp") for text in re.findall(r'"[^"\n]*"', path.read_text())]
-    options = sorted({option for text in texts for option in re.findall(r"--[a-z][a-z-]*", text)})
+def test_advice_names_what_the_package_has():
+    """The client suggests remedies as data and names no option of the tool; the package words every one of them."""
+    client = pathlib.Path(__file__).parents[2] / "client"
+    texts = [text for path in client.rglob("*.cpp") for text in re.findall(r'"[^"\n]*"', path.read_text())]
+    assert len(texts) > 100 and not [text for text in texts if re.search("--[a-z]", text)]
+    remedies = re.findall(r'case Remedy::\w+:\s+return "(.*)"', (client / "base/Error.cpp").read_text())
+    assert remedies and set(remedies) == set(_errors._ADVICE)
     operations = [tovrdb.open, tovrdb.create, *(member for _, member in inspect.getmembers(tovrdb.Wall, inspect.isfunction))]
-    names = {name for operation in operations for name in inspect.signature(operation).parameters}
-    assert len(options) > 10
-    for option in options:
-        told = str(_errors.error_of(2, 0, f"say how with {option} and `tovrdb coef list`", []))
-        assert "--" not in told and "tovrdb" not in told
-        assert re.search(r"(\w+)=", told).group(1) in names, told
+    parameters = {name for operation in operations for name in inspect.signature(operation).parameters}
+    for advice in _errors._ADVICE.values():
+        assert set(re.findall(r"(\w+)=", advice)) <= parameters, advice
+        assert all(hasattr(tovrdb.Wall, name) or name == "create" for name in re.findall(r"(\w+)\(\)", advice)), advice
 
 
 def test_a_file_stays_open_when_a_copy_is_refused(path, wall):

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/CellCsv.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/Overlaps.h"
@@ -18,7 +18,7 @@
 
 namespace {
 
-using namespace tovrtool;
+using namespace tovrdb;
 using namespace tovrtest;
 
 NpyArray parsed(const std::string& file) { return parseNpy(bytesOf(file), "a.npy"); }
@@ -161,8 +161,8 @@ TEST(CellBlockTest, ArraysAreBlocksOfTheirOwnRectangle) {
   EXPECT_EQ(toText(block.rect), "10,20,17,23");
   EXPECT_EQ(block.cellBytes, 18);
   EXPECT_EQ(blockShape(block.rect, 18, parseDtype("uint16")), (std::vector<std::size_t>{4, 8, 9}));
-  EXPECT_THROW(blockShape(block.rect, 18, parseDtype("uint32")), ToolError);
-  EXPECT_THROW(blockFromBytes(keptPayload(30), {0, 0, 2, 1}, 4), ToolError);
+  EXPECT_THROW(blockShape(block.rect, 18, parseDtype("uint32")), Error);
+  EXPECT_THROW(blockFromBytes(keptPayload(30), {0, 0, 2, 1}, 4), Error);
 }
 
 TEST(CellCsvTest, NumbersKeepEveryDigit) {
@@ -172,7 +172,7 @@ TEST(CellCsvTest, NumbersKeepEveryDigit) {
   std::string text;
   writeCsv(block, formOf("float32"), [&text](const std::string& line) { text += line; });
   EXPECT_EQ(text, "column,row,value0,value1\n3,2,1.5,-2\n4,2,0.100000001,16777216\n");
-  EXPECT_THROW(writeCsv(block, formOf("int64"), [](const std::string&) {}), ToolError);
+  EXPECT_THROW(writeCsv(block, formOf("int64"), [](const std::string&) {}), Error);
 }
 
 TEST(CellNumbersTest, EveryTypeIsRead) {

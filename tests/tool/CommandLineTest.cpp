@@ -9,10 +9,10 @@
 #include <thread>
 
 #include "client/base/Interrupt.h"
-#include "client/base/JsonText.h"
-#include "client/base/Message.h"
+#include "client/base/Json.h"
 #include "client/disk/FileOutput.h"
 #include "tests/tool/ToolFixture.h"
+#include "tool/io/Message.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ TEST_F(ToolTest, UsageErrors_NameTheRemedy) {
     EXPECT_TRUE(contains(outcome.err, c.words)) << c.arguments;
     EXPECT_TRUE(contains(outcome.err, "\ntovrdb: tovrdb " + std::string(c.command) + "--help")) << outcome.err;
   }
-  expectFailure(9, "--force writes anyway", "sample --size 2147483647x2147483647 -o x.npy");
+  expectFailure(9, "--force does it anyway", "sample --size 2147483647x2147483647 -o x.npy");
   EXPECT_FALSE(fs::exists(path("x.npy")));
 }
 
@@ -84,8 +84,8 @@ TEST(TextTest, Printable_HostileNames) {
       {"\xFF", "\xEF\xBF\xBD"},
       {std::string(5000, 'n'), std::string(3000, 'n') + " [... 1000 bytes ...] " + std::string(1000, 'n')},
   };
-  for (const auto& [name, shown] : cases) EXPECT_EQ(tovrtool::printable(name), shown);
-  EXPECT_EQ(tovrtool::jsonText("\xC2\x9B" + euro), "\"\\u009b" + euro + "\"\n");
+  for (const auto& [name, shown] : cases) EXPECT_EQ(tovrdb::printable(name), shown);
+  EXPECT_EQ(tovrdb::jsonText("\xC2\x9B" + euro), "\"\\u009b" + euro + "\"\n");
 }
 
 TEST_F(ToolTest, OutputOfManyWords_ClosedPipe) {
@@ -187,8 +187,8 @@ TEST_F(ToolTest, Interrupt_AfterTheRenameIsLate) {
   for (const bool committed : {false, true}) {
     const pid_t child = fork();
     if (child == 0) {
-      tovrtool::handleInterrupts();
-      tovrtool::FileOutput file(path("new"), tovrtool::Existing::kRefuse, 0600);
+      tovrdb::handleInterrupts();
+      tovrdb::FileOutput file(path("new"), tovrdb::Existing::kRefuse, 0600);
       if (committed) file.commit();
       raise(SIGINT);
       _exit(0);

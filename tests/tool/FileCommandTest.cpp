@@ -8,7 +8,7 @@
 namespace {
 
 using namespace tovrtest;
-using tovrtool::Findings;
+using tovrdb::Findings;
 
 constexpr char kManifest[] = "folder/manifest.json";
 

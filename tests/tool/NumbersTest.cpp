@@ -14,7 +14,7 @@
 
 namespace {
 
-using namespace tovrtool;
+using namespace tovrdb;
 
 NumberForm formOf(const std::string& dtype, const std::string& scale = "1", const std::string& unit = "") {
   return {parseDtype(dtype), parseScale(scale), unit};

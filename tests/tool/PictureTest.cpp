@@ -21,7 +21,8 @@ extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfi
 
 namespace {
 
-using namespace tovrtool;
+using namespace tovrdb;
+using namespace tovrdb::tool;
 using namespace tovrtest;
 
 // How light a colour is to the eye, by ITU-R BT.709's weights.

@@ -57,9 +57,9 @@ TEST_F(ReadingTest, TheFormOfNumbersIsKeptAndNeverGuessed) {
   expectTold("keeps its numbers as uint16, scale 1/4, unit cd/m2; their bytes are read as int16",
              kGet + "--rect 0,0,1,1 --dtype int16 -o other.npy");
   succeed("coef put wall.db --type 1 --at 2,0 b.npy --unit nits --force");
-  expectFailure(2, "read them apart, or say how", "heatmap wall.db --type 1 -o no.png");
+  expectFailure(2, "read them apart, with --area; say how to read them", "heatmap wall.db --type 1 -o no.png");
   succeed("heatmap wall.db --type 1 --rect 2,0,3,1 -o part.png");
-  expectFailure(2, "the array is of uint16", "coef put wall.db --type 1 --at 0,0 a.npy --dtype int16");
+  expectFailure(2, "the array has uint16 values", "coef put wall.db --type 1 --at 0,0 a.npy --dtype int16");
   expectFailure(2, "60 characters", "coef put wall.db --type 1 --at 0,0 a.npy --unit " + std::string(60, 'x'));
 }
 
@@ -104,7 +104,7 @@ TEST_F(ReadingTest, CabinetsHaveFiguresAndSeams) {
 }
 
 TEST(StoredAreaTest, FaultOfWidthsAndSizes) {
-  tovrtool::StoredArea area;
+  tovrdb::StoredArea area;
   area.rect = {0, 0, 9, 9};
   const struct {
     std::int32_t cellBytes;

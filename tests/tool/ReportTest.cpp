@@ -4,7 +4,7 @@
 #include <limits>
 #include <vector>
 
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
 #include "tool/report/BlockReduction.h"
@@ -13,7 +13,8 @@
 
 namespace {
 
-using namespace tovrtool;
+using namespace tovrdb;
+using namespace tovrdb::tool;
 using namespace tovrtest;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/files/FileRewrite.h"
 #include "client/session/Session.h"
 #include "tests/support/DatabaseContent.h"
@@ -129,7 +129,7 @@ TEST_F(SharedFileTest, Backup_WalMode) {
 TEST_F(SharedFileTest, Rekey_LocksUntilReplaced) {
   std::vector<int> others;
   whileFlushing = [&] { others.push_back(run("--wait 0 " + kPut + "2").code); };
-  tovrtool::rewriteFile({TOVR_PLUGIN_FILE, 0}, path("wall.db"), kWordKey, "another key", "rekey");
+  tovrdb::rewriteFile({TOVR_PLUGIN_FILE, 0}, path("wall.db"), kWordKey, "another key", "rekey");
   whileFlushing = nullptr;
   EXPECT_EQ(others, (std::vector<int>{6, 4})) << "the new file is flushed, then the folder with the new name";
   EXPECT_EQ(sql(path("wall.db"), "select count(*) from Coef", "another key"), "1\n");
@@ -138,9 +138,9 @@ TEST_F(SharedFileTest, Rekey_LocksUntilReplaced) {
 TEST_F(SharedFileTest, Rekey_FileStaysOpenElsewhere) {
   const std::string environment = "TOVRDB_NEW_KEY='the test key' " + std::string(kKey);
   {
-    auto session = tovrtool::Session::openExisting({TOVR_PLUGIN_FILE, 0}, path("wall.db"), kWordKey);
+    auto session = tovrdb::Session::openExisting({TOVR_PLUGIN_FILE, 0}, path("wall.db"), kWordKey);
     EXPECT_EQ(run("rekey wall.db", environment).code, 0);
-    EXPECT_THROW(tovrtool::Transaction transaction(session), tovrtool::ToolError);
+    EXPECT_THROW(tovrdb::Transaction transaction(session), tovrdb::Error);
   }
   Other other(path("wall.db"), "select 1");
   EXPECT_EQ(run("rekey wall.db", environment).code, 0);

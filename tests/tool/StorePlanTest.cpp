@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace tovrtool;
+using namespace tovrdb;
 using Kind = StoreStep::Kind;
 using Rects = std::vector<Rect>;
 using Wanted = std::vector<WantedBlock>;
@@ -125,8 +125,8 @@ TEST_F(StorePlanTest, ByNameTheOneAreaOfATypeIsNotLostUnasked) {
   EXPECT_TRUE(refuses({"4112"}, {kWhole}, {named(kMiddle, "T")}, kPatch));
   EXPECT_TRUE(refuses({"4113"}, {}, {named(kWhole)}, kUpdate));
   EXPECT_TRUE(refuses({"area 2 (4,4,5,5) would lie outside"}, {kCorner, kMiddle}, {named(kCorner)}, kUpdate));
-  EXPECT_THROW(plan({}, {block(kWhole)}, kCareful), ToolError);
-  EXPECT_THROW(plan({}, {named(kWhole)}, kBeside), ToolError);
+  EXPECT_THROW(plan({}, {block(kWhole)}, kCareful), Error);
+  EXPECT_THROW(plan({}, {named(kWhole)}, kBeside), Error);
 }
 
 TEST_F(StorePlanTest, KeptForm_IsNotLostUnasked) {

@@ -118,7 +118,7 @@ TEST_F(StoreTest, APatchChangesItsCellsAndNothingElse) {
 TEST_F(StoreTest, RowsAreThoseThatTheLibraryWrites) {
   const struct {
     std::int32_t type;
-    tovrtool::Rect rect;
+    tovrdb::Rect rect;
     std::int32_t cellBytes;
     std::int32_t number;
     const char* arguments;
@@ -130,14 +130,14 @@ TEST_F(StoreTest, RowsAreThoseThatTheLibraryWrites) {
     const std::string screen = name == "named.db" ? "S" : "";
     fs::copy_file(path(name), library);
     for (const auto& put : puts) {
-      auto session = tovrtool::Session::openExisting({TOVR_PLUGIN_FILE}, library, kWordKey);
+      auto session = tovrdb::Session::openExisting({TOVR_PLUGIN_FILE}, library, kWordKey);
       Bytes cells = keptPayload();
       auto record = session.host().makeRecord<tovr::CoefData>();
       record->coeftype = put.type;
       record->areaid = put.number;
       record->version = "text";
       record->screenname = screen;
-      tovrtool::setRect(*record, put.rect);
+      tovrdb::setRect(*record, put.rect);
       record->coefBuffer = {put.cellBytes, cells.data(), 64};
       EXPECT_EQ(session.manager().insertData(record.get()), 0);
       succeed("coef put " + name + " --raw cells --version-text text " + put.arguments +

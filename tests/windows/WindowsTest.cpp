@@ -5,11 +5,11 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "client/disk/Paths.h"
 #include "crypto/Encryption.h"
 #include "host/PluginHost.h"
 #include "tests/support/Files.h"
 #include "tests/support/Fixture.h"
-#include "client/disk/Paths.h"
 
 namespace tovrtest {
 
@@ -99,9 +99,9 @@ TEST_F(WindowsTest, DatabasePathsAreUtf8AndTextPathsOfTheAnsiCodePage) {
 TEST_F(WindowsTest, TheToolsPathsAreUtf8AsItHandsThemToTheFileSystem) {
   const std::string folder = path("");
   const std::string name = folder + "w\xC3\xA4nd-\xE5\xB1\x8F";
-  std::ofstream(tovrtool::pathOf(name)) << "text";
+  std::ofstream(tovrdb::pathOf(name)) << "text";
   EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(folder) / L"w\u00E4nd-\u5C4F"));
-  EXPECT_EQ(tovrtool::textOf(tovrtool::pathOf(name)), name);
+  EXPECT_EQ(tovrdb::textOf(tovrdb::pathOf(name)), name);
 }
 
 TEST_F(WindowsTest, ExceptionsOfTheLibraryAreCaughtByTheHostThoughEachHasItsOwnRuntime) {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 std::pair<double, double> parseNumberRange(const std::string& text) {
@@ -119,4 +119,4 @@ CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size,
   return addParsed(command, name, size, parseSize, description)->type_name("COLUMNSxROWS");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

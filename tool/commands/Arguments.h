@@ -11,7 +11,7 @@
 #include "client/cells/Rect.h"
 #include "tool/io/ByteOutput.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // An option whose text `parse` turns into the value; its complaint becomes the command line's.
 template <class Value, class Parse>
@@ -60,4 +60,4 @@ CLI::Option* addPercentRange(CLI::App& command, const std::string& name,
                              std::optional<std::pair<double, double>>& range, const std::string& description);
 CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

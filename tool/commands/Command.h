@@ -9,7 +9,7 @@
 #include "client/session/Access.h"
 #include "tool/io/StandardOutput.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct GlobalOptions {
   Access access;
@@ -77,4 +77,4 @@ class CommandGroup {
   Command& chosen_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -2,7 +2,7 @@
 
 #include "client/cells/NpyFile.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 OptionPage pageOf(const CLI::Option& option) {
@@ -54,4 +54,4 @@ std::vector<CommandPage> commandPages(const CLI::App& app) {
   return pages;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

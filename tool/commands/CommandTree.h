@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct OptionPage {
   std::vector<std::string> names;    // "-o", "--output"; empty for a positional
@@ -30,4 +30,4 @@ std::vector<std::string> choicesOf(const CLI::Option& option);
 // The program first, then every command that can be named, depth first.
 std::vector<CommandPage> commandPages(const CLI::App& app);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -2,7 +2,7 @@
 // the .cpp of the same name.
 #pragma once
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 class CommandGroup;
 
@@ -29,4 +29,4 @@ void addRewriteCommands(CommandGroup& program);  // rekey, upgrade
 void addSampleCommand(CommandGroup& program);
 void addScreenCommands(CommandGroup& program);  // screen add, list, delete
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 std::string joined(const std::vector<std::string>& words) {
@@ -131,4 +131,4 @@ std::string fishCompletion(const std::vector<CommandPage>& pages) {
   return text;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,10 +6,10 @@
 
 #include "tool/commands/CommandTree.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 std::string bashCompletion(const std::vector<CommandPage>& pages);
 std::string zshCompletion(const std::vector<CommandPage>& pages);
 std::string fishCompletion(const std::vector<CommandPage>& pages);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

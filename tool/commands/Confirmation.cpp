@@ -2,12 +2,12 @@
 
 #include <iostream>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/disk/Platform.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 void confirmDeletion(const std::vector<std::string>& what, bool forced) {
   if (forced) {
@@ -15,17 +15,17 @@ void confirmDeletion(const std::vector<std::string>& what, bool forced) {
     return;
   }
   if (!isTerminal(kStandardInput)) {
-    throw ToolError(kUsage, "this deletes {}: give --force to do it", shortList(what, "; "));
+    throw Error(kInvalid, "this deletes {}: give --force to do it", shortList(what, "; "));
   }
   for (const std::string& thing : what) complain("this deletes " + thing);
   std::cerr << "Delete? [y/N] " << std::flush;
   std::string answer;
   std::getline(std::cin, answer);
-  if (answer != "y" && answer != "yes") throw ToolError(kRefused, "nothing was deleted");
+  if (answer != "y" && answer != "yes") throw Error(kRefused, "nothing was deleted");
 }
 
 void addForcedDeletion(CLI::App& command, bool& force) {
   command.add_flag("--force", force, "Do not ask; needed when there is no terminal");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
-// Shows what goes and asks on a terminal, unless `forced`. Throws ToolError if the answer is no, and if nobody can be
+// Shows what goes and asks on a terminal, unless `forced`. Throws Error if the answer is no, and if nobody can be
 // asked.
 void confirmDeletion(const std::vector<std::string>& what, bool forced);
 
 // --force
 void addForcedDeletion(CLI::App& command, bool& force);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,7 +6,7 @@
 #include "tool/commands/Completion.h"
 #include "tool/commands/ManualPage.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -63,4 +63,4 @@ void addDocCommands(CommandGroup& program) {
       ->check(CLI::IsMember({"bash", "zsh", "fish"}));
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 // Backslashes and dashes are said literally; a line never begins with a control character.
@@ -67,4 +67,4 @@ std::string manualPage(const std::vector<CommandPage>& pages, const std::string&
          verbatim(program.footer);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,9 +6,9 @@
 
 #include "tool/commands/CommandTree.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // Section 1, with what it says about JSON, in the man macros of roff (man(7)).
 std::string manualPage(const std::vector<CommandPage>& pages, const std::string& jsonManual);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

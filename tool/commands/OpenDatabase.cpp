@@ -2,11 +2,11 @@
 
 #include <filesystem>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/Paths.h"
 #include "tool/io/KeySource.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 Session openDatabase(const Context& context, const std::string& path) {
   requireDatabaseFile(path);
@@ -22,8 +22,8 @@ Session openDatabase(const Context& context, const std::string& path, const std:
 void requireOtherThanLog(const Context& context, const std::string& path) {
   std::error_code error;
   if (std::filesystem::equivalent(pathOf(path), pathOf(context.options.log), error)) {
-    throw ToolError(kUsage, "--log would write into the database: give another file");
+    throw Error(kInvalid, "--log would write into the database: give another file");
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,13 +6,13 @@
 #include "client/session/Session.h"
 #include "tool/commands/Command.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
-// Asks for the key only after a look at the file. Throw ToolError.
+// Asks for the key only after a look at the file. Throw Error.
 Session openDatabase(const Context& context, const std::string& path);
 Session openDatabase(const Context& context, const std::string& path, const std::string& key);
 
-// Throws ToolError where --log names the database file; nothing was appended to it yet.
+// Throws Error where --log names the database file; nothing was appended to it yet.
 void requireOtherThanLog(const Context& context, const std::string& path);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,7 +6,7 @@
 
 #include "tool/commands/CommandTree.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 // Edit distance in which neighbours that are swapped count once: "optimal string alignment".
@@ -183,4 +183,4 @@ std::string helpHint(const std::string& command) {
                          : fmt::format("tovrdb {} --help shows its usage", command);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

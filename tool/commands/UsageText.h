@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // The candidate that `word` was probably meant to be: it begins with the word, or differs in few letters (left out, put
 // in, exchanged or swapped). Leading dashes do not count. Empty if no name is near.
@@ -20,4 +20,4 @@ std::string helpHint(const std::string& command);
 // The words of the command that the command line named so far: "coef get".
 std::string namedCommand(const CLI::App& app);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

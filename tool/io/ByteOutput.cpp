@@ -2,16 +2,16 @@
 
 #include <filesystem>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/Paths.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 ByteOutput::ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source)
     : standard_(standard), force_(options.force) {
   std::error_code error;
   if (std::filesystem::equivalent(pathOf(options.path), pathOf(source), error)) {
-    throw ToolError(kUsage, "the output would replace {}, from which it is made: give another name", source);
+    throw Error(kInvalid, "the output would replace {}, from which it is made: give another name", source);
   }
   if (options.path == "-" || descriptorNamed(options.path) == kStandardOutput) {
     standard_.refuseTerminal();
@@ -36,4 +36,4 @@ void ByteOutput::commit() {
   if (file_) file_->commit();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -9,7 +9,7 @@
 #include "client/disk/FileOutput.h"
 #include "tool/io/StandardOutput.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct OutputOptions {
   std::string path;  // "-", or a name of it such as "/dev/stdout", is standard output
@@ -19,11 +19,11 @@ struct OutputOptions {
 
 class ByteOutput {
  public:
-  // Throws ToolError if the destination takes nothing, and if it is `source`, the file that the bytes come from (if
+  // Throws Error if the destination takes nothing, and if it is `source`, the file that the bytes come from (if
   // any): asked before the work, not after.
   ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
 
-  // Throws ToolError if a new file is to hold `bytes` and the disk has no room for them, unless told to replace
+  // Throws Error if a new file is to hold `bytes` and the disk has no room for them, unless told to replace
   // whatever there is.
   void requireRoom(double bytes) const;
 
@@ -39,4 +39,4 @@ class ByteOutput {
   std::optional<FileOutput> file_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,30 +6,30 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kLongestKey = std::size_t{1} << 16;  // bytes; those that people use have below 100
 
 std::string keyFromPrompt(KeyUse use, const KeyKind& kind) {
   if (!isTerminal(kStandardInput)) {
-    throw ToolError(kKeyProblem, "no key: give {} FILE, set {}, or run it on a terminal", kind.option, kind.variable);
+    throw Error(kKeyProblem, "no key: give {} FILE, set {}, or run it on a terminal", kind.option, kind.variable);
   }
   std::string key = readWithoutEcho(fmt::format("{}: ", kind.prompt));
   if (use == KeyUse::kCreate && key != readWithoutEcho(fmt::format("{} again: ", kind.prompt))) {
-    throw ToolError(kKeyProblem, "the two keys differ; nothing was done");
+    throw Error(kKeyProblem, "the two keys differ; nothing was done");
   }
   return key;
 }
 
 std::string keyFromVariable(const std::string& key, const KeyKind& kind) {
   if (key.empty() || (key.back() != '\n' && key.back() != '\r')) return key;
-  throw ToolError(kKeyProblem, "the key in {} ends with a line break, which would become part of it: remove it",
-                  kind.variable);
+  throw Error(kKeyProblem, "the key in {} ends with a line break, which would become part of it: remove it",
+              kind.variable);
 }
 
 std::string keyFromAnywhere(const std::string& keyFile, KeyUse use, const KeyKind& kind) {
@@ -53,20 +53,20 @@ std::string readKeyFile(const std::string& path) {
   std::ifstream file(pathOf(path), std::ios::binary);
   std::string line(kLongestKey + 1, '\0');
   if (!file || (!file.read(line.data(), static_cast<std::streamsize>(line.size())) && !file.eof())) {
-    throw ToolError(kKeyProblem, "cannot read the key file {}: {}", path, systemError());
+    throw Error(kKeyProblem, "cannot read the key file {}: {}", path, systemError());
   }
   line.resize(static_cast<std::size_t>(file.gcount()));
   line.resize(std::min(line.find('\n'), line.size()));
   if (!line.empty() && line.back() == '\r') line.pop_back();
-  if (const char* fault = keyFault(line)) throw ToolError(kKeyProblem, "the key file {} {}", path, fault);
+  if (const char* fault = keyFault(line)) throw Error(kKeyProblem, "the key file {} {}", path, fault);
   return line;
 }
 
 std::string readKey(const std::string& keyFile, KeyUse use, const KeyKind& kind) {
   std::string key = keyFromAnywhere(keyFile, use, kind);
   // The engine takes an empty key for "not encrypted".
-  if (key.empty()) throw ToolError(kKeyProblem, "the key is empty: an empty key would leave the file unencrypted");
+  if (key.empty()) throw Error(kKeyProblem, "the key is empty: an empty key would leave the file unencrypted");
   return key;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

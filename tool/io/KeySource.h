@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 enum class KeyUse { kOpen, kCreate };
 
@@ -18,12 +18,12 @@ constexpr KeyKind kNewPageKey{"--new-key-file", "TOVRDB_NEW_KEY", "New key"};
 constexpr KeyKind kCipherKey{"--cipher-key-file", "TOVRDB_CIPHER_KEY", "Cipher key"};
 
 // The first line of `keyFile` if that is not empty, else the kind's environment variable, else a prompt on a terminal
-// (for kCreate twice). Throws ToolError without a source, when the file cannot be read, for an empty key, and for a
+// (for kCreate twice). Throws Error without a source, when the file cannot be read, for an empty key, and for a
 // variable that ends with a line break.
 std::string readKey(const std::string& keyFile, KeyUse use, const KeyKind& kind = kPageKey);
 
-// The first line of `path`, without its line end. Throws ToolError when it cannot be read, begins with a byte order
+// The first line of `path`, without its line end. Throws Error when it cannot be read, begins with a byte order
 // mark, or is not a text.
 std::string readKeyFile(const std::string& path);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

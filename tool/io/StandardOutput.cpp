@@ -1,8 +1,8 @@
 #include "tool/io/StandardOutput.h"
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 StandardOutput::StandardOutput()
     : results_(duplicateAsStream(kStandardOutput)), terminal_(isTerminal(kStandardOutput)) {
@@ -30,14 +30,14 @@ void StandardOutput::print(const std::string& text) { write(text.data(), text.si
 
 void StandardOutput::write(const void* bytes, std::size_t size) {
   if (size == 0) return;
-  if (results_ == nullptr) throw ToolError(kFileProblem, "standard output is closed: redirect it to a file");
+  if (results_ == nullptr) throw Error(kFileProblem, "standard output is closed: redirect it to a file");
   if (std::fwrite(bytes, 1, size, results_.get()) != size) {
     throw systemFailure("cannot write the results to standard output");
   }
 }
 
 void StandardOutput::refuseTerminal() const {
-  if (terminal_) throw ToolError(kUsage, "bytes are not for a terminal: redirect standard output or give -o FILE");
+  if (terminal_) throw Error(kInvalid, "bytes are not for a terminal: redirect standard output or give -o FILE");
 }
 
 void StandardOutput::finish() {
@@ -49,4 +49,4 @@ void StandardOutput::finish() {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -9,7 +9,7 @@
 
 #include "client/disk/Platform.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 class StandardOutput {
  public:
@@ -19,17 +19,17 @@ class StandardOutput {
   StandardOutput& operator=(const StandardOutput&) = delete;
   ~StandardOutput();
 
-  // Appends the library's lines to a file. Throws ToolError when it cannot be opened.
+  // Appends the library's lines to a file. Throws Error when it cannot be opened.
   void logLibraryTo(const std::string& path);
   void showLibrary();
 
-  // Results. Throw ToolError when they cannot be written: kPipeClosed when nobody reads them any more.
+  // Results. Throw Error when they cannot be written: kPipeClosed when nobody reads them any more.
   void print(const std::string& text);
   void write(const void* bytes, std::size_t size);
-  // Where payloads are to go: throws ToolError on a terminal.
+  // Where payloads are to go: throws Error on a terminal.
   void refuseTerminal() const;
 
-  // Everything written so far has arrived, results and log. Throws ToolError where it has not.
+  // Everything written so far has arrived, results and log. Throws Error where it has not.
   void finish();
 
  private:
@@ -38,4 +38,4 @@ class StandardOutput {
   std::string log_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

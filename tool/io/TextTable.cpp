@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "client/base/Message.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kWidest = 200;  // bytes: longer names lose their middle
@@ -47,4 +47,4 @@ std::string textTable(const std::vector<Column>& columns, const TextRows& rows) 
   return text;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct Column {
   std::string title;
@@ -16,4 +16,4 @@ using TextRows = std::vector<std::vector<std::string>>;
 // A line of titles, then one per row; texts as `printable` shows them. REQUIRES: every row has a text for each column.
 std::string textTable(const std::vector<Column>& columns, const TextRows& rows);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

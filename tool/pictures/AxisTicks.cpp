@@ -9,7 +9,7 @@
 
 #include "client/cells/NumberText.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr double kPowerFrom = 1e7;  // numbers from here on, and steps below the next, are written as powers
@@ -73,4 +73,4 @@ std::vector<TickLabel> barLabels(double low, double high, int most) {
   return {{low, numberText(low)}, {high, numberText(high)}};
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

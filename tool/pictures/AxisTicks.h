@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct Ticks {
   double step = 1;
@@ -30,4 +30,4 @@ struct TickLabel {
 // alike, however long their numbers. REQUIRES: as of roundTicks.
 std::vector<TickLabel> barLabels(double low, double high, int most);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

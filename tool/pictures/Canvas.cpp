@@ -8,10 +8,10 @@
 #include <new>
 #include <stdexcept>
 
-#include "client/base/JsonText.h"
-#include "client/base/Message.h"
+#include "client/base/Json.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr const char* kFontFamily = "DejaVu Sans, sans-serif";  // what it lacks comes from other faces
@@ -192,4 +192,4 @@ void Canvas::use(const Colour& colour, double opacity) {
   cairo_set_source_rgba(context_.get(), colour.red / 255.0, colour.green / 255.0, colour.blue / 255.0, opacity);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

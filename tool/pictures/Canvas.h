@@ -12,7 +12,7 @@ struct _cairo;          // NOLINT(bugprone-reserved-identifier): the names are c
 struct _cairo_surface;  // NOLINT(bugprone-reserved-identifier)
 struct _PangoLayout;    // NOLINT(bugprone-reserved-identifier): and Pango's
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 enum class Align { kLeft, kMiddle, kRight };
 
@@ -99,4 +99,4 @@ class Canvas {
   int originY_ = 0;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <iterator>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 // viridis, by Nathaniel Smith, Stefan van der Walt and Eric Firing, given to the public domain (CC0): its 256 colours
@@ -146,4 +146,4 @@ const Colour& ColourMap::at(double position) const {
   return colours_[static_cast<std::size_t>(std::lround(std::clamp(position, 0.0, 1.0) * last))];
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

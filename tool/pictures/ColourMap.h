@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct Colour {
   std::uint8_t red = 0;
@@ -29,4 +29,4 @@ class ColourMap {
   std::vector<Colour> colours_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -7,7 +7,7 @@
 
 #include "client/statistics/Statistics.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 NumberRange extremesOf(const std::vector<double>& values) {
@@ -51,4 +51,4 @@ NumberRange balancedRange(const std::vector<double>& values, double percent) {
   return {-bound, bound};
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

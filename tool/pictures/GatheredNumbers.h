@@ -10,7 +10,7 @@
 #include "client/cells/CoveredCells.h"
 #include "tool/pictures/Raster.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 using NumberRange = std::pair<double, double>;
 
@@ -43,4 +43,4 @@ class GatheredNumbers {
   std::vector<double> values_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -8,7 +8,7 @@
 #include "client/cells/NumberText.h"
 #include "tool/pictures/AxisTicks.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr Colour kInk{34, 34, 34};
@@ -319,4 +319,4 @@ void HeatmapPanel::drawNotes(Canvas& canvas) const {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -10,7 +10,7 @@
 #include "tool/pictures/HeatmapPicture.h"
 #include "tool/pictures/Raster.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // How areas are outlined: many small ones would vanish under their outlines.
 enum class AreaLines { kFull, kThin, kNone };
@@ -65,4 +65,4 @@ class HeatmapPanel {
   Layout layout_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

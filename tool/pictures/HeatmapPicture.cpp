@@ -5,7 +5,7 @@
 #include "tool/pictures/Canvas.h"
 #include "tool/pictures/HeatmapPanel.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 const Font kTitle{17, true, {34, 34, 34}};
@@ -76,4 +76,4 @@ class SheetPicture {
 
 std::vector<unsigned char> drawSheet(const Sheet& sheet) { return SheetPicture(sheet).draw(); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -10,7 +10,7 @@
 #include "tool/pictures/ColourMap.h"
 #include "tool/pictures/Raster.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct Outline {
   Rect rect{};
@@ -52,4 +52,4 @@ struct Sheet {
 // REQUIRES: at least one panel.
 std::vector<unsigned char> drawSheet(const Sheet& sheet);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

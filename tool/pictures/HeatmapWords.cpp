@@ -2,7 +2,7 @@
 
 #include <fmt/core.h>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 std::string scaleNote(const RasterScale& scale, Merge merge) {
   const auto times = [](auto across, auto down) { return fmt::format("{} x {}", across, down); };
@@ -23,4 +23,4 @@ void setColours(const GatheredNumbers& numbers, const NumberRange& range, Heatma
   heatmap.most = extremes.second;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,7 +6,7 @@
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // How cells came to pixels.
 std::string scaleNote(const RasterScale& scale, Merge merge);
@@ -14,4 +14,4 @@ std::string scaleNote(const RasterScale& scale, Merge merge);
 // The colours span `range`, and the bar tells what lies beyond.
 void setColours(const GatheredNumbers& numbers, const NumberRange& range, Heatmap& heatmap);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

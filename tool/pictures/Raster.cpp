@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::int64_t kLeast = 48;        // pixels of the shorter side
@@ -67,4 +67,4 @@ void Raster::mark(std::int32_t x, std::int32_t y) {
   marks_[static_cast<std::size_t>(row) * columns_ + static_cast<std::size_t>(column)] = true;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

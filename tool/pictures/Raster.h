@@ -10,7 +10,7 @@
 
 #include "client/cells/Rect.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // One of the two numbers is 1.
 struct AxisScale {
@@ -82,4 +82,4 @@ class Raster {
   std::vector<bool> marks_;  // empty without any
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

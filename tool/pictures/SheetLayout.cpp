@@ -6,10 +6,10 @@
 #include <cmath>
 #include <cstdint>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "tool/pictures/HeatmapWords.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kMostPanels = 64;
@@ -51,9 +51,9 @@ PixelLimits PanelPlan::limits() const {
 
 void requirePanels(const PanelPlan& plan) {
   if (plan.count() <= kMostPanels) return;
-  throw ToolError(kUsage, "{} screens with {} components are more than the {} pictures that one can hold: {}",
-                  plan.screens, plan.components, kMostPanels,
-                  plan.screens > 1 ? "say which with --screen" : "draw them one by one, with --component");
+  throw Error(kInvalid, "{} screens with {} components are more than the {} pictures that one can hold: {}",
+              plan.screens, plan.components, kMostPanels,
+              plan.screens > 1 ? "say which with --screen" : "draw them one by one, with --component");
 }
 
 void setColours(std::vector<PanelNumbers>& panels,
@@ -89,4 +89,4 @@ Sheet sheetOf(const PanelPlan& plan, const std::vector<PanelNumbers>& panels, Me
   return sheet;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

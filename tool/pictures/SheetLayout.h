@@ -10,7 +10,7 @@
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct PanelNumbers {
   std::string screen;  // empty: of all screens in their places
@@ -30,7 +30,7 @@ struct PanelPlan {
   PixelLimits limits() const;
 };
 
-// Throws ToolError for more panels than one picture can show.
+// Throws Error for more panels than one picture can show.
 void requirePanels(const PanelPlan& plan);
 
 // Colours mean the same on all screens: `rangeOf` gets the numbers of one component on all of them.
@@ -42,4 +42,4 @@ void setColours(std::vector<PanelNumbers>& panels,
 Sheet sheetOf(const PanelPlan& plan, const std::vector<PanelNumbers>& panels, Merge merge, const std::string& title,
               const std::vector<std::string>& notes);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <limits>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 ReducedNumbers reduceBlocks(const std::vector<double>& numbers, std::int64_t columns, std::int64_t rows,
                             std::int64_t block) {
@@ -29,4 +29,4 @@ ReducedNumbers reduceBlocks(const std::vector<double>& numbers, std::int64_t col
   return reduced;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct ReducedNumbers {
   std::int64_t columns = 0;  // of blocks
@@ -19,4 +19,4 @@ struct ReducedNumbers {
 ReducedNumbers reduceBlocks(const std::vector<double>& numbers, std::int64_t columns, std::int64_t rows,
                             std::int64_t block);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

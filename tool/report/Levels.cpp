@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz!#$%&()*+-;,=>?@^_`{|}~";
@@ -94,4 +94,4 @@ std::vector<unsigned char> bitsOf(const std::vector<bool>& values) {
   return bytes;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // Number i is offset + step * level i. Levels are little-endian, row after row.
 struct Levels {
@@ -31,4 +31,4 @@ constexpr std::size_t packedSize(std::size_t bytes) { return (bytes + 3) / 4 * 5
 // One bit per value, the lowest of a byte first.
 std::vector<unsigned char> bitsOf(const std::vector<bool>& values);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,7 +1,7 @@
 // What every page is made of: the files of tool/report/page, put into the program when it is built.
 #pragma once
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 extern const char kPageHtml[];
 extern const char kPageStyle[];
@@ -9,4 +9,4 @@ extern const char kPageScript[];
 extern const char kPageStyleHash[];  // SHA-256 of the style and of the script, in base 64, as policies name them
 extern const char kPageScriptHash[];
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

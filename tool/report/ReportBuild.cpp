@@ -7,13 +7,13 @@
 #include <stdexcept>
 #include <utility>
 
-#include "client/base/Progress.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Listener.h"
 #include "client/disk/Paths.h"
 #include "client/session/SqlQuery.h"
 #include "tool/report/ReportLayer.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr double kRoom = 23.6e6;  // characters of numbers in a page of at most 25 MB
@@ -28,7 +28,7 @@ void readWhatOneCan(Session& session, ReportContent& content, const std::string&
   verdict.name = what;
   try {
     return action();
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (isNoFault(error)) throw;
     verdict.faults.add(error.what());
   } catch (const std::logic_error&) {  // the library's, for a text that is not a number
@@ -43,8 +43,8 @@ std::vector<Rect> cabinetsOf(const CellSet& set, const Rect& rect, const CellPai
   const std::int64_t down = rowsOf(rect) / size.y + 2;
   const double count = static_cast<double>(across) * static_cast<double>(down);
   if (count > kMostCabinets) {
-    throw ToolError(kUsage, "cabinets of {} x {} cells would be {:.0f} of them: give their real size", size.x, size.y,
-                    count);
+    throw Error(kInvalid, "cabinets of {} x {} cells would be {:.0f} of them: give their real size", size.x, size.y,
+                count);
   }
   return cabinetsIn(rect, {set.screenRect.left, set.screenRect.top}, size);
 }
@@ -145,8 +145,8 @@ void addFacts(Session& session, ReportContent& content) {
 FileChanges changesSince(const Access& access, const ReportQuestion& question, ReportContent& content) {
   try {
     return changesBetween(access, *question.against, question.file, question.form);
-  } catch (const ToolError& error) {
-    const bool opened = error.code() != kKeyProblem && error.code() != kFileProblem;
+  } catch (const Error& error) {
+    const bool opened = error.kind() != kKeyProblem && error.kind() != kFileProblem;
     if (isNoFault(error) || !opened || error.status() == 0) throw;
     content.againstFault = error.what();
     return {};
@@ -162,7 +162,7 @@ void addAreas(Session& session, ReportContent& content) {
       each.area = std::move(area);
     }
     return;
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (isNoFault(error)) throw;
     beginAgain(session);
   }
@@ -172,7 +172,7 @@ void addAreas(Session& session, ReportContent& content) {
       static_cast<Placement&>(each.area) = placement;
       try {
         each.area = storedArea(session, placement);
-      } catch (const ToolError& error) {
+      } catch (const Error& error) {
         if (isNoFault(error)) throw;
         each.fault = error.what();
         beginAgain(session);
@@ -208,4 +208,4 @@ ReportContent buildReport(const Access& access, const ReportQuestion& question) 
   return content;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -7,7 +7,7 @@
 #include "client/checks/FileDifference.h"
 #include "tool/report/ReportContent.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct ReportQuestion {
   FileAndKey file;
@@ -16,8 +16,8 @@ struct ReportQuestion {
   std::optional<CellPair> cabinet;
 };
 
-// Reads every byte of the file. Damage is told in the content; throws ToolError where the file does not open at all,
+// Reads every byte of the file. Damage is told in the content; throws Error where the file does not open at all,
 // where the older one cannot be compared with it, and for cabinets that are too many.
 ReportContent buildReport(const Access& access, const ReportQuestion& question);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

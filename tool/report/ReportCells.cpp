@@ -8,13 +8,13 @@
 #include <map>
 #include <tuple>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/CoveredCells.h"
 #include "client/checks/DatabaseChecks.h"
 #include "client/reading/NumberForms.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kMostComponents = 64;
@@ -106,7 +106,7 @@ GridCells readSet(Session& session, const CellSet& set, std::vector<ReportArea>&
     try {
       const CellBlock block = readBlock(session, areas[index].area);
       covered.add(block.rect, [&](const CellRun& run) { copyRun(block, run, grid); });
-    } catch (const ToolError& error) {
+    } catch (const Error& error) {
       if (isNoFault(error)) throw;
       areas[index].fault = error.what();
       beginAgain(session);
@@ -125,4 +125,4 @@ std::vector<double> storedNumbers(const GridCells& grid, const Dtype& dtype, std
   return numbers;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -10,7 +10,7 @@
 #include "client/cells/NumberForm.h"
 #include "client/contents/StoredArea.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct ReportArea {
   StoredArea area;
@@ -44,10 +44,10 @@ struct GridCells {
 };
 
 // Where areas overlap, the one that was stored first shows, as in the library. A block that cannot be read gives its
-// area a fault. Throws ToolError for what says nothing about the file.
+// area a fault. Throws Error for what says nothing about the file.
 GridCells readSet(Session& session, const CellSet& set, std::vector<ReportArea>& areas);
 
 // The numbers of one component as they are stored, without scale; NaN where a cell is missing.
 std::vector<double> storedNumbers(const GridCells& grid, const Dtype& dtype, std::size_t component);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 #include "client/checks/DatabaseChecks.h"
 #include "client/checks/FileFacts.h"
 #include "tool/report/ReportCells.h"
 #include "tool/report/ReportDifference.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // The data of one set, and what its text says beside it.
 struct ReportSet {
@@ -36,4 +36,4 @@ struct ReportContent {
   std::int64_t block = 1;  // cells of a side that the pictures show as one
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,7 +6,7 @@
 
 #include "client/cells/CellNumbers.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 bool sameCell(const CellBlock& before, const CellBlock& after, std::int32_t x, std::int32_t y) {
@@ -94,4 +94,4 @@ std::vector<bool> SetChanges::changed(std::size_t component) const {
   return cells;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

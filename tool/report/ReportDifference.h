@@ -11,7 +11,7 @@
 #include "client/statistics/CabinetReport.h"
 #include "tool/report/ReportCells.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // The part of a block around all cells of it that changed, and the whole block's form of numbers where it is known.
 struct ChangedCells {
@@ -27,7 +27,7 @@ struct FileChanges {
   std::vector<ChangedCells> cells;
 };
 
-// `before` is the older file. Throws ToolError as FileComparison does.
+// `before` is the older file. Throws Error as FileComparison does.
 FileChanges changesBetween(const Access& access, const FileAndKey& before, const FileAndKey& after,
                            const FormOptions& options);
 
@@ -53,4 +53,4 @@ class SetChanges {
   std::vector<const ChangedCells*> changes_;
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

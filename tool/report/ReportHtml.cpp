@@ -4,11 +4,11 @@
 
 #include <algorithm>
 
-#include "client/base/Message.h"
 #include "client/cells/NumberText.h"
+#include "tool/io/Message.h"
 #include "tool/report/WallMap.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kMostRows = 500;  // of a table that is there without scripts
@@ -239,4 +239,4 @@ std::string bodyHtml(const ReportContent& content) {
   return text + "</main>\n";
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -14,7 +14,7 @@
 #include "tool/report/BlockReduction.h"
 #include "tool/report/Levels.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr double kTextPerByte = 1.25;
@@ -237,4 +237,4 @@ double leastCharacters(double values, std::int64_t block) {
 
 Json layerJson(const LayerSource& source, const LayerRoom& room) { return LayerWriter(source, room).write(); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 #include "client/cells/NumberForm.h"
 #include "client/statistics/CabinetReport.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct LayerSource {
   Rect rect{};
@@ -42,4 +42,4 @@ double leastCharacters(double values, std::int64_t block);
 
 Json layerJson(const LayerSource& source, const LayerRoom& room);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,7 +6,7 @@
 #include "tool/report/PageTemplate.h"
 #include "tool/report/ReportHtml.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 Json areasOf(const ReportContent& content, const CellSet& set) {
@@ -78,4 +78,4 @@ std::string reportPage(const ReportContent& content) {
   return page.append(frame, from, std::string::npos);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -5,10 +5,10 @@
 
 #include "tool/report/ReportContent.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // HTML in UTF-8 with style, script and data inside. The page's own policy keeps browsers from fetching anything and
 // from running any other script.
 std::string reportPage(const ReportContent& content);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

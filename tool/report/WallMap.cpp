@@ -9,7 +9,7 @@
 #include "client/cells/Overlaps.h"
 #include "tool/report/ReportHtml.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kMostAreas = 2000;
@@ -131,4 +131,4 @@ class Map {
 
 std::string mapHtml(const ReportContent& content) { return Map(content).html(); }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

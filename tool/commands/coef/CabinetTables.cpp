@@ -10,7 +10,7 @@
 #include "client/exchange/JsonForms.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kMostSeams = 20;  // for people; the other forms have all
@@ -169,4 +169,4 @@ Json cabinetJson(const CabinetComponent& component, const NumberForm& form) {
   return json;
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

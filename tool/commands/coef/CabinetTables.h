@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 #include "client/cells/NumberForm.h"
 #include "client/statistics/CabinetReport.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 struct CabinetComponent {
   std::size_t index = 0;  // which number of a cell
@@ -25,4 +25,4 @@ std::string cabinetCsv(const std::vector<CabinetComponent>& components, const Nu
 
 Json cabinetJson(const CabinetComponent& component, const NumberForm& form);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

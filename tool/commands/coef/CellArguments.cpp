@@ -1,11 +1,11 @@
 #include "tool/commands/coef/CellArguments.h"
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/reading/NumberForms.h"
 #include "tool/commands/Arguments.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 void addForm(CLI::App& command, FormOptions& options, const std::string& dtypeDescription) {
   addDtype(command, options.dtype, dtypeDescription);
@@ -46,4 +46,4 @@ void noteAnswer(const CellAnswer& answer, const FormOptions& options) {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

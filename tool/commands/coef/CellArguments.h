@@ -7,7 +7,7 @@
 #include "client/cells/NumberForm.h"
 #include "client/reading/CellQuery.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // --dtype, --scale and --unit.
 void addForm(CLI::App& command, FormOptions& options, const std::string& dtypeDescription);
@@ -18,4 +18,4 @@ void addCells(CLI::App& command, CellQuery& query);
 // On standard error, where several areas were read: that they overlap, that cells were filled.
 void noteAnswer(const CellAnswer& answer, const FormOptions& options);
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,7 +1,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 void addCoefCommands(CommandGroup& program) {
   CommandGroup group = program.addGroup("coef", "Blocks of coefficient cells");
@@ -12,4 +12,4 @@ void addCoefCommands(CommandGroup& program) {
   addCoefStatsCommand(group);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,16 +1,16 @@
 #include <stdexcept>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/Confirmation.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -30,9 +30,9 @@ Removal chosen(Session& session, const Options& options) {
 void deleteAreas(Context& context, const Options& options) {
   const bool filtered = options.filter.type || !options.filter.screen.empty();
   if (options.ids.empty() && !filtered) {
-    throw ToolError(kUsage, "say which areas with --id, or with --type and --screen; tovrdb coef list shows the areas");
+    throw Error(kInvalid, "say which areas with --id, or with --type and --screen; tovrdb coef list shows the areas");
   }
-  if (options.rect && !options.filter.type) throw ToolError(kUsage, "--rect goes with --type");
+  if (options.rect && !options.filter.type) throw Error(kInvalid, "--rect goes with --type");
   Session session = openDatabase(context, options.file);
   const Removal removal = chosen(session, options);
   confirmDeletion(toTexts(removal), options.force);
@@ -63,4 +63,4 @@ void addCoefDeleteCommand(CommandGroup& coef) {
   addForcedDeletion(command, options.force);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

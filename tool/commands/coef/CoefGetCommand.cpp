@@ -1,4 +1,3 @@
-#include "client/base/Message.h"
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellCsv.h"
 #include "client/reading/CellQuery.h"
@@ -9,8 +8,9 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/commands/coef/CellArguments.h"
 #include "tool/io/ByteOutput.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -61,4 +61,4 @@ void addCoefGetCommand(CommandGroup& coef) {
   command.add_flag("--csv", options.csv, "Write text: a line per cell, its column, row and values")->excludes(raw);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -9,7 +9,7 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -71,4 +71,4 @@ void addCoefListCommand(CommandGroup& coef) {
   addJsonFlag(command, options.json);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,9 +1,8 @@
 #include <algorithm>
 
-#include "client/base/Message.h"
-#include "client/base/Progress.h"
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Listener.h"
+#include "client/base/Text.h"
 #include "client/cells/CellBlock.h"
 #include "client/disk/FileInput.h"
 #include "client/files/Backup.h"
@@ -15,8 +14,9 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/commands/coef/CellArguments.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -69,9 +69,9 @@ StoreRules rulesOf(const Options& options) {
 
 // What the command line of one block says, and that of many does not.
 void requireBlock(const Options& options) {
-  if (!options.type) throw ToolError(kUsage, "--type is required");
-  if (options.array.empty() == options.raw.empty()) throw ToolError(kUsage, "BLOCK or --raw is required");
-  if (!options.rect && !options.position) throw ToolError(kUsage, "--rect or --at is required");
+  if (!options.type) throw Error(kInvalid, "--type is required");
+  if (options.array.empty() == options.raw.empty()) throw Error(kInvalid, "BLOCK or --raw is required");
+  if (!options.rect && !options.position) throw Error(kInvalid, "--rect or --at is required");
 }
 
 // And the type of its numbers, where the file tells it.
@@ -130,7 +130,7 @@ void putMany(Context& context, const Options& options) {
   for (BlockFile& file : files) {
     if (!file.text.form.isGiven()) file.text.form = options.text.form;
   }
-  if (files.empty()) throw ToolError(kFileProblem, "there are no blocks to store");
+  if (files.empty()) throw Error(kFileProblem, "there are no blocks to store");
   const std::vector<WantedBlock> wanted = wantedOf(files);
   Session session = openForStoring(context, options, wanted);
   StoreReport report;
@@ -232,4 +232,4 @@ void addCoefPutCommand(CommandGroup& coef) {
   command.footer(kHelp);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

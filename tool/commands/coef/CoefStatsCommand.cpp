@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/NumberText.h"
@@ -18,9 +17,10 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/commands/coef/CabinetTables.h"
 #include "tool/commands/coef/CellArguments.h"
+#include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -257,7 +257,7 @@ void stats(Context& context, const Options& options) {
   std::vector<std::size_t> indices;
   for (std::size_t i = first; i <= last; ++i) indices.push_back(i);
   const bool byPart = options.cabinet || options.byArea;
-  if (options.csv && !byPart) throw ToolError(kUsage, "--csv goes with --cabinet or --by-area");
+  if (options.csv && !byPart) throw Error(kInvalid, "--csv goes with --cabinet or --by-area");
   context.output.print(byPart ? cabinetReport(subject, indices, options) : blockReport(subject, indices, options));
 }
 
@@ -304,4 +304,4 @@ void addCoefStatsCommand(CommandGroup& coef) {
   addCabinetOptions(command, options);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

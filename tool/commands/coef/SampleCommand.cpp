@@ -3,17 +3,17 @@
 #include <algorithm>
 #include <vector>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/cells/NpyFile.h"
 #include "client/statistics/WallModel.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/ByteOutput.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr int kCellBytes = 2 * 9;
@@ -72,7 +72,7 @@ void sample(Context& context, const Options& options) {
   const Rect wall{0, 0, options.size.x - 1, options.size.y - 1};
   const Rect rect = options.rect.value_or(wall);
   if (!holds(wall, rect)) {
-    throw ToolError(kUsage, "the rectangle {} lies outside the wall, {}", toText(rect), toText(wall));
+    throw Error(kInvalid, "the rectangle {} lies outside the wall, {}", toText(rect), toText(wall));
   }
   ByteOutput output(context.output, options.output, "");
   output.requireRoom(static_cast<double>(rowsOf(rect)) * static_cast<double>(columnsOf(rect)) * kCellBytes);
@@ -119,4 +119,4 @@ void addSampleCommand(CommandGroup& program) {
   command.add_flag("--raw", options.raw, "Write the bare cells without a header");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

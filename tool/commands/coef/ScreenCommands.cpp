@@ -1,5 +1,4 @@
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/contents/Screens.h"
 #include "client/exchange/JsonForms.h"
 #include "client/storing/Removal.h"
@@ -8,9 +7,10 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/Confirmation.h"
 #include "tool/commands/OpenDatabase.h"
+#include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct AddOptions {
@@ -131,4 +131,4 @@ void addScreenCommands(CommandGroup& program) {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,7 +1,6 @@
 #include <utility>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/contents/GenericData.h"
 #include "client/disk/FileInput.h"
 #include "client/exchange/JsonForms.h"
@@ -12,9 +11,10 @@
 #include "tool/commands/Confirmation.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/ByteOutput.h"
+#include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -116,4 +116,4 @@ void addDataCommands(CommandGroup& program) {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

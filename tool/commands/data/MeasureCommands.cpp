@@ -2,9 +2,8 @@
 
 #include <utility>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/contents/Measurements.h"
 #include "client/disk/FileInput.h"
 #include "client/exchange/JsonForms.h"
@@ -14,9 +13,10 @@
 #include "tool/commands/Confirmation.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/ByteOutput.h"
+#include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -128,4 +128,4 @@ void addMeasureCommands(CommandGroup& program) {
   }
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

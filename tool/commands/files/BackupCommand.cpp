@@ -1,12 +1,12 @@
-#include "client/base/Message.h"
 #include "client/files/Backup.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -37,4 +37,4 @@ void addBackupCommand(CommandGroup& program) {
   command.add_flag("--force", options.force, "Replace the copy if it exists");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,8 +1,7 @@
 #include <algorithm>
 
-#include "client/base/JsonText.h"
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Json.h"
 #include "client/checks/DatabaseChecks.h"
 #include "client/exchange/JsonForms.h"
 #include "tool/commands/Arguments.h"
@@ -10,8 +9,9 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -47,22 +47,22 @@ void print(Context& context, const Options& options, const std::vector<Verdict>&
   context.output.print(options.json ? asJson(options.file, verdicts) : asText(verdicts));
 }
 
-bool isAboutFile(const ToolError& error) {
-  return !isNoFault(error) && error.code() != kUsage && error.code() != kPluginProblem;
+bool isAboutFile(const Error& error) {
+  return !isNoFault(error) && error.kind() != kInvalid && error.kind() != kPluginProblem;
 }
 
 // The open file. What keeps it from opening is told as a verdict.
 Session open(Context& context, const Options& options, const std::string& key) {
   try {
     return openDatabase(context, options.file, key);
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isAboutFile(error)) throw;
     Verdict verdict;
     verdict.name = "opens with this key";
     verdict.faults.add(error.what());
     print(context, options, {verdict});
     context.output.finish();
-    throw ToolError(error.code(), "it cannot be opened; the verdict tells why");
+    throw Error(error.kind(), "it cannot be opened; the verdict tells why");
   }
 }
 
@@ -81,11 +81,10 @@ void check(Context& context, const Options& options) {
       std::count_if(verdicts.begin(), verdicts.end(), [](const auto& verdict) { return !verdict.ok(); });
   if (failed == 0) return;
   context.output.finish();
-  throw ToolError(
-      kDamaged,
-      "{} of {} checks failed. Restore what they name from a sound copy, and keep this file: all else in it "
-      "may be newer than the copy",
-      failed, verdicts.size());
+  throw Error(kDamaged,
+              "{} of {} checks failed. Restore what they name from a sound copy, and keep this file: all else in it "
+              "may be newer than the copy",
+              failed, verdicts.size());
 }
 
 }  // namespace
@@ -101,4 +100,4 @@ void addCheckCommand(CommandGroup& program) {
   addJsonFlag(command, options.json);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

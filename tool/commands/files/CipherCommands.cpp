@@ -1,8 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/FileInput.h"
 #include "client/disk/Paths.h"
 #include "client/disk/UnfinishedFile.h"
@@ -11,8 +10,9 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 namespace fs = std::filesystem;
@@ -36,7 +36,7 @@ struct Keys {
 
 void requireLength(const std::string& key, const char* what) {
   if (key.size() == kKeyLength) return;
-  throw ToolError(kKeyProblem, "{} has {} characters, not 8", what, key.size());
+  throw Error(kKeyProblem, "{} has {} characters, not 8", what, key.size());
 }
 
 Keys readKeys(const Options& options, KeyUse use) {
@@ -69,10 +69,10 @@ std::uintmax_t requireText(const std::string& path) {
   const auto bytes = readWholeFile(path);
   const auto found = std::find_if(bytes.begin(), bytes.end(), endsText);
   if (found != bytes.end()) {
-    throw ToolError(kFileProblem,
-                    "{} is not a text: its byte {} is {}, and the format, which is made for texts, would lose what "
-                    "follows. Keep binary data in a database (tovrdb data put)",
-                    path, found - bytes.begin() + 1, int{*found});
+    throw Error(kFileProblem,
+                "{} is not a text: its byte {} is {}, and the format, which is made for texts, would lose what "
+                "follows. Keep binary data in a database (tovrdb data put)",
+                path, found - bytes.begin() + 1, int{*found});
   }
   return bytesRead(bytes);
 }
@@ -86,8 +86,8 @@ std::uintmax_t sizeOf(const std::string& path) {
 void requireDone(bool done, const std::string& path) {
   std::error_code error;
   if (!done || !fs::exists(pathOf(path), error)) {
-    throw ToolError(kFileProblem,
-                    "the encryption service could not read the one file or write the other; is the disk full?");
+    throw Error(kFileProblem,
+                "the encryption service could not read the one file or write the other; is the disk full?");
   }
 }
 
@@ -100,7 +100,7 @@ void encrypt(Context& context, const Options& options) {
   requireDone(host->encryption().encryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
   if (sizeOf(unfinished.path()) != (size + kCipherBlock - 1) / kCipherBlock * kCipherBlock) {
-    throw ToolError(kFileProblem, "the encrypted file is incomplete; is the disk full?");
+    throw Error(kFileProblem, "the encrypted file is incomplete; is the disk full?");
   }
   unfinished.finish();
   message("wrote " + options.output);
@@ -110,8 +110,8 @@ void decrypt(Context& context, const Options& options) {
   const Keys keys = readKeys(options, KeyUse::kOpen);
   const std::uintmax_t size = readWholeFile(options.input).size();
   if (size % kCipherBlock != 0) {
-    throw ToolError(kFileProblem, "{} is not an encrypted file, or truncated: its {} bytes are not a multiple of 8",
-                    options.input, size);
+    throw Error(kFileProblem, "{} is not an encrypted file, or truncated: its {} bytes are not a multiple of 8",
+                options.input, size);
   }
   UnfinishedFile unfinished(options.output, options.force ? Existing::kReplace : Existing::kRefuse,
                             Writer::kEncryptionService, options.mode);
@@ -120,8 +120,7 @@ void decrypt(Context& context, const Options& options) {
               unfinished.path());
   // Only the last block of a text is filled up with zeros, by less than its length.
   if (sizeOf(unfinished.path()) + kCipherBlock <= size) {
-    throw ToolError(kKeyProblem,
-                    "the key or the vector is wrong, or the file never was a text: zero bytes cut it short");
+    throw Error(kKeyProblem, "the key or the vector is wrong, or the file never was a text: zero bytes cut it short");
   }
   unfinished.finish();
   message("wrote " + options.output);
@@ -155,4 +154,4 @@ void addCipherCommands(CommandGroup& program) {
   addMode(command, options.mode);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,10 +1,10 @@
-#include "client/base/Message.h"
 #include "client/files/NewDatabase.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -41,4 +41,4 @@ void addCreateCommand(CommandGroup& program) {
       ->capture_default_str();
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -5,8 +5,7 @@
 #include <functional>
 #include <new>
 
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/checks/FileDifference.h"
 #include "client/disk/Paths.h"
 #include "client/exchange/JsonForms.h"
@@ -18,13 +17,14 @@
 #include "tool/commands/pictures/DifferencePicture.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 // As of the program that compares texts, which scripts know. Failures keep their codes, which are above.
 constexpr int kDifferent = 1;
-constexpr ExitCode kTrouble = kUsage;  // 2; instead of kRefused, which is 1
+constexpr ErrorKind kTrouble = kInvalid;  // 2; instead of kRefused, which is 1
 
 struct Options {
   std::string before;
@@ -150,7 +150,7 @@ void refuseReplacing(const Options& options) {
   std::error_code error;
   if (options.picture.path != "-" &&
       std::filesystem::equivalent(pathOf(options.picture.path), pathOf(options.after), error)) {
-    throw ToolError(kTrouble, "the picture would replace {}", options.after);
+    throw Error(kTrouble, "the picture would replace {}", options.after);
   }
 }
 
@@ -180,21 +180,21 @@ void diff(Context& context, const Options& options) {
   context.output.finish();
   const bool damaged = std::any_of(differences.begin(), differences.end(),
                                    [](const Difference& each) { return each.kind == Difference::Kind::kFault; });
-  if (damaged) throw ToolError(kDamaged, "a block is damaged and was not compared; all other differences are listed");
-  context.code = differences.empty() ? kDone : kDifferent;
+  if (damaged) throw Error(kDamaged, "a block is damaged and was not compared; all other differences are listed");
+  context.code = differences.empty() ? 0 : kDifferent;
 }
 
 // Every failure is trouble, so that 1 means "different" and nothing else.
 void diffOrTrouble(Context& context, const Options& options) {
   try {
     diff(context, options);
-  } catch (const ToolError& error) {
-    if (error.code() == kRefused) throw ToolError(kTrouble, error.what());
+  } catch (const Error& error) {
+    if (error.kind() == kRefused) throw Error(kTrouble, error.what());
     throw;
   } catch (const std::bad_alloc&) {
-    throw ToolError(kTrouble, "out of memory");
+    throw Error(kTrouble, "out of memory");
   } catch (const std::exception& error) {
-    throw ToolError(kTrouble, error.what());
+    throw Error(kTrouble, error.what());
   }
 }
 
@@ -242,4 +242,4 @@ void addDiffCommand(CommandGroup& program) {
   addJsonFlag(command, options.json);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,7 +1,6 @@
 #include <fmt/core.h>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
+#include "client/base/Text.h"
 #include "client/disk/UnfinishedFile.h"
 #include "client/exchange/ExportFormat.h"
 #include "client/exchange/FolderExport.h"
@@ -13,8 +12,9 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct ExportOptions {
@@ -88,4 +88,4 @@ void addExportCommands(CommandGroup& program) {
   addImport(program);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

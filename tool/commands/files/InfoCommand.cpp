@@ -7,7 +7,7 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -89,4 +89,4 @@ void addInfoCommand(CommandGroup& program) {
   addJsonFlag(command, options.json);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -1,12 +1,12 @@
 #include <fmt/core.h>
 
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 #include "client/session/Session.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/TextTable.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -74,4 +74,4 @@ void addInspectCommand(CommandGroup& program) {
   command.add_flag("--json", options.json, "Print it as JSON");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

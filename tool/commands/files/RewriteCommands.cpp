@@ -1,6 +1,5 @@
 
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/files/FileRewrite.h"
 #include "client/session/FileGeneration.h"
 #include "tool/commands/Arguments.h"
@@ -8,8 +7,9 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct RekeyOptions {
@@ -36,9 +36,9 @@ void upgrade(Context& context, const UpgradeOptions& options) {
     const int made = engineGeneration(session);
     if (fileGeneration(session) == 4) return message("the file is one of SQLCipher 4.x already: nothing to do");
     if (made < 4) {
-      throw ToolError(kRefused,
-                      "this program runs on SQLCipher {}, which makes no newer files; run it where 4.x is installed",
-                      generationText(made));
+      throw Error(kRefused,
+                  "this program runs on SQLCipher {}, which makes no newer files; run it where 4.x is installed",
+                  generationText(made));
     }
   }
   rewriteFile(context.options.access, options.file, key, key, "upgrade");
@@ -75,4 +75,4 @@ void addRewriteCommands(CommandGroup& program) {
   addUpgrade(program);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -8,12 +8,12 @@
 #include <limits>
 #include <set>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/NumberText.h"
 #include "client/reading/NumberForms.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 constexpr double kPicturedPercent = 99;  // of the differences other than zero
@@ -22,8 +22,8 @@ std::int32_t onlyTypeOf(const std::vector<StoredArea>& areas) {
   std::set<std::int32_t> types;
   for (const StoredArea& area : areas) types.insert(area.type);
   if (types.size() == 1) return *types.begin();
-  if (types.empty()) throw ToolError(kUsage, "the files have no block in common that could be drawn");
-  throw ToolError(kUsage, "say which blocks to draw with --type: both files have types {}", fmt::join(types, ", "));
+  if (types.empty()) throw Error(kInvalid, "the files have no block in common that could be drawn");
+  throw Error(kInvalid, "say which blocks to draw with --type: both files have types {}", fmt::join(types, ", "));
 }
 
 // The screens' names in the order of their areas.
@@ -39,12 +39,11 @@ std::vector<std::string> screensOf(const std::vector<StoredArea>& areas) {
 // A form that only one file keeps counts for both: if the first keeps one, the second keeps another.
 [[noreturn]] void refuseUnknownNumbers(const StoredArea& area) {
   const std::string subject = fmt::format("{}, type {}", toText(area), area.type);
-  if (!keptForm(area))
-    throw ToolError(kUsage, "{}: no file tells the type of its numbers: say it with --dtype", subject);
-  throw ToolError(kUsage,
-                  "{}: the files keep different types, scales or units of its numbers: say how to read both with "
-                  "--dtype, --scale and --unit",
-                  subject);
+  if (!keptForm(area)) throw Error(kInvalid, "{}: no file tells the type of its numbers: say it with --dtype", subject);
+  throw Error(kInvalid,
+              "{}: the files keep different types, scales or units of its numbers: say how to read both with "
+              "--dtype, --scale and --unit",
+              subject);
 }
 
 // A finite difference stays one.
@@ -62,7 +61,7 @@ DifferencePicture::DifferencePicture(const DifferenceSubject& subject, const Com
   std::vector<StoredArea> drawn;
   std::copy_if(areas.begin(), areas.end(), std::back_inserter(drawn),
                [this](const StoredArea& area) { return isDrawn(area); });
-  if (drawn.empty()) throw ToolError(kUsage, "the files have no block of type {} in common to draw", type_);
+  if (drawn.empty()) throw Error(kInvalid, "the files have no block of type {} in common to draw", type_);
   apart_ = screensShareCells(drawn);
   const auto screens = apart_ ? screensOf(drawn) : std::vector<std::string>{""};
   plan_ = {screens.size(), subject.sheet ? componentsOf(drawn.front()) : 1};
@@ -161,4 +160,4 @@ std::vector<unsigned char> DifferencePicture::png(const std::string& files) {
   return drawSheet(sheetOf(plan_, panels_, Merge::kFarthestFromZero, title, {colours}));
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

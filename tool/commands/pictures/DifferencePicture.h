@@ -10,7 +10,7 @@
 #include "client/checks/FileDifference.h"
 #include "tool/pictures/SheetLayout.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 
 // What of it is drawn.
 struct DifferenceSubject {
@@ -22,11 +22,11 @@ struct DifferenceSubject {
 
 class DifferencePicture {
  public:
-  // `areas`: of the blocks that both files hold. Throws ToolError where they leave nothing to draw, or do not tell
+  // `areas`: of the blocks that both files hold. Throws Error where they leave nothing to draw, or do not tell
   // what.
   DifferencePicture(const DifferenceSubject& subject, const Comparing& how, const std::vector<StoredArea>& areas);
 
-  // As FileComparison visits them. What counts as equal is drawn as equal. Throws ToolError where nothing tells the
+  // As FileComparison visits them. What counts as equal is drawn as equal. Throws Error where nothing tells the
   // numbers.
   void add(const StoredArea& area, const CellBlock& before, const CellBlock& after,
            const std::optional<NumberForm>& form);
@@ -51,4 +51,4 @@ class DifferencePicture {
   NumberForm form_{parseDtype("float64"), {}, {}};  // as long as no block tells another
 };
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

@@ -6,9 +6,8 @@
 #include <limits>
 #include <numeric>
 
-#include "client/base/Message.h"
-#include "client/base/TextList.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/NumberText.h"
@@ -25,11 +24,12 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/commands/coef/CellArguments.h"
 #include "tool/io/ByteOutput.h"
+#include "tool/io/Message.h"
 #include "tool/pictures/GatheredNumbers.h"
 #include "tool/pictures/HeatmapPicture.h"
 #include "tool/pictures/SheetLayout.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -90,16 +90,16 @@ std::string titleOf(const Options& options, const std::string& subject) {
 
 Picture fromArray(const Options& options) {
   if (options.type || options.wall || options.form.dtype || !options.screen.empty()) {
-    throw ToolError(kUsage,
-                    "it is an array, which tells its own type and has no screens: leave out --type, --dtype, "
-                    "--screen and --wall");
+    throw Error(kInvalid,
+                "it is an array, which tells its own type and has no screens: leave out --type, --dtype, "
+                "--screen and --wall");
   }
   NpyArray array = parseNpy(readWholeFile(options.file), options.file);
   const NumberForm form = *chosenForm(options.form, NumberForm{array.dtype, {}, {}});
   const CellBlock cells = blockFromArray(std::move(array), std::nullopt, CellPair{});
   const Rect region = options.rect.value_or(cells.rect);
   if (!holds(cells.rect, region)) {
-    throw ToolError(kUsage, "the rectangle {} lies outside the array, {}", toText(region), toText(cells.rect));
+    throw Error(kInvalid, "the rectangle {} lies outside the array, {}", toText(region), toText(cells.rect));
   }
   const auto components = componentsToDraw(options, cells.cellBytes, form);
   Picture picture{{1, components.size()}, {}, titleOf(options, nameOf(options.file) + ": ")};
@@ -159,7 +159,7 @@ std::vector<Outline> outlinesOf(const Options& options, const Rect& region, cons
   return outlines;
 }
 
-// Throws ToolError where the region shows no screen, or none of the areas.
+// Throws Error where the region shows no screen, or none of the areas.
 void requireSomething(const Rect& region, const std::vector<StoredScreen>& screens,
                       const std::vector<StoredArea>& areas) {
   const auto inRegion = [&](const auto& each) { return common(each.rect, region).has_value(); };
@@ -167,11 +167,10 @@ void requireSomething(const Rect& region, const std::vector<StoredScreen>& scree
   std::vector<std::string> names;
   for (const StoredScreen& screen : screens) names.push_back(fmt::format("{} ({})", screen.name, toText(screen.rect)));
   if (std::none_of(screens.begin(), screens.end(), inRegion)) {
-    throw ToolError(kRefused, "the rectangle {} lies outside every screen; screens: {}", toText(region),
-                    shortList(names));
+    throw Error(kRefused, "the rectangle {} lies outside every screen; screens: {}", toText(region), shortList(names));
   }
-  throw ToolError(kRefused, "no area of type {} has cells in {}; {}", areas.front().type, toText(region),
-                  insteadOf(region, areas));
+  throw Error(kRefused, "no area of type {} has cells in {}; {}", areas.front().type, toText(region),
+              alternativesTo(region, areas).text);
 }
 
 // Nothing if the area is damaged, which is told. One alone may be large and little of it drawn: the library then
@@ -179,7 +178,7 @@ void requireSomething(const Rect& region, const std::vector<StoredScreen>& scree
 std::optional<CellBlock> readIfSound(Session& session, const StoredArea& area, const Rect& part, bool alone) {
   try {
     return alone ? readCells(session, area, part) : readBlock(session, area);
-  } catch (const ToolError& error) {
+  } catch (const Error& error) {
     if (!isDamage(error)) throw;
     session.resumeReading();
     message("note: area {} ({}) is hatched: {}", area.id, toText(area), error.what());
@@ -231,7 +230,7 @@ bool drawGroup(Session& session, const Group& group, const Rect& region, const N
   return gather(session, drawn, form, panels);
 }
 
-// The areas without faults of which cells are drawn. Throws ToolError if there are none.
+// The areas without faults of which cells are drawn. Throws Error if there are none.
 std::vector<StoredArea> soundAreas(const std::vector<Group>& groups, const Options& options) {
   std::vector<StoredArea> sound;
   for (const Group& group : groups) {
@@ -256,7 +255,7 @@ Picture drawGroups(Session& session, const std::vector<Group>& groups, const Opt
     overlap = drawGroup(session, group, region, form, options, picture) || overlap;
   }
   if (picture.panels.size() != picture.plan.count()) {
-    throw ToolError(kUsage, "the cells of the screens have different numbers of components: say which with --screen");
+    throw Error(kInvalid, "the cells of the screens have different numbers of components: say which with --screen");
   }
   if (overlap) message("note: areas overlap; where they do, the one that was stored first is drawn");
   return picture;
@@ -278,7 +277,7 @@ std::vector<StoredArea> drawableAreas(std::vector<StoredArea> areas) {
 }
 
 Picture fromDatabase(Context& context, const Options& options) {
-  if (!options.type) throw ToolError(kUsage, "a database takes --type");
+  if (!options.type) throw Error(kInvalid, "a database takes --type");
   Session session = openDatabase(context, options.file);
   const auto screens = storedScreens(session);
   for (const StoredScreen& screen : screens) requireSound(screen.rect, "screen " + screen.name);
@@ -353,4 +352,4 @@ void addHeatmapCommand(CommandGroup& program) {
       ->type_name("TEXT");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

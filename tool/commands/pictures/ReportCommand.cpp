@@ -1,8 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "client/base/Message.h"
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
 #include "client/disk/Paths.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
@@ -11,10 +10,11 @@
 #include "tool/commands/coef/CellArguments.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/KeySource.h"
+#include "tool/io/Message.h"
 #include "tool/report/ReportBuild.h"
 #include "tool/report/ReportPage.h"
 
-namespace tovrtool {
+namespace tovrdb::tool {
 namespace {
 
 struct Options {
@@ -41,7 +41,7 @@ void noteFaults(const ReportContent& content) {
 void refuseReplacing(const Options& options) {
   std::error_code error;
   if (!std::filesystem::equivalent(pathOf(options.output.path), pathOf(options.against), error)) return;
-  throw ToolError(kUsage, "the page would replace {}", options.against);
+  throw Error(kInvalid, "the page would replace {}", options.against);
 }
 
 void report(Context& context, const Options& options) {
@@ -92,4 +92,4 @@ void addReportCommand(CommandGroup& program) {
   addForm(command, options.form, "Type of the numbers in a cell (uint16, float32, ...) [as kept with the blocks]");
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb::tool

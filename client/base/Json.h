@@ -1,5 +1,5 @@
 // JSON as the tool writes and reads it. Everything that is read may have been made by anybody: each function throws
-// ToolError, which names the place, for what is not as it should be.
+// Error, which names the place, for what is not as it should be.
 #pragma once
 
 #include <cstdint>
@@ -7,23 +7,13 @@
 #include <optional>
 #include <string>
 
-namespace tovrtool {
+namespace tovrdb {
 
 using Json = nlohmann::ordered_json;
 
 // Text to print; bytes that are not UTF-8 are shown as replacement characters, and all that escapeControls knows as
 // escapes.
 std::string jsonText(const Json& value);
-
-enum class LineEnds { kKeep, kEscape };
-
-// UTF-8 with the characters that could steer a terminal or turn the direction of writing as JSON's escapes (\u001b):
-// control characters U+0000 to U+001F and U+007F to U+009F, bidirectional marks, embeddings, overrides and isolates,
-// and the separators of lines and paragraphs. REQUIRES: valid UTF-8.
-std::string escapeControls(const std::string& text, LineEnds lineEnds);
-
-// The text with bytes that are not UTF-8 replaced.
-std::string validText(const std::string& text);
 
 // The JSON in the file at `path`.
 Json readJson(const std::string& path);
@@ -42,8 +32,8 @@ const Json& requireObject(const Json& value, const std::string& where);
 
 [[noreturn]] void refuseJson(const std::string& where, const std::string& reason);
 
-// The path of a file inside `folder`. Throws ToolError for a name that leads out of it: absolute, with "..", or through
+// The path of a file inside `folder`. Throws Error for a name that leads out of it: absolute, with "..", or through
 // a link.
 std::string pathInside(const std::string& folder, const std::string& name);
 
-}  // namespace tovrtool
+}  // namespace tovrdb

@@ -1,4 +1,4 @@
-#include "client/base/JsonText.h"
+#include "client/base/Json.h"
 
 #include <fmt/core.h>
 
@@ -8,11 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "client/base/ToolError.h"
+#include "client/base/Error.h"
+#include "client/base/Text.h"
 #include "client/disk/FileInput.h"
 #include "client/disk/Paths.h"
 
-namespace tovrtool {
+namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
@@ -25,21 +26,6 @@ constexpr std::size_t kMostValues = 10'000'000;  // in all; each takes up to 100
 // Whether `path` begins with all of `folder`.
 bool begins(const fs::path& path, const fs::path& folder) {
   return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
-}
-
-// The character of valid UTF-8 that begins at `at`, and its bytes.
-std::pair<char32_t, std::size_t> characterAt(const std::string& text, std::size_t at) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
-  if (byte(0) < 0x80) return {byte(0), 1};
-  const std::size_t length = byte(0) >= 0xF0 ? 4 : byte(0) >= 0xE0 ? 3 : 2;
-  char32_t point = byte(0) & (0x7FU >> length);
-  for (std::size_t i = 1; i < length; ++i) point = point << 6 | (byte(i) & 0x3FU);
-  return {point, length};
-}
-
-bool steers(char32_t point) {
-  return point < 0x20 || (point >= 0x7F && point < 0xA0) || point == 0x061C || point == 0x200E || point == 0x200F ||
-         (point >= 0x2028 && point <= 0x202E) || (point >= 0x2066 && point <= 0x2069);
 }
 
 // Refuses, before it is parsed, what would take memory or time out of all proportion. Brackets, colons and commas count
@@ -78,32 +64,17 @@ std::string jsonText(const Json& value) {
   return escapeControls(value.dump(2, ' ', false, Json::error_handler_t::replace), LineEnds::kKeep) + "\n";
 }
 
-std::string escapeControls(const std::string& text, LineEnds lineEnds) {
-  std::string shown;
-  for (std::size_t at = 0; at < text.size();) {
-    const auto [point, length] = characterAt(text, at);
-    const bool kept = point == '\n' ? lineEnds == LineEnds::kKeep : !steers(point);
-    shown += kept ? text.substr(at, length) : fmt::format("\\u{:04x}", static_cast<unsigned>(point));
-    at += length;
-  }
-  return shown;
-}
-
-std::string validText(const std::string& text) {
-  return Json::parse(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace)).get<std::string>();
-}
-
 Json readJson(const std::string& path) {
   std::error_code error;
   if (fs::file_size(pathOf(path), error) > kMostBytes && !error) {
-    throw ToolError(kFileProblem, "{} is too large for a manifest (256 MiB at most)", path);
+    throw Error(kFileProblem, "{} is too large for a manifest (256 MiB at most)", path);
   }
   const auto bytes = readWholeFile(path);
   requireModest(bytes, path);
   try {
     return Json::parse(bytes.begin(), bytes.end());
   } catch (const Json::exception& failure) {
-    throw ToolError(kFileProblem, "{} is not valid JSON: {}", path, reasonOf(failure));
+    throw Error(kFileProblem, "{} is not valid JSON: {}", path, reasonOf(failure));
   }
 }
 
@@ -145,7 +116,7 @@ const Json& requireObject(const Json& value, const std::string& where) {
 }
 
 void refuseJson(const std::string& where, const std::string& reason) {
-  throw ToolError(kFileProblem, "{} cannot be used: {}", where, reason);
+  throw Error(kFileProblem, "{} cannot be used: {}", where, reason);
 }
 
 std::string pathInside(const std::string& folder, const std::string& name) {
@@ -153,16 +124,16 @@ std::string pathInside(const std::string& folder, const std::string& name) {
   const bool up = std::find(relative.begin(), relative.end(), "..") != relative.end();
   const bool zero = name.find('\0') != std::string::npos;
   if (name.empty() || zero || up || relative.has_root_path()) {
-    throw ToolError(kFileProblem, "the name '{}' cannot be used: it leads out of {}", name, folder);
+    throw Error(kFileProblem, "the name '{}' cannot be used: it leads out of {}", name, folder);
   }
   std::error_code error;
   const fs::path root = fs::canonical(pathOf(folder), error);
   const fs::path file = error ? fs::path() : fs::canonical(root / relative, error);
-  if (error) throw ToolError(kFileProblem, "the file '{}' in {}: {}", name, folder, error.message());
+  if (error) throw Error(kFileProblem, "the file '{}' in {}: {}", name, folder, error.message());
   if (!begins(file, root) || !fs::is_regular_file(file, error)) {
-    throw ToolError(kFileProblem, "the name '{}' cannot be used: it is not a file in {}", name, folder);
+    throw Error(kFileProblem, "the name '{}' cannot be used: it is not a file in {}", name, folder);
   }
   return textOf(file);
 }
 
-}  // namespace tovrtool
+}  // namespace tovrdb
