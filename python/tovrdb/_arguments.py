@@ -20,7 +20,7 @@ from ._records import Rect
 
 def wanted(name: str, what: str, value: Any) -> TypeError:
     """The error for a value of the wrong type; it does not show the value, which may be a key."""
-    return TypeError(f"{name}: {what} is wanted, not {type(value).__name__}")
+    return TypeError(f"{name}: must be {what}, not {type(value).__name__}")
 
 
 def whole(name: str, value: Any, least: int = -2**31, most: int = 2**31 - 1) -> int:
@@ -33,7 +33,7 @@ def whole(name: str, value: Any, least: int = -2**31, most: int = 2**31 - 1) -> 
     except TypeError:
         raise wanted(name, what, value) from None
     if not least <= number <= most:
-        raise Invalid(f"{name}: {what} from {least} to {most} is wanted")
+        raise Invalid(f"{name}: must be {what} from {least} to {most}")
     return number
 
 
@@ -57,7 +57,7 @@ def real(name: str, value: Any) -> float:
 def tolerance(name: str, value: Any) -> float:
     number = real(name, value)
     if not 0 <= number < math.inf:
-        raise Invalid(f"{name}: a finite number from 0 on is wanted")
+        raise Invalid(f"{name}: must be a finite number that is not negative")
     return number
 
 
@@ -119,7 +119,7 @@ def rect(name: str, edges: Any) -> Rect:
     except TypeError:
         raise wanted(name, what, edges) from None
     if len(numbers) != 4:
-        raise Invalid(f"{name}: {what} is wanted, not {len(numbers)} of them")
+        raise Invalid(f"{name}: must be {what}, not {len(numbers)}")
     return Rect(*(whole(f"{name}[{index}]", edge) for index, edge in enumerate(numbers)))
 
 
@@ -130,7 +130,7 @@ def position(name: str, value: Any) -> Tuple[int, int]:
     except TypeError:
         raise wanted(name, what, value) from None
     if len(numbers) != 2:
-        raise Invalid(f"{name}: {what} is wanted, not {len(numbers)} of them")
+        raise Invalid(f"{name}: must be {what}, not {len(numbers)}")
     return whole(f"{name}[0]", numbers[0]), whole(f"{name}[1]", numbers[1])
 
 
@@ -138,12 +138,12 @@ def scale(value: Any) -> Optional[bytes]:
     if value is None or isinstance(value, str):
         return optional_text("scale", value)
     if isinstance(value, (bool, np.bool_)) or not isinstance(value, Real):
-        raise wanted("scale", "a number, or a str such as '1/16384',", value)
+        raise wanted("scale", "a number, or a str such as '1/16384'", value)
     return str(value).encode()
 
 
 def dtype_name(value: Any) -> Optional[str]:
-    """The name of a type of numbers. Blocks are little-endian."""
+    """NumPy's name of the number type. Blocks are little-endian."""
     if value is None:
         return None
     try:
@@ -154,12 +154,12 @@ def dtype_name(value: Any) -> Optional[str]:
         raise Invalid(f"dtype: there is no number type '{value}'")
     if dtype != dtype.newbyteorder("<"):
         raise Invalid(f"dtype: blocks are read as little-endian, and '{value}' is big-endian: read them as {dtype.name}, "
-                      f"and if another program has stored big-endian cells, read on with coef[...].view('{dtype.str}')")
+                      f"or, if another program has stored big-endian cells, with coef[...].view('{dtype.str}')")
     return str(dtype.name)
 
 
 def refuse_masked(name: str, values: Any) -> None:
-    """A masked array would be stored with the numbers behind its mask."""
+    """Raises Invalid for a masked array, whose masked numbers would be stored."""
     if _is_masked(values):
         raise Invalid(f"{name}: has masked numbers, but a block has no mask: replace them with .filled(number)")
 

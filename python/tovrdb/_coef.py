@@ -13,7 +13,7 @@ Index = Union[int, slice]
 
 
 class _OpenFile(Protocol):
-    """What cells ask of the file that they are in."""
+    """The part of an open file that Coef uses."""
 
     def transaction(self) -> ContextManager[Any]: ...
 
@@ -39,27 +39,27 @@ class _Selection(NamedTuple):
 
 def _whole(key: Any) -> Optional[int]:
     if isinstance(key, (bool, np.bool_)):
-        raise TypeError("an index is a whole number or a slice, not a bool: read the cells first, then choose")
+        raise TypeError("an index must be a whole number or a slice, not a bool: read the cells first, then choose")
     try:
         return None if key is None else operator.index(key)
     except TypeError:
         raise TypeError(
-            f"an index is a whole number or a slice, not {type(key).__name__}: read the cells first, then choose"
+            f"an index must be a whole number or a slice, not {type(key).__name__}: read the cells first, then choose"
         ) from None
 
 
 def _bounds(key: Any, length: int, axis: str) -> Tuple[Tuple[int, int], Index]:
-    """What one index touches of an axis, half-open, and the index from there on."""
+    """The half-open range of an axis that one index spans, and the index relative to its beginning."""
     if not isinstance(key, slice):
         index = _whole(key)
         if index is None or not -length <= index < length:
-            raise OutOfRange(f"index {key} leaves the {length} {axis}")
+            raise OutOfRange(f"index {key} is out of range: there are {length} {axis}")
         return (index % length, index % length + 1), 0
     if _whole(key.step) == 0:
         raise Invalid(f"the slice {_text(key)} has the step 0: use 1 or more, or a negative step to go backwards")
     for end in (_whole(key.start), _whole(key.stop)):
         if end is not None and not -length <= end <= length:
-            raise OutOfRange(f"the slice {_text(key)} leaves the {length} {axis}")
+            raise OutOfRange(f"the slice {_text(key)} is out of range: there are {length} {axis}")
     chosen = range(length)[key]
     if not chosen:
         return (0, 0), slice(0, 0)
@@ -75,7 +75,7 @@ def _select(key: Any, shape: Tuple[int, int, int]) -> _Selection:
     keys: List[Any] = list(key) if isinstance(key, tuple) else [key]
     dots = [place for place, part in enumerate(keys) if part is Ellipsis]
     if len(dots) > 1 or len(keys) - len(dots) > len(shape):
-        raise OutOfRange(f"an index of rows, columns and values is asked for, not one of {len(keys)} parts")
+        raise OutOfRange(f"an index has at most three parts (rows, columns, values), not {len(keys)}")
     missing = [slice(None)] * (len(shape) - len(keys) + len(dots))
     place = dots[0] if dots else len(keys)
     keys[place:place + 1] = missing
@@ -87,7 +87,7 @@ def _select(key: Any, shape: Tuple[int, int, int]) -> _Selection:
 
 
 def exactly(values: Any, dtype: "np.dtype[Any]") -> "np.ndarray[Any, Any]":
-    """The numbers in that type. Raises Invalid if one of them would change."""
+    """The numbers converted to that type. Raises Invalid if one of them would change."""
     refuse_masked("values", values)
     given = np.asarray(values)
     if given.dtype.kind not in "biuf":
@@ -107,11 +107,11 @@ def exactly(values: Any, dtype: "np.dtype[Any]") -> "np.ndarray[Any, Any]":
         limits = np.iinfo(dtype)
         how = f".round().clip({limits.min}, {limits.max})" + how
     raise Invalid(f"{changed} of {given.size} numbers of {given.dtype} would change as {dtype.name}; "
-                  f"nothing was written: write values{how} if that is meant")
+                  f"nothing was written: write values{how} to convert them")
 
 
 class NotCopied:
-    """Belongs to an open file, which a copy would close, or whose transaction it would end, when it is discarded."""
+    """Cannot be copied: discarding the copy would close the open file, or end its transaction."""
 
     def __reduce_ex__(self, protocol: Any) -> Any:
         raise TypeError(f"a {type(self).__name__} cannot be copied or pickled, since it belongs to an open file: copy "
@@ -128,8 +128,8 @@ class Coef(NotCopied):
         first = coef[..., 0]               # the first number of every cell
         coef[400:528, 600:856] = part      # in one transaction; the rest of the block stays
 
-    Writing takes numbers of any type, provided that none of them changes in ``dtype``; else it raises Invalid and
-    nothing is written. Rounding is for you to ask for: ``coef[...] = (part * 0.98).round().astype(coef.dtype)``.
+    Writing accepts numbers of any type if none of them changes in ``dtype``; else it raises Invalid and nothing is
+    written. Round them yourself: ``coef[...] = (part * 0.98).round().astype(coef.dtype)``.
     """
 
     ndim = 3
@@ -148,7 +148,7 @@ class Coef(NotCopied):
 
     @property
     def size(self) -> int:
-        """How many numbers there are."""
+        """The count of numbers."""
         rows, columns, values = self.shape
         return rows * columns * values
 
@@ -163,11 +163,11 @@ class Coef(NotCopied):
         return self._read(chosen)[chosen.inner]
 
     def __setitem__(self, key: Any, values: Any) -> None:
-        """Writes numbers, broadcast as NumPy does, in one transaction. Raises Invalid, OutOfRange, NotFound, Damaged."""
+        """Writes numbers, broadcast as by NumPy, in one transaction. Raises Invalid, OutOfRange, NotFound, Damaged."""
         chosen = _select(key, self.shape)
         numbers = exactly(values, self.dtype)
         if self.is_mosaic:
-            raise Invalid("a mosaic is for reading: write to its areas, one by one")
+            raise Invalid("a mosaic is read-only: write to its areas, one by one")
         with self._wall.transaction():
             if chosen.is_empty() or chosen.takes_whole_cells(self.shape[2]):
                 cells = np.empty((*self._shape_of(chosen), self.shape[2]), self.dtype)

@@ -1,4 +1,4 @@
-"""The way to the library: one call at a time, its printed lines into the log, the plug-in found."""
+"""Calls into the compiled half: one at a time, with the library's printed lines sent to the log."""
 
 import atexit
 import logging
@@ -11,12 +11,12 @@ from . import _native
 log = logging.getLogger("tovrdb")
 log.addHandler(logging.NullHandler())
 
-# The plug-in has one connection. Whoever has a transaction keeps the lock until its end, so other threads wait.
+# The plug-in has one connection. A thread in a transaction keeps the lock until its end; other threads wait.
 lock = threading.RLock()
 
 
 class Opened(NamedTuple):
-    """The file that was opened last, and by which process. It may be closed."""
+    """The file that was opened last, and the process that opened it. It may be closed."""
 
     process: int
     path: str
@@ -29,7 +29,7 @@ class Opened(NamedTuple):
 opened: Optional[Opened] = None
 
 
-def _renew_lock() -> None:  # in a process that was forked off the lock's owner may not exist
+def _renew_lock() -> None:  # the lock's owner may not exist in a forked process
     global lock
     lock = threading.RLock()
 
@@ -45,18 +45,18 @@ def call(work: Callable[..., Any], *arguments: Any) -> Any:
         try:
             return work(*arguments)
         except TypeError:
-            pass  # its text shows every argument, keys and payloads among them; they were checked before
+            pass  # its text shows all arguments, including keys and payloads; they were checked before
         finally:
             lines = _native.take_lines()
             for line in lines.decode("utf-8", "replace").splitlines():
                 log.debug("%s", line)
-    raise TypeError("the compiled half of the package does not take these arguments: is it of the same version?")
+    raise TypeError("the compiled half of the package does not accept these arguments: is it of the same version?")
 
 
 def close_last() -> None:
-    """At the interpreter's end: what no transaction has kept is undone, and the file is closed as it should be."""
+    """At the interpreter's exit: rolls back open transactions and closes the file."""
     if not lock.acquire(timeout=5):
-        return  # a thread works on; the next to open the file undoes what it does not finish
+        return  # a thread is still working; whoever opens the file next rolls back what it leaves unfinished
     try:
         if opened is not None and opened.is_ours():
             call(opened.file.close)

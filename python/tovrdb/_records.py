@@ -1,4 +1,4 @@
-"""What a file holds, as plain records."""
+"""The contents of a file as plain records."""
 
 from dataclasses import dataclass
 from typing import Any, Dict, NamedTuple, Optional, Tuple, Union
@@ -34,9 +34,9 @@ class Screen:
 class Area:
     """A stored block of coefficients and where it lies.
 
-    ``dtype``, ``scale`` and ``unit`` are those that are kept with the block: a number counts as ``scale`` times itself.
-    They are None, None and "" if nothing is kept. ``changed`` is the local time of the last change. ``fault`` says why
-    the cells cannot be read, as far as that shows without reading them; "" if it does not.
+    ``dtype``, ``scale`` and ``unit`` are those that are kept with the block, or None, None and "";
+    stored numbers are multiplied by ``scale``. ``changed`` is the local time of the last change. ``fault`` says why the
+    cells cannot be read, as far as that is known without reading them; else it is "".
     """
 
     id: int
@@ -68,7 +68,7 @@ class Data:
 class Measurement:
     """A measurement of luminance and chromaticity; get_measurement() has its bytes.
 
-    The library keeps neither type nor rectangle: they are "" and None unless another program has stored them.
+    The library keeps neither type nor rectangle: they are "" and None unless another program stored them.
     """
 
     id: int
@@ -80,10 +80,11 @@ class Measurement:
 
 @dataclass(frozen=True)
 class Verdict:
-    """What one check of a file found.
+    """The result of one check of a file.
 
-    ``faults`` say what is lost or will be; ``ok`` is true without them. ``warnings`` say what is unusual but was stored
-    on request, such as areas that overlap: nothing is lost. Both list the first hundred and how many more there are.
+    ``faults`` list what is damaged or missing; ``ok`` is true if there are none. ``warnings`` list what is unusual but
+    was stored on request, such as areas that overlap: nothing is lost. Both hold the first hundred and then one line
+    with the number of the rest.
     """
 
     name: str
@@ -95,7 +96,7 @@ class Verdict:
 
 @dataclass(frozen=True)
 class Difference:
-    """One thing in which two files differ.
+    """One difference between two files.
 
     ``kind`` is "only_before", "only_after", "field" (then ``before`` and ``after`` are the texts of ``field``), "fault"
     (then they say why the bytes in one file, or in each, cannot be read), "cells" or "bytes". Of cells,

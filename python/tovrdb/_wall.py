@@ -24,18 +24,18 @@ def open(path: Path, key: str, *, wait: int = 5, fast: bool = False, plugin: Opt
     """Opens a database file.
 
     :param key: the page key, as it was given to create()
-    :param wait: seconds that other programs which use the file are waited for
+    :param wait: seconds to wait while other programs use the file
     :param fast: do not wait for the disk; a power cut can then damage the file
     :param plugin: the plug-in library, if it is not where it was installed; else TOVRDB_PLUGIN names it
     :raises NotFound: there is no such file
     :raises WrongKey: the key does not open it
-    :raises Busy: other programs use it for longer than that, or this process has a file open already
+    :raises Busy: other programs still use it after that time, or this process already has a file open
     """
     told = _opening(wait, fast, plugin)
     checked = _arguments.key(key)
     name = _arguments.path("path", path)
     if name == _MEMORY:
-        raise NotFound("a database in memory begins with tovrdb.create(':memory:', type=0)")
+        raise NotFound("a database in memory cannot be opened: make one with tovrdb.create(':memory:', type=0)")
     if not os.path.exists(name):
         raise NotFound(f"{shown(name)}: there is no such file; tovrdb.create() makes a new one")
     return Wall(name, lambda whole: _native.File(*told, whole, checked))
@@ -43,18 +43,18 @@ def open(path: Path, key: str, *, wait: int = 5, fast: bool = False, plugin: Opt
 
 def create(path: Path, key: Optional[str] = None, *, type: int, name: str = "", wait: int = 5, fast: bool = False,
            plugin: Optional[str] = None) -> "Wall":
-    """Makes a new database file and opens it. ":memory:" makes one in memory, without a key, gone when it is closed.
+    """Makes a new database file and opens it. ":memory:" makes one without a key in memory; closing discards it.
 
-    :param type: 0, screens are found by rectangle, or 1, by name; it stays
+    :param type: 0: screens are found by rectangle; 1: by name. It cannot be changed later
     :param name: the database's name; by default the file's
 
     The other parameters are those of open().
 
-    :raises Conflict: there is something of that name
+    :raises Conflict: the file exists already
     """
     kind = _arguments.whole("type", type)
     if kind not in (0, 1):
-        raise Invalid("type: 0, screens are found by rectangle, or 1, by name")
+        raise Invalid("type: must be 0 (screens are found by rectangle) or 1 (by name)")
     told = _opening(wait, fast, plugin)
     title = _arguments.text("name", name)
     place = _arguments.path("path", path)
@@ -72,19 +72,19 @@ def create(path: Path, key: Optional[str] = None, *, type: int, name: str = "", 
 
 
 def _opening(wait: Any, fast: Any, plugin: Any) -> Tuple[bytes, int, bool]:
-    """How files are opened: the plug-in, the seconds to wait, whether the disk is waited for."""
+    """The checked options of opening: plug-in, seconds to wait, whether to wait for the disk."""
     given = None if plugin is None else _arguments.path("plugin", plugin)
     return (os.fsencode(_library.plugin_path(given)), _arguments.whole("wait", wait, 0, _LONGEST_WAIT),
             not _arguments.flag("fast", fast))
 
 
 class Transaction(NotCopied):
-    """A context manager: all or nothing of what is written in it. Wall.transaction() makes one."""
+    """A context manager whose writes are kept together or not at all. Wall.transaction() makes one."""
 
     def __init__(self, wall: "Wall") -> None:
         self._wall = wall
         self._lock = _library.lock
-        self._depth: Optional[int] = None  # how many were open before this one
+        self._depth: Optional[int] = None  # transactions that were open before this one
 
     def __enter__(self) -> "Wall":
         if self._depth is not None:
@@ -104,7 +104,7 @@ class Transaction(NotCopied):
         self._leave(kept=kind is None)
 
     def _leave(self, kept: bool) -> None:
-        """Undoes what is not kept and releases the lock, also if this is interrupted."""
+        """Commits or rolls back, and releases the lock even if it is interrupted."""
         depth, self._depth = self._depth, None
         try:
             if kept:
@@ -120,8 +120,8 @@ class Transaction(NotCopied):
 class Wall(NotCopied):
     """An open database file, and a context manager that closes it; open() and create() make one.
 
-    A process has one file open at a time. Any of its threads may use it: they take turns, and a thread that has begun a
-    transaction keeps its turn until the end. A process that was forked off opens the file by itself.
+    A process can have one file open at a time. Any of its threads may use it: they take turns, and a thread that has
+    begun a transaction keeps its turn until the transaction ends. A forked process must open the file again.
     """
 
     def __init__(self, path: str, opening: Any) -> None:
@@ -131,7 +131,8 @@ class Wall(NotCopied):
         with _library.lock:
             last = _library.opened
             if last is not None and last.is_ours():
-                raise Busy(f"{shown(last.path)} is open in this process, which can have one file open: close it first")
+                raise Busy(f"{shown(last.path)} is open in this process, which can have only one file open: "
+                           "close it first")
             whole = os.fsencode(os.path.abspath(self.path))
             self._file = self._named(lambda: _library.call(opening, whole))
             _library.opened = _library.Opened(self._process, self.path, self._file)
@@ -155,17 +156,17 @@ class Wall(NotCopied):
 
     @property
     def data(self) -> List[Data]:
-        """The generic data that is stored."""
+        """The stored generic data, without its bytes."""
         return [record_of(Data, data) for data in self._call("data")]
 
     @property
     def measurements(self) -> List[Measurement]:
-        """The measurements that are stored."""
+        """The stored measurements, without their bytes."""
         return [record_of(Measurement, measurement) for measurement in self._call("measurements")]
 
     @property
     def info(self) -> "dict[str, Any]":
-        """The file in figures: "type", "description", "engine", and "tables" with their rows and bytes."""
+        """Facts about the file: "type", "description", "engine", and "tables" with their rows and bytes."""
         return dict(self._call("info"))
 
     # Cells
@@ -176,16 +177,16 @@ class Wall(NotCopied):
         """The cells of an area, like an array; reads none of them yet.
 
         :param type: the coefficient type
-        :param screen: the screen's name; required if several have such areas
-        :param area: instead of both, an area or its id
+        :param screen: the screen's name; required if several screens have areas of the type
+        :param area: an area or its id, instead of type and screen
         :param rect: only these cells: left, top, right, bottom, all four inclusive
         :param dtype: the type of the numbers [as kept with the block]
-        :param mosaic: read across areas; of those that overlap, the first stored one counts
-        :param fill: with mosaic, the number, as stored, of cells that no area covers
-        :param scale: what 1 stands for, and
+        :param mosaic: read across areas; if areas overlap, each cell comes from the one stored first
+        :param fill: with mosaic, the unscaled number for cells that no area covers
+        :param scale: the factor of the stored numbers, 0.5 or "1/16384" [as kept with the block]
         :param unit: the unit of the scaled numbers [as kept with the block]
-        :raises NotFound: there is no such area; the text tells what there is
-        :raises Invalid: several areas are meant, or nothing tells the type of the numbers
+        :raises NotFound: there is no such area; the text lists those that exist
+        :raises Invalid: the choice is ambiguous, or the type of the numbers is not known
         """
         return Coef(self, self._call(
             "locate",
@@ -203,23 +204,23 @@ class Wall(NotCopied):
             screen: str = "", mode: str = "careful", force: bool = False, number: int = -1, text: str = "",
             scale: Union[str, float, None] = None, unit: Optional[str] = None,
             new_screen: bool = False) -> List[str]:
-        """Stores a block by the rules of ``tovrdb coef put``; everything is decided before anything is written.
+        """Stores a block by the rules of ``tovrdb coef put``: conflicts are found before anything is written.
 
         :param array: numbers of shape (rows, columns) or (rows, columns, values...); stored in their own type, which is
-            kept with the block. Any memory layout and byte order will do
+            kept with the block. Any memory layout and byte order is accepted
         :param at: the column and row of its first cell on the screen; or
         :param rect: left, top, right, bottom, all four inclusive
-        :param mode: what it may do to stored blocks. "careful": replace one of its very place; "patch": go into the one
-            that holds its place; "replace": remove those inside; "beside": lie upon others; "update": rewrite the
-            screen's and add nothing
-        :param force: replace a block of another number of bytes per cell, of another type, scale or unit of its numbers
-            or, in files of type 1, of another place
-        :param number: other than -1: an area number; the block is always added
+        :param mode: what it may do to stored blocks. "careful": replace the block of exactly this rectangle; "patch":
+            change these cells of the block that holds them; "replace": also remove blocks that lie inside; "beside":
+            overlap others; "update": rewrite the screen's block, add nothing
+        :param force: replace a block with another number of bytes per cell, with numbers of another type, scale or unit
+            or, in files of type 1, at another place
+        :param number: an area number; unless it is -1, the block is always added
         :param text: kept with the block
-        :param scale: what 1 stands for, 0.5 or "1/16384"; kept with the block, as is
+        :param scale: the factor of the stored numbers, 0.5 or "1/16384"; kept with the block, as is
         :param unit: the unit of the scaled numbers
-        :param new_screen: in files of type 1, add the screen even if its name looks like a slip of another's: it differs
-            only in case or blanks, or begins or ends with a blank
+        :param new_screen: in files of type 1, add the screen even if its name looks like a misspelling of another's: it
+            differs only in case or blanks, or begins or ends with a blank
         :return: what was replaced, removed or patched, a line each
         :raises Conflict: it conflicts with stored blocks
         :raises Invalid: the array's type or shape is not that of a block
@@ -240,12 +241,12 @@ class Wall(NotCopied):
 
     def delete(self, areas: Union[Area, int, Iterable[Union[Area, int]], None] = None, *, type: Optional[int] = None,
                rect: Optional[Edges] = None, screen: str = "") -> List[str]:
-        """Deletes areas with their blocks: areas or ids, or the one of a type and rectangle. Returns what went."""
+        """Deletes areas with their blocks: areas or ids, or the one of a type and rectangle. Returns a line each."""
         if areas is not None:
             several = areas if isinstance(areas, Iterable) else [areas]
             return list(self._call("delete_areas", [_area_id("areas", area) for area in several]))
         if type is None or rect is None:
-            raise Invalid("say which areas: areas or ids, or type and rect")
+            raise Invalid("give areas or their ids, or type and rect")
         return list(self._call("delete_at", _arguments.whole("type", type), _arguments.text("screen", screen),
                                _arguments.rect("rect", rect)))
 
@@ -254,8 +255,8 @@ class Wall(NotCopied):
     def add_screen(self, name: str, *, rect: Edges, force: bool = False) -> None:
         """Adds a screen of these cells: left, top, right, bottom, all four inclusive.
 
-        Raises Conflict if there is one of that name and, unless ``force``, if the name looks like a slip of another's or
-        if, in files of type 0, an older screen holds all of its cells.
+        Raises Conflict if there is one of that name and, unless ``force``, if the name looks like a misspelling of
+        another's or if, in files of type 0, an older screen holds all of its cells.
         """
         if not _arguments.text("name", name):
             raise Invalid("name: must not be empty")
@@ -279,7 +280,7 @@ class Wall(NotCopied):
         return bytes(self._call("get_data", _arguments.whole("type", type)))
 
     def put_data(self, type: int, payload: bytes, *, text: str = "") -> List[str]:
-        """Stores generic data in the place of what its type held. Returns what was replaced.
+        """Stores generic data, replacing data of the same type. Returns what was replaced, a line each.
 
         It belongs to the screen that was added last.
         """
@@ -287,7 +288,7 @@ class Wall(NotCopied):
                                _arguments.text("text", text)))
 
     def delete_data(self, type: int) -> List[str]:
-        """Deletes the generic data of a type. Returns what went."""
+        """Deletes the generic data of a type. Returns a line for each."""
         return list(self._call("delete_data", _arguments.whole("type", type)))
 
     def get_measurement(self, id: int) -> bytes:
@@ -295,7 +296,7 @@ class Wall(NotCopied):
         return bytes(self._call("get_measurement", _arguments.row_id("id", id)))
 
     def put_measurement(self, payload: bytes, *, type: int, rect: Edges, text: str = "") -> int:
-        """Stores a measurement and returns its id. The library keeps the bytes, but neither type nor rectangle."""
+        """Stores a measurement and returns its id. The library stores the bytes, but neither type nor rectangle."""
         return int(self._call("put_measurement", _arguments.payload("payload", payload),
                               _arguments.whole("type", type), _arguments.rect("rect", rect),
                               _arguments.text("text", text)))
@@ -307,17 +308,17 @@ class Wall(NotCopied):
     # The file as a whole
 
     def check(self) -> List[Verdict]:
-        """Reads every byte of the file and judges it, from its pages to the sense of its rows. Not in a transaction."""
+        """Checks the whole file, from its pages to whether its rows make sense. Not in a transaction."""
         return [record_of(Verdict, verdict) for verdict in self._call("check")]
 
     def diff(self, other: Path, *, key: Optional[str] = None, atol: float = 0, rtol: float = 0,
              dtype: Any = None) -> List[Difference]:
-        """What differs in another file, as ``tovrdb diff`` tells it; empty if both hold the same.
+        """The differences to another file, as ``tovrdb diff`` lists them; empty if the contents are equal.
 
-        :param other: its path; no program needs to have it open
+        :param other: its path
         :param key: its key, if it has another
-        :param atol: numbers this far apart count as equal, scaled
-        :param rtol: the same, as a share of the larger of the two
+        :param atol: absolute tolerance: scaled numbers this far apart count as equal
+        :param rtol: relative tolerance, times the larger of the two sizes
         :param dtype: the type of the numbers, if none is kept with the blocks
 
         Only one file is open at a time: this one is closed meanwhile, and so must not be in a transaction.
@@ -335,17 +336,17 @@ class Wall(NotCopied):
         return [record_of(Difference, difference) for difference in found]
 
     def transaction(self) -> Transaction:
-        """All or nothing: what an exception ends is undone. Within another one it is undone by itself."""
+        """A transaction: an exception rolls it back. An inner one rolls back by itself."""
         return Transaction(self)
 
     @property
     def closed(self) -> bool:
-        """Whether it is; waits for the thread whose turn it is."""
+        """Whether the file is closed; waits for the thread whose turn it is."""
         with _library.lock:
             return self._file is None or bool(self._file.is_closed())
 
     def close(self) -> None:
-        """Closes the file; what a transaction that has not ended has written is undone. Closing twice does nothing."""
+        """Closes the file and rolls back transactions that have not ended. Closing twice does nothing."""
         if not self.closed and self._process == os.getpid():
             self._call("close")
 
@@ -359,7 +360,7 @@ class Wall(NotCopied):
     def __del__(self) -> None:
         try:
             self.close()
-        except Exception:  # nobody is there to be told
+        except Exception:  # a destructor must not raise
             pass
 
     def __repr__(self) -> str:
@@ -386,7 +387,7 @@ class Wall(NotCopied):
         return self._named(lambda: _library.call(getattr(self._file, operation), *arguments))
 
     def _named(self, work: Any) -> Any:
-        """What an error happened on goes before it."""
+        """Puts the name of the file before the text of an error."""
         try:
             return work()
         except Error as error:
@@ -422,16 +423,16 @@ def _plain(array: Any) -> "np.ndarray[Any, Any]":
 
 def _place(array: "np.ndarray[Any, Any]", at: Optional[Tuple[int, int]], rect: Optional[Edges]) -> Rect:
     if array.ndim < 2 or array.size == 0:
-        raise Invalid(f"an array of shape {array.shape} is not a block, which takes (rows, columns, values) or "
+        raise Invalid(f"an array of shape {array.shape} is not a block: its shape must be (rows, columns, values) or "
                       "(rows, columns), none of them 0")
     rows, columns = array.shape[:2]
     if (at is None) == (rect is None):
-        raise Invalid("say where the block belongs: at=(column, row) of its first cell, or rect=")
+        raise Invalid("the place of the block is required: at=(column, row) of its first cell, or rect=")
     if at is not None:
         left, top = _arguments.position("at", at)
         return Rect(left, top, left + columns - 1, top + rows - 1)
     cells = _arguments.rect("rect", rect)
     if cells.shape != (rows, columns):
-        raise Invalid(f"an array of shape {array.shape} does not fit the rectangle {cells}: its shape would begin "
-                      f"with {cells.shape}")
+        raise Invalid(f"an array of shape {array.shape} does not fit the rectangle {cells}, whose shape "
+                      f"is {cells.shape}")
     return cells

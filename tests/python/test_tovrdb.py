@@ -289,22 +289,22 @@ def test_errors_are_one_family_and_keep_the_key(path, tmp_path, wall):
 
 
 @pytest.mark.parametrize("call, error, text", [
-    (lambda wall: wall.delete(True), TypeError, "areas: a whole number is wanted, not bool"),
-    (lambda wall: wall.delete([1, 1.0]), TypeError, "areas: a whole number is wanted, not float"),
-    (lambda wall: wall.coef(area=np.True_), TypeError, "area: a whole number"),
-    (lambda wall: wall.coef(type=2 ** 31), tovrdb.Invalid, "type: a whole number from -2147483648 to 2147483647"),
+    (lambda wall: wall.delete(True), TypeError, "areas: must be a whole number, not bool"),
+    (lambda wall: wall.delete([1, 1.0]), TypeError, "areas: must be a whole number, not float"),
+    (lambda wall: wall.coef(area=np.True_), TypeError, "area: must be a whole number"),
+    (lambda wall: wall.coef(type=2 ** 31), tovrdb.Invalid, "type: must be a whole number from -2147483648 to 2147483647"),
     (lambda wall: wall.coef(type=1, dtype=">u2"), tovrdb.Invalid, "'>u2' is big-endian"),
     (lambda wall: wall.coef(type=1, dtype="V4"), tovrdb.Invalid, "dtype: .*V4"),
-    (lambda wall: wall.coef(type=1, mosaic=1), TypeError, "mosaic: True or False is wanted, not int"),
+    (lambda wall: wall.coef(type=1, mosaic=1), TypeError, "mosaic: must be True or False, not int"),
     (lambda wall: wall.coef(type=1, rect=(0, 0, 5)), tovrdb.Invalid, "rect: .* not 3"),
-    (lambda wall: wall.coef(type=1, rect=(0, 0, 5, "5")), TypeError, r"rect\[3\]: a whole number is wanted, not str"),
-    (lambda wall: wall.coef(type=1, scale=True), TypeError, "scale: a number"),
-    (lambda wall: wall.put(CELLS, type=1, at=5), TypeError, "at: a position"),
+    (lambda wall: wall.coef(type=1, rect=(0, 0, 5, "5")), TypeError, r"rect\[3\]: must be a whole number, not str"),
+    (lambda wall: wall.coef(type=1, scale=True), TypeError, "scale: must be a number"),
+    (lambda wall: wall.put(CELLS, type=1, at=5), TypeError, "at: must be a position"),
     (lambda wall: wall.put(CELLS, type=1, rect=RECT, text="a\0b"), tovrdb.Invalid, "text: .* null character"),
     (lambda wall: wall.put(np.ma.masked_equal(CELLS, 5), type=1, rect=RECT), tovrdb.Invalid, r"array: .*\.filled"),
     (lambda wall: wall.add_screen("a\0b", rect=RECT), tovrdb.Invalid, "name: .* null character"),
-    (lambda wall: wall.put_data(3, 5), TypeError, "payload: a bytes-like object is wanted, not int"),
-    (lambda wall: wall.diff(wall.path, atol=-1), tovrdb.Invalid, "atol: a finite number"),
+    (lambda wall: wall.put_data(3, 5), TypeError, "payload: must be a bytes-like object, not int"),
+    (lambda wall: wall.diff(wall.path, atol=-1), tovrdb.Invalid, "atol: must be a finite number"),
 ])
 def test_an_argument_is_refused_by_its_name(wall, call, error, text):
     before = str(wall), wall.areas, wall.data
