@@ -5,7 +5,7 @@
 
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
-#include "client/checks/DatabaseChecks.h"
+#include "client/checks/Check.h"
 #include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 #include "client/disk/UnfinishedFile.h"

@@ -6,10 +6,10 @@
 
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
-#include "client/checks/DatabaseChecks.h"
+#include "client/checks/Check.h"
 #include "client/disk/Paths.h"
 #include "client/disk/UnfinishedFile.h"
-#include "client/exchange/StoredRows.h"
+#include "client/files/StoredRows.h"
 #include "client/session/LibraryError.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"

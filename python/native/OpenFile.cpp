@@ -4,7 +4,7 @@
 
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
-#include "client/checks/DatabaseChecks.h"
+#include "client/checks/Check.h"
 #include "client/disk/Platform.h"
 
 namespace tovrdb::python {

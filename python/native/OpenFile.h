@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "client/checks/Verdict.h"
-#include "client/files/NewDatabase.h"
+#include "client/files/NewFiles.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 

@@ -11,7 +11,7 @@
 #include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/CoveredCells.h"
-#include "client/checks/DatabaseChecks.h"
+#include "client/checks/Check.h"
 #include "client/reading/NumberForms.h"
 
 namespace tovrdb::tool {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "client/base/Json.h"
-#include "client/checks/DatabaseChecks.h"
+#include "client/checks/Check.h"
 #include "client/checks/FileFacts.h"
 #include "tool/report/ReportCells.h"
 #include "tool/report/ReportDifference.h"

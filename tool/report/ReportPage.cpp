@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "client/exchange/JsonForms.h"
+#include "client/checks/JsonForms.h"
 #include "tool/report/PageTemplate.h"
 #include "tool/report/ReportHtml.h"
 

@@ -7,7 +7,7 @@
 #include <numeric>
 
 #include "client/cells/NumberText.h"
-#include "client/exchange/JsonForms.h"
+#include "client/checks/JsonForms.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrdb::tool {

@@ -1,7 +1,7 @@
 #include <algorithm>
 
+#include "client/checks/JsonForms.h"
 #include "client/contents/AreaFilter.h"
-#include "client/exchange/JsonForms.h"
 #include "client/reading/NumberForms.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"

@@ -7,7 +7,7 @@
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/NumberText.h"
-#include "client/exchange/JsonForms.h"
+#include "client/checks/JsonForms.h"
 #include "client/reading/NumberForms.h"
 #include "client/statistics/CabinetReport.h"
 #include "client/statistics/Statistics.h"

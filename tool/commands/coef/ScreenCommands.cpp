@@ -1,6 +1,6 @@
 #include "client/base/Text.h"
+#include "client/checks/JsonForms.h"
 #include "client/contents/Screens.h"
-#include "client/exchange/JsonForms.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"

@@ -1,9 +1,9 @@
 #include <utility>
 
 #include "client/base/Text.h"
+#include "client/checks/JsonForms.h"
 #include "client/contents/GenericData.h"
 #include "client/disk/FileInput.h"
-#include "client/exchange/JsonForms.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"

@@ -4,9 +4,9 @@
 
 #include "client/base/Error.h"
 #include "client/base/Text.h"
+#include "client/checks/JsonForms.h"
 #include "client/contents/Measurements.h"
 #include "client/disk/FileInput.h"
-#include "client/exchange/JsonForms.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

@@ -2,8 +2,8 @@
 
 #include "client/base/Error.h"
 #include "client/base/Json.h"
-#include "client/checks/DatabaseChecks.h"
-#include "client/exchange/JsonForms.h"
+#include "client/checks/Check.h"
+#include "client/checks/JsonForms.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

@@ -1,4 +1,4 @@
-#include "client/files/NewDatabase.h"
+#include "client/files/NewFiles.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/KeySource.h"

@@ -1,6 +1,6 @@
 #include "client/cells/Rect.h"
 #include "client/checks/FileFacts.h"
-#include "client/exchange/JsonForms.h"
+#include "client/checks/JsonForms.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

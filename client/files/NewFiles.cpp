@@ -1,4 +1,4 @@
-#include "client/files/NewDatabase.h"
+#include "client/files/NewFiles.h"
 
 #include "client/disk/Paths.h"
 #include "client/disk/UnfinishedFile.h"

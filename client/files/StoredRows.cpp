@@ -1,4 +1,4 @@
-#include "client/exchange/StoredRows.h"
+#include "client/files/StoredRows.h"
 
 #include <fmt/format.h>
 

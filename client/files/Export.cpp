@@ -1,4 +1,4 @@
-#include "client/exchange/FolderExport.h"
+#include "client/files/Export.h"
 
 #include <fmt/core.h>
 
@@ -12,8 +12,8 @@
 #include "client/contents/StoredArea.h"
 #include "client/contents/StoredBlob.h"
 #include "client/disk/UnfinishedFolder.h"
-#include "client/exchange/ExportFormat.h"
-#include "client/exchange/StoredRows.h"
+#include "client/files/Exchange.h"
+#include "client/files/StoredRows.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/Tables.h"
 

@@ -1,4 +1,4 @@
-#include "client/checks/DatabaseChecks.h"
+#include "client/checks/Check.h"
 
 #include <fmt/core.h>
 
@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "client/base/Text.h"
-#include "client/checks/PlacementChecks.h"
+#include "client/checks/PlacementCheck.h"
 #include "client/contents/RowNames.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/Tables.h"

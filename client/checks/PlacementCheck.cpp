@@ -1,4 +1,4 @@
-#include "client/checks/PlacementChecks.h"
+#include "client/checks/PlacementCheck.h"
 
 #include <fmt/core.h>
 

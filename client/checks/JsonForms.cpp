@@ -1,4 +1,4 @@
-#include "client/exchange/JsonForms.h"
+#include "client/checks/JsonForms.h"
 
 #include <charconv>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "client/exchange/FolderImport.h"
+#include "client/files/Import.h"
 
 #include <fmt/core.h>
 
@@ -11,8 +11,8 @@
 #include "client/contents/StoredBlob.h"
 #include "client/disk/FileInput.h"
 #include "client/disk/Paths.h"
-#include "client/exchange/ExportFormat.h"
-#include "client/exchange/StoredRows.h"
+#include "client/files/Exchange.h"
+#include "client/files/StoredRows.h"
 #include "client/session/Tables.h"
 
 namespace tovrdb {
