@@ -7,7 +7,6 @@
 #include "client/cells/NpyFile.h"
 #include "client/contents/StoredBlob.h"
 #include "client/files/Exchange.h"
-#include "client/files/Import.h"
 #include "client/files/StoredRows.h"
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"

@@ -10,7 +10,7 @@
 #include "client/base/Json.h"
 #include "client/cells/NumberForm.h"
 #include "client/cells/Rect.h"
-#include "client/checks/Verdict.h"
+#include "client/checks/Check.h"
 
 namespace tovrdb {
 

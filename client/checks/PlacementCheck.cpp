@@ -1,11 +1,10 @@
-#include "client/checks/PlacementCheck.h"
-
 #include <fmt/core.h>
 
 #include <algorithm>
 
 #include "client/base/Text.h"
 #include "client/cells/Overlaps.h"
+#include "client/checks/Check.h"
 #include "client/contents/RowNames.h"
 #include "client/contents/Screens.h"
 #include "client/session/SqlQuery.h"

@@ -1,8 +1,8 @@
-#include "client/checks/SchemaCheck.h"
-
 #include <fmt/core.h>
 
 #include <algorithm>
+
+#include "client/checks/Check.h"
 
 namespace tovrdb {
 namespace {

@@ -1,5 +1,3 @@
-#include "client/files/Export.h"
-
 #include <fmt/core.h>
 
 #include <cstdlib>

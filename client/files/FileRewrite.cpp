@@ -1,5 +1,3 @@
-#include "client/files/FileRewrite.h"
-
 #include <fmt/core.h>
 
 #include <filesystem>
@@ -9,6 +7,7 @@
 #include "client/checks/Check.h"
 #include "client/disk/Paths.h"
 #include "client/disk/UnfinishedFile.h"
+#include "client/files/NewFiles.h"
 #include "client/files/StoredRows.h"
 #include "client/session/LibraryError.h"
 #include "client/session/Session.h"

@@ -1,5 +1,3 @@
-#include "client/files/Import.h"
-
 #include <fmt/core.h>
 
 #include <filesystem>

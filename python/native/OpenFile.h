@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "client/checks/Verdict.h"
+#include "client/checks/Check.h"
 #include "client/files/NewFiles.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "client/cells/NumberForm.h"
+#include "client/checks/Check.h"
 #include "client/checks/FileDifference.h"
 #include "client/checks/FileFacts.h"
-#include "client/checks/Verdict.h"
 #include "client/contents/GenericData.h"
 #include "client/contents/Measurements.h"
 #include "client/contents/Screens.h"

@@ -1,7 +1,7 @@
 // The commands about whole files: check, export and import, rekey, encrypt and decrypt.
 #include <gtest/gtest.h>
 
-#include "client/checks/Verdict.h"
+#include "client/checks/Check.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
 

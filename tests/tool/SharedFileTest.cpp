@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "client/base/Error.h"
-#include "client/files/FileRewrite.h"
+#include "client/files/NewFiles.h"
 #include "client/session/Session.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"

@@ -5,7 +5,7 @@
 #include "client/base/Text.h"
 #include "client/cells/CellBlock.h"
 #include "client/disk/FileInput.h"
-#include "client/files/Backup.h"
+#include "client/files/NewFiles.h"
 #include "client/storing/BlockFiles.h"
 #include "client/storing/StoreBlocks.h"
 #include "tool/commands/Arguments.h"

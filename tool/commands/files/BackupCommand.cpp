@@ -1,4 +1,4 @@
-#include "client/files/Backup.h"
+#include "client/files/NewFiles.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

@@ -3,8 +3,6 @@
 #include "client/base/Text.h"
 #include "client/disk/UnfinishedFile.h"
 #include "client/files/Exchange.h"
-#include "client/files/Export.h"
-#include "client/files/Import.h"
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 #include "tool/commands/Arguments.h"

@@ -1,6 +1,6 @@
 
 #include "client/base/Error.h"
-#include "client/files/FileRewrite.h"
+#include "client/files/NewFiles.h"
 #include "client/session/FileGeneration.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
