@@ -71,16 +71,16 @@ CellBlock cut(const CellBlock& whole, const Rect& rect) {
   return blockOf(rect, whole.cellBytes, std::move(bytes));
 }
 
-std::size_t valuesPerCell(std::int32_t cellBytes, const Dtype& dtype) {
+std::size_t valuesPerCell(std::int32_t cellBytes, NumberType dtype) {
   const auto bytes = static_cast<std::size_t>(cellBytes);
-  if (cellBytes <= 0 || bytes % dtype.itemSize != 0) {
-    throw Error(kFileProblem, "a cell of {} bytes is not a whole number of {} values", cellBytes, dtype.descr)
+  if (cellBytes <= 0 || bytes % traitsOf(dtype).bytes != 0) {
+    throw Error(kFileProblem, "a cell of {} bytes is not a whole number of {} values", cellBytes, nameOf(dtype))
         .suggest(Remedy::kOtherNumberType);
   }
-  return bytes / dtype.itemSize;
+  return bytes / traitsOf(dtype).bytes;
 }
 
-std::vector<std::size_t> blockShape(const Rect& rect, std::int32_t cellBytes, const Dtype& dtype) {
+std::vector<std::size_t> blockShape(const Rect& rect, std::int32_t cellBytes, NumberType dtype) {
   return {static_cast<std::size_t>(rowsOf(rect)), static_cast<std::size_t>(columnsOf(rect)),
           valuesPerCell(cellBytes, dtype)};
 }

@@ -48,9 +48,9 @@ CellBlock blockFromBytes(std::vector<unsigned char> bytes, const Rect& rect, std
 CellBlock cut(const CellBlock& whole, const Rect& rect);
 
 // How many values of type `dtype` a cell holds. Throws Error when it is not a whole number of them.
-std::size_t valuesPerCell(std::int32_t cellBytes, const Dtype& dtype);
+std::size_t valuesPerCell(std::int32_t cellBytes, NumberType dtype);
 
 // rows x columns x values of type `dtype`. Throws Error as valuesPerCell does.
-std::vector<std::size_t> blockShape(const Rect& rect, std::int32_t cellBytes, const Dtype& dtype);
+std::vector<std::size_t> blockShape(const Rect& rect, std::int32_t cellBytes, NumberType dtype);
 
 }  // namespace tovrdb

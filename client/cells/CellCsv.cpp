@@ -12,7 +12,7 @@ namespace tovrdb {
 namespace {
 
 // Enough digits to read the same number back: 9 for 32-bit floats and less, 17 for 64-bit ones (IEEE 754).
-int digitsOf(const Dtype& dtype) { return dtype.itemSize < 8 && dtype.descr[1] == 'f' ? 9 : 17; }
+int digitsOf(NumberType dtype) { return traitsOf(dtype).bytes < 8 && traitsOf(dtype).isFloating ? 9 : 17; }
 
 std::string heading(std::size_t values) {
   std::string line = "column,row";
@@ -23,8 +23,8 @@ std::string heading(std::size_t values) {
 }  // namespace
 
 void writeCsv(const CellBlock& block, const NumberForm& form, const std::function<void(const std::string&)>& write) {
-  const Dtype& dtype = form.dtype;
-  if (dtype.itemSize == 8 && dtype.descr[1] != 'f') {
+  const NumberType dtype = form.dtype;
+  if (traitsOf(dtype).bytes == 8 && !traitsOf(dtype).isFloating) {
     throw Error(kInvalid, "64-bit whole numbers do not fit CSV's decimal numbers; write .npy instead");
   }
   const Rect& rect = block.rect;
@@ -33,7 +33,7 @@ void writeCsv(const CellBlock& block, const NumberForm& form, const std::functio
   std::vector<double> numbers(static_cast<std::size_t>(columnsOf(rect)) * values);
   write(heading(values));
   for (std::int64_t y = rect.top; y <= rect.bottom; ++y) {
-    readNumbers(form, block.at(rect.left, static_cast<std::int32_t>(y)), dtype.itemSize, numbers.size(),
+    readNumbers(form, block.at(rect.left, static_cast<std::int32_t>(y)), traitsOf(dtype).bytes, numbers.size(),
                 numbers.data());
     std::string text;
     const auto end = std::back_inserter(text);

@@ -72,42 +72,48 @@ std::vector<unsigned char> halfBytes(double number) {
   return {static_cast<unsigned char>(nearest & 0xFF), static_cast<unsigned char>(nearest >> 8)};
 }
 
-using Write = std::vector<unsigned char> (*)(double);
-
-using Read = void (*)(const unsigned char*, std::size_t, std::size_t, double*);
-
-struct NamedType {
-  const char* type;  // without the byte order: both the files and the machine are little-endian
-  Read read;
-  Write write;
+struct Access {
+  void (*read)(const unsigned char* at, std::size_t stride, std::size_t count, double* numbers);
+  std::vector<unsigned char> (*write)(double number);  // empty if no such number exists
 };
 
-constexpr NamedType kTypes[] = {
-    {"u1", readAs<std::uint8_t>, bytesAs<std::uint8_t>},
-    {"i1", readAs<std::int8_t>, bytesAs<std::int8_t>},
-    {"u2", readAs<std::uint16_t>, bytesAs<std::uint16_t>},
-    {"i2", readAs<std::int16_t>, bytesAs<std::int16_t>},
-    {"u4", readAs<std::uint32_t>, bytesAs<std::uint32_t>},
-    {"i4", readAs<std::int32_t>, bytesAs<std::int32_t>},
-    {"u8", readAs<std::uint64_t>, bytesAs<std::uint64_t>},
-    {"i8", readAs<std::int64_t>, bytesAs<std::int64_t>},
-    {"f2", readAs<Half>, halfBytes},
-    {"f4", readAs<float>, bytesAs<float>},
-    {"f8", readAs<double>, bytesAs<double>},
-};
+template <class Number>
+constexpr Access accessAs() {
+  return {readAs<Number>, bytesAs<Number>};
+}
 
-const NamedType& typeOf(const Dtype& dtype) {
-  for (const NamedType& known : kTypes) {
-    if (dtype.descr.compare(1, std::string::npos, known.type) == 0) return known;
+Access accessTo(NumberType type) {
+  switch (type) {
+    case NumberType::kUint8:
+      return accessAs<std::uint8_t>();
+    case NumberType::kInt8:
+      return accessAs<std::int8_t>();
+    case NumberType::kUint16:
+      return accessAs<std::uint16_t>();
+    case NumberType::kInt16:
+      return accessAs<std::int16_t>();
+    case NumberType::kUint32:
+      return accessAs<std::uint32_t>();
+    case NumberType::kInt32:
+      return accessAs<std::int32_t>();
+    case NumberType::kUint64:
+      return accessAs<std::uint64_t>();
+    case NumberType::kInt64:
+      return accessAs<std::int64_t>();
+    case NumberType::kFloat16:
+      return {readAs<Half>, halfBytes};
+    case NumberType::kFloat32:
+      return accessAs<float>();
+    case NumberType::kFloat64:
+      break;
   }
-  throw std::invalid_argument("numbers of type " + dtype.descr + " cannot be read");
+  return accessAs<double>();
 }
 
 }  // namespace
 
-void readNumbers(const Dtype& dtype, const unsigned char* first, std::size_t stride, std::size_t count,
-                 double* numbers) {
-  typeOf(dtype).read(first, stride, count, numbers);
+void readNumbers(NumberType dtype, const unsigned char* first, std::size_t stride, std::size_t count, double* numbers) {
+  accessTo(dtype).read(first, stride, count, numbers);
 }
 
 void readNumbers(const NumberForm& form, const unsigned char* first, std::size_t stride, std::size_t count,
@@ -117,20 +123,19 @@ void readNumbers(const NumberForm& form, const unsigned char* first, std::size_t
   std::transform(numbers, numbers + count, numbers, [&](double number) { return form.scale.of(number); });
 }
 
-std::vector<unsigned char> cellOf(const Dtype& dtype, std::size_t values, double number) {
-  const std::vector<unsigned char> item = typeOf(dtype).write(number);
+std::vector<unsigned char> cellOf(NumberType dtype, std::size_t values, double number) {
+  const std::vector<unsigned char> item = accessTo(dtype).write(number);
   double back = 0;
   if (!item.empty()) readNumbers(dtype, item.data(), item.size(), 1, &back);
-  const bool floating = dtype.descr[1] == 'f';
-  if (item.empty() || (floating ? std::isfinite(back) != std::isfinite(number) : back != number)) {
-    throw Error(kInvalid, "{} is not a number of type {}", numberText(number), dtypeName(dtype));
+  if (item.empty() || (traitsOf(dtype).isFloating ? std::isfinite(back) != std::isfinite(number) : back != number)) {
+    throw Error(kInvalid, "{} is not a number of type {}", numberText(number), nameOf(dtype));
   }
   std::vector<unsigned char> cell;
   for (std::size_t i = 0; i < values; ++i) cell.insert(cell.end(), item.begin(), item.end());
   return cell;
 }
 
-void requireComponent(std::int32_t cellBytes, const Dtype& dtype, std::size_t component) {
+void requireComponent(std::int32_t cellBytes, NumberType dtype, std::size_t component) {
   const std::size_t values = valuesPerCell(cellBytes, dtype);
   if (component >= values) {
     throw Error(kInvalid, "there is no component {}: a cell has the components 0 to {}", component, values - 1);
@@ -139,8 +144,8 @@ void requireComponent(std::int32_t cellBytes, const Dtype& dtype, std::size_t co
 
 void readRow(const CellBlock& block, const NumberForm& form, std::size_t component, const Rect& part, std::int32_t y,
              double* numbers) {
-  readNumbers(form, block.at(part.left, y) + component * form.dtype.itemSize, static_cast<std::size_t>(block.cellBytes),
-              static_cast<std::size_t>(columnsOf(part)), numbers);
+  readNumbers(form, block.at(part.left, y) + component * traitsOf(form.dtype).bytes,
+              static_cast<std::size_t>(block.cellBytes), static_cast<std::size_t>(columnsOf(part)), numbers);
 }
 
 }  // namespace tovrdb

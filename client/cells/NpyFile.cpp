@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
-#include <optional>
 #include <set>
 #include <stdexcept>
 
@@ -19,18 +17,6 @@ constexpr std::size_t kPrologue = 8;         // the magic string and the two num
 constexpr std::size_t kMostHeader = 4096;    // NumPy's own are below 200
 constexpr std::size_t kMostDimensions = 32;  // NumPy's own limit
 constexpr std::size_t kAlignment = 64;       // of the numbers in the file
-
-struct NamedDtype {
-  const char* name;
-  const char* descr;
-  std::size_t itemSize;
-};
-
-constexpr NamedDtype kDtypes[] = {
-    {"uint8", "|u1", 1},   {"int8", "|i1", 1},    {"uint16", "<u2", 2},  {"int16", "<i2", 2},
-    {"uint32", "<u4", 4},  {"int32", "<i4", 4},   {"uint64", "<u8", 8},  {"int64", "<i8", 8},
-    {"float16", "<f2", 2}, {"float32", "<f4", 4}, {"float64", "<f8", 8},
-};
 
 [[noreturn]] void refuse(const std::string& name, const std::string& reason) {
   throw Error(kFileProblem, name + " cannot be used: " + reason);
@@ -196,7 +182,7 @@ Header parseHeader(const std::string& text, const std::string& name) {
 // Bytes that shape and type ask for, or more than `limit` when that is exceeded.
 std::size_t bytesNeeded(const NpyArray& array, std::size_t limit) {
   if (std::find(array.shape.begin(), array.shape.end(), std::size_t{0}) != array.shape.end()) return 0;
-  std::size_t bytes = array.dtype.itemSize;
+  std::size_t bytes = traitsOf(array.dtype).bytes;
   for (const std::size_t extent : array.shape) {
     if (extent > limit / bytes) return limit + 1;
     bytes *= extent;
@@ -206,35 +192,12 @@ std::size_t bytesNeeded(const NpyArray& array, std::size_t limit) {
 
 // The product as it is, which may exceed any integer: a header can say so.
 std::string neededText(const NpyArray& array) {
-  double bytes = static_cast<double>(array.dtype.itemSize);
+  double bytes = static_cast<double>(traitsOf(array.dtype).bytes);
   for (const std::size_t extent : array.shape) bytes *= static_cast<double>(extent);
   return fmt::format("{:.15g}", bytes);
 }
 
 }  // namespace
-
-Dtype parseDtype(const std::string& name) {
-  std::vector<std::string> names;
-  for (const NamedDtype& known : kDtypes) {
-    const std::string descr = known.descr;
-    const bool unordered = known.itemSize == 1 && name == "<" + descr.substr(1);  // one byte has no order
-    if (name == known.name || name == descr || unordered) return {known.descr, known.itemSize};
-    names.emplace_back(known.name);
-  }
-  throw std::invalid_argument(fmt::format("the type {} is not one of {}", name, fmt::join(names, ", ")));
-}
-
-std::string dtypeName(const Dtype& dtype) {
-  const auto known = std::find_if(std::begin(kDtypes), std::end(kDtypes),
-                                  [&](const NamedDtype& named) { return dtype.descr == named.descr; });
-  return known == std::end(kDtypes) ? dtype.descr : known->name;
-}
-
-std::vector<std::string> dtypeNames() {
-  std::vector<std::string> names;
-  for (const NamedDtype& known : kDtypes) names.emplace_back(known.name);
-  return names;
-}
 
 NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
   const HeaderPlace place = placeHeader(file, name);
@@ -244,7 +207,7 @@ NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
   NpyArray array;
   array.shape = std::move(header.shape);
   try {
-    array.dtype = parseDtype(header.descr);
+    array.dtype = parseNumberType(header.descr);
   } catch (const std::invalid_argument& error) {
     refuse(name, error.what());
   }
@@ -252,16 +215,16 @@ NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name) {
   const std::size_t needed = bytesNeeded(array, file.size());
   if (needed != present) {
     refuse(name, fmt::format("it is {}: shape {} of {} needs {} bytes of numbers, and the file has {}",
-                             needed > present ? "truncated" : "too long", shapeText(array.shape),
-                             dtypeName(array.dtype), neededText(array), present));
+                             needed > present ? "truncated" : "too long", shapeText(array.shape), nameOf(array.dtype),
+                             neededText(array), present));
   }
   file.erase(file.begin(), payloadBegin);
   array.bytes = std::move(file);
   return array;
 }
 
-std::string npyHeader(const Dtype& dtype, const std::vector<std::size_t>& shape) {
-  std::string text = fmt::format("{{'descr': '{}', 'fortran_order': False, 'shape': ({}{}), }}", dtype.descr,
+std::string npyHeader(NumberType dtype, const std::vector<std::size_t>& shape) {
+  std::string text = fmt::format("{{'descr': '{}', 'fortran_order': False, 'shape': ({}{}), }}", traitsOf(dtype).descr,
                                  fmt::join(shape, ", "), shape.size() == 1 ? "," : "");
   const std::size_t before = kPrologue + 2;
   const std::size_t unaligned = (before + text.size() + 1) % kAlignment;

@@ -3,29 +3,15 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "client/cells/NumberType.h"
+
 namespace tovrdb {
 
-// The type of one number: "<u2" is two bytes, unsigned, little-endian.
-struct Dtype {
-  std::string descr;
-  std::size_t itemSize = 1;
-};
-
-// Takes NumPy's names (uint16, float32, ...) and type strings (<u2). Throws std::invalid_argument for others.
-Dtype parseDtype(const std::string& name);
-
-// NumPy's name: "uint16".
-std::string dtypeName(const Dtype& dtype);
-
-// Every name that parseDtype knows.
-std::vector<std::string> dtypeNames();
-
 struct NpyArray {
-  Dtype dtype;
+  NumberType dtype = NumberType::kUint8;
   std::vector<std::size_t> shape;
   std::vector<unsigned char> bytes;  // exactly as many as shape and dtype say
 };
@@ -36,7 +22,7 @@ NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name);
 
 // What precedes the numbers in a file of version 1.0; its length is a multiple of 64.
 // REQUIRES: at most 32 dimensions.
-std::string npyHeader(const Dtype& dtype, const std::vector<std::size_t>& shape);
+std::string npyHeader(NumberType dtype, const std::vector<std::size_t>& shape);
 
 // "(64, 128, 9)"
 std::string shapeText(const std::vector<std::size_t>& shape);

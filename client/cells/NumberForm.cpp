@@ -47,16 +47,13 @@ CountedForm parseForm(std::string text) {
   const std::string unit = cutAfter(text, kUnit);
   const std::string scale = cutAfter(text, kScale);
   const std::string dtype = cutAfter(text, kTimes);
-  counted.form.dtype = parseDtype(dtype);
+  counted.form.dtype = parseNumberType(dtype);
   if (!scale.empty()) counted.form.scale = parseScale(scale);
   counted.form.unit = parseUnit(unit);
   const auto parsed = std::from_chars(text.data(), text.data() + text.size(), counted.values);
   if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size()) throw std::invalid_argument("no count");
   return counted;
 }
-
-bool isFloating(const Dtype& dtype) { return dtype.descr[1] == 'f'; }
-bool isSigned(const Dtype& dtype) { return dtype.descr[1] == 'i'; }
 
 }  // namespace
 
@@ -83,29 +80,30 @@ std::string parseUnit(const std::string& text) {
 }
 
 std::string NumberForm::text(double number) const {
-  if (dtype.descr == "<f4" && !isScaled()) return fmt::format("{}", static_cast<float>(number));
-  return isFloating(dtype) || !isScaled() ? numberText(number) : numberText(number, scale.of(1));
+  if (dtype == NumberType::kFloat32 && !isScaled()) return fmt::format("{}", static_cast<float>(number));
+  return traitsOf(dtype).isFloating || !isScaled() ? numberText(number) : numberText(number, scale.of(1));
 }
 
 bool operator==(const NumberForm& one, const NumberForm& other) {
-  return one.dtype.descr == other.dtype.descr && one.scale.of(1) == other.scale.of(1) && one.unit == other.unit;
+  return one.dtype == other.dtype && one.scale.of(1) == other.scale.of(1) && one.unit == other.unit;
 }
 
 std::string toText(const NumberForm& form) {
-  std::string text = dtypeName(form.dtype);
+  std::string text = nameOf(form.dtype);
   if (form.isScaled()) text += kScale + form.scale.text;
   if (!form.unit.empty()) text += kUnit + form.unit;
   return text;
 }
 
 std::string toText(const NumberForm& form, std::int32_t cellBytes) {
-  return std::to_string(static_cast<std::size_t>(cellBytes) / form.dtype.itemSize) + kTimes + toText(form);
+  return std::to_string(static_cast<std::size_t>(cellBytes) / traitsOf(form.dtype).bytes) + kTimes + toText(form);
 }
 
 std::vector<double> endsOf(const NumberForm& form) {
-  if (isFloating(form.dtype)) return {0};
-  const int bits = static_cast<int>(form.dtype.itemSize) * 8;
-  if (isSigned(form.dtype)) {
+  const NumberTraits& traits = traitsOf(form.dtype);
+  if (traits.isFloating) return {0};
+  const int bits = static_cast<int>(traits.bytes) * 8;
+  if (traits.isSigned) {
     return {form.scale.of(-std::ldexp(1.0, bits - 1)), form.scale.of(std::ldexp(1.0, bits - 1) - 1)};
   }
   return {0, form.scale.of(std::ldexp(1.0, bits) - 1)};
@@ -114,7 +112,7 @@ std::vector<double> endsOf(const NumberForm& form) {
 std::optional<NumberForm> chosenForm(const FormOptions& options, const std::optional<NumberForm>& kept) {
   if (!options.dtype && !kept) return std::nullopt;
   NumberForm form;
-  if (kept && (!options.dtype || options.dtype->descr == kept->dtype.descr)) form = *kept;
+  if (kept && (!options.dtype || *options.dtype == kept->dtype)) form = *kept;
   if (options.dtype) form.dtype = *options.dtype;
   if (options.scale) form.scale = *options.scale;
   if (options.unit) form.unit = *options.unit;
@@ -129,8 +127,8 @@ VersionText splitVersion(const std::string& version, std::int32_t cellBytes) {
     std::string text = version.substr(0, open);
     if (!text.empty() && text.back() == ' ') text.pop_back();
     const bool fits = cellBytes > 0 &&
-                      counted.values == static_cast<std::size_t>(cellBytes) / counted.form.dtype.itemSize &&
-                      static_cast<std::size_t>(cellBytes) % counted.form.dtype.itemSize == 0;
+                      counted.values == static_cast<std::size_t>(cellBytes) / traitsOf(counted.form.dtype).bytes &&
+                      static_cast<std::size_t>(cellBytes) % traitsOf(counted.form.dtype).bytes == 0;
     if (!fits) return {text, std::nullopt};
     return {text, counted.form};
   } catch (const std::invalid_argument&) {  // another program's brackets

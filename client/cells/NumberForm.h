@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "client/cells/NpyFile.h"
+#include "client/cells/NumberType.h"
 
 namespace tovrdb {
 
@@ -33,7 +33,7 @@ Scale parseScale(const std::string& text);
 std::string parseUnit(const std::string& text);
 
 struct NumberForm {
-  Dtype dtype;
+  NumberType dtype = NumberType::kUint8;
   Scale scale;
   std::string unit;
 
@@ -55,7 +55,7 @@ std::vector<double> endsOf(const NumberForm& form);
 
 // What a command line says about the numbers. It goes before what is kept.
 struct FormOptions {
-  std::optional<Dtype> dtype;
+  std::optional<NumberType> dtype;
   std::optional<Scale> scale;
   std::optional<std::string> unit;
 

@@ -82,7 +82,7 @@ std::optional<NumberForm> commonForm(const StoredArea& before, const StoredArea&
   const auto other = chosenForm(options, keptForm(after));
   if (form && other && !(*form == *other)) return std::nullopt;
   if (!form) form = other;
-  if (form && static_cast<std::size_t>(before.cellBytes) % form->dtype.itemSize != 0) return std::nullopt;
+  if (form && static_cast<std::size_t>(before.cellBytes) % traitsOf(form->dtype).bytes != 0) return std::nullopt;
   return form;
 }
 

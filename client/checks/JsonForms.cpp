@@ -17,7 +17,7 @@ Json numberOrText(const std::string& value) {
 }
 
 void addJson(Json& object, const NumberForm& form) {
-  object["dtype"] = dtypeName(form.dtype);
+  object["dtype"] = nameOf(form.dtype);
   object["scale"] = form.scale.of(1);
   if (!form.unit.empty()) object["unit"] = form.unit;
 }

@@ -21,10 +21,10 @@ struct AreaName {
 void requireSuits(const AreaName& area, int databaseType);
 
 struct BlockText {
-  std::int32_t number = -1;      // other than -1: the area is added, never one of the same place rewritten
-  std::string version;           // empty: a block that is rewritten keeps the text that it has
-  FormOptions form{};            // of the numbers, kept with the block
-  std::optional<Dtype> dtype{};  // as the array tells it
+  std::int32_t number = -1;           // other than -1: the area is added, never one of the same place rewritten
+  std::string version;                // empty: a block that is rewritten keeps the text that it has
+  FormOptions form{};                 // of the numbers, kept with the block
+  std::optional<NumberType> dtype{};  // as the array tells it
 };
 
 }  // namespace tovrdb

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "client/base/Json.h"
-#include "client/cells/NpyFile.h"
+#include "client/cells/NumberType.h"
 #include "client/disk/FileOutput.h"
 #include "client/session/Session.h"
 
@@ -40,7 +40,7 @@ struct ExportReport {
 // that are kept with the blocks, else bytes. Throws Error if the folder exists and may not be replaced or holds
 // anything that no export has written, if a cell is not a whole number of `dtype` values, and on any other failure.
 ExportReport exportFolder(Session& session, const std::string& folder, Existing existing, unsigned int mode,
-                          const std::optional<Dtype>& dtype);
+                          std::optional<NumberType> dtype);
 
 // The manifest of a folder that anybody may have made. Throws Error unless it has this format and lists the rows of the
 // nine tables.

@@ -49,7 +49,7 @@ constexpr PayloadOwner kPayloadOwners[] = {{"Coef_Info", "coefid", kBlockTable},
 
 class Exporter {
  public:
-  Exporter(Session& session, const UnfinishedFolder& folder, const std::optional<Dtype>& dtype)
+  Exporter(Session& session, const UnfinishedFolder& folder, std::optional<NumberType> dtype)
       : session_(session),
         folder_(folder),
         dtype_(dtype),
@@ -135,7 +135,7 @@ class Exporter {
 
   Json writeCells(const std::string& name, const StoredArea& area, const Bytes& cells) {
     const auto kept = keptForm(area);
-    const Dtype dtype = dtype_ ? *dtype_ : kept ? kept->dtype : parseDtype("uint8");
+    const NumberType dtype = dtype_ ? *dtype_ : kept ? kept->dtype : NumberType::kUint8;
     return writeFile(name, kCellsForm, npyHeader(dtype, blockShape(area.rect, area.cellBytes, dtype)), cells);
   }
 
@@ -150,7 +150,7 @@ class Exporter {
 
   Session& session_;
   const UnfinishedFolder& folder_;
-  std::optional<Dtype> dtype_;
+  std::optional<NumberType> dtype_;
   std::map<std::int64_t, StoredArea> areas_;
   Progress progress_;
   std::size_t files_ = 0;
@@ -170,7 +170,7 @@ std::vector<std::string> otherObjects(Session& session) {
 }  // namespace
 
 ExportReport exportFolder(Session& session, const std::string& path, Existing existing, unsigned int mode,
-                          const std::optional<Dtype>& dtype) {
+                          std::optional<NumberType> dtype) {
   UnfinishedFolder folder(path, existing, mode, isOurs);
   session.beginReading();
   ExportReport report;

@@ -11,15 +11,15 @@ namespace {
 
 std::string named(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area)); }
 
-void requireFit(const Dtype& dtype, std::int32_t cellBytes) {
-  if (static_cast<std::size_t>(cellBytes) % dtype.itemSize == 0) return;
-  throw Error(kInvalid, "{}: a cell of {} bytes is not a whole number of these", dtypeName(dtype), cellBytes);
+void requireFit(NumberType dtype, std::int32_t cellBytes) {
+  if (static_cast<std::size_t>(cellBytes) % traitsOf(dtype).bytes == 0) return;
+  throw Error(kInvalid, "{}: a cell of {} bytes is not a whole number of these", nameOf(dtype), cellBytes);
 }
 
 FormOptions withType(const BlockText& put, bool unasked) {
   FormOptions options = put.form;
-  if (options.dtype && put.dtype && options.dtype->descr != put.dtype->descr) {
-    throw Error(kInvalid, "the array has {} values, not {}", dtypeName(*put.dtype), dtypeName(*options.dtype));
+  if (options.dtype && put.dtype && options.dtype != put.dtype) {
+    throw Error(kInvalid, "the array has {} values, not {}", nameOf(*put.dtype), nameOf(*options.dtype));
   }
   if (!options.dtype && (options.isGiven() || unasked)) options.dtype = put.dtype;
   return options;
@@ -79,7 +79,7 @@ std::optional<NumberForm> formOfPatch(const StoredArea& area, const BlockText& p
 }
 
 bool losesForm(const NumberForm& kept, const std::optional<NumberForm>& wanted) {
-  if (!wanted || wanted->dtype.descr != kept.dtype.descr) return true;
+  if (!wanted || wanted->dtype != kept.dtype) return true;
   if (kept.isScaled() && wanted->scale.of(1) != kept.scale.of(1)) return true;
   return !kept.unit.empty() && wanted->unit != kept.unit;
 }

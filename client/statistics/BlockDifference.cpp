@@ -19,7 +19,7 @@ class Comparison {
       : rect_(rect), cellBytes_(cellBytes), form_(form), tolerance_(tolerance) {
     result_.cells = columnsOf(rect) * rowsOf(rect);
     if (form) {
-      values_ = cellBytes / form->dtype.itemSize;
+      values_ = cellBytes / traitsOf(form->dtype).bytes;
       before_.resize(values_ * static_cast<std::size_t>(columnsOf(rect)));
       after_.resize(before_.size());
     }
@@ -29,8 +29,8 @@ class Comparison {
     const auto columns = static_cast<std::size_t>(columnsOf(rect_));
     if (std::memcmp(before, after, columns * cellBytes_) == 0) return;
     if (form_) {
-      readNumbers(*form_, before, form_->dtype.itemSize, before_.size(), before_.data());
-      readNumbers(*form_, after, form_->dtype.itemSize, after_.size(), after_.data());
+      readNumbers(*form_, before, traitsOf(form_->dtype).bytes, before_.size(), before_.data());
+      readNumbers(*form_, after, traitsOf(form_->dtype).bytes, after_.size(), after_.data());
     }
     for (std::size_t i = 0; i < columns; ++i) {
       const bool same = std::memcmp(before + i * cellBytes_, after + i * cellBytes_, cellBytes_) == 0;

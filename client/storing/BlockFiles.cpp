@@ -73,7 +73,7 @@ BlockFile blockOfName(const std::string& name) {
   return block;
 }
 
-CellBlock readBlock(const BlockFile& file, std::optional<Dtype>& dtype) {
+CellBlock readBlock(const BlockFile& file, std::optional<NumberType>& dtype) {
   NpyArray array = parseNpy(readWholeFile(file.path), file.path);
   dtype = array.dtype;
   try {
@@ -114,7 +114,7 @@ std::vector<BlockFile> blocksOfFolder(const std::string& folder) {
 }
 
 CellBlock readBlock(const BlockFile& file) {
-  std::optional<Dtype> dtype;
+  std::optional<NumberType> dtype;
   return readBlock(file, dtype);
 }
 

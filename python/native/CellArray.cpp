@@ -8,13 +8,13 @@ namespace tovrdb::python {
 
 namespace py = pybind11;
 
-py::array arrayOf(const CellBlock& block, const Dtype& dtype) {
+py::array arrayOf(const CellBlock& block, NumberType dtype) {
   using Owner = std::shared_ptr<unsigned char[]>;
   const std::vector<std::size_t> shape = blockShape(block.rect, block.cellBytes, dtype);
   auto owner = std::make_unique<Owner>(block.bytes);
   const py::capsule capsule(owner.get(), [](void* held) { delete static_cast<Owner*>(held); });
   static_cast<void>(owner.release());  // the capsule's now
-  return {py::dtype(dtype.descr), shape, block.bytes.get(), capsule};
+  return {py::dtype(nameOf(dtype)), shape, block.bytes.get(), capsule};
 }
 
 CellBlock borrowedBlock(const py::array& array, const Rect& rect) {

@@ -14,7 +14,7 @@ namespace tovrdb::python {
 namespace {
 
 // The type was asked for: where it does not suit, that is not the file's fault.
-std::size_t valuesOf(std::int32_t cellBytes, const Dtype& dtype) {
+std::size_t valuesOf(std::int32_t cellBytes, NumberType dtype) {
   try {
     return valuesPerCell(cellBytes, dtype);
   } catch (const Error& error) {

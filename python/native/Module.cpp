@@ -71,7 +71,7 @@ StoreMode modeNamed(const std::string& name) {
 
 FormOptions formOf(const Text& dtype, const Text& scale, const Text& unit) {
   FormOptions form;
-  if (dtype) form.dtype = parseDtype(*dtype);
+  if (dtype) form.dtype = parseNumberType(*dtype);
   if (scale) form.scale = parseScale(*scale);
   if (unit) form.unit = parseUnit(*unit);
   return form;
@@ -141,7 +141,7 @@ void defineCells(py::class_<OpenFile>& file) {
                      const std::string& text, const Text& scale, const Text& unit, bool newScreen) {
     const CellBlock block = borrowedBlock(array, rectOf(rect));
     const BlockText kept{number, text, formOf(std::nullopt, scale, unit),
-                         parseDtype(py::str(array.dtype().attr("name")))};
+                         parseNumberType(py::str(array.dtype().attr("name")))};
     const WantedBlock wanted{"", {type, screen, block.rect}, kept, block.cellBytes};
     const StoreRules rules{modeNamed(mode), force, newScreen};
     return shownTexts(working([&] { return put(self, wanted, rules, block); }));

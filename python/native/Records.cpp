@@ -71,7 +71,7 @@ py::list shownTexts(const std::vector<std::string>& texts) {
 py::tuple tupleOf(const Rect& rect) { return py::make_tuple(rect.left, rect.top, rect.right, rect.bottom); }
 
 void describe(py::dict& record, const std::optional<NumberForm>& form) {
-  record["dtype"] = form ? py::object(py::str(dtypeName(form->dtype))) : py::object(py::none());
+  record["dtype"] = form ? py::object(py::str(nameOf(form->dtype))) : py::object(py::none());
   record["scale"] = form ? py::object(py::float_(form->scale.of(1))) : py::object(py::none());
   record["unit"] = form ? textOf(form->unit) : textOf("");
 }

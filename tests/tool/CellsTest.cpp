@@ -23,7 +23,7 @@ using namespace tovrtest;
 
 NpyArray parsed(const std::string& file) { return parseNpy(bytesOf(file), "a.npy"); }
 
-NumberForm formOf(const char* dtype) { return {parseDtype(dtype), {}, {}}; }
+NumberForm formOf(const char* dtype) { return {parseNumberType(dtype), {}, {}}; }
 
 // Complains with these words.
 template <class Action>
@@ -108,16 +108,16 @@ TEST(NpyTest, HeadersAreTakenInEverySpellingOfEveryVersion) {
     for (const char version : {'\1', '\2', '\3'}) {
       const NpyArray array = parsed(npyFile(version, header, payload(12)));
       EXPECT_EQ(array.shape, (std::vector<std::size_t>{2, 3})) << header;
-      EXPECT_EQ(array.dtype.descr, "<u2") << header;
+      EXPECT_EQ(array.dtype, NumberType::kUint16) << header;
       EXPECT_EQ(array.bytes, keptPayload(12)) << header;
     }
   }
 }
 
 TEST(NpyTest, WhatIsWrittenIsWhatNumPyWrites) {
-  EXPECT_EQ(npyHeader(parseDtype("uint16"), {4, 8}), npy("<u2", "4, 8", ""));
-  EXPECT_EQ(npyHeader(parseDtype("float64"), {1080, 1920, 9}), npy("<f8", "1080, 1920, 9", ""));
-  EXPECT_EQ(npyHeader(parseDtype("<u1"), {7}), npy("|u1", "7,", ""));
+  EXPECT_EQ(npyHeader(parseNumberType("uint16"), {4, 8}), npy("<u2", "4, 8", ""));
+  EXPECT_EQ(npyHeader(parseNumberType("float64"), {1080, 1920, 9}), npy("<f8", "1080, 1920, 9", ""));
+  EXPECT_EQ(npyHeader(parseNumberType("<u1"), {7}), npy("|u1", "7,", ""));
 }
 
 TEST(NpyTest, FilesThatAreNotSuchAnArrayAreRefused) {
@@ -160,8 +160,8 @@ TEST(CellBlockTest, ArraysAreBlocksOfTheirOwnRectangle) {
   const CellBlock block = blockFromArray(parsed(npy("<u2", "4, 8, 3, 3", payload(576))), {}, CellPair{10, 20});
   EXPECT_EQ(toText(block.rect), "10,20,17,23");
   EXPECT_EQ(block.cellBytes, 18);
-  EXPECT_EQ(blockShape(block.rect, 18, parseDtype("uint16")), (std::vector<std::size_t>{4, 8, 9}));
-  EXPECT_THROW(blockShape(block.rect, 18, parseDtype("uint32")), Error);
+  EXPECT_EQ(blockShape(block.rect, 18, parseNumberType("uint16")), (std::vector<std::size_t>{4, 8, 9}));
+  EXPECT_THROW(blockShape(block.rect, 18, parseNumberType("uint32")), Error);
   EXPECT_THROW(blockFromBytes(keptPayload(30), {0, 0, 2, 1}, 4), Error);
 }
 
@@ -178,7 +178,7 @@ TEST(CellCsvTest, NumbersKeepEveryDigit) {
 TEST(CellNumbersTest, EveryTypeIsRead) {
   const auto first = [](const char* dtype, const std::string& bytes) {
     double number = 0;
-    readNumbers(parseDtype(dtype), reinterpret_cast<const unsigned char*>(bytes.data()), 1, 1, &number);
+    readNumbers(parseNumberType(dtype), reinterpret_cast<const unsigned char*>(bytes.data()), 1, 1, &number);
     return number;
   };
   EXPECT_EQ(first("int8", "\xFF"), -1);

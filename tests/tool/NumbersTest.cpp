@@ -17,7 +17,7 @@ namespace {
 using namespace tovrdb;
 
 NumberForm formOf(const std::string& dtype, const std::string& scale = "1", const std::string& unit = "") {
-  return {parseDtype(dtype), parseScale(scale), unit};
+  return {parseNumberType(dtype), parseScale(scale), unit};
 }
 
 TEST(NumberFormTest, ComesBackFromTheVersionTextAndLeavesTheRestAlone) {
@@ -41,8 +41,8 @@ TEST(NumberFormTest, WhatIsGivenGoesBeforeWhatIsKept) {
   const NumberForm kept = formOf("uint16", "1/16384", "gain");
   EXPECT_FALSE(chosenForm({}, std::nullopt).has_value());
   EXPECT_TRUE(*chosenForm({}, kept) == kept);
-  EXPECT_TRUE(*chosenForm({parseDtype("uint16"), {}, {}}, kept) == kept);
-  EXPECT_TRUE(*chosenForm({parseDtype("int16"), {}, {}}, kept) == formOf("int16"));
+  EXPECT_TRUE(*chosenForm({parseNumberType("uint16"), {}, {}}, kept) == kept);
+  EXPECT_TRUE(*chosenForm({parseNumberType("int16"), {}, {}}, kept) == formOf("int16"));
   EXPECT_TRUE(*chosenForm({{}, parseScale("1"), {}}, kept) == formOf("uint16", "1", "gain"));
   for (const char* bad : {"", "0", "-1", "1/0", "nan", "inf", "1/2/3", "1 ", "1e-320", "x"}) {
     EXPECT_THROW(parseScale(bad), std::invalid_argument) << bad;

@@ -161,7 +161,7 @@ TEST_F(StorePlanTest, KeptForm_IsNotLostUnasked) {
     version = each.stored;
     WantedBlock wanted = block(kWhole);
     wanted.text.version = each.text;
-    if (each.array != nullptr) wanted.text.dtype = parseDtype(each.array);
+    if (each.array != nullptr) wanted.text.dtype = parseNumberType(each.array);
     if (each.scale != nullptr) wanted.text.form.scale = parseScale(each.scale);
     const StorePlan found = plan({kWhole}, {wanted}, each.rules);
     ASSERT_EQ(found.objections.empty(), each.passes) << each.words;

@@ -101,8 +101,8 @@ CLI::Option* addPosition(CLI::App& command, const std::string& name, std::option
   return addParsed(command, name, position, parsePosition, description)->type_name("L,T");
 }
 
-CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std::string& description) {
-  return addParsed(command, "--dtype", dtype, parseDtype, description)->type_name("TYPE");
+CLI::Option* addDtype(CLI::App& command, std::optional<NumberType>& dtype, const std::string& description) {
+  return addParsed(command, "--dtype", dtype, parseNumberType, description)->type_name("TYPE");
 }
 
 CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,

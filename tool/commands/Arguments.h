@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "client/cells/NpyFile.h"
+#include "client/cells/NumberType.h"
 #include "client/cells/Rect.h"
 #include "tool/io/ByteOutput.h"
 
@@ -51,7 +51,7 @@ CLI::Option* addRect(CLI::App& command, std::optional<Rect>& rect, const std::st
 CLI::Option* addPosition(CLI::App& command, const std::string& name, std::optional<CellPair>& position,
                          const std::string& description);
 // A type of the numbers in a cell.
-CLI::Option* addDtype(CLI::App& command, std::optional<Dtype>& dtype, const std::string& description);
+CLI::Option* addDtype(CLI::App& command, std::optional<NumberType>& dtype, const std::string& description);
 // Two finite numbers, the first below the second.
 CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::optional<std::pair<double, double>>& range,
                             const std::string& description);

@@ -1,6 +1,6 @@
 #include "tool/commands/CommandTree.h"
 
-#include "client/cells/NpyFile.h"
+#include "client/cells/NumberType.h"
 
 namespace tovrdb::tool {
 namespace {
@@ -40,7 +40,7 @@ void collect(const CLI::App& app, const std::string& name, std::vector<CommandPa
 }  // namespace
 
 std::vector<std::string> choicesOf(const CLI::Option& option) {
-  if (option.check_lname("dtype")) return dtypeNames();
+  if (option.check_lname("dtype")) return numberTypeNames();
   const std::string type = option.get_type_name();
   const std::size_t begin = type.find('{');
   const std::size_t end = type.find('}');

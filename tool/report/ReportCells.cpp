@@ -26,10 +26,10 @@ std::string faultOf(const StoredArea& area, const std::optional<NumberForm>& for
   if (!isSound(area.rect)) return "its rectangle holds no cells";
   if (area.cellBytes <= 0) return area.storedBytes == 0 ? "it has no block" : "its block tells no bytes per cell";
   if (!form) return "nothing tells the type of its numbers: say it with --dtype";
-  if (static_cast<std::size_t>(area.cellBytes) % form->dtype.itemSize != 0) {
-    return fmt::format("a cell of {} bytes is not a whole number of {}", area.cellBytes, dtypeName(form->dtype));
+  if (static_cast<std::size_t>(area.cellBytes) % traitsOf(form->dtype).bytes != 0) {
+    return fmt::format("a cell of {} bytes is not a whole number of {}", area.cellBytes, nameOf(form->dtype));
   }
-  if (static_cast<std::size_t>(area.cellBytes) / form->dtype.itemSize > kMostComponents) {
+  if (static_cast<std::size_t>(area.cellBytes) / traitsOf(form->dtype).bytes > kMostComponents) {
     return fmt::format("a page shows at most {} numbers of a cell", kMostComponents);
   }
   if (!fitsBlock(area.rect, area.cellBytes)) return "its cells are more than 2 GiB";
@@ -115,9 +115,9 @@ GridCells readSet(Session& session, const CellSet& set, std::vector<ReportArea>&
   return grid;
 }
 
-std::vector<double> storedNumbers(const GridCells& grid, const Dtype& dtype, std::size_t component) {
+std::vector<double> storedNumbers(const GridCells& grid, NumberType dtype, std::size_t component) {
   std::vector<double> numbers(grid.present.size());
-  readNumbers(dtype, grid.cells.bytes.get() + component * dtype.itemSize,
+  readNumbers(dtype, grid.cells.bytes.get() + component * traitsOf(dtype).bytes,
               static_cast<std::size_t>(grid.cells.cellBytes), numbers.size(), numbers.data());
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     if (!grid.present[i]) numbers[i] = std::numeric_limits<double>::quiet_NaN();

@@ -27,7 +27,7 @@ struct CellSet {
   Rect screenRect{};               // of the screen; where there is none, `rect`
   std::vector<std::size_t> areas;  // of the report's, in the order in which they were stored
 
-  std::size_t components() const { return static_cast<std::size_t>(cellBytes) / form.dtype.itemSize; }
+  std::size_t components() const { return static_cast<std::size_t>(cellBytes) / traitsOf(form.dtype).bytes; }
   std::int64_t cells() const { return columnsOf(rect) * rowsOf(rect); }
 };
 
@@ -48,6 +48,6 @@ struct GridCells {
 GridCells readSet(Session& session, const CellSet& set, std::vector<ReportArea>& areas);
 
 // The numbers of one component as they are stored, without scale; NaN where a cell is missing.
-std::vector<double> storedNumbers(const GridCells& grid, const Dtype& dtype, std::size_t component);
+std::vector<double> storedNumbers(const GridCells& grid, NumberType dtype, std::size_t component);
 
 }  // namespace tovrdb::tool

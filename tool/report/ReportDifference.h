@@ -48,7 +48,7 @@ class SetChanges {
   template <class Visit>
   void visit(std::size_t component, Visit visitCell) const;
 
-  Dtype dtype_;
+  NumberType dtype_;
   Rect rect_{};
   std::vector<const ChangedCells*> changes_;
 };

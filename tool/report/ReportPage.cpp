@@ -23,7 +23,7 @@ Json areasOf(const ReportContent& content, const CellSet& set) {
 Json setJson(const ReportContent& content, const ReportSet& each) {
   const CellSet& set = each.set;
   Json json{{"screen", set.screen},          {"screen_rect", rectJson(set.screenRect)}, {"type", set.type},
-            {"rect", rectJson(set.rect)},    {"dtype", dtypeName(set.form.dtype)},      {"unit", set.form.unit},
+            {"rect", rectJson(set.rect)},    {"dtype", nameOf(set.form.dtype)},         {"unit", set.form.unit},
             {"areas", areasOf(content, set)}};
   if (!each.values.is_null()) json["values"] = each.values;
   if (!each.difference.is_null()) json["difference"] = each.difference;

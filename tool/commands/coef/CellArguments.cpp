@@ -39,9 +39,9 @@ void noteAnswer(const CellAnswer& answer, const FormOptions& options) {
     message("note: filled {} that no area covers", counted(static_cast<std::size_t>(answer.filled), "cell"));
   for (const StoredArea& area : answer.areas) {
     const auto kept = keptForm(area);
-    if (!options.dtype || !kept || options.dtype->descr == kept->dtype.descr) continue;
+    if (!options.dtype || !kept || *options.dtype == kept->dtype) continue;
     message("note: area {} keeps its numbers as {}; their bytes are read as {}, as was asked for", area.id,
-            toText(*kept), dtypeName(*options.dtype));
+            toText(*kept), nameOf(*options.dtype));
     break;
   }
 }

@@ -75,7 +75,7 @@ void requireBlock(const Options& options) {
 }
 
 // And the type of its numbers, where the file tells it.
-CellBlock readBlock(const Options& options, std::optional<Dtype>& dtype) {
+CellBlock readBlock(const Options& options, std::optional<NumberType>& dtype) {
   if (!options.raw.empty()) return blockFromBytes(readWholeFile(options.raw), *options.rect, options.cellBytes);
   NpyArray array = parseNpy(readWholeFile(options.array), options.array);
   dtype = array.dtype;

@@ -63,7 +63,7 @@ NumberGrid numbersOf(const Subject& subject, std::size_t component) {
   const CellBlock& cells = subject.cells.cells;
   NumberGrid numbers{cells.rect,
                      std::vector<double>(static_cast<std::size_t>(columnsOf(cells.rect) * rowsOf(cells.rect)))};
-  readNumbers(subject.form, cells.at(cells.rect.left, cells.rect.top) + component * subject.form.dtype.itemSize,
+  readNumbers(subject.form, cells.at(cells.rect.left, cells.rect.top) + component * traitsOf(subject.form.dtype).bytes,
               static_cast<std::size_t>(cells.cellBytes), numbers.values.size(), numbers.values.data());
   return numbers;
 }

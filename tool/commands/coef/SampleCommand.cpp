@@ -77,7 +77,7 @@ void sample(Context& context, const Options& options) {
   ByteOutput output(context.output, options.output, "");
   output.requireRoom(static_cast<double>(rowsOf(rect)) * static_cast<double>(columnsOf(rect)) * kCellBytes);
   if (!options.raw) {
-    output.write(npyHeader(parseDtype("uint16"),
+    output.write(npyHeader(NumberType::kUint16,
                            {static_cast<std::size_t>(rowsOf(rect)), static_cast<std::size_t>(columnsOf(rect)), 9}));
   }
   const WallModel model({options.size.x, options.size.y, options.cabinet.x, options.cabinet.y, options.seed});

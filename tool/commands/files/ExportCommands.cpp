@@ -18,7 +18,7 @@ namespace {
 struct ExportOptions {
   std::string file;
   std::string folder;
-  std::optional<Dtype> dtype;
+  std::optional<NumberType> dtype;
   bool force = false;
   unsigned int mode = kOwnerOnlyFile;
 };

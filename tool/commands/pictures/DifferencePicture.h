@@ -47,8 +47,8 @@ class DifferencePicture {
   bool apart_ = false;  // screens lie on one another: each has panels of its own
   PanelPlan plan_;
   std::vector<PanelNumbers> panels_;
-  std::vector<std::int64_t> differing_;             // cells, of each panel
-  NumberForm form_{parseDtype("float64"), {}, {}};  // as long as no block tells another
+  std::vector<std::int64_t> differing_;            // cells, of each panel
+  NumberForm form_{NumberType::kFloat64, {}, {}};  // as long as no block tells another
 };
 
 }  // namespace tovrdb::tool
