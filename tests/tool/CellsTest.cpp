@@ -189,6 +189,22 @@ TEST(CellNumbersTest, EveryTypeIsRead) {
   EXPECT_TRUE(std::isnan(first("float16", std::string("\x00\x7E", 2))));
 }
 
+TEST(CellNumbersTest, Half_IsRoundedOnce) {
+  const std::pair<double, unsigned int> cases[] = {
+      {1 + std::ldexp(1, -11), 0x3C00},                       // halfway: to the even one
+      {1 + std::ldexp(1, -11) + std::ldexp(1, -40), 0x3C01},  // the nearest float is halfway
+      {-1 - std::ldexp(3, -11) + std::ldexp(1, -40), 0xBC01},
+      {std::ldexp(1, -25) + std::ldexp(1, -60), 1},
+      {65519.999999999, 0x7BFF},
+      {HUGE_VAL, 0x7C00},
+      {std::nan(""), 0x7E00}};
+  for (const auto& [number, bits] : cases) {
+    const std::vector<unsigned char> cell = cellOf(NumberType::kFloat16, 1, number);
+    EXPECT_EQ(cell.at(0) | cell.at(1) << 8U, bits) << number;
+  }
+  EXPECT_TRUE(complains("is not a number of type float16", [] { cellOf(NumberType::kFloat16, 1, 65520); }));
+}
+
 TEST(BlockDifferenceTest, NumbersWithinEitherToleranceAreEqual) {
   const double nan = std::nan("");
   const double inf = HUGE_VAL;
