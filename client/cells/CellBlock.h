@@ -27,11 +27,12 @@ struct CellBlock {
 
   std::size_t rowBytes() const { return static_cast<std::size_t>(columnsOf(rect) * cellBytes); }
   std::size_t size() const { return static_cast<std::size_t>(rowsOf(rect)) * rowBytes(); }
-  // The cell of column `x`, row `y`. REQUIRES: the rectangle holds it.
-  const unsigned char* at(std::int32_t x, std::int32_t y) const {
-    return bytes.get() + static_cast<std::size_t>(y - rect.top) * rowBytes() +
+  // The cell of column `x`, row `y`: the position of its first byte, and its bytes. REQUIRES: the rectangle holds it.
+  std::size_t offset(std::int32_t x, std::int32_t y) const {
+    return static_cast<std::size_t>(y - rect.top) * rowBytes() +
            static_cast<std::size_t>(x - rect.left) * static_cast<std::size_t>(cellBytes);
   }
+  const unsigned char* at(std::int32_t x, std::int32_t y) const { return bytes.get() + offset(x, y); }
 };
 
 // REQUIRES: the bytes fill the rectangle.

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 #include "client/base/Error.h"
 #include "client/base/Text.h"
-#include "client/cells/CoveredCells.h"
 #include "client/contents/AreaWords.h"
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
@@ -25,59 +25,27 @@ void requireMatching(const StoredArea& area, const StoredArea& first) {
       .suggest(Remedy::kReadApart);
 }
 
-// The cells of a rectangle, without bytes yet.
-CellBlock blankBlock(const Rect& rect, std::int32_t cellBytes) {
-  return blockOf(rect, cellBytes, Bytes(static_cast<std::size_t>(columnsOf(rect) * rowsOf(rect) * cellBytes)));
-}
+std::size_t cellsOf(const CellRun& run) { return static_cast<std::size_t>(std::int64_t{run.right} - run.left + 1); }
 
-unsigned char* placeIn(const CellBlock& block, const CellRun& run) {
-  return block.bytes.get() + (block.at(run.left, run.y) - block.bytes.get());
-}
-
-class Composer {
- public:
-  Composer(const Rect& rect, std::int32_t cellBytes) : cells_(blankBlock(rect, cellBytes)) {}
-
-  // Only what no earlier block has covered.
-  void add(const CellBlock& cells) {
-    const auto part = common(cells.rect, cells_.rect);
-    if (!part) return;
-    covered_.add(
-        *part, [&](const CellRun& run) { std::memcpy(placeIn(cells_, run), cells.at(run.left, run.y), bytesOf(run)); });
-  }
-
-  // Fills the cells that nothing covers, and counts them. Throws Error if there are some and `fill` is empty.
-  std::int64_t fillOpen(const Bytes& fill) {
-    std::int64_t open = 0;
-    CellRun first;
-    covered_.visitOpen(cells_.rect, [&](const CellRun& run) {
-      if (open == 0) first = run;
-      open += std::int64_t{run.right} - run.left + 1;
-      if (!fill.empty()) fillRun(run, fill);
-    });
-    if (open > 0 && fill.empty()) {
-      throw statusError(tovr::kNoMatchingArea, fmt::format("no area covers {} of {}, the first at {},{}",
-                                                           counted(static_cast<std::size_t>(open), "cell"),
-                                                           toText(cells_.rect), first.left, first.y))
-          .suggest(Remedy::kFill);
-    }
-    return open;
-  }
-
-  CellBlock take() { return std::move(cells_); }
-
- private:
-  std::size_t bytesOf(const CellRun& run) const {
-    return static_cast<std::size_t>((std::int64_t{run.right} - run.left + 1) * cells_.cellBytes);
-  }
-  void fillRun(const CellRun& run, const Bytes& fill) {
-    unsigned char* at = placeIn(cells_, run);
+// Fills the cells that no area covers, and counts them. Throws Error if there are some and `fill` is empty.
+std::int64_t fillUncovered(const Composition& composition, const Bytes& fill, const CellBlock& cells) {
+  std::int64_t open = 0;
+  CellRun first;
+  composition.visitUncovered([&](const CellRun& run) {
+    if (open == 0) first = run;
+    open += static_cast<std::int64_t>(cellsOf(run));
+    if (fill.empty()) return;
+    unsigned char* at = cells.bytes.get() + cells.offset(run.left, run.y);
     for (std::int64_t x = run.left; x <= run.right; ++x) at = std::copy(fill.begin(), fill.end(), at);
+  });
+  if (open > 0 && fill.empty()) {
+    throw statusError(tovr::kNoMatchingArea, fmt::format("no area covers {} of {}, the first at {},{}",
+                                                         counted(static_cast<std::size_t>(open), "cell"),
+                                                         toText(composition.rect()), first.left, first.y))
+        .suggest(Remedy::kFill);
   }
-
-  CellBlock cells_;
-  CoveredCells covered_;
-};
+  return open;
+}
 
 // Whether the rectangle can be read across these areas.
 bool readsAcross(const std::vector<StoredArea>& areas, const Rect& rect) {
@@ -100,6 +68,39 @@ const StoredArea& nearest(const std::vector<StoredArea>& areas, const Rect& rect
 
 }  // namespace
 
+void Composition::add(const Rect& rect, const Open& open) {
+  const auto part = common(rect, rect_);
+  if (!part) return;
+  overlapping_ = overlapping_ || covered_.meets(*part);
+  if (covered_.holds(*part)) return;
+  const VisitRun visit = open(*part);
+  if (!visit) return;
+  around_ = around_ ? united(*around_, *part) : *part;
+  covered_.add(*part, visit);
+}
+
+bool Composition::complete() const { return around_ && *around_ == rect_ && covered_.holds(rect_); }
+
+Composition composeAreas(const std::vector<StoredArea>& areas, const Rect& rect, const OpenArea& open) {
+  Composition composition(rect);
+  for (const StoredArea& area : areas) {
+    composition.add(area.rect, [&](const Rect& part) { return open(area, part); });
+  }
+  return composition;
+}
+
+VisitRun copyRuns(CellBlock from, CellBlock to) {
+  return [from = std::move(from), to = std::move(to)](const CellRun& run) {
+    const std::size_t bytes = cellsOf(run) * static_cast<std::size_t>(from.cellBytes);
+    std::memcpy(to.bytes.get() + to.offset(run.left, run.y), from.at(run.left, run.y), bytes);
+  };
+}
+
+CellBlock blankBlock(const Rect& rect, std::int32_t cellBytes) {
+  requireBlockSize(rect, cellBytes);
+  return blockOf(rect, cellBytes, Bytes(static_cast<std::size_t>(columnsOf(rect) * rowsOf(rect) * cellBytes)));
+}
+
 void requireBlockSize(const Rect& rect, std::int32_t cellBytes) {
   if (fitsBlock(rect, cellBytes)) return;
   throw Error(kInvalid, "the cells of {} are more than 2 GiB: read a part of them", toText(rect));
@@ -114,18 +115,12 @@ std::vector<StoredArea> areasMeeting(const std::vector<StoredArea>& areas, const
 
 ShowingAreas areasShowing(const std::vector<StoredArea>& areas, const Rect& rect) {
   ShowingAreas showing;
-  CoveredCells covered;
-  Rect all{};
-  for (const StoredArea& area : areas) {
-    const auto part = common(area.rect, rect);
-    if (!part) continue;
-    showing.overlapping = showing.overlapping || covered.meets(*part);
-    if (covered.holds(*part)) continue;
-    all = showing.areas.empty() ? *part : united(all, *part);
+  const Composition composition = composeAreas(areas, rect, [&](const StoredArea& area, const Rect&) {
     showing.areas.push_back(area);
-    covered.add(*part, [](const CellRun&) {});
-  }
-  showing.complete = !showing.areas.empty() && all == rect && covered.holds(rect);
+    return [](const CellRun&) {};
+  });
+  showing.overlapping = composition.overlapping();
+  showing.complete = composition.complete();
   return showing;
 }
 
@@ -152,7 +147,7 @@ Error noMatchingArea(const Rect& rect, const std::vector<StoredArea>& areas) {
   return withAlternatives(tovr::kNoMatchingArea, rect, alternativesTo(rect, areas));
 }
 
-// One that holds all of it alone is read as far as it is needed.
+// Only the needed part of an area that holds all of the rectangle is decrypted.
 Mosaic readMosaic(Session& session, const std::vector<StoredArea>& areas, const Rect& rect, const Bytes& fill) {
   const std::vector<StoredArea> meeting = areasMeeting(areas, rect);
   if (meeting.empty() && fill.empty()) {
@@ -167,10 +162,12 @@ Mosaic readMosaic(Session& session, const std::vector<StoredArea>& areas, const 
     CellBlock cells = readCells(session, showing.areas.front(), rect);
     return {std::move(cells), std::move(showing.areas), showing.overlapping, 0};
   }
-  Composer composer(rect, cellBytes);
-  for (const StoredArea& area : showing.areas) composer.add(readBlock(session, area));
-  const std::int64_t filled = composer.fillOpen(fill);
-  return {composer.take(), std::move(showing.areas), showing.overlapping, filled};
+  CellBlock cells = blankBlock(rect, cellBytes);
+  const Composition composition = composeAreas(showing.areas, rect, [&](const StoredArea& area, const Rect&) {
+    return copyRuns(readBlock(session, area), cells);
+  });
+  const std::int64_t filled = fillUncovered(composition, fill, cells);
+  return {std::move(cells), std::move(showing.areas), showing.overlapping, filled};
 }
 
 }  // namespace tovrdb

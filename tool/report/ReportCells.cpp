@@ -3,15 +3,14 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <map>
 #include <tuple>
 
 #include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
-#include "client/cells/CoveredCells.h"
 #include "client/checks/Check.h"
+#include "client/reading/Mosaic.h"
 #include "client/reading/NumberForms.h"
 
 namespace tovrdb::tool {
@@ -63,13 +62,16 @@ bool fitsGrid(const CellSet& set, const std::vector<ReportArea>& areas) {
   return set.cells() <= kAlwaysFine || set.cells() / kSparse <= covered;
 }
 
-void copyRun(const CellBlock& from, const CellRun& run, GridCells& grid) {
-  const auto count = static_cast<std::size_t>(run.right - run.left) + 1;
-  const auto offset = static_cast<std::size_t>(grid.cells.at(run.left, run.y) - grid.cells.bytes.get());
-  std::memcpy(grid.cells.bytes.get() + offset, from.at(run.left, run.y),
-              count * static_cast<std::size_t>(from.cellBytes));
-  const auto first = static_cast<std::ptrdiff_t>(offset / static_cast<std::size_t>(from.cellBytes));
-  std::fill_n(grid.present.begin() + first, count, true);
+// Nothing if the block cannot be read, which its area then tells.
+std::optional<CellBlock> readOrTell(Session& session, ReportArea& area) {
+  try {
+    return readBlock(session, area.area);
+  } catch (const Error& error) {
+    if (isNoFault(error)) throw;
+    area.fault = error.what();
+    beginAgain(session);
+    return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -97,21 +99,17 @@ std::vector<CellSet> planSets(std::vector<ReportArea>& areas, const FormOptions&
 bool GridCells::any() const { return std::find(present.begin(), present.end(), true) != present.end(); }
 
 GridCells readSet(Session& session, const CellSet& set, std::vector<ReportArea>& areas) {
-  const auto cells = static_cast<std::size_t>(set.cells());
-  const auto cellBytes = static_cast<std::size_t>(set.cellBytes);
-  GridCells grid{blockOf(set.rect, set.cellBytes, std::vector<unsigned char>(cells * cellBytes)),
-                 std::vector<bool>(cells)};
-  CoveredCells covered;
+  GridCells grid{blankBlock(set.rect, set.cellBytes), std::vector<bool>(static_cast<std::size_t>(set.cells()), true)};
+  Composition composition(set.rect);
   for (const std::size_t index : set.areas) {
-    try {
-      const CellBlock block = readBlock(session, areas[index].area);
-      covered.add(block.rect, [&](const CellRun& run) { copyRun(block, run, grid); });
-    } catch (const Error& error) {
-      if (isNoFault(error)) throw;
-      areas[index].fault = error.what();
-      beginAgain(session);
-    }
+    // Hidden areas are read as well: the page says of every area whether its block can be read.
+    const auto block = readOrTell(session, areas[index]);
+    if (block) composition.add(block->rect, [&](const Rect&) { return copyRuns(*block, grid.cells); });
   }
+  composition.visitUncovered([&](const CellRun& run) {
+    const std::size_t first = grid.cells.offset(run.left, run.y) / static_cast<std::size_t>(set.cellBytes);
+    std::fill_n(grid.present.begin() + static_cast<std::ptrdiff_t>(first), run.right - run.left + 1, false);
+  });
   return grid;
 }
 
