@@ -1,4 +1,4 @@
-// Blocks of cells as NumPy arrays, and back, without a copy either way.
+// Converts between blocks of cells and NumPy arrays without copying.
 #pragma once
 
 #include <pybind11/numpy.h>
@@ -7,12 +7,12 @@
 
 namespace tovrdb::python {
 
-// rows x columns x values of the type. The array owns the block's bytes. Throws Error where a cell is not a whole
-// number of such values.
+// rows x columns x values of the type. The array shares the block's bytes. Throws Error if a cell is not a
+// whole number of such values.
 pybind11::array arrayOf(const CellBlock& block, NumberType dtype);
 
-// The array's bytes as the cells of `rect`. Throws Error for more than 2 GiB. REQUIRES: the array is in C order,
-// begins with rows x columns, has at least one value a cell, and outlives the block.
+// A block of `rect` that borrows the array's bytes. Throws Error if they exceed 2 GiB. REQUIRES: the array is in C
+// order, begins with rows x columns, has at least one value a cell, and outlives the block.
 CellBlock borrowedBlock(const pybind11::array& array, const Rect& rect);
 
 }  // namespace tovrdb::python

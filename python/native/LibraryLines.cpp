@@ -16,12 +16,12 @@ namespace tovrdb::python {
 namespace {
 
 struct Buffer {
-  std::mutex mutex;  // a thread that is not ours may print with C's functions meanwhile
+  std::mutex mutex;  // another thread may print through C at any time
   bool kept = false;
   std::string text;
 };
 
-// Never destroyed: such a thread may outlive us.
+// Never destroyed: other threads may print until the process ends.
 Buffer& buffer() {
   static Buffer* const only = new Buffer;
   return *only;

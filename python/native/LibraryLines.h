@@ -1,8 +1,8 @@
 // Keeps the library's own lines out of the interpreter's standard output.
 //
-// The library prints to C's stream `stdout`. While an object of this lives, that stream is a buffer of ours; the
-// descriptor, and with it what other threads print through Python, stays as it is. Where the C library does not let its
-// stream be exchanged (not glibc), the descriptor itself leads nowhere meanwhile and no line is kept.
+// The library prints to C's stream `stdout`. While an object of this class exists, that stream is our buffer; the
+// descriptor, to which Python prints in other threads, is not touched. Only glibc lets a program exchange the stream:
+// with other C libraries the descriptor is redirected to the null device instead, and no line is kept.
 #pragma once
 
 #include <string>
@@ -13,15 +13,15 @@ namespace tovrdb::python {
 
 class LibraryLines {
  public:
-  // REQUIRES: no other one lives.
+  // REQUIRES: no other object of this class exists.
   LibraryLines();
   LibraryLines(const LibraryLines&) = delete;
   LibraryLines& operator=(const LibraryLines&) = delete;
   ~LibraryLines();
 
-  // Whether lines are kept for take(), or dropped; from here on.
+  // Whether lines printed from now on are kept for take() or dropped.
   static void keep(bool kept);
-  // What was printed since the last call.
+  // Returns the lines kept since the last call.
   static std::string take();
 
  private:

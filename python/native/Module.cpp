@@ -1,11 +1,13 @@
-// The compiled half of the package: one class, `File`, whose operations give up the interpreter's lock while the
-// library works. It is not for use by itself: the package serialises the calls, for the plug-in has one connection.
+// The compiled half of the package: one class, `File`, whose operations release the interpreter's lock while the
+// library works. Only the package uses it, and serialises the calls because the plug-in has one connection.
+#include <fmt/core.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -17,18 +19,17 @@
 #include "native/LibraryLines.h"
 #include "native/OpenFile.h"
 #include "native/Records.h"
-#include "tool/io/Message.h"
 
 namespace tovrdb::python {
 namespace {
 
 namespace py = pybind11;
-using namespace py::literals;
+using py::literals::operator""_a;
 
 using Text = std::optional<std::string>;
 using Edges = std::tuple<std::int64_t, std::int64_t, std::int64_t, std::int64_t>;  // left, top, right, bottom
 
-// Runs without the interpreter's lock, and with the library's lines put aside.
+// Runs without the interpreter's lock, and keeps the library's lines out of standard output.
 template <class Work>
 auto working(Work work) {
   const py::gil_scoped_release released;
@@ -36,7 +37,7 @@ auto working(Work work) {
   return work();
 }
 
-// Lets Ctrl-C, and the handlers of other signals, through while another program is waited for.
+// Lets Python handle Ctrl-C and other signals during a wait for another program.
 void handleSignals() {
   const py::gil_scoped_acquire acquired;
   if (PyErr_CheckSignals() != 0) throw py::error_already_set();
@@ -57,16 +58,17 @@ Bytes bytesOf(const py::bytes& payload) {
 
 py::bytes bytesOf(const Bytes& payload) { return {reinterpret_cast<const char*>(payload.data()), payload.size()}; }
 
-StoreMode modeNamed(const std::string& name) {
-  const std::pair<const char*, StoreMode> kModes[] = {{"careful", StoreMode::kCareful},
-                                                      {"patch", StoreMode::kPatch},
-                                                      {"replace", StoreMode::kReplace},
-                                                      {"beside", StoreMode::kBeside},
-                                                      {"update", StoreMode::kUpdate}};
+StoreMode modeNamed(std::string_view name) {
+  constexpr std::pair<std::string_view, StoreMode> kModes[] = {{"careful", StoreMode::kCareful},
+                                                               {"patch", StoreMode::kPatch},
+                                                               {"replace", StoreMode::kReplace},
+                                                               {"beside", StoreMode::kBeside},
+                                                               {"update", StoreMode::kUpdate}};
   for (const auto& [known, mode] : kModes) {
     if (name == known) return mode;
   }
-  throw std::invalid_argument("mode: there is no '" + name + "'; there are careful, patch, replace, beside and update");
+  throw std::invalid_argument(
+      fmt::format("mode: '{}' is unknown; the modes are careful, patch, replace, beside and update", name));
 }
 
 FormOptions formOf(const Text& dtype, const Text& scale, const Text& unit) {
@@ -82,7 +84,7 @@ std::vector<std::string> put(OpenFile& file, const WantedBlock& wanted, const St
   return storeBlocks(file.session(), {wanted}, rules, [&](std::size_t) { return block; }).notices;
 }
 
-// What goes is looked up and deleted in one transaction.
+// Finds the rows and deletes them in one transaction.
 template <class Find>
 py::list remove(OpenFile& file, Find find) {
   return shownTexts(working([&] {
@@ -201,7 +203,7 @@ py::dict describeCells(const FoundCells& cells) {
   return record;
 }
 
-// The package knows which exception an error is.
+// The package chooses the exception class.
 void raise(const Error& failure) {
   py::list remedies;
   for (const Remedy remedy : failure.remedies()) remedies.append(nameOf(remedy));

@@ -44,7 +44,7 @@ void OpenFile::close() {
   endSession();
 }
 
-// The youngest first.
+// The innermost first.
 void OpenFile::endTransactions() {
   while (!transactions_.empty()) transactions_.pop_back();
 }
@@ -64,7 +64,7 @@ void OpenFile::begin() { transactions_.push_back(std::make_unique<Transaction>(s
 
 void OpenFile::commit() {
   session();
-  if (transactions_.empty()) throw Error(kInvalid, "no transaction has been begun");
+  if (transactions_.empty()) throw Error(kInvalid, "no transaction was begun");
   const auto transaction = std::move(transactions_.back());
   transactions_.pop_back();
   transaction->commit();
@@ -90,13 +90,13 @@ std::vector<Verdict> OpenFile::check() {
   }
   if (session().inTransaction()) throw Error(kInvalid, "not within a transaction: end it first");
   auto verdicts = verdictsOf(session(), schema_);
-  session().connection().exec("rollback");  // the checks read one state
+  session().connection().exec("rollback");  // ends the transaction in which the checks read
   return verdicts;
 }
 
 void OpenFile::requireReopenable() {
   if (session().inTransaction()) throw Error(kInvalid, "not within a transaction: end it first");
-  if (path_.empty()) throw Error(kInvalid, "a database in memory is no file");
+  if (path_.empty()) throw Error(kInvalid, "a database in memory has no file");
 }
 
 OpenFile::Reopening::~Reopening() {

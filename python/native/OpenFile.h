@@ -1,7 +1,7 @@
 // The one database file that a process has open, with its transactions.
 //
-// A process that was forked off inherits the connection and must not touch it: what it does there would end locks and
-// undo changes of its parent. It is told so, and at its end the connection is left alone.
+// A forked process inherits the connection and must not use it: that would release its parent's locks and undo its
+// changes. Every call there throws, and the destructor does not touch the connection.
 #pragma once
 
 #include <cstddef>
@@ -24,26 +24,24 @@ class OpenFile {
   OpenFile(Access access, const DatabaseDescription& description);
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;
-  // Undoes what no transaction has kept, and closes.
+  // Rolls back open transactions and closes the file.
   ~OpenFile();
 
-  // Throws Error when the file is closed, and in another process.
+  // Throws Error if the file is closed or another process opened it.
   Session& session();
 
-  // The same as the destructor; throws Error where the library says that something is wrong. Closed files stay
-  // closed.
+  // As the destructor, but throws Error if the library reports a failure. Does nothing to a closed file.
   void close();
   bool isClosed() const { return session_ == nullptr; }
 
-  // Transactions within one another: how many are open; one more; the youngest is kept, or undone if that fails; the
-  // youngest are undone until so many are left.
+  // Nested transactions. depth() counts the open ones, begin() opens another, commit() commits the innermost one or
+  // rolls it back if that fails, rollBackTo() rolls the innermost ones back until `depth` are left.
   std::size_t depth();
   void begin();
   void commit();
   void rollBackTo(std::size_t depth);
 
-  // The checks of the whole file, which is closed and opened again for them. REQUIRES: no transaction, unless the
-  // database is in memory.
+  // Checks the whole file, which is closed and opened again for it. Throws Error within a transaction.
   std::vector<Verdict> check();
 
   // Closes the file, runs `work(access, path, key)`, which may open it by itself, and opens it again. Throws Error
@@ -63,7 +61,7 @@ class OpenFile {
     explicit Reopening(OpenFile& file) : file_(file) {}
     Reopening(const Reopening&) = delete;
     Reopening& operator=(const Reopening&) = delete;
-    // Where it does not open any more it stays closed, and the next call says so.
+    // If the file cannot be opened again it stays closed, and the next call throws.
     ~Reopening();
 
    private:

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <optional>
 
+#include "client/base/Text.h"
 #include "client/reading/NumberForms.h"
-#include "tool/io/Message.h"
 
 namespace tovrdb::python {
 
 namespace py = pybind11;
-using namespace py::literals;
+using py::literals::operator""_a;
 
 namespace {
 
@@ -21,7 +21,7 @@ py::str decoded(const std::string& text, const char* errors) {
 
 py::str textOf(const std::string& text) { return decoded(text, "surrogateescape"); }
 
-// A number, unless another program has stored something else.
+// Text only if another program stored something other than a number.
 py::object numberOrText(const std::string& text) {
   std::int64_t number = 0;
   const char* const end = text.data() + text.size();

@@ -1,7 +1,7 @@
 // What a database file holds, as dictionaries whose names are the fields of the package's records.
 //
-// Another program may have stored texts that are not UTF-8. Fields keep every byte ("surrogateescape"), so that each
-// name can be passed back.
+// Other programs may store text that is not UTF-8. Fields keep every byte ("surrogateescape"), so that each name can be
+// passed back.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -33,7 +33,7 @@ pybind11::dict dictOf(const FileFacts& facts);
 pybind11::dict dictOf(const Verdict& verdict);
 pybind11::dict dictOf(const Difference& difference);
 
-// dtype, scale and unit; None each where there is no form.
+// Sets dtype, scale and unit: None, None and "" without a form.
 void describe(pybind11::dict& record, const std::optional<NumberForm>& form);
 
 template <class Record>
