@@ -34,7 +34,7 @@ std::vector<StoredArea> areasThatPass(Session& session, const AreaFilter& filter
   return areas;
 }
 
-IdRange parseIdRange(const std::string& text) {
+IdRange parseIdRange(std::string_view text) {
   IdRange range;
   const char* const end = text.data() + text.size();
   auto parsed = std::from_chars(text.data(), end, range.first);

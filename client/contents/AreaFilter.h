@@ -1,9 +1,10 @@
-// Which of the stored areas are meant, by what they have in common or by their ids.
+// Chooses stored areas by what they have in common, or by their ids.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "client/cells/Rect.h"
@@ -18,7 +19,7 @@ struct AreaFilter {
   std::optional<Rect> rect;  // areas that have cells in it
 };
 
-// In the order in which they were stored; possibly none. Throws Error if there is no such screen.
+// In the order in which they were stored; may be empty. Throws Error if the screen does not exist.
 std::vector<StoredArea> areasThatPass(Session& session, const AreaFilter& filter);
 
 // Ids from `first` to `last`.
@@ -28,7 +29,7 @@ struct IdRange {
 };
 
 // "3" or "5-8". Throws std::invalid_argument with the reason otherwise.
-IdRange parseIdRange(const std::string& text);
+IdRange parseIdRange(std::string_view text);
 
 // The areas with these ids. Throws Error if one of the ranges has none.
 std::vector<StoredArea> areasWithIds(Session& session, const std::vector<IdRange>& ids);

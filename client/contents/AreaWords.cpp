@@ -5,12 +5,17 @@
 #include "client/base/Text.h"
 
 namespace tovrdb {
+
 std::string placeText(const AreaName& area) {
   return fmt::format("{} of type {}{}", toText(area.rect), area.type,
-                     area.screen.empty() ? "" : " on the screen " + area.screen);
+                     area.screen.empty() ? "" : " on screen " + area.screen);
 }
 
-std::string areaText(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area.rect)); }
+std::string areaText(const Placement& area) { return fmt::format("area {} ({})", area.id, toText(area.rect)); }
+
+std::string nameOf(const Placement& area) {
+  return fmt::format("area {} ({})", area.id, placeText({area.type, area.screenRect ? area.screen : "", area.rect}));
+}
 
 std::string listText(const std::vector<StoredArea>& areas) {
   std::vector<std::string> texts;

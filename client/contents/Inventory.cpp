@@ -7,7 +7,6 @@
 #include "client/contents/GenericData.h"
 #include "client/contents/Measurements.h"
 #include "client/contents/Screens.h"
-#include "client/reading/NumberForms.h"
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"
 
@@ -71,7 +70,7 @@ void addData(Session& session, Items& items) {
   }
 }
 
-// Measurements have no name but their key: the library rejects the rows that would place them.
+// A measurement has only its key as a name: the library rejects the rows that would place it.
 void addMeasurements(Session& session, Items& items) {
   for (const StoredMeasurement& measurement : storedMeasurements(session)) {
     items.push_back({fmt::format("measurement {}", measurement.id),
@@ -84,7 +83,7 @@ void addMeasurements(Session& session, Items& items) {
   }
 }
 
-// Names may occur several times, as of areas that lie on one another: the order tells them apart.
+// Names may repeat, for instance of overlapping areas: their order tells them apart.
 void makeUnique(Items& items) {
   std::map<std::string, int> seen;
   for (Item& item : items) {

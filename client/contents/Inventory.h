@@ -1,4 +1,4 @@
-// Everything that a database file holds, by names that mean the same in another file: keys of rows do not.
+// Everything that a database file holds, by names that mean the same in another file, as keys of rows do not.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ struct BlobPlace {
   std::int64_t bytes = 0;
 };
 
-// What an item is, in parts.
+// The parts of an item's name.
 struct ItemPlace {
   const char* kind = "";  // metadata, attached_database, screen, block, data, measurement
   std::string screen;     // of a block; the screen itself
@@ -33,10 +33,10 @@ struct Item {
   ItemPlace place;
   std::vector<std::pair<std::string, std::string>> fields;  // in the same order for all items of a kind
   std::optional<BlobPlace> blob;
-  std::optional<StoredArea> area;  // of a block; if it has a fault, fields and blob tell nothing
+  std::optional<StoredArea> area;  // of a block; if it has a fault, fields and blob are meaningless
 };
 
-// In a fixed order of kinds. Times of rows are left out. Throws Error on failure.
+// Grouped by kind, in a fixed order. Leaves out the times of rows. Throws Error on failure.
 std::vector<Item> takeInventory(Session& session);
 
 }  // namespace tovrdb

@@ -17,11 +17,6 @@ constexpr char kMeasurementPlacementTable[] = "LumChromDataInfo";
 
 }  // namespace
 
-std::string nameOf(const Placement& area) {
-  const std::string screen = area.screenRect ? " on screen " + area.screen : "";
-  return fmt::format("area {} ({} of type {}{})", area.id, toText(area.rect), area.type, screen);
-}
-
 RowNames::RowNames(Session& session) {
   const auto attempt = [&](auto read) {
     try {
@@ -50,7 +45,7 @@ bool RowNames::isUnused(const std::string& table, std::int64_t id) const {
   return complete_.count(table) != 0 && names_.count({table, id}) == 0;
 }
 
-// A payload that several rows use goes by all of them.
+// A payload that several rows use is named by all of them.
 void RowNames::add(const std::string& table, std::int64_t id, const std::string& name) {
   std::string& names = names_[{table, id}];
   names += (names.empty() ? "" : ", ") + name;
@@ -80,7 +75,7 @@ void RowNames::readData(Session& session) {
   complete_[kDataTable] = true;
 }
 
-// The library stores none; other programs may have.
+// The library stores no such rows; other programs may.
 void RowNames::readMeasurements(Session& session) {
   tovr::IDBOperate& connection = session.connection();
   visitRows(connection, "select id, dataid from LumChromDataInfo", [&] {

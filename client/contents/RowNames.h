@@ -1,4 +1,4 @@
-// What the rows of a file hold, in the words of whoever stored it: "area 2 (0,0,63,31 of type 1 on screen left)".
+// Names the rows of a file by what they hold, as a person knows it: "area 2 (0,0,63,31 of type 1 on screen left)".
 #pragma once
 
 #include <cstdint>
@@ -6,23 +6,21 @@
 #include <string>
 #include <utility>
 
-#include "client/contents/StoredArea.h"
+#include "client/contents/AreaWords.h"
 #include "client/session/Session.h"
 
 namespace tovrdb {
 
-std::string nameOf(const Placement& area);
-
 class RowNames {
  public:
-  // Reads no payloads. Rows that cannot be read get no name.
+  // Reads no payloads. Rows that cannot be read are named by their key.
   explicit RowNames(Session& session);
 
   // "screen left", "data of type 5", "measurement 1"; "row 3 of DB_Info" for rows without a name. A row of "Coef" or
-  // "Data" goes by what uses it: its area, its type of data.
+  // "Data" is named by the area, or the type of data, that uses it.
   std::string of(const std::string& table, std::int64_t id) const;
 
-  // Whether a row of "Coef" or "Data" is known to be used by none.
+  // Whether it is known that nothing uses a row of "Coef" or "Data".
   bool isUnused(const std::string& table, std::int64_t id) const;
 
  private:

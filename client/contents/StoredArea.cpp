@@ -10,21 +10,21 @@
 #include <utility>
 
 #include "client/base/Text.h"
-#include "client/contents/Screens.h"
+#include "client/cells/Overlaps.h"
+#include "client/contents/AreaWords.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/Damage.h"
 #include "client/session/LibraryError.h"
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"
-#include "client/storing/PlaceIndex.h"
 #include "storage/BlobFraming.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {
 namespace {
 
-// Screens in columns 0 to 5, areas from there on; which areas is left open. Each area has a copy of its screen's name:
-// one of millions of bytes would take all memory.
+// Screens in columns 0 to 5, areas from column 6 on; the placeholder chooses the areas. Each area holds a copy of its
+// screen's name, so a name of millions of bytes is cut: the copies would take all memory.
 constexpr char kPlacements[] =
     "select s.id is not null, case when length(cast(s.screenname as blob)) <= 1000 then s.screenname else"
     " substr(s.screenname, 1, 1000) || '[... screen ' || s.id || ']' end, s.left, s.top, s.right, s.bottom, i.id, "
@@ -32,7 +32,7 @@ constexpr char kPlacements[] =
     " i.coefid, i.left, i.top, i.right, i.bottom, i.multilayersize, hex(i.multilayerlist), i.mtime"
     " from Coef_Info i left join Screen_Info s on s.id = i.screenid where {} order by i.id";
 
-// Four columns of the current row from `first` on: left, top, right, bottom.
+// Left, top, right, bottom from column `first` of the current row.
 Rect rectAtColumn(tovr::IDBOperate& connection, int first) {
   using Limits = std::numeric_limits<std::int32_t>;
   const auto edge = [&](int column) {
@@ -70,7 +70,7 @@ std::string storedTypes(const std::vector<Placement>& areas) {
 // By the key of their block.
 using AreasOfBlocks = std::map<std::int64_t, std::vector<StoredArea*>>;
 
-// What is stored beside the blocks that `which` chooses.
+// Reads what is stored beside the blocks whose ids match `which`.
 void readFacts(Session& session, const std::string& which, const AreasOfBlocks& areas) {
   tovr::IDBOperate& connection = session.connection();
   const std::string sql = "select id, databitwidth, length(data), version from Coef where id " + which;
@@ -98,8 +98,8 @@ void readFactsOneByOne(Session& session, const AreasOfBlocks& areas) {
   }
 }
 
-// `placed` with what is stored beside their blocks. `which` chooses the rows of areas: reading what lies behind a blob
-// costs as much as the blob.
+// Adds what is stored beside the blocks. `which` chooses the rows of areas, to read no more than needed: a column
+// behind a blob costs as much to read as the blob.
 std::vector<StoredArea> withBlocks(Session& session, std::vector<Placement> placed, const std::string& which) {
   std::vector<StoredArea> areas(placed.size());
   AreasOfBlocks ofBlocks;
@@ -118,24 +118,6 @@ std::vector<StoredArea> withBlocks(Session& session, std::vector<Placement> plac
   return areas;
 }
 
-std::optional<Placement> answeringPlacement(Session& session, std::int32_t type, const std::string& screenName,
-                                            const Rect& rect) {
-  const int databaseType = session.manager().getDBType();
-  if (databaseType > 1) return std::nullopt;  // the library does not know how to look
-  const bool byName = databaseType == 1;
-  const auto screens = storedScreens(session);
-  const auto screen = std::find_if(screens.begin(), screens.end(), [&](const StoredScreen& candidate) {
-    return byName ? candidate.name == screenName : holds(candidate.rect, rect);
-  });
-  if (screen == screens.end()) return std::nullopt;
-  const auto areas = placements(session);
-  const auto first = std::find_if(areas.begin(), areas.end(), [&](const Placement& candidate) {
-    return candidate.screenId == screen->id && candidate.type == type && holds(candidate.rect, rect);
-  });
-  if (first == areas.end()) return std::nullopt;
-  return *first;
-}
-
 std::vector<Placement> placementsThat(Session& session, const std::string& qualify) {
   std::vector<Placement> areas;
   visitRows(session.connection(), fmt::format(kPlacements, qualify),
@@ -149,7 +131,7 @@ CellBlock cellsOf(const tovr::CoefData& record, const std::shared_ptr<unsigned c
   return {rectOf(record), cellBytes, bytes};
 }
 
-// Nothing where it answers from another area, or not at all.
+// Nothing if the library answers from another area, or refuses.
 std::optional<CellBlock> readByLibrary(Session& session, const StoredArea& area, const Rect& rect) {
   auto record = session.host().makeRecord<tovr::CoefData>();
   record->coeftype = area.type;
@@ -168,6 +150,8 @@ void requireFilled(std::size_t bytes, const Rect& rect, std::int32_t cellBytes) 
   refuseDamaged("the stored block",
                 fmt::format("{} bytes are not the cells of {} with {} bytes each", bytes, toText(rect), cellBytes));
 }
+
+std::optional<NumberForm> keptForm(const StoredArea& area) { return splitVersion(area.version, area.cellBytes).form; }
 
 std::vector<Placement> placements(Session& session) { return placementsThat(session, "1"); }
 
@@ -194,7 +178,7 @@ std::string faultOf(const StoredArea& area) {
 }
 
 void requireReadable(const StoredArea& area) {
-  if (!area.fault.empty()) refuseDamaged(fmt::format("area {} ({})", area.id, toText(area)), area.fault);
+  if (!area.fault.empty()) refuseDamaged(nameOf(area), area.fault);
 }
 
 void requireSound(const Rect& rect, const std::string& whose) {
@@ -202,23 +186,20 @@ void requireSound(const Rect& rect, const std::string& whose) {
 }
 
 std::vector<StoredArea> areasOfType(Session& session, std::int32_t type, const std::string& screen) {
-  const std::vector<Placement> all = placements(session);
+  return areasOfType(session, placements(session), type, screen);
+}
+
+std::vector<StoredArea> areasOfType(Session& session, const std::vector<Placement>& all, std::int32_t type,
+                                    const std::string& screen) {
   std::vector<Placement> chosen;
   std::copy_if(all.begin(), all.end(), std::back_inserter(chosen),
                [&](const Placement& area) { return area.type == type && (screen.empty() || area.screen == screen); });
   if (chosen.empty()) {
-    throw libraryError(tovr::kNoMatchingArea,
-                       fmt::format("asked for type {}{}; {}", type, screen.empty() ? "" : " of the screen " + screen,
-                                   storedTypes(all)));
+    throw libraryError(
+        tovr::kNoMatchingArea,
+        fmt::format("asked for type {}{}; {}", type, screen.empty() ? "" : " on screen " + screen, storedTypes(all)));
   }
   return withBlocks(session, std::move(chosen), fmt::format("coeftype = {}", type));
-}
-
-std::optional<StoredArea> answeringArea(Session& session, std::int32_t type, const std::string& screen,
-                                        const Rect& rect) {
-  const auto placement = answeringPlacement(session, type, screen, rect);
-  if (!placement) return std::nullopt;
-  return storedArea(session, *placement);
 }
 
 bool screensShareCells(const std::vector<StoredArea>& areas) {
@@ -227,12 +208,9 @@ bool screensShareCells(const std::vector<StoredArea>& areas) {
     const auto [entry, fresh] = rects.emplace(area.screenId, area.rect);
     entry->second = united(entry->second, area.rect);
   }
-  std::vector<Rect> each;
-  for (const auto& [screen, rect] : rects) each.push_back(rect);
-  const auto placeOf = [](const Rect& rect) { return PlaceIndex::Place{0, rect}; };
-  const PlaceIndex index(each, placeOf);
-  return std::any_of(each.begin(), each.end(),
-                     [&](const Rect& rect) { return index.overlapping(placeOf(rect)).size() > 1; });
+  std::vector<Rect> around;
+  for (const auto& [screen, rect] : rects) around.push_back(rect);
+  return overlapsAmong(around, 0).pairs > 0;
 }
 
 void requireUnmoved(Session& session, const std::vector<StoredArea>& areas) {
@@ -245,16 +223,15 @@ void requireUnmoved(Session& session, const std::vector<StoredArea>& areas) {
   for (const StoredArea& area : areas) {
     const auto found = present.find(area.id);
     if (found != present.end() && found->second.rect == area.rect && found->second.blockId == area.blockId) continue;
-    throw statusError(
-        tovr::kNoMatchingArea,
-        fmt::format("area {} ({}) was moved or deleted since it was looked up: look again", area.id, toText(area)));
+    throw statusError(tovr::kNoMatchingArea,
+                      fmt::format("{} was moved or deleted since it was looked up: look it up again", nameOf(area)));
   }
 }
 
 CellBlock readBlock(Session& session, const StoredArea& area) {
   requireReadable(area);
   const auto blob = queryPayload(session, kBlockTable, area.blockId);
-  if (!blob) refuseDamaged(fmt::format("area {} ({})", area.id, toText(area)), "its block is missing");
+  if (!blob) refuseDamaged(nameOf(area), "its block is missing");
   Bytes cells = decipherBlob(session.host().encryption(), *blob);
   requireFilled(cells.size(), area.rect, area.cellBytes);
   return blockOf(area.rect, area.cellBytes, std::move(cells));
@@ -264,13 +241,6 @@ CellBlock readCells(Session& session, const StoredArea& area, const Rect& rect) 
   requireReadable(area);
   if (auto cells = readByLibrary(session, area, rect)) return *std::move(cells);
   return cut(readBlock(session, area), rect);
-}
-
-CellBlock queryCells(Session& session, tovr::CoefData& record, const std::function<void(int code)>& require) {
-  const int code = queryLibrary(session, record);
-  const std::shared_ptr<unsigned char[]> bytes(record.coefBuffer.data);
-  require(code);
-  return cellsOf(record, bytes);
 }
 
 std::string toText(const Placement& area) { return area.screen + ", " + toText(area.rect); }

@@ -17,7 +17,7 @@ namespace {
 constexpr char kBlobKey[] = "kelptarn";  // the same in every file; key and initialisation vector
 constexpr std::size_t kCipherBlock = 8;
 
-// A deciphered blob and where its payload ends.
+// A decrypted blob and where its payload ends.
 struct Frame {
   Bytes bytes;
   std::size_t end = 0;

@@ -9,8 +9,7 @@
 #include "client/cells/CellNumbers.h"
 #include "client/contents/AreaWords.h"
 #include "client/contents/Screens.h"
-#include "client/reading/BlockStore.h"
-#include "client/reading/Mosaic.h"
+#include "client/reading/AreaLookup.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
@@ -33,21 +32,19 @@ CellSource sourceOfId(Session& session, const CellQuery& query) {
   return {{*area}, rect, false, false};
 }
 
-// The one that is meant: without a rectangle the only one, else the first that holds it.
+// Without a rectangle the only area, else the first that holds it.
 CellSource sourceOfOne(const std::vector<StoredArea>& areas, const std::optional<Rect>& rect) {
   if (!rect && areas.size() > 1) {
     throw Error(kInvalid, "ambiguous: {} areas: {}", areas.size(), listText(areas)).suggest(Remedy::kGiveRectOrScreen);
   }
   const auto found = std::find_if(areas.begin(), areas.end(),
                                   [&](const StoredArea& area) { return !rect || holds(area.rect, *rect); });
-  if (found == areas.end()) {
-    throw noMatchingArea(*rect, areas);
-  }
+  if (found == areas.end()) throw noMatchingArea(*rect, areas);
   requireReadable(*found);
   return {{*found}, rect.value_or(found->rect), false, false};
 }
 
-// Rectangles on different screens of a file that finds them by name have nothing to do with one another.
+// If screens are found by name, each has cells of its own: rectangles on different ones are unrelated.
 void requireOneScreen(Session& session, const std::vector<StoredArea>& areas) {
   if (session.manager().getDBType() != 1) return;
   const auto other = std::find_if(areas.begin(), areas.end(),
@@ -58,15 +55,11 @@ void requireOneScreen(Session& session, const std::vector<StoredArea>& areas) {
       .suggest(Remedy::kGiveScreen);
 }
 
-CellAnswer readMosaicOf(Session& session, const CellQuery& query, const CellSource& source) {
-  Bytes fill;
-  if (query.fill && !source.areas.empty()) {
-    const NumberForm form = requireForm(source.areas, query.form);
-    fill = cellOf(form.dtype, valuesPerCell(source.areas.front().cellBytes, form.dtype), *query.fill);
-  }
-  Mosaic mosaic = readMosaic(session, source.areas, source.rect, fill);
-  const auto form = formOf(mosaic.areas, query.form);
-  return {std::move(mosaic.cells), std::move(mosaic.areas), form, source.overlapping, mosaic.filled};
+// The stored form of a cell that no area covers; empty if the query gives none.
+Bytes fillOf(const CellQuery& query, const CellSource& source) {
+  if (!query.fill || !source.mosaic || source.areas.empty()) return {};
+  const NumberForm form = requireForm(source.areas, query.form);
+  return cellOf(form.dtype, valuesPerCell(source.areas.front().cellBytes, form.dtype), *query.fill);
 }
 
 // Throws Error if one of them has a fault: its rectangle cannot be trusted.
@@ -86,24 +79,15 @@ CellSource sourceOfAll(const std::vector<StoredArea>& areas, const std::optional
   return {std::move(showing.areas), rect, !whole, showing.overlapping};
 }
 
-// The library's own way of finding leaves the screen to it in files of type 0, and takes its name in those of type 1.
-bool libraryFinds(Session& session, const CellQuery& query) {
-  const int type = session.manager().getDBType();
-  return (type == 0 && query.screen.empty()) || (type == 1 && !query.screen.empty());
-}
-
 }  // namespace
 
 CellSource locateCells(Session& session, const CellQuery& query) {
   if (query.areaId) return sourceOfId(session, query);
   if (!query.type) throw Error(kInvalid, "neither a type nor an area was given").suggest(Remedy::kGiveTypeOrArea);
-  if (query.rect && !query.mosaic && libraryFinds(session, query)) {
-    if (const auto area = answeringArea(session, *query.type, query.screen, *query.rect)) {
-      requireReadable(*area);
-      return {{*area}, *query.rect, false, false};
-    }
-    fetchBlock(session, {*query.type, query.screen, *query.rect});  // tells why not
-    throw Error(kBusy, "another program changed the file while it was read: try again");
+  if (query.rect && !query.mosaic && libraryFinds(session.manager().getDBType(), query.screen)) {
+    const StoredArea area = answeringArea(session, {*query.type, query.screen, *query.rect});
+    requireReadable(area);
+    return {{area}, *query.rect, false, false};
   }
   if (!query.screen.empty()) screenNamed(storedScreens(session), query.screen);
   const auto areas = areasOfType(session, *query.type, query.screen);
@@ -111,11 +95,16 @@ CellSource locateCells(Session& session, const CellQuery& query) {
   return query.mosaic ? sourceOfAll(areas, query.rect) : sourceOfOne(areas, query.rect);
 }
 
+Mosaic readLocated(Session& session, const CellSource& source, const Rect& part, const Bytes& fill) {
+  if (source.mosaic) return readMosaic(session, source.areas, part, fill);
+  return {readCells(session, source.areas.front(), part), source.areas, source.overlapping, 0};
+}
+
 CellAnswer findCells(Session& session, const CellQuery& query) {
   const CellSource source = locateCells(session, query);
-  if (source.mosaic) return readMosaicOf(session, query, source);
-  return {readCells(session, source.areas.front(), source.rect), source.areas, formOf(source.areas, query.form),
-          source.overlapping, 0};
+  Mosaic mosaic = readLocated(session, source, source.rect, fillOf(query, source));
+  const auto form = formOf(mosaic.areas, query.form);
+  return {std::move(mosaic.cells), std::move(mosaic.areas), form, source.overlapping, mosaic.filled};
 }
 
 }  // namespace tovrdb

@@ -9,7 +9,6 @@
 
 #include "client/base/Error.h"
 #include "client/base/Text.h"
-#include "client/contents/AreaWords.h"
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"
 
@@ -45,25 +44,6 @@ std::int64_t fillUncovered(const Composition& composition, const Bytes& fill, co
         .suggest(Remedy::kFill);
   }
   return open;
-}
-
-// Whether the rectangle can be read across these areas.
-bool readsAcross(const std::vector<StoredArea>& areas, const Rect& rect) {
-  const auto fits = [&](const StoredArea& area) {
-    return area.fault.empty() && area.cellBytes == areas.front().cellBytes;
-  };
-  if (!fitsBlock(rect, areas.front().cellBytes) || !std::all_of(areas.begin(), areas.end(), fits)) return false;
-  return areasShowing(areas, rect).complete;
-}
-
-// The area that holds most of the rectangle.
-const StoredArea& nearest(const std::vector<StoredArea>& areas, const Rect& rect) {
-  const auto cells = [&](const StoredArea& area) {
-    const Rect part = *common(area.rect, rect);
-    return static_cast<double>(columnsOf(part)) * static_cast<double>(rowsOf(part));
-  };
-  return *std::max_element(areas.begin(), areas.end(),
-                           [&](const StoredArea& one, const StoredArea& other) { return cells(one) < cells(other); });
 }
 
 }  // namespace
@@ -122,29 +102,6 @@ ShowingAreas areasShowing(const std::vector<StoredArea>& areas, const Rect& rect
   showing.overlapping = composition.overlapping();
   showing.complete = composition.complete();
   return showing;
-}
-
-Alternatives alternativesTo(const Rect& rect, const std::vector<StoredArea>& areas) {
-  const std::vector<StoredArea> meeting = areasMeeting(areas, rect);
-  if (meeting.empty()) return {"there are " + listText(areas), {}};
-  std::vector<std::string> texts;
-  for (const StoredArea& area : meeting) texts.push_back(fmt::format("{} ({})", area.id, toText(area.rect)));
-  const std::string text = "areas that overlap it: " + shortList(texts);
-  if (readsAcross(meeting, rect)) return {text, {Remedy::kReadAcross}};
-  const StoredArea& area = nearest(meeting, rect);
-  const std::string outside = outsideText(rect, area.rect, fmt::format("area {}", area.id));
-  return {outside.empty() ? text : text + "; it reaches " + outside, {}};
-}
-
-Error withAlternatives(int status, const Rect& rect, const Alternatives& alternatives) {
-  const std::string text = alternatives.text.empty() ? "" : "; " + alternatives.text;
-  Error error = libraryError(status, fmt::format("asked for {}{}", toText(rect), text));
-  for (const Remedy remedy : alternatives.remedies) error.suggest(remedy);
-  return error;
-}
-
-Error noMatchingArea(const Rect& rect, const std::vector<StoredArea>& areas) {
-  return withAlternatives(tovr::kNoMatchingArea, rect, alternativesTo(rect, areas));
 }
 
 // Only the needed part of an area that holds all of the rectangle is decrypted.

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "client/cells/CellBlock.h"
@@ -75,19 +74,5 @@ struct Mosaic {
 // covers; if it is empty they are refused. Throws Error: cells without an area, areas that show and have a fault or
 // cells of another width, more than 2 GiB of cells. REQUIRES: the areas are in the order in which they were stored.
 Mosaic readMosaic(Session& session, const std::vector<StoredArea>& areas, const Rect& rect, const Bytes& fill);
-
-// What there is instead of what was asked for.
-struct Alternatives {
-  std::string text;
-  std::vector<Remedy> remedies;
-};
-
-// Why no single area holds the rectangle, and what helps: the areas that overlap it, and either that they can be read
-// together or what it passes; else all areas.
-Alternatives alternativesTo(const Rect& rect, const std::vector<StoredArea>& areas);
-
-// The library's refusal of a rectangle, with what there is instead.
-Error withAlternatives(int status, const Rect& rect, const Alternatives& alternatives);
-Error noMatchingArea(const Rect& rect, const std::vector<StoredArea>& areas);
 
 }  // namespace tovrdb

@@ -5,11 +5,10 @@
 #include <stdexcept>
 
 #include "client/base/Error.h"
+#include "client/contents/AreaWords.h"
 
 namespace tovrdb {
 namespace {
-
-std::string named(const StoredArea& area) { return fmt::format("area {} ({})", area.id, toText(area)); }
 
 void requireFit(NumberType dtype, std::int32_t cellBytes) {
   if (static_cast<std::size_t>(cellBytes) % traitsOf(dtype).bytes == 0) return;
@@ -27,16 +26,14 @@ FormOptions withType(const BlockText& put, bool unasked) {
 
 }  // namespace
 
-std::optional<NumberForm> keptForm(const StoredArea& area) { return splitVersion(area.version, area.cellBytes).form; }
-
 std::optional<NumberForm> formOf(const std::vector<StoredArea>& areas, const FormOptions& options) {
   std::optional<NumberForm> common;
   for (const StoredArea& area : areas) {
     const std::optional<NumberForm> form = chosenForm(options, keptForm(area));
     if (!form) return std::nullopt;
     if (common && !(*common == *form)) {
-      throw Error(kInvalid, "the numbers of {} are {}, those of {} {}", named(areas.front()), toText(*common),
-                  named(area), toText(*form))
+      throw Error(kInvalid, "the numbers of {} are {}, those of {} {}", nameOf(areas.front()), toText(*common),
+                  nameOf(area), toText(*form))
           .suggest(Remedy::kReadApart)
           .suggest(Remedy::kGiveNumberForm);
     }
@@ -49,7 +46,7 @@ NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& 
   if (const auto form = formOf(areas, options)) return *form;
   for (const StoredArea& area : areas) {
     if (keptForm(area)) continue;
-    throw Error(kInvalid, "nothing tells the type of the numbers in {}, whose cells have {} bytes", named(area),
+    throw Error(kInvalid, "nothing tells the type of the numbers in {}, whose cells have {} bytes", nameOf(area),
                 area.cellBytes)
         .suggest(Remedy::kGiveNumberType);
   }
@@ -58,7 +55,7 @@ NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& 
 
 std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, const BlockText& put) {
   const VersionText old = splitVersion(stored, cellBytes);
-  const VersionText said = splitVersion(put.version, cellBytes);  // may be a text that another block has
+  const VersionText said = splitVersion(put.version, cellBytes);  // may be copied from another block
   const std::string& text = put.version.empty() ? old.text : said.text;
   const bool foreign = put.version.empty() && !old.text.empty() && old.text == stored;
   const FormOptions options = withType(put, !foreign);
@@ -66,7 +63,7 @@ std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, con
   const std::optional<NumberForm> form = chosenForm(options, said.form ? said.form : old.form);
   if (!form && options.isGiven())
     throw Error(kInvalid, "a scale or a unit was given without a number type").suggest(Remedy::kGiveNumberType);
-  if (!form && put.version.empty()) return text;  // however long another program made it
+  if (!form && put.version.empty()) return text;  // of any length, since another program wrote it
   try {
     return joinVersion(text, form, cellBytes);
   } catch (const std::invalid_argument& error) {

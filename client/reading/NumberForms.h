@@ -1,4 +1,4 @@
-// The form of the numbers as it is kept with the blocks of a file, in their version texts.
+// The form of numbers that is kept in the version texts of blocks: which one to read with, and what to keep.
 #pragma once
 
 #include <cstdint>
@@ -12,26 +12,23 @@
 
 namespace tovrdb {
 
-// Nothing where none is kept, or one that the cells do not fit.
-std::optional<NumberForm> keptForm(const StoredArea& area);
-
-// The form in which the cells of these areas are to be read; nothing where it is neither given nor kept by all of them.
-// Throws Error where they keep different ones.
+// The form in which the cells of these areas are to be read; nothing if it is neither given nor kept by all of them.
+// Throws Error if they keep different forms.
 std::optional<NumberForm> formOf(const std::vector<StoredArea>& areas, const FormOptions& options);
 
-// The same; throws Error, which asks for --dtype, where there is none.
+// The same; throws Error, which asks for the type, if there is none.
 NumberForm requireForm(const std::vector<StoredArea>& areas, const FormOptions& options);
 
-// The version text that a block of such cells is to have, which has `stored` now; empty for a new one. A type that only
-// the array tells is kept, unless the block keeps another program's text. Throws Error if the form does not fit the
-// cells, or the text beside it is too long.
+// The new version text of a block whose text is `stored`, empty for a new block. A type that only the array tells is
+// kept, unless the block keeps another program's text. Throws Error if the form does not fit the cells, or if text and
+// form are too long.
 std::string versionToKeep(const std::string& stored, std::int32_t cellBytes, const BlockText& put);
 
-// The form in which cells are put into the area, as far as they or the area tell it. Throws Error if the array is
-// of another type than it is said to be.
+// The form of cells that patch the area, if they or the area tell it. Throws Error if the given type is not the
+// array's.
 std::optional<NumberForm> formOfPatch(const StoredArea& area, const BlockText& patch);
 
-// Whether a block kept as `kept` would lose its type, its scale or its unit if it is kept as `wanted`.
+// Whether changing the form from `kept` to `wanted` loses the type, the scale or the unit.
 bool losesForm(const NumberForm& kept, const std::optional<NumberForm>& wanted);
 
 }  // namespace tovrdb

@@ -3,7 +3,6 @@
 #include <fmt/core.h>
 
 #include "client/cells/CellNumbers.h"
-#include "client/reading/Mosaic.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/LibraryError.h"
 #include "client/storing/AreaPatch.h"
@@ -13,7 +12,7 @@ namespace tovrdb::python {
 
 namespace {
 
-// The type was asked for: where it does not suit, that is not the file's fault.
+// A type that does not fit the cells is the caller's mistake, not damage to the file.
 std::size_t valuesOf(std::int32_t cellBytes, NumberType dtype) {
   try {
     return valuesPerCell(cellBytes, dtype);
@@ -35,7 +34,7 @@ void requireSameForm(const StoredArea& before, const StoredArea& now) {
                                 now.id, formText(before), formText(now)));
 }
 
-// While it lives, everything is read from one state of the file.
+// While it exists, everything is read from one state of the file.
 class SingleState {
  public:
   explicit SingleState(Session& session) : session_(session.inTransaction() ? nullptr : &session) {
@@ -69,12 +68,11 @@ FoundCells::FoundCells(Session& session, const CellQuery& query) {
 CellBlock FoundCells::read(Session& session, const Rect& part) {
   const SingleState single(session);
   requireUnchanged(session, part);
-  return source_.mosaic ? readMosaic(session, source_.areas, part, fill_).cells
-                        : readCells(session, source_.areas.front(), part);
+  return readLocated(session, source_, part, fill_).cells;
 }
 
 void FoundCells::patch(Session& session, const CellBlock& block) {
-  if (source_.mosaic) throw Error(kInvalid, "a mosaic is for reading: write to its areas, one by one");
+  if (source_.mosaic) throw Error(kInvalid, "a mosaic is read-only: write to its areas, one by one");
   Transaction transaction(session);
   requireUnchanged(session, block.rect);
   patchArea(session, source_.areas.front(), {{block.rect, [&] { return block; }}});
@@ -82,7 +80,7 @@ void FoundCells::patch(Session& session, const CellBlock& block) {
   transaction.commit();
 }
 
-// Of a mosaic, only the areas that the part meets: each look at a form reads past a whole block.
+// Of a mosaic, checks only the areas that the part meets: reading a form reads past a whole block.
 void FoundCells::requireUnchanged(Session& session, const Rect& part) {
   requireUnmoved(session, source_.areas);
   const SessionState state = session.state();

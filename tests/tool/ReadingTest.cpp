@@ -4,7 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
-#include "client/contents/StoredArea.h"
+#include "client/reading/AreaLookup.h"
+#include "storage/StatusCodes.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
 
@@ -123,6 +124,32 @@ TEST(StoredAreaTest, FaultOfWidthsAndSizes) {
   EXPECT_EQ(faultOf(area), "no cells can lie in its rectangle 0,9,9,0");
 }
 
+TEST(AreaLookupTest, NoAnswer_SaysWhatThereIs) {
+  const std::vector<tovrdb::StoredScreen> screens{{1, "left", {0, 0, 3, 1}}, {2, "right", {4, 0, 7, 1}}};
+  std::vector<tovrdb::StoredArea> areas(2);
+  for (tovrdb::StoredArea& area : areas) area.cellBytes = 2;
+  areas[0].rect = {0, 0, 1, 1};
+  areas[1].rect = {2, 0, 3, 1};
+  const struct {
+    int databaseType;
+    tovrdb::AreaName asked;
+    int status;
+    std::size_t remedies;
+    const char* text;
+  } cases[] = {
+      {0, {1, "", {0, 0, 3, 1}}, tovr::kNoMatchingArea, 1, "areas that overlap it: 0 (0,0,1,1), 0 (2,0,3,1)"},
+      {0, {1, "", {3, 0, 4, 1}}, tovr::kNoScreenForRectangle, 0, "(2,0,3,1); it reaches one column beyond area 0"},
+      {0, {1, "", {6, 0, 8, 1}}, tovr::kNoScreenForRectangle, 0, "it reaches one column beyond the screen right"},
+      {1, {1, "right", {4, 0, 5, 1}}, tovr::kNoMatchingArea, 0, "asked for 4,0,5,1; areas of the type: "},
+      {1, {1, "middle", {4, 0, 5, 1}}, tovr::kNoSuchScreenName, 0, "screens: left (0,0,3,1), right (4,0,7,1)"}};
+  for (const auto& c : cases) {
+    const tovrdb::Error error = noAnswer(c.asked, c.databaseType, screens, areas);
+    EXPECT_EQ(error.status(), c.status);
+    EXPECT_EQ(error.remedies().size(), c.remedies);
+    EXPECT_TRUE(contains(error.what(), c.text)) << error.what();
+  }
+}
+
 // Three areas side by side; a page in the middle of the second one's block is damaged.
 TEST_F(ReadingTest, ABadPageLeavesOtherAreasAlone) {
   succeed("create wall.db --type 0");
@@ -146,9 +173,10 @@ TEST_F(ReadingTest, ABadPageLeavesOtherAreasAlone) {
   succeed(kGet + "--rect 0,0,99,99 --mosaic -o sound.npy");
   succeed("coef get wall.db --area 3 -o third.npy");
   for (const char* wanted : {"--type 1 --rect 0,0,299,99 --mosaic", "--type 1 --rect 100,0,101,0", "--area 2"}) {
-    expectFailure(8, "area 2 (left, 100,0,199,99) is damaged", "coef get wall.db -o no.npy " + std::string(wanted));
+    expectFailure(8, "area 2 (100,0,199,99 of type 1 on screen left) is damaged",
+                  "coef get wall.db -o no.npy " + std::string(wanted));
   }
-  expectTold("area 2 (left, 100,0,199,99) is hatched", "heatmap wall.db --type 1 -o wall.png");
+  expectTold("area 2 (100,0,199,99 of type 1 on screen left) is hatched", "heatmap wall.db --type 1 -o wall.png");
   expectFailure(8, "row 2 of Coef_Info, whose payload is row 2 of Coef: area 2 (", "export wall.db folder");
   succeed("import folder rescued.db");
   EXPECT_EQ(Json::parse(succeed("coef list rescued.db --json")).size(), 2U);

@@ -11,10 +11,12 @@
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/NumberText.h"
+#include "client/contents/AreaWords.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 #include "client/disk/FileInput.h"
 #include "client/disk/Paths.h"
+#include "client/reading/AreaLookup.h"
 #include "client/reading/Mosaic.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/Damage.h"
@@ -181,7 +183,7 @@ std::optional<CellBlock> readIfSound(Session& session, const StoredArea& area, c
   } catch (const Error& error) {
     if (!isDamage(error)) throw;
     session.resumeReading();
-    message("note: area {} ({}) is hatched: {}", area.id, toText(area), error.what());
+    message("note: {} is hatched: {}", nameOf(area), error.what());
     return std::nullopt;
   }
 }
