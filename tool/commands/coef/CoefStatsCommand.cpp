@@ -15,7 +15,7 @@
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
-#include "tool/commands/coef/CabinetTables.h"
+#include "tool/statistics/CabinetTables.h"
 #include "tool/commands/coef/CellArguments.h"
 #include "tool/io/Message.h"
 #include "tool/io/TextTable.h"

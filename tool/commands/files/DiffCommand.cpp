@@ -14,7 +14,7 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/OpenDatabase.h"
 #include "tool/commands/coef/CellArguments.h"
-#include "tool/commands/pictures/DifferencePicture.h"
+#include "tool/pictures/DifferencePicture.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"

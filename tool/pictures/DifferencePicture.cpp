@@ -1,4 +1,4 @@
-#include "tool/commands/pictures/DifferencePicture.h"
+#include "tool/pictures/DifferencePicture.h"
 
 #include <fmt/format.h>
 

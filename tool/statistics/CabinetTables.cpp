@@ -1,4 +1,4 @@
-#include "tool/commands/coef/CabinetTables.h"
+#include "tool/statistics/CabinetTables.h"
 
 #include <fmt/format.h>
 
