@@ -79,7 +79,7 @@ std::string worstText(const CabinetReport& report, const NumberForm& form) {
          textTable({{"x", true}, {"y", true}, {"value", true}, {"median", true}, {"spreads", true}, {"cabinet"}}, rows);
 }
 
-std::string partsCsv(const std::vector<CabinetComponent>& components, const NumberForm& form) {
+std::string partsCsv(const std::vector<CabinetStatistics>& components, const NumberForm& form) {
   std::string text = "component,left,top,right,bottom,cells,not_finite,minimum,median,maximum,mean,standard_deviation";
   for (const double end : endsOf(form)) text += ",at_" + numberText(end);
   text += ",stand_out\n";
@@ -96,7 +96,7 @@ std::string partsCsv(const std::vector<CabinetComponent>& components, const Numb
   return text;
 }
 
-std::string seamsCsv(const std::vector<CabinetComponent>& components) {
+std::string seamsCsv(const std::vector<CabinetStatistics>& components) {
   std::string text = "component,first_left,first_top,second_left,second_top,left,top,right,bottom,difference\n";
   for (const auto& [index, report] : components) {
     for (const Seam& seam : report.seams) {
@@ -109,7 +109,7 @@ std::string seamsCsv(const std::vector<CabinetComponent>& components) {
   return text;
 }
 
-std::string worstCsv(const std::vector<CabinetComponent>& components) {
+std::string worstCsv(const std::vector<CabinetStatistics>& components) {
   std::string text = "component,column,row,value,median,spreads,left,top,right,bottom\n";
   for (const auto& [index, report] : components) {
     for (const WorstCell& worst : report.worst) {
@@ -138,7 +138,7 @@ Json jsonOf(const PartFigures& part) {
 
 }  // namespace
 
-std::string cabinetText(const std::vector<CabinetComponent>& components, const NumberForm& form) {
+std::string cabinetText(const std::vector<CabinetStatistics>& components, const NumberForm& form) {
   std::string text;
   for (const auto& [index, report] : components) {
     text += fmt::format("{}component {}\n", text.empty() ? "" : "\n", index);
@@ -147,12 +147,12 @@ std::string cabinetText(const std::vector<CabinetComponent>& components, const N
   return text;
 }
 
-std::string cabinetCsv(const std::vector<CabinetComponent>& components, const NumberForm& form, CabinetTable table) {
+std::string cabinetCsv(const std::vector<CabinetStatistics>& components, const NumberForm& form, CabinetTable table) {
   if (table == CabinetTable::kSeams) return seamsCsv(components);
   return table == CabinetTable::kWorst ? worstCsv(components) : partsCsv(components, form);
 }
 
-Json cabinetJson(const CabinetComponent& component, const NumberForm& form) {
+Json cabinetJson(const CabinetStatistics& component, const NumberForm& form) {
   Json json{{"component", component.index}, {"ends", endsOf(form)}};
   for (const char* list : {"cabinets", "seams", "worst"}) json[list] = Json::array();
   for (const PartFigures& part : component.report.parts) json["cabinets"].push_back(jsonOf(part));

@@ -7,22 +7,17 @@
 
 #include "client/base/Json.h"
 #include "client/cells/NumberForm.h"
-#include "client/statistics/CabinetReport.h"
+#include "client/reading/CellStatistics.h"
 
 namespace tovrdb::tool {
 
-struct CabinetComponent {
-  std::size_t index = 0;  // which number of a cell
-  CabinetReport report;
-};
-
-std::string cabinetText(const std::vector<CabinetComponent>& components, const NumberForm& form);
+std::string cabinetText(const std::vector<CabinetStatistics>& components, const NumberForm& form);
 
 enum class CabinetTable { kCabinets, kSeams, kWorst };
 
 // With a heading line; numbers are exact.
-std::string cabinetCsv(const std::vector<CabinetComponent>& components, const NumberForm& form, CabinetTable table);
+std::string cabinetCsv(const std::vector<CabinetStatistics>& components, const NumberForm& form, CabinetTable table);
 
-Json cabinetJson(const CabinetComponent& component, const NumberForm& form);
+Json cabinetJson(const CabinetStatistics& component, const NumberForm& form);
 
 }  // namespace tovrdb::tool
