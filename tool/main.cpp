@@ -14,7 +14,6 @@
 #include "client/disk/Platform.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
-#include "tool/commands/Commands.h"
 #include "tool/commands/UsageText.h"
 #include "tool/io/Message.h"
 #include "tool/io/ProgressBar.h"
@@ -25,33 +24,36 @@ using namespace tovrdb;
 using namespace tovrdb::tool;
 
 constexpr const char* kIntroduction =
-    "tovrdb keeps calibration data of LED screens in encrypted database files.\n\n"
-    "Examples:\n"
-    "  export TOVRDB_KEY='a key of your own'\n"
-    "  tovrdb create wall.db --type 0\n"
-    "  tovrdb screen add wall.db --name left --rect 0,0,1919,1079\n"
-    "  tovrdb sample -o wall.npy --size 1920x1080\n"
-    "  tovrdb coef put wall.db --type 1 --at 0,0 wall.npy\n"
-    "  tovrdb coef get wall.db --type 1 --rect 100,100,163,131 --dtype uint16 -o part.npy\n"
-    "  tovrdb coef list wall.db\n\n"
-    "Rectangles are L,T,R,B in cells from 0; both edges belong to them.\n"
-    "tovrdb COMMAND --help tells more about a command.\n";
+    R"(tovrdb keeps calibration data of LED screens in encrypted database files.
+
+Examples:
+  export TOVRDB_KEY='a key of your own'
+  tovrdb create wall.db --type 0
+  tovrdb screen add wall.db --name left --rect 0,0,1919,1079
+  tovrdb sample -o wall.npy --size 1920x1080
+  tovrdb coef put wall.db --type 1 --at 0,0 wall.npy
+  tovrdb coef get wall.db --type 1 --rect 100,100,163,131 --dtype uint16 -o part.npy
+  tovrdb coef list wall.db
+
+Rectangles are L,T,R,B in cells from 0; both edges belong to them.
+tovrdb COMMAND --help tells more about a command.
+)";
 
 constexpr const char* kFooter =
-    "Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).\n"
-    "Exit codes, of every command (diff and check add what their result means):\n"
-    "  0    done\n"
-    "  1    the library refused: what was asked for is not stored, or the engine failed\n"
-    "  2    the command line is wrong\n"
-    "  3    a file is missing, exists already, cannot be read or written, or holds something else\n"
-    "  4    no key, or a key that does not open the file\n"
-    "  5    the plug-in library cannot be loaded\n"
-    "  6    another program is using the file, or changed it meanwhile: try again\n"
-    "  7    the command conflicts with stored data; nothing was written\n"
-    "  8    the database file, or data in it, is damaged\n"
-    "  9    the disk is full, or a quota or size limit is reached\n"
-    "  130  interrupted (Ctrl-C); 143 and 129: ended by SIGTERM or SIGHUP; nothing unfinished is left\n"
-    "  141  the reader of the output ended first, as head does; no message";
+    R"(Environment: TOVRDB_KEY (the key), TOVRDB_PLUGIN (the plug-in library).
+Exit codes, of every command (diff and check add what their result means):
+  0    done
+  1    the library refused: what was asked for is not stored, or the engine failed
+  2    the command line is wrong
+  3    a file is missing, exists already, cannot be read or written, or holds something else
+  4    no key, or a key that does not open the file
+  5    the plug-in library cannot be loaded
+  6    another program is using the file, or changed it meanwhile: try again
+  7    the command conflicts with stored data; nothing was written
+  8    the database file, or data in it, is damaged
+  9    the disk is full, or a quota or size limit is reached
+  130  interrupted (Ctrl-C); 143 and 129: ended by SIGTERM or SIGHUP; nothing unfinished is left
+  141  the reader of the output ended first, as head does; no message)";
 
 constexpr int kLongestWait = 86400;
 
@@ -70,26 +72,6 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
       "--fast", [&options] { options.access.flushed = false; },
       "Do not wait for the disk; a power cut can then damage the file");
   app.add_flag("-q,--quiet", options.quiet, "No messages but those of failures, and no progress bar");
-}
-
-void addCommands(CommandGroup program) {
-  addInspectCommand(program);
-  addCreateCommand(program);
-  addInfoCommand(program);
-  addScreenCommands(program);
-  addCoefCommands(program);
-  addHeatmapCommand(program);
-  addDiffCommand(program);
-  addReportCommand(program);
-  addSampleCommand(program);
-  addDataCommands(program);
-  addMeasureCommands(program);
-  addCheckCommand(program);
-  addBackupCommand(program);
-  addExportCommands(program);
-  addRewriteCommands(program);
-  addCipherCommands(program);
-  addDocCommands(program);
 }
 
 int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutput& output) {
@@ -141,7 +123,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "tovrdb " TOVRDB_VERSION);
   app.require_subcommand(1)->fallthrough();
   addGlobalOptions(app, options);
-  addCommands({app, chosen});
+  addAllCommands({app, chosen});
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // --help, --version

@@ -7,10 +7,11 @@
 #include <string>
 #include <utility>
 
+#include "client/cells/NumberForm.h"
 #include "client/cells/NumberType.h"
 #include "client/cells/Rect.h"
+#include "client/reading/CellQuery.h"
 #include "tool/io/ByteOutput.h"
-
 namespace tovrdb::tool {
 
 // An option whose text `parse` turns into the value; its complaint becomes the command line's.
@@ -59,5 +60,16 @@ CLI::Option* addNumberRange(CLI::App& command, const std::string& name, std::opt
 CLI::Option* addPercentRange(CLI::App& command, const std::string& name,
                              std::optional<std::pair<double, double>>& range, const std::string& description);
 CLI::Option* addSize(CLI::App& command, const std::string& name, CellPair& size, const std::string& description);
+
+// Which cells a command reads, and how their numbers are read.
+
+// --dtype, --scale and --unit.
+void addForm(CLI::App& command, FormOptions& options, const std::string& dtypeDescription);
+
+// --type, --screen, --rect, --area, --mosaic, --fill, and the form.
+void addCells(CLI::App& command, CellQuery& query);
+
+// On standard error, where several areas were read: that they overlap, that cells were filled.
+void noteAnswer(const CellAnswer& answer, const FormOptions& options);
 
 }  // namespace tovrdb::tool

@@ -5,10 +5,11 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "client/session/Access.h"
+#include "client/session/Session.h"
 #include "tool/io/StandardOutput.h"
-
 namespace tovrdb::tool {
 
 struct GlobalOptions {
@@ -76,5 +77,22 @@ class CommandGroup {
   CLI::App& app_;
   Command& chosen_;
 };
+
+// Asks for the key only after a look at the file. Throw Error.
+Session openDatabase(const Context& context, const std::string& path);
+Session openDatabase(const Context& context, const std::string& path, const std::string& key);
+
+// Throws Error where --log names the database file; nothing was appended to it yet.
+void requireOtherThanLog(const Context& context, const std::string& path);
+
+// Shows what will be deleted and asks on a terminal, unless `forced`. Throws Error if the answer is no, and if nobody
+// can be asked.
+void confirmDeletion(const std::vector<std::string>& what, bool forced);
+
+// --force
+void addForcedDeletion(CLI::App& command, bool& force);
+
+// Adds every command of Commands.h to the program.
+void addAllCommands(CommandGroup program);
 
 }  // namespace tovrdb::tool

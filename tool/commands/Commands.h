@@ -1,32 +1,39 @@
-// All commands. Each function adds one command, or one group of them, to the program's command line; it is defined in
-// the .cpp of the same name.
+// The one list of commands. To add one: write a .cpp that defines its `add...` function, and name the function here.
 #pragma once
+
+#include "tool/commands/Command.h"
 
 namespace tovrdb::tool {
 
-class CommandGroup;
+// In the order in which `tovrdb --help` and `tovrdb coef --help` show them.
+#define TOVRDB_COEF_COMMANDS(COMMAND) \
+  COMMAND(addCoefPutCommand)          \
+  COMMAND(addCoefGetCommand)          \
+  COMMAND(addCoefListCommand)         \
+  COMMAND(addCoefDeleteCommand)       \
+  COMMAND(addCoefStatsCommand)
+#define TOVRDB_COMMANDS(COMMAND)                     \
+  COMMAND(addInspectCommand)                         \
+  COMMAND(addCreateCommand)                          \
+  COMMAND(addInfoCommand)                            \
+  COMMAND(addScreenCommands)                         \
+  COMMAND(addCoefCommands)                           \
+  COMMAND(addHeatmapCommand)                         \
+  COMMAND(addDiffCommand)                            \
+  COMMAND(addReportCommand)                          \
+  COMMAND(addSampleCommand)                          \
+  COMMAND(addDataCommands)                           \
+  COMMAND(addMeasureCommands)                        \
+  COMMAND(addCheckCommand)                           \
+  COMMAND(addBackupCommand)                          \
+  COMMAND(addExportCommands)  /* and import */       \
+  COMMAND(addRewriteCommands) /* rekey, upgrade */   \
+  COMMAND(addCipherCommands)  /* encrypt, decrypt */ \
+  COMMAND(addDocCommands)     /* manual, completion */
 
-void addBackupCommand(CommandGroup& program);
-void addCheckCommand(CommandGroup& program);
-void addCipherCommands(CommandGroup& program);  // encrypt, decrypt
-void addCoefCommands(CommandGroup& program);    // coef put, get, list, delete, stats
-void addCoefDeleteCommand(CommandGroup& coef);
-void addCoefGetCommand(CommandGroup& coef);
-void addCoefListCommand(CommandGroup& coef);
-void addCoefPutCommand(CommandGroup& coef);
-void addCoefStatsCommand(CommandGroup& coef);
-void addCreateCommand(CommandGroup& program);
-void addDataCommands(CommandGroup& program);  // data put, get, list, delete
-void addDiffCommand(CommandGroup& program);
-void addDocCommands(CommandGroup& program);     // manual, completion
-void addExportCommands(CommandGroup& program);  // export, import
-void addHeatmapCommand(CommandGroup& program);
-void addInfoCommand(CommandGroup& program);
-void addInspectCommand(CommandGroup& program);
-void addMeasureCommands(CommandGroup& program);  // measure put, list, get, clear
-void addReportCommand(CommandGroup& program);
-void addRewriteCommands(CommandGroup& program);  // rekey, upgrade
-void addSampleCommand(CommandGroup& program);
-void addScreenCommands(CommandGroup& program);  // screen add, list, delete
+#define TOVRDB_DECLARE(add) void add(CommandGroup& group);
+TOVRDB_COEF_COMMANDS(TOVRDB_DECLARE)
+TOVRDB_COMMANDS(TOVRDB_DECLARE)
+#undef TOVRDB_DECLARE
 
 }  // namespace tovrdb::tool

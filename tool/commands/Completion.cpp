@@ -1,6 +1,6 @@
-#include "tool/commands/Completion.h"
-
 #include <algorithm>
+
+#include "tool/commands/Documentation.h"
 
 namespace tovrdb::tool {
 namespace {

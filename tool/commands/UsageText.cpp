@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tool/commands/CommandTree.h"
+#include "tool/commands/Documentation.h"
 
 namespace tovrdb::tool {
 namespace {

@@ -5,8 +5,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
-#include "tool/commands/coef/CellArguments.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
 
@@ -47,12 +45,13 @@ void addCoefGetCommand(CommandGroup& coef) {
   const auto [command, options] =
       coef.add("get", "Read a rectangle of cells out of stored blocks", &Options::file, get);
   command.footer(
-      "Examples:\n"
-      "  tovrdb coef get wall.db --type 1 --rect 100,100,163,131 -o part.npy\n"
-      "  tovrdb coef get wall.db --type 1 --rect 0,0,3839,1079 --mosaic -o both.npy\n"
-      "  tovrdb coef get wall.db --area 7 --csv -o cabinet.csv\n\n"
-      "A .npy array holds the numbers as they are stored. CSV holds them scaled, as the form says that is kept with\n"
-      "the block (coef put --scale); --scale 1 gives the stored ones.");
+      R"(Examples:
+  tovrdb coef get wall.db --type 1 --rect 100,100,163,131 -o part.npy
+  tovrdb coef get wall.db --type 1 --rect 0,0,3839,1079 --mosaic -o both.npy
+  tovrdb coef get wall.db --area 7 --csv -o cabinet.csv
+
+A .npy array holds the numbers as they are stored. CSV holds them scaled, as the form says that is kept with
+the block (coef put --scale); --scale 1 gives the stored ones.)");
   addFile(command, options.file);
   addCells(command, options.cells);
   addOutput(command, options.output);

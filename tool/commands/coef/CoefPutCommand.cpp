@@ -11,8 +11,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
-#include "tool/commands/coef/CellArguments.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 
@@ -41,20 +39,21 @@ struct Options {
 };
 
 constexpr char kHelp[] =
-    "Everything is decided before anything is written; if there are conflicts, they are listed and nothing is stored.\n"
-    "A block of the very same rectangle (and screen) and type is replaced, and told; with another number of bytes per\n"
-    "cell, or if the stored type of numbers, scale or unit would be lost, with --force only. A block that would lie\n"
-    "upon others of its type is refused in databases of type 0, where coef get answers from the oldest, unless\n"
-    "--patch, --replace or --beside says what is meant. Databases of type 1 keep one area of a type on a screen: one "
-    "of\n"
-    "another rectangle is replaced with --force only.\n\n"
-    "  one cabinet of a stored screen:  tovrdb coef put wall.db --patch --type 1 --at 640,360 cabinet.npy\n\n"
-    "Many blocks at once, all of them or none, in one transaction:\n"
-    "  --manifest FILE  a JSON list of {\"file\": \"a.npy\", \"type\": 1, \"rect\": [L, T, R, B]} and, where wanted,\n"
-    "                   \"screen\", \"area\", \"version\", \"scale\" (\"1/16384\") and \"unit\"; files lie in the\n"
-    "                   manifest's folder or below it\n"
-    "  --folder DIR     its .npy files, named T<type>_<L>,<T>,<R>,<B>.npy, with <screen>_ in front in databases of\n"
-    "                   type 1: left_T1_0,0,1919,1079.npy; other files are left alone";
+    R"(Everything is decided before anything is written; if there are conflicts, they are listed and nothing is stored.
+A block of the very same rectangle (and screen) and type is replaced, and told; with another number of bytes per
+cell, or if the stored type of numbers, scale or unit would be lost, with --force only. A block that would lie
+upon others of its type is refused in databases of type 0, where coef get answers from the oldest, unless
+--patch, --replace or --beside says what is meant. Databases of type 1 keep one area of a type on a screen: one of
+another rectangle is replaced with --force only.
+
+  one cabinet of a stored screen:  tovrdb coef put wall.db --patch --type 1 --at 640,360 cabinet.npy
+
+Many blocks at once, all of them or none, in one transaction:
+  --manifest FILE  a JSON list of {"file": "a.npy", "type": 1, "rect": [L, T, R, B]} and, where wanted,
+                   "screen", "area", "version", "scale" ("1/16384") and "unit"; files lie in the
+                   manifest's folder or below it
+  --folder DIR     its .npy files, named T<type>_<L>,<T>,<R>,<B>.npy, with <screen>_ in front in databases of
+                   type 1: left_T1_0,0,1919,1079.npy; other files are left alone)";
 
 constexpr std::size_t kMostNotices = 20;
 

@@ -3,8 +3,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
-#include "tool/commands/coef/CellArguments.h"
 #include "tool/statistics/StatisticsText.h"
 
 namespace tovrdb::tool {
@@ -58,14 +56,14 @@ void addCabinetOptions(CLI::App& command, Options& options) {
 void addCoefStatsCommand(CommandGroup& coef) {
   const auto [command, options] = coef.add("stats", "The numbers of stored cells", &Options::file, stats);
   command.footer(
-      "Percentiles are linear between the two nearest values; the deviation is divided by the number of cells. The\n"
-      "histogram goes from the 1st to the 99th percentile; what lies beyond is counted in a first and a last line.\n"
-      "A spread is 1.4826 x the median absolute deviation from the median (where more than half the cells are equal,\n"
-      "1.2533 x the mean one): a standard deviation that a few wild cells do not move.\n\n"
-      "With --cabinet or --by-area: the figures of every part; the seams, each the difference of the means of the two\n"
-      "lines of cells that adjoin; how many cells have the numbers at the ends of their type, such as 0 and 65535; "
-      "and\n"
-      "the cells farthest from the median of their part.");
+      R"(Percentiles are linear between the two nearest values; the deviation is divided by the number of cells. The
+histogram goes from the 1st to the 99th percentile; what lies beyond is counted in a first and a last line.
+A spread is 1.4826 x the median absolute deviation from the median (where more than half the cells are equal,
+1.2533 x the mean one): a standard deviation that a few wild cells do not move.
+
+With --cabinet or --by-area: the figures of every part; the seams, each the difference of the means of the two
+lines of cells that adjoin; how many cells have the numbers at the ends of their type, such as 0 and 65535; and
+the cells farthest from the median of their part.)");
   addFile(command, options.file);
   addCells(command, options.question.cells);
   command.add_option("--component", options.question.component, "Only this number of each cell, from 0 [all]");

@@ -107,8 +107,8 @@ void addSampleCommand(CommandGroup& program) {
   const auto [command, options] =
       program.add("sample", "Compute SYNTHETIC correction coefficients of an LED wall", sample);
   command.footer(
-      "The array: uint16, rows x columns x 9, a row-major 3x3 matrix per cell in unsigned Q2.14 (16384 is 1.0).\n"
-      "Row i says how much of the target's red, green and blue the cell's LED i gives. Nothing was measured.");
+      R"(The array: uint16, rows x columns x 9, a row-major 3x3 matrix per cell in unsigned Q2.14 (16384 is 1.0).
+Row i says how much of the target's red, green and blue the cell's LED i gives. Nothing was measured.)");
   addOutput(command, options.output);
   addSize(command, "--size", options.size, "The wall's cells [1920x1080]");
   addRect(command, options.rect, "Only this part of the wall, the same to the byte as cut out of the whole");

@@ -5,8 +5,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/Confirmation.h"
-#include "tool/commands/OpenDatabase.h"
 #include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
 

@@ -10,8 +10,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/Confirmation.h"
-#include "tool/commands/OpenDatabase.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
 #include "tool/io/TextTable.h"
@@ -96,8 +94,8 @@ void clear(Context& context, const Options& options) {
 void addPut(CommandGroup& group) {
   const auto [command, options] = group.add("put", "Store a measurement and print its key", &Options::file, put);
   command.footer(
-      "The library keeps the bytes and rejects type and rectangle with code 19. That is its contract: it is told on\n"
-      "standard error and is not a failure (exit code 0).");
+      R"(The library keeps the bytes and rejects type and rectangle with code 19. That is its contract: it is told on
+standard error and is not a failure (exit code 0).)");
   addFile(command, options.file);
   command.add_option("--type", options.type, "The measurement's type")->required();
   addRect(command, options.rect, "The cells that were measured")->required();

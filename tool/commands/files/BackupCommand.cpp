@@ -2,7 +2,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 
@@ -30,8 +29,8 @@ void addBackupCommand(CommandGroup& program) {
   const auto [command, options] =
       program.add("backup", "Copy a database file, also while other programs work with it", &Options::file, backup);
   command.footer(
-      "The copy is one state of the file, opens with the same key, and gets its name only when every page was checked\n"
-      "and is on the disk. tovrdb check tells whether its rows make sense, too.");
+      R"(The copy is one state of the file, opens with the same key, and gets its name only when every page was checked
+and is on the disk. tovrdb check tells whether its rows make sense, too.)");
   addFile(command, options.file);
   command.add_option("COPY", options.copy, "The copy, which must not exist yet")->required();
   command.add_flag("--force", options.force, "Replace the copy if it exists");

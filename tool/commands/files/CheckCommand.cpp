@@ -7,7 +7,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 
@@ -93,9 +92,9 @@ void addCheckCommand(CommandGroup& program) {
   const auto [command, options] =
       program.add("check", "Tell whether a database file is sound; reads all that it holds", &Options::file, check);
   command.footer(
-      "Exit codes: 0 the file is sound, also with warnings; 8 a check failed or the file is damaged; 3 it is not a\n"
-      "database; 4 the key does not open it. Warnings are about what is unusual but was stored on request, such as\n"
-      "areas that overlap: nothing is lost.");
+      R"(Exit codes: 0 the file is sound, also with warnings; 8 a check failed or the file is damaged; 3 it is not a
+database; 4 the key does not open it. Warnings are about what is unusual but was stored on request, such as
+areas that overlap: nothing is lost.)");
   addFile(command, options.file);
   addJsonFlag(command, options.json);
 }

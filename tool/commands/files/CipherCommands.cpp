@@ -131,9 +131,8 @@ CommandGroup::Added<Options> addOne(CommandGroup& program, const std::string& na
   const auto added = program.add(name, description, &Options::input, run);
   auto& [command, options] = added;
   command.footer(
-      "The service's format is DES in CBC mode over pieces of 512 bytes, for text files: no header, no checksum. A "
-      "wrong\n"
-      "key shows only where it yields zero bytes. DES keeps nothing from a determined reader.");
+      R"(The service's format is DES in CBC mode over pieces of 512 bytes, for text files: no header, no checksum. A wrong
+key shows only where it yields zero bytes. DES keeps nothing from a determined reader.)");
   command.add_option("IN", options.input, "The file to read")->required();
   command.add_option("OUT", options.output, "The file to write")->required();
   command

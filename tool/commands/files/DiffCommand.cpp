@@ -12,12 +12,10 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
-#include "tool/commands/coef/CellArguments.h"
-#include "tool/pictures/DifferencePicture.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
+#include "tool/pictures/DifferencePicture.h"
 
 namespace tovrdb::tool {
 namespace {
@@ -220,14 +218,14 @@ void addDiffCommand(CommandGroup& program) {
   const auto [command, options] =
       program.add("diff", "What differs between two database files", bothFiles, diffOrTrouble);
   command.footer(
-      "Exit codes of this command: 0 the same, 1 different; 2 and above are failures, as of every command.\n\n"
-      "Compared are metadata, screens, blocks (found by screen, type and rectangle), generic data and measurements;\n"
-      "not the times and the keys of rows. Without a tolerance cells differ when a bit does.\n"
-      "Numbers, tolerances and the picture are scaled where the form that is kept with the blocks says so.\n"
-      "The picture shows B - A in cool to warm colours, zero in the middle; what a tolerance lets pass is drawn as 0.\n"
-      "Cells that differ are counted below it, and framed in black.\n"
-      "Regions of more than 1280 x 800 cells are made smaller: a pixel then shows the largest difference of its "
-      "cells.");
+      R"(Exit codes of this command: 0 the same, 1 different; 2 and above are failures, as of every command.
+
+Compared are metadata, screens, blocks (found by screen, type and rectangle), generic data and measurements;
+not the times and the keys of rows. Without a tolerance cells differ when a bit does.
+Numbers, tolerances and the picture are scaled where the form that is kept with the blocks says so.
+The picture shows B - A in cool to warm colours, zero in the middle; what a tolerance lets pass is drawn as 0.
+Cells that differ are counted below it, and framed in black.
+Regions of more than 1280 x 800 cells are made smaller: a pixel then shows the largest difference of its cells.)");
   command.add_option("A", options.before, "The first database file")->required();
   command.add_option("B", options.after, "The second database file")->required();
   command.add_option("--key-file-b", options.keyFileAfter, "The key of B is this file's first line [as for A]")

@@ -8,7 +8,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 
@@ -59,9 +58,8 @@ void addExport(CommandGroup& program) {
   const auto [command, options] = program.add(
       "export", "Write the whole content as a folder of .npy blocks and a manifest", &ExportOptions::file, exportAll);
   command.footer(
-      "The folder is NOT encrypted: whoever can read it reads everything, so only its owner can unless --mode is "
-      "given.\n"
-      "`tovrdb import` makes a database file of it that is equal in every stored value.");
+      R"(The folder is NOT encrypted: whoever can read it reads everything, so only its owner can unless --mode is given.
+`tovrdb import` makes a database file of it that is equal in every stored value.)");
   addFile(command, options.file);
   command.add_option("DIR", options.folder, "The folder to make")->required();
   addDtype(command, options.dtype,

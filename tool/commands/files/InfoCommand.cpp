@@ -4,7 +4,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrdb::tool {

@@ -5,7 +5,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
 
@@ -48,10 +47,9 @@ void upgrade(Context& context, const UpgradeOptions& options) {
 void addRekey(CommandGroup& program) {
   const auto [command, options] = program.add("rekey", "Give a database file a new key", &RekeyOptions::file, rekey);
   command.footer(
-      "A whole new file is written beside the old one, compared with it, read back with the new key, and only then "
-      "put\n"
-      "in its place: at every moment the name leads to a complete file, which no other program can use meanwhile.\n"
-      "Copies made before keep the old key; a host that has the file open must open it again.");
+      R"(A whole new file is written beside the old one, compared with it, read back with the new key, and only then put
+in its place: at every moment the name leads to a complete file, which no other program can use meanwhile.
+Copies made before keep the old key; a host that has the file open must open it again.)");
   addFile(command, options.file);
   command
       .add_option("--new-key-file", options.newKeyFile,
@@ -63,8 +61,8 @@ void addUpgrade(CommandGroup& program) {
   const auto [command, options] =
       program.add("upgrade", "Rewrite a file of SQLCipher 3.x as one of 4.x", &UpgradeOptions::file, upgrade);
   command.footer(
-      "Takes an engine of 4.x (tovrdb info says which one is there). A whole new file is written beside the old one,\n"
-      "compared with it, read back, and only then put in its place. The library opens either; 3.x opens only its own.");
+      R"(Takes an engine of 4.x (tovrdb info says which one is there). A whole new file is written beside the old one,
+compared with it, read back, and only then put in its place. The library opens either; 3.x opens only its own.)");
   addFile(command, options.file);
 }
 

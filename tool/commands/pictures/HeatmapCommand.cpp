@@ -5,8 +5,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
-#include "tool/commands/coef/CellArguments.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
 #include "tool/pictures/HeatmapBuild.h"
@@ -54,15 +52,15 @@ void addHeatmapCommand(CommandGroup& program) {
       "heatmap", "Draw the numbers of cells as a PNG picture",
       [](const Options& chosen) { return chosen.question.file; }, heatmap);
   command.footer(
-      "Examples:\n"
-      "  tovrdb heatmap wall.db -o wall.png --type 1 --wall --scale 1/16384 --unit 'gain of red'\n"
-      "  tovrdb heatmap block.npy -o block.png --component 4 --range 0,16384\n\n"
-      "Without --rect, --screen and --wall the only area of the type is drawn, of several the whole wall.\n"
-      "Screens of a type-1 database that lie on one another are drawn side by side.\n"
-      "Colours are viridis. Cells beyond the range get the end's colour, and the bar's pointed end tells how far they\n"
-      "go; hatched grey means no cells. Regions of more than 1280 x 800 cells are made smaller: a pixel then shows "
-      "the\n"
-      "mean of its cells.");
+      R"(Examples:
+  tovrdb heatmap wall.db -o wall.png --type 1 --wall --scale 1/16384 --unit 'gain of red'
+  tovrdb heatmap block.npy -o block.png --component 4 --range 0,16384
+
+Without --rect, --screen and --wall the only area of the type is drawn, of several the whole wall.
+Screens of a type-1 database that lie on one another are drawn side by side.
+Colours are viridis. Cells beyond the range get the end's colour, and the bar's pointed end tells how far they
+go; hatched grey means no cells. Regions of more than 1280 x 800 cells are made smaller: a pixel then shows the
+mean of its cells.)");
   command.add_option("FILE", options.question.file, "The database file, or a .npy array")->required();
   addOutput(command, options.output);
   command.add_option("--type", options.question.type, "The coefficient type, in databases");

@@ -6,8 +6,6 @@
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
-#include "tool/commands/OpenDatabase.h"
-#include "tool/commands/coef/CellArguments.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
@@ -70,13 +68,12 @@ void addReportCommand(CommandGroup& program) {
   const auto [command, options] =
       program.add("report", "Make a page to look at: the verdict, the wall, its numbers", &Options::file, report);
   command.footer(
-      "Example:\n"
-      "  tovrdb report wall.db --against older.db --cabinet 160x180 -o wall.html\n\n"
-      "The page is one file that any browser opens, prints, and needs no network for. It holds calibration data in "
-      "the\n"
-      "clear, so only its owner may read the file unless --mode is given; keys are not in it. Blocks that cannot be "
-      "read are\n"
-      "named in it. Walls too large for a page of 25 MB are shown by blocks of cells: minimum, mean and maximum.");
+      R"(Example:
+  tovrdb report wall.db --against older.db --cabinet 160x180 -o wall.html
+
+The page is one file that any browser opens, prints, and needs no network for. It holds calibration data in the
+clear, so only its owner may read the file unless --mode is given; keys are not in it. Blocks that cannot be read are
+named in it. Walls too large for a page of 25 MB are shown by blocks of cells: minimum, mean and maximum.)");
   addFile(command, options.file);
   addOutput(command, options.output);
   CLI::Option* against =

@@ -1,4 +1,4 @@
-// The command line as plain data: the one source of the manual page and of the shells' completions.
+// The command line as plain data, and what is made from it: the manual page and the shells' completions.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -29,5 +29,13 @@ std::vector<std::string> choicesOf(const CLI::Option& option);
 
 // The program first, then every command that can be named, depth first.
 std::vector<CommandPage> commandPages(const CLI::App& app);
+
+// The manual page, section 1, with its part about JSON, in the man macros of roff (man(7)).
+std::string manualPage(const std::vector<CommandPage>& pages, const std::string& jsonManual);
+
+// Scripts that complete the command line.
+std::string bashCompletion(const std::vector<CommandPage>& pages);
+std::string zshCompletion(const std::vector<CommandPage>& pages);
+std::string fishCompletion(const std::vector<CommandPage>& pages);
 
 }  // namespace tovrdb::tool
