@@ -62,12 +62,11 @@ struct Picture {
   std::string title;
 };
 
-void addCells(GatheredNumbers& numbers, const Rect& rect, const CellBlock& cells, const NumberForm& form,
-              std::size_t component) {
-  requireComponent(cells.cellBytes, form.dtype, component);
-  numbers.add(rect, [&](const CellRun& run, double* row) {
-    readRow(cells, form, component, {run.left, run.y, run.right, run.y}, run.y, row);
-  });
+std::vector<double> numbersOf(const CellBlock& cells, const NumberForm& form, std::size_t component,
+                              const CellRun& run) {
+  std::vector<double> numbers(static_cast<std::size_t>(run.right - run.left) + 1);
+  readRow(cells, form, component, {run.left, run.y, run.right, run.y}, run.y, numbers.data());
+  return numbers;
 }
 
 std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
@@ -108,7 +107,11 @@ Picture fromArray(const Options& options) {
   requirePanels(picture.plan);
   for (const std::size_t component : components) {
     picture.panels.push_back({"", component, GatheredNumbers(region, Merge::kMean, picture.plan.limits()), {}});
-    addCells(picture.panels.back().numbers, region, cells, form, component);
+    requireComponent(cells.cellBytes, form.dtype, component);
+    for (std::int32_t y = region.top; y <= region.bottom; ++y) {
+      const CellRun row{y, region.left, region.right};
+      picture.panels.back().numbers.add(row, numbersOf(cells, form, component, row));
+    }
     describe(form, picture.panels.back());
   }
   return picture;
@@ -188,27 +191,23 @@ std::optional<CellBlock> readIfSound(Session& session, const StoredArea& area, c
   }
 }
 
-// Each area is read once for all panels, unless earlier ones hide it. Whether areas overlap.
+// Reads each area that shows once for all panels; cells of unreadable ones are not numbers. Whether areas overlap.
 bool gather(Session& session, const std::vector<StoredArea>& areas, const NumberForm& form,
             const std::vector<PanelNumbers*>& panels) {
-  const GatheredNumbers& first = panels.front()->numbers;
-  bool overlap = false;
-  for (const StoredArea& area : areas) {
-    const Rect part = *common(area.rect, first.raster().region());
-    overlap = overlap || first.covered().meets(part);
-    if (first.covered().holds(part)) continue;
+  const auto open = [&](const StoredArea& area, const Rect& part) -> VisitRun {
     const auto cells = readIfSound(session, area, part, areas.size() == 1);
-    for (PanelNumbers* panel : panels) {
-      if (cells) {
-        addCells(panel->numbers, part, *cells, form, panel->component);
-      } else {
-        panel->numbers.add(part, [](const CellRun& run, double* row) {
-          std::fill(row, row + (run.right - run.left + 1), std::numeric_limits<double>::quiet_NaN());
-        });
-      }
+    for (const PanelNumbers* panel : panels) {
+      if (cells) requireComponent(cells->cellBytes, form.dtype, panel->component);
     }
-  }
-  return overlap;
+    return [&form, &panels, cells](const CellRun& run) {
+      const std::size_t count = static_cast<std::size_t>(run.right - run.left) + 1;
+      for (PanelNumbers* panel : panels) {
+        panel->numbers.add(run, cells ? numbersOf(*cells, form, panel->component, run)
+                                      : std::vector<double>(count, std::numeric_limits<double>::quiet_NaN()));
+      }
+    };
+  };
+  return composeAreas(areas, panels.front()->numbers.raster().region(), open).overlapping();
 }
 
 // Adds the panels of one group. Whether its areas overlap.
