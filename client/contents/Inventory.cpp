@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <map>
+#include <utility>
 
 #include "client/contents/GenericData.h"
 #include "client/contents/Measurements.h"
@@ -15,71 +16,73 @@ namespace {
 
 using Items = std::vector<Item>;
 
+Item& add(Items& items, const char* kind, std::string name) {
+  Item& item = items.emplace_back();
+  item.name = std::move(name);
+  item.place.kind = kind;
+  return item;
+}
+
 void addMetadata(Session& session, Items& items) {
   const auto record = session.host().makeRecord<tovr::DBInfo>();
   session.require(session.manager().queryData(record.get()));
-  items.push_back({"metadata",
-                   {"metadata", {}, {}, {}, {}},
-                   {{"database type", std::to_string(session.manager().getDBType())},
-                    {"name", record->dbname},
-                    {"structure version", record->datastructversion},
-                    {"software version", record->softwareversion},
-                    {"software type", record->softwaretype},
-                    {"database version", record->dbversion}},
-                   {},
-                   {}});
+  add(items, "metadata", "metadata").fields = {{"database type", std::to_string(session.manager().getDBType())},
+                                               {"name", record->dbname},
+                                               {"structure version", record->datastructversion},
+                                               {"software version", record->softwareversion},
+                                               {"software type", record->softwaretype},
+                                               {"database version", record->dbversion}};
   for (const Row& row : queryRows(session.connection(), "select dbname from Attach_DB_List order by id")) {
-    items.push_back({"attached database " + row[0], {"attached_database", {}, {}, {}, {}}, {}, {}, {}});
+    add(items, "attached_database", "attached database " + row[0]);
   }
 }
 
 void addScreens(Session& session, Items& items) {
   for (const StoredScreen& screen : storedScreens(session)) {
     requireSound(screen.rect, "screen " + screen.name);
-    items.push_back({"screen " + screen.name,
-                     {"screen", screen.name, {}, screen.rect, {}},
-                     {{"rectangle", toText(screen.rect)}},
-                     {},
-                     {}});
+    Item& item = add(items, "screen", "screen " + screen.name);
+    item.place.screen = screen.name;
+    item.place.rect = screen.rect;
+    item.fields = {{"rectangle", toText(screen.rect)}};
   }
 }
 
 void addBlocks(Session& session, Items& items) {
   for (const StoredArea& area : storedAreas(session)) {
     const auto form = keptForm(area);
-    items.push_back({fmt::format("block of {}, type {}", toText(area), area.type),
-                     {"block", area.screen, std::to_string(area.type), area.rect, {}},
-                     {{"area number", std::to_string(area.number)},
-                      {"bytes per cell", std::to_string(area.cellBytes)},
-                      {"version", splitVersion(area.version, area.cellBytes).text},
-                      {"numbers", form ? toText(*form) : ""},
-                      {"layers", area.layers},
-                      {"layer list", area.layerList}},
-                     BlobPlace{kBlockTable, area.blockId, area.storedBytes},
-                     area});
+    Item& item = add(items, "block", fmt::format("block of {}, type {}", toText(area), area.type));
+    item.place.screen = area.screen;
+    item.place.type = std::to_string(area.type);
+    item.place.rect = area.rect;
+    item.fields = {{"area number", std::to_string(area.number)},
+                   {"bytes per cell", std::to_string(area.cellBytes)},
+                   {"version", splitVersion(area.version, area.cellBytes).text},
+                   {"numbers", form ? toText(*form) : ""},
+                   {"layers", area.layers},
+                   {"layer list", area.layerList}};
+    item.blob = BlobPlace{kBlockTable, area.blockId, area.storedBytes};
+    item.area = area;
   }
 }
 
 void addData(Session& session, Items& items) {
   for (const StoredData& data : storedData(session)) {
-    items.push_back({"data of type " + data.type,
-                     {"data", {}, data.type, {}, {}},
-                     {{"screen", data.screen}, {"version", data.version}},
-                     BlobPlace{kDataTable, data.blobId, data.storedBytes},
-                     {}});
+    Item& item = add(items, "data", "data of type " + data.type);
+    item.place.type = data.type;
+    item.fields = {{"screen", data.screen}, {"version", data.version}};
+    item.blob = BlobPlace{kDataTable, data.blobId, data.storedBytes};
   }
 }
 
 // A measurement has only its key as a name: the library rejects the rows that would place it.
 void addMeasurements(Session& session, Items& items) {
   for (const StoredMeasurement& measurement : storedMeasurements(session)) {
-    items.push_back({fmt::format("measurement {}", measurement.id),
-                     {"measurement", {}, {}, {}, measurement.id},
-                     {{"version", measurement.version},
-                      {"type", measurement.type},
-                      {"rectangle", measurement.rect ? toText(*measurement.rect) : ""}},
-                     BlobPlace{kMeasurementTable, measurement.id, measurement.storedBytes},
-                     {}});
+    Item& item = add(items, "measurement", fmt::format("measurement {}", measurement.id));
+    item.place.id = measurement.id;
+    item.fields = {{"version", measurement.version},
+                   {"type", measurement.type},
+                   {"rectangle", measurement.rect ? toText(*measurement.rect) : ""}};
+    item.blob = BlobPlace{kMeasurementTable, measurement.id, measurement.storedBytes};
   }
 }
 

@@ -84,18 +84,6 @@ TEST(RasterTest, APixelShowsTheMeanOrTheNumberFarthestFromZero) {
   EXPECT_FALSE(means.has(2, 0));
 }
 
-TEST(GatheredNumbersTest, WhatWasAddedFirstCounts) {
-  GatheredNumbers numbers({0, 0, 3, 1}, Merge::kMean);
-  const auto all = [](double value) {
-    return [value](const CellRun& run, double* row) { std::fill(row, row + (run.right - run.left + 1), value); };
-  };
-  numbers.add({0, 0, 1, 1}, all(1));
-  numbers.add({1, 0, 2, 1}, all(7));
-  EXPECT_EQ(numbers.values().size(), 6U);
-  EXPECT_EQ(numbers.raster().at(1 * 48, 0), 1);
-  EXPECT_EQ(numbers.raster().at(2 * 48, 0), 7);
-}
-
 using Surface = std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)>;
 
 long countPixels(const Surface& surface, const Colour& colour) {
@@ -129,7 +117,8 @@ long countPixels(const std::vector<unsigned char>& png, const Colour& colour) {
 std::vector<unsigned char> drawZeros(const Rect& region, const std::vector<CellPair>& mark,
                                      const std::vector<Outline>& outlines) {
   GatheredNumbers numbers(region, Merge::kFarthestFromZero);
-  numbers.add(region, [](const CellRun& run, double* row) { std::fill(row, row + (run.right - run.left + 1), 0.0); });
+  const std::vector<double> zeros(static_cast<std::size_t>(columnsOf(region)));
+  for (std::int32_t y = region.top; y <= region.bottom; ++y) numbers.add({y, region.left, region.right}, zeros);
   for (const CellPair& cell : mark) numbers.mark(cell.x, cell.y);
   Heatmap heatmap;
   heatmap.palette = Palette::kDiverging;

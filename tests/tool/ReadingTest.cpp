@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "client/reading/AreaLookup.h"
+#include "client/reading/Mosaic.h"
 #include "storage/StatusCodes.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
@@ -122,6 +123,28 @@ TEST(StoredAreaTest, FaultOfWidthsAndSizes) {
   }
   area.rect = {0, 9, 9, 0};
   EXPECT_EQ(faultOf(area), "no cells can lie in its rectangle 0,9,9,0");
+}
+
+TEST(CompositionTest, FirstRectangleShows) {
+  tovrdb::Composition composition({0, 0, 3, 1});
+  std::vector<int> shown(8);
+  const auto add = [&](const tovrdb::Rect& rect, int value) {
+    composition.add(rect, [&shown, value](const tovrdb::Rect&) {
+      return [&shown, value](const tovrdb::CellRun& run) {
+        for (int x = run.left; x <= run.right; ++x) shown[static_cast<std::size_t>(run.y * 4 + x)] = value;
+      };
+    });
+  };
+  add({0, 0, 1, 1}, 1);
+  EXPECT_FALSE(composition.overlapping());
+  add({1, 0, 2, 1}, 7);
+  add({0, 0, 1, 0}, 9);  // hidden
+  EXPECT_EQ(shown, (std::vector<int>{1, 1, 7, 0, 1, 1, 7, 0}));
+  EXPECT_TRUE(composition.overlapping());
+  EXPECT_FALSE(composition.complete());
+  add({3, -1, 9, 9}, 5);
+  EXPECT_EQ(shown, (std::vector<int>{1, 1, 7, 5, 1, 1, 7, 5}));
+  EXPECT_TRUE(composition.complete());
 }
 
 TEST(AreaLookupTest, NoAnswer_SaysWhatThereIs) {

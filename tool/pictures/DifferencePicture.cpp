@@ -98,6 +98,7 @@ void DifferencePicture::addPanels(const std::string& screen, const std::vector<S
     panels_.back().heatmap.outlines = outlines;
   }
   differing_.resize(panels_.size());
+  compositions_.emplace(screen, Composition(region));
 }
 
 void DifferencePicture::add(const StoredArea& area, const CellBlock& before, const CellBlock& after,
@@ -105,15 +106,21 @@ void DifferencePicture::add(const StoredArea& area, const CellBlock& before, con
   if (!isDrawn(area)) return;
   if (before.bytes != nullptr && !form) refuseUnknownNumbers(area);
   if (form) form_ = *form;
-  for (std::size_t i = 0; i < panels_.size(); ++i) {
-    PanelNumbers& panel = panels_[i];
-    if (apart_ && panel.screen != area.screen) continue;
-    if (form) requireComponent(area.cellBytes, form->dtype, panel.component);
-    panel.numbers.add(area.rect, [&](const CellRun& run, double* row) {
-      std::fill(row, row + (run.right - run.left + 1), 0.0);
-      if (before.bytes != nullptr) addRow(panel, differing_[i], before, after, *form, run, row);
-    });
+  const std::string& screen = apart_ ? area.screen : panels_.front().screen;
+  for (const PanelNumbers& panel : panels_) {
+    if (form && panel.screen == screen) requireComponent(area.cellBytes, form->dtype, panel.component);
   }
+  const auto composition = compositions_.find(screen);
+  if (composition == compositions_.end()) return;
+  const auto addRun = [&](const CellRun& run) {
+    for (std::size_t i = 0; i < panels_.size(); ++i) {
+      if (panels_[i].screen != screen) continue;
+      std::vector<double> row(static_cast<std::size_t>(run.right - run.left) + 1);
+      if (before.bytes != nullptr) addRow(panels_[i], differing_[i], before, after, *form, run, row.data());
+      panels_[i].numbers.add(run, row);
+    }
+  };
+  composition->second.add(area.rect, [&](const Rect&) { return addRun; });
 }
 
 void DifferencePicture::addRow(PanelNumbers& panel, std::int64_t& differing, const CellBlock& before,

@@ -18,14 +18,10 @@ NumberRange extremesOf(const std::vector<double>& values) {
 
 }  // namespace
 
-void GatheredNumbers::add(const Rect& rect, const ReadRun& readRun) {
-  covered_.add(rect, [&](const CellRun& run) {
-    std::vector<double> numbers(static_cast<std::size_t>(run.right - run.left) + 1);
-    readRun(run, numbers.data());
-    raster_.addRow(run.left, run.y, numbers);
-    std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(values_),
-                 [](double number) { return std::isfinite(number); });
-  });
+void GatheredNumbers::add(const CellRun& run, const std::vector<double>& numbers) {
+  raster_.addRow(run.left, run.y, numbers);
+  std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(values_),
+               [](double number) { return std::isfinite(number); });
 }
 
 NumberRange GatheredNumbers::extremes() const { return extremesOf(values_); }

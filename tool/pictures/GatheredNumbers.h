@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -24,13 +23,8 @@ class GatheredNumbers {
  public:
   GatheredNumbers(const Rect& region, Merge merge, const PixelLimits& limits = {}) : raster_(region, merge, limits) {}
 
-  // Fills the numbers of a run's cells.
-  using ReadRun = std::function<void(const CellRun& run, double* numbers)>;
-
-  // What was added: rectangles may overlap, and the first one counts.
-  const CoveredCells& covered() const { return covered_; }
-  // The cells of a rectangle that lie in no earlier one. REQUIRES: the region holds it.
-  void add(const Rect& rect, const ReadRun& readRun);
+  // Adds the numbers of one run of cells. REQUIRES: the region holds the run, and no earlier run has cells of it.
+  void add(const CellRun& run, const std::vector<double>& numbers);
   void mark(std::int32_t x, std::int32_t y) { raster_.mark(x, y); }
 
   const Raster& raster() const { return raster_; }
@@ -39,7 +33,6 @@ class GatheredNumbers {
 
  private:
   Raster raster_;
-  CoveredCells covered_;
   std::vector<double> values_;
 };
 

@@ -46,7 +46,7 @@ class Builder {
  private:
   std::vector<std::size_t> componentsOf(std::int32_t cellBytes) const;
   void addPanel(const std::string& screen, std::size_t component, const Rect& region, std::vector<Outline> outlines);
-  void addCells(PanelNumbers& panel, const Rect& rect, const CellBlock& cells) const;
+  std::vector<double> numbersOf(const CellBlock& cells, std::size_t component, const CellRun& run) const;
   Rect regionOf(const std::vector<StoredScreen>& screens, const std::vector<StoredArea>& areas) const;
   std::vector<Outline> outlinesOf(const Rect& region, const Group& group, const std::vector<StoredArea>& areas) const;
   std::vector<StoredArea> drawableAreas(std::vector<StoredArea> areas);
@@ -82,11 +82,10 @@ void Builder::addPanel(const std::string& screen, std::size_t component, const R
   panel.heatmap.outlines = std::move(outlines);
 }
 
-void Builder::addCells(PanelNumbers& panel, const Rect& rect, const CellBlock& cells) const {
-  requireComponent(cells.cellBytes, form_.dtype, panel.component);
-  panel.numbers.add(rect, [&](const CellRun& run, double* row) {
-    readRow(cells, form_, panel.component, {run.left, run.y, run.right, run.y}, run.y, row);
-  });
+std::vector<double> Builder::numbersOf(const CellBlock& cells, std::size_t component, const CellRun& run) const {
+  std::vector<double> numbers(static_cast<std::size_t>(run.right - run.left) + 1);
+  readRow(cells, form_, component, {run.left, run.y, run.right, run.y}, run.y, numbers.data());
+  return numbers;
 }
 
 HeatmapAnswer Builder::fromArray() {
@@ -102,7 +101,11 @@ HeatmapAnswer Builder::fromArray() {
   requirePanels(plan_);
   for (const std::size_t component : components) {
     addPanel("", component, region, {});
-    addCells(panels_.back(), region, cells);
+    requireComponent(cells.cellBytes, form_.dtype, component);
+    for (std::int32_t y = region.top; y <= region.bottom; ++y) {
+      const CellRun row{y, region.left, region.right};
+      panels_.back().numbers.add(row, numbersOf(cells, component, row));
+    }
   }
   return finish("");
 }
@@ -173,24 +176,23 @@ std::optional<CellBlock> Builder::readIfSound(Session& session, const StoredArea
   }
 }
 
-// Reads each area once for all panels from `firstPanel` on, unless earlier areas hide it.
+// Reads each area that shows once, for all panels from `firstPanel` on; cells of unreadable ones are not numbers.
 void Builder::gather(Session& session, const std::vector<StoredArea>& areas, std::size_t firstPanel) {
-  const GatheredNumbers& first = panels_[firstPanel].numbers;
-  for (const StoredArea& area : areas) {
-    const Rect part = *common(area.rect, first.raster().region());
-    overlap_ = overlap_ || first.covered().meets(part);
-    if (first.covered().holds(part)) continue;
+  const auto open = [&](const StoredArea& area, const Rect& part) -> VisitRun {
     const auto cells = readIfSound(session, area, part, areas.size() == 1);
-    for (std::size_t i = firstPanel; i < panels_.size(); ++i) {
-      if (cells) {
-        addCells(panels_[i], part, *cells);
-      } else {
-        panels_[i].numbers.add(part, [](const CellRun& run, double* row) {
-          std::fill(row, row + (run.right - run.left + 1), std::numeric_limits<double>::quiet_NaN());
-        });
-      }
+    for (std::size_t i = firstPanel; cells && i < panels_.size(); ++i) {
+      requireComponent(cells->cellBytes, form_.dtype, panels_[i].component);
     }
-  }
+    return [this, firstPanel, cells](const CellRun& run) {
+      const std::size_t count = static_cast<std::size_t>(run.right - run.left) + 1;
+      for (std::size_t i = firstPanel; i < panels_.size(); ++i) {
+        panels_[i].numbers.add(run, cells ? numbersOf(*cells, panels_[i].component, run)
+                                          : std::vector<double>(count, std::numeric_limits<double>::quiet_NaN()));
+      }
+    };
+  };
+  const Rect region = panels_[firstPanel].numbers.raster().region();
+  overlap_ = composeAreas(areas, region, open).overlapping() || overlap_;
 }
 
 void Builder::drawGroup(Session& session, const Group& group) {
