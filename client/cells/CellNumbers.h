@@ -1,7 +1,9 @@
-// The bytes of cells as numbers.
+// The bytes of cells as numbers: in memory, and as comma-separated text for a spreadsheet.
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "client/cells/CellBlock.h"
@@ -25,5 +27,10 @@ void requireComponent(std::int32_t cellBytes, NumberType dtype, std::size_t comp
 // `part` and `y`.
 void readRow(const CellBlock& block, const NumberForm& form, std::size_t component, const Rect& part, std::int32_t y,
              double* numbers);
+
+// A heading, then a line per cell: its column and row on the screen, and its values, scaled. Hands the text to `write`
+// a row of cells at a time. Numbers are exact; whole numbers of 64 bits do not fit and throw Error, as does a cell
+// that is not a whole number of values.
+void writeCsv(const CellBlock& block, const NumberForm& form, const std::function<void(const std::string&)>& write);
 
 }  // namespace tovrdb

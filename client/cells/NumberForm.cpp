@@ -9,7 +9,6 @@
 #include <system_error>
 
 #include "client/base/Text.h"
-#include "client/cells/NumberText.h"
 
 namespace tovrdb {
 namespace {
@@ -18,6 +17,9 @@ constexpr std::size_t kLongestVersion = 60;  // characters, as the column is dec
 constexpr char kTimes[] = " x ";
 constexpr char kScale[] = ", scale ";
 constexpr char kUnit[] = ", unit ";
+
+constexpr int kMostDecimals = 15;
+constexpr double kPlainBelow = 1e15;  // larger numbers are written as powers of ten
 
 // All of the text as a finite number above 0; 0 where it is none.
 double positiveNumber(const std::string& text) {
@@ -149,6 +151,18 @@ std::string joinVersion(const std::string& text, const std::optional<NumberForm>
       fmt::format("a block keeps {} characters of text: the version text has {}, and the form of the numbers beside it "
                   "{}; shorten the text or the unit",
                   kLongestVersion, ofText, ofForm));
+}
+
+std::string numberText(double value) { return fmt::format("{}", value); }
+
+std::string numberText(double value, double step) {
+  if (!(step > 0) || !std::isfinite(step) || std::abs(value) >= kPlainBelow) return numberText(value);
+  const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(step))));
+  if (decimals > kMostDecimals) return numberText(value);
+  std::string text = fmt::format("{:.{}f}", value, decimals);
+  if (decimals > 0) text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == '.') text.pop_back();
+  return text == "-0" ? "0" : text;
 }
 
 }  // namespace tovrdb

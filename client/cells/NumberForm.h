@@ -78,4 +78,10 @@ VersionText splitVersion(const std::string& version, std::int32_t cellBytes);
 // than the column's 60 characters. REQUIRES: a cell is a whole number of the form's values.
 std::string joinVersion(const std::string& text, const std::optional<NumberForm>& form, std::int32_t cellBytes);
 
+// The fewest digits that read back as the same number: 16777216, 0.1, 1e+20.
+std::string numberText(double value);
+
+// As many decimals as a difference of `step` takes, without zeros at their end; all digits where `step` is not above 0.
+std::string numberText(double value, double step);
+
 }  // namespace tovrdb

@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "client/base/Error.h"
-#include "client/cells/CellCsv.h"
 #include "client/cells/CellNumbers.h"
-#include "client/cells/Overlaps.h"
+#include "client/cells/CoveredCells.h"
 #include "client/statistics/BlockDifference.h"
 #include "client/statistics/Statistics.h"
 #include "tests/tool/NpyText.h"

@@ -9,7 +9,6 @@
 
 #include "client/cells/CoveredCells.h"
 #include "client/cells/NumberForm.h"
-#include "client/cells/NumberText.h"
 #include "client/statistics/CabinetReport.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <limits>
 #include <set>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 
 namespace tovrdb::tool {
 namespace {

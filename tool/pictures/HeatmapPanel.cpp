@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "tool/pictures/AxisTicks.h"
 
 namespace tovrdb::tool {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/cells/Rect.h"
 #include "tool/pictures/ColourMap.h"
 #include "tool/pictures/Raster.h"

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "tool/io/Message.h"
 #include "tool/report/WallMap.h"
 

@@ -10,7 +10,7 @@
 #include <numeric>
 #include <utility>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "tool/report/BlockReduction.h"
 #include "tool/report/Levels.h"
 

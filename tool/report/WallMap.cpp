@@ -6,7 +6,7 @@
 #include <map>
 #include <set>
 
-#include "client/cells/Overlaps.h"
+#include "client/cells/CoveredCells.h"
 #include "tool/report/ReportHtml.h"
 
 namespace tovrdb::tool {

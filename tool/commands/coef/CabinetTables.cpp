@@ -6,7 +6,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/checks/JsonForms.h"
 #include "tool/io/TextTable.h"
 

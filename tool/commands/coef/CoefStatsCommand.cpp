@@ -6,7 +6,7 @@
 #include "client/base/Error.h"
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellNumbers.h"
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/checks/JsonForms.h"
 #include "client/reading/NumberForms.h"
 #include "client/statistics/CabinetReport.h"

@@ -6,12 +6,12 @@
 #include "client/base/Error.h"
 #include "client/base/Text.h"
 #include "client/cells/NpyFile.h"
-#include "client/statistics/WallModel.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
+#include "tool/sample/WallModel.h"
 
 namespace tovrdb::tool {
 namespace {

@@ -8,7 +8,7 @@
 #include <array>
 #include <cstdint>
 
-namespace tovrdb {
+namespace tovrdb::tool {
 
 struct WallParameters {
   std::int32_t columns = 1920;
@@ -44,4 +44,4 @@ class WallModel {
   Eigen::Matrix3d target_;   // columns: XYZ of the target's red, green and blue
 };
 
-}  // namespace tovrdb
+}  // namespace tovrdb::tool

@@ -1,10 +1,10 @@
-#include "client/statistics/WallModel.h"
+#include "tool/sample/WallModel.h"
 
 #include <Eigen/LU>
 #include <algorithm>
 #include <cmath>
 
-namespace tovrdb {
+namespace tovrdb::tool {
 namespace {
 
 using Chromaticity = Eigen::Vector2d;  // CIE 1931 x, y
@@ -174,4 +174,4 @@ double WallModel::cameraGain(std::int32_t x, std::int32_t y) const {
   return 1.0 - kVignettingLeft * (1.0 - cosineSquared * cosineSquared);
 }
 
-}  // namespace tovrdb
+}  // namespace tovrdb::tool
