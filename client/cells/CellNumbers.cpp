@@ -16,7 +16,7 @@
 namespace tovrdb {
 namespace {
 
-// Numbers lie anywhere in the bytes, so they are copied out.
+// Copies the numbers, since they may be unaligned.
 template <class Number>
 void readAs(const unsigned char* at, std::size_t stride, std::size_t count, double* numbers) {
   for (std::size_t i = 0; i < count; ++i, at += stride) {

@@ -16,7 +16,7 @@ auto firstFrom(Runs& runs, std::int64_t column) {
   return run;
 }
 
-// Counts of column indices, of which one can ask how many are below a bound.
+// A multiset of column indices that counts those below a bound.
 class ColumnCounts {
  public:
   explicit ColumnCounts(std::vector<std::int32_t> columns) : columns_(std::move(columns)) {
@@ -58,7 +58,7 @@ class Sweep {
         rights_(edgesOf(rects, &Rect::right)) {}
 
   Overlaps run() {
-    // In every row rectangles that end above it are closed before those that begin in it are opened.
+    // In every row, rectangles that ended in the row above are closed before those that begin here are opened.
     std::vector<std::tuple<std::int64_t, bool, std::size_t>> events;
     for (std::size_t i = 0; i < rects_.size(); ++i) {
       if (!isSound(rects_[i])) continue;
@@ -86,7 +86,7 @@ class Sweep {
 
   void meet(std::size_t index) {
     const Rect& rect = rects_[index];
-    // Those that do not begin right of it, less those that end left of it.
+    // Those that do not begin to its right, less those that end to its left.
     const std::int64_t pairs = lefts_.countBelow(std::int64_t{rect.right} + 1) - rights_.countBelow(rect.left);
     found_.pairs += static_cast<std::uint64_t>(pairs);
     if (pairs > 0 && found_.named.size() < mostNamed_) name(index);
@@ -154,7 +154,7 @@ void CoveredCells::visitGaps(const Runs& runs, const CellRun& row, const std::fu
   if (next <= row.right) visit({row.y, static_cast<std::int32_t>(next), row.right});
 }
 
-// One run takes the place of all that it meets or adjoins.
+// One run replaces all runs that it meets or adjoins.
 void CoveredCells::cover(Runs& runs, const CellRun& row) {
   CellRun whole = row;
   auto run = firstFrom(runs, std::int64_t{row.left} - 1);

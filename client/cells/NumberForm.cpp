@@ -21,7 +21,7 @@ constexpr char kUnit[] = ", unit ";
 constexpr int kMostDecimals = 15;
 constexpr double kPlainBelow = 1e15;  // larger numbers are written as powers of ten
 
-// All of the text as a finite number above 0; 0 where it is none.
+// The whole text as a finite number above 0, or 0 if it is not one.
 double positiveNumber(const std::string& text) {
   double number = 0;
   const char* const end = text.data() + text.size();
@@ -29,7 +29,7 @@ double positiveNumber(const std::string& text) {
   return parsed.ec == std::errc() && parsed.ptr == end && std::isfinite(number) && number > 0 ? number : 0;
 }
 
-// Cuts what follows the last `mark` off the text; empty where there is no such mark.
+// Cuts the text at the last `mark` and returns what followed it; empty if there is no mark.
 std::string cutAfter(std::string& text, const std::string& mark) {
   const std::size_t at = text.rfind(mark);
   if (at == std::string::npos) return {};
@@ -43,7 +43,7 @@ struct CountedForm {
   std::size_t values = 0;
 };
 
-// The inside of the brackets. Throws std::invalid_argument where that is none of ours.
+// Parses the bracket contents; throws std::invalid_argument if they are not in our format.
 CountedForm parseForm(std::string text) {
   CountedForm counted;
   const std::string unit = cutAfter(text, kUnit);

@@ -14,10 +14,10 @@ namespace tovrdb::tool {
 
 using NumberRange = std::pair<double, double>;
 
-// What colours are to span, never empty, of finite numbers.
-// The values at two percents, or all values where those are equal.
+// Ranges of colours: finite and never empty.
+// From one percentile to another, or from minimum to maximum if those percentiles are equal.
 NumberRange percentileRange(std::vector<double> values, const NumberRange& percents);
-// Zero in its middle: as far as the given share of the numbers other than zero goes.
+// Symmetric about zero: reaches the given percentile of the sizes of the numbers other than zero.
 NumberRange balancedRange(const std::vector<double>& values, double percent);
 
 class GatheredNumbers {
@@ -27,15 +27,15 @@ class GatheredNumbers {
   // Fills the numbers of a run's cells.
   using ReadRun = std::function<void(const CellRun& run, double* numbers)>;
 
-  // What was added: rectangles may overlap, and the first one counts.
+  // The rectangles that were added. They may overlap; the first one counts.
   const CoveredCells& covered() const { return covered_; }
-  // The cells of a rectangle that lie in no earlier one. REQUIRES: the region holds it.
+  // Adds the cells of a rectangle that lie in no earlier one. REQUIRES: the region holds the rectangle.
   void add(const Rect& rect, const ReadRun& readRun);
   void mark(std::int32_t x, std::int32_t y) { raster_.mark(x, y); }
 
   const Raster& raster() const { return raster_; }
   const std::vector<double>& values() const { return values_; }  // the finite ones
-  NumberRange extremes() const;                                  // 0, 0 without any
+  NumberRange extremes() const;                                  // 0, 0 if there are none
 
  private:
   Raster raster_;

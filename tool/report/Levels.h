@@ -1,11 +1,25 @@
-// Numbers as levels of 8 or 16 bits, in text: what a page keeps of a picture.
+// What a page keeps of a picture: large grids of numbers made smaller, and numbers as levels of 8 or 16 bits, in text.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace tovrdb::tool {
+
+struct ReducedNumbers {
+  std::int64_t columns = 0;  // of blocks
+  std::int64_t rows = 0;
+  std::vector<double> least;  // row after row; NaN where a block has no finite number
+  std::vector<double> mean;
+  std::vector<double> most;
+};
+
+// `block` cells a side; blocks at the right and the lower edge may be cut short.
+// REQUIRES: columns x rows numbers, row after row; block >= 1.
+ReducedNumbers reduceBlocks(const std::vector<double>& numbers, std::int64_t columns, std::int64_t rows,
+                            std::int64_t block);
 
 // Number i is offset + step * level i. Levels are little-endian, row after row.
 struct Levels {

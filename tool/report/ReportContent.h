@@ -1,4 +1,4 @@
-// Everything that a report says, before it becomes a page.
+// Everything that a report says, gathered from the files, before it becomes a page.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 
 #include "client/base/Json.h"
 #include "client/checks/Check.h"
+#include "client/checks/FileDifference.h"
 #include "client/checks/FileFacts.h"
 #include "tool/report/ReportCells.h"
 #include "tool/report/ReportDifference.h"
@@ -35,5 +36,16 @@ struct ReportContent {
   std::optional<CellPair> cabinet;
   std::int64_t block = 1;  // cells of a side that the pictures show as one
 };
+
+struct ReportQuestion {
+  FileAndKey file;
+  std::optional<FileAndKey> against;  // the older one
+  FormOptions form;
+  std::optional<CellPair> cabinet;
+};
+
+// Reads every byte of the file. Damage is told in the content; throws Error where the file does not open at all,
+// where the older one cannot be compared with it, and for cabinets that are too many.
+ReportContent buildReport(const Access& access, const ReportQuestion& question);
 
 }  // namespace tovrdb::tool

@@ -1,12 +1,10 @@
-#include "tool/report/ReportHtml.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
 
 #include "client/cells/NumberForm.h"
 #include "tool/io/Message.h"
-#include "tool/report/WallMap.h"
+#include "tool/report/ReportPage.h"
 
 namespace tovrdb::tool {
 namespace {

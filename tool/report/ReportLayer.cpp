@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "client/cells/NumberForm.h"
-#include "tool/report/BlockReduction.h"
 #include "tool/report/Levels.h"
 
 namespace tovrdb::tool {

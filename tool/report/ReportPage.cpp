@@ -4,7 +4,6 @@
 
 #include "client/checks/JsonForms.h"
 #include "tool/report/PageTemplate.h"
-#include "tool/report/ReportHtml.h"
 
 namespace tovrdb::tool {
 namespace {

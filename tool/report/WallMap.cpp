@@ -1,5 +1,3 @@
-#include "tool/report/WallMap.h"
-
 #include <fmt/core.h>
 
 #include <algorithm>
@@ -7,7 +5,7 @@
 #include <set>
 
 #include "client/cells/CoveredCells.h"
-#include "tool/report/ReportHtml.h"
+#include "tool/report/ReportPage.h"
 
 namespace tovrdb::tool {
 namespace {

@@ -1,4 +1,4 @@
-#include "tool/report/ReportBuild.h"
+#include "tool/report/ReportContent.h"
 
 #include <fmt/chrono.h>
 #include <fmt/core.h>
