@@ -10,7 +10,7 @@ namespace {
 
 constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz!#$%&()*+-;,=>?@^_`{|}~";
 
-constexpr double kLargest = 1e300;  // so that nothing overflows when levels are read
+constexpr double kLargest = 1e300;  // so that decoding levels does not overflow
 
 double bounded(double number) { return std::clamp(number, -kLargest, kLargest); }
 
@@ -32,7 +32,7 @@ Span spanOf(const std::vector<double>& numbers) {
     span.most = std::max(span.most, bounded(number));
     span.whole = span.whole && number == std::floor(number);
   }
-  if (span.least > span.most) span.least = span.most = 0;  // no number at all
+  if (span.least > span.most) span.least = span.most = 0;  // nothing is finite
   return span;
 }
 

@@ -15,18 +15,18 @@
 
 namespace tovrdb::tool {
 
-// The data of one set, and what its text says beside it.
+// The data of one set, and the text beside it.
 struct ReportSet {
   CellSet set;
-  Json values;      // a layer; null where no block of it could be read
-  Json difference;  // null without an older file, and where nothing changed
+  Json values;      // a layer; null if no block of it could be read
+  Json difference;  // null without an older file, or if nothing changed
   std::int64_t changedCells = 0;
 };
 
 struct ReportContent {
   std::string file;
-  std::string against;       // the older file; empty: none
-  std::string againstFault;  // why there is no comparison with it; empty: there is
+  std::string against;       // the older file; empty if there is none
+  std::string againstFault;  // why the two cannot be compared; empty if they were
   std::string made;          // when
   FileFacts facts;
   std::vector<Verdict> verdicts;
@@ -34,7 +34,7 @@ struct ReportContent {
   std::vector<ReportSet> sets;
   std::vector<Difference> differences;
   std::optional<CellPair> cabinet;
-  std::int64_t block = 1;  // cells of a side that the pictures show as one
+  std::int64_t block = 1;  // the pictures show block x block cells as one
 };
 
 struct ReportQuestion {
@@ -44,8 +44,8 @@ struct ReportQuestion {
   std::optional<CellPair> cabinet;
 };
 
-// Reads every byte of the file. Damage is told in the content; throws Error where the file does not open at all,
-// where the older one cannot be compared with it, and for cabinets that are too many.
+// Reads every byte of the file. The content describes damage; throws Error if the file cannot be opened, if the older
+// one cannot be compared for a reason other than damage, or if there would be too many cabinets.
 ReportContent buildReport(const Access& access, const ReportQuestion& question);
 
 }  // namespace tovrdb::tool

@@ -1,4 +1,4 @@
-// A report as one page that needs nothing else, and the parts of it that are there without scripts.
+// A report as one self-contained page, and the parts of it that work without scripts.
 #pragma once
 
 #include <string>

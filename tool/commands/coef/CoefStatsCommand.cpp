@@ -70,7 +70,7 @@ NumberGrid numbersOf(const Subject& subject, std::size_t component) {
 
 Component describe(const Subject& subject, const Options& options, std::size_t index) {
   const std::vector<double> values = numbersOf(subject, index).values;
-  Component component{index, summarize(values), {}, standOut(values, options.limit, kMostOutliers)};
+  Component component{index, summarize(values), {}, findOutliers(values, options.limit, kMostOutliers)};
   if (component.summary.count > 0) {
     component.bins =
         histogram(values, component.summary.percentiles.front(), component.summary.percentiles.back(), kBins);
@@ -91,13 +91,13 @@ std::string summaryTable(const std::vector<Component>& components, const NumberF
     if (summary.count == 0) {
       row.resize(columns.size() - 2, "-");
     } else {
-      row.push_back(form.text(summary.least));
+      row.push_back(form.text(summary.minimum));
       for (const double value : summary.percentiles) row.push_back(component.text(value));
-      row.push_back(form.text(summary.most));
+      row.push_back(form.text(summary.maximum));
       row.push_back(component.text(summary.mean));
       row.push_back(component.text(summary.deviation));
     }
-    row.push_back(std::to_string(summary.others));
+    row.push_back(std::to_string(summary.notFinite));
     row.push_back(std::to_string(component.outliers.count));
   }
   return textTable(columns, rows);
@@ -117,9 +117,9 @@ std::string histogramText(const Component& component, const NumberForm& form) {
   const auto add = [&](const std::string& low, const std::string& high, std::size_t count) {
     rows.push_back({low, high, std::to_string(count), bar(count, most)});
   };
-  if (bins.below > 0) add(form.text(component.summary.least), component.text(bins.bins.front().low), bins.below);
+  if (bins.below > 0) add(form.text(component.summary.minimum), component.text(bins.bins.front().low), bins.below);
   for (const Bin& bin : bins.bins) add(component.text(bin.low), component.text(bin.high), bin.count);
-  if (bins.above > 0) add(component.text(bins.bins.back().high), form.text(component.summary.most), bins.above);
+  if (bins.above > 0) add(component.text(bins.bins.back().high), form.text(component.summary.maximum), bins.above);
   return fmt::format("\ncomponent {}\n{}", component.index,
                      textTable({{"from", true}, {"to", true}, {"cells", true}, {""}}, rows));
 }
@@ -128,7 +128,7 @@ std::string outlierText(const Subject& subject, const std::vector<Component>& co
   const NumberGrid places{subject.rect(), {}};
   TextRows rows;
   for (const Component& component : components) {
-    for (const Outlier& outlier : component.outliers.strongest) {
+    for (const Outlier& outlier : component.outliers.farthest) {
       const CellPair cell = places.cell(outlier.index);
       rows.push_back({std::to_string(component.index), std::to_string(cell.x), std::to_string(cell.y),
                       subject.form.text(outlier.value), component.text(component.outliers.median),
@@ -164,10 +164,10 @@ std::string asText(const Subject& subject, const std::vector<Component>& compone
 
 Json jsonOf(const Component& component, const Rect& rect) {
   const Summary& summary = component.summary;
-  Json json{{"component", component.index}, {"count", summary.count}, {"not_finite", summary.others}};
+  Json json{{"component", component.index}, {"count", summary.count}, {"not_finite", summary.notFinite}};
   if (summary.count == 0) return json;
-  json.update({{"minimum", summary.least},
-               {"maximum", summary.most},
+  json.update({{"minimum", summary.minimum},
+               {"maximum", summary.maximum},
                {"mean", summary.mean},
                {"standard_deviation", summary.deviation}});
   for (std::size_t i = 0; i < kPercents.size(); ++i) {
@@ -179,7 +179,7 @@ Json jsonOf(const Component& component, const Rect& rect) {
                                        {"spread", component.outliers.spread},
                                        {"count", component.outliers.count},
                                        {"strongest", Json::array()}};
-  for (const Outlier& outlier : component.outliers.strongest) {
+  for (const Outlier& outlier : component.outliers.farthest) {
     const CellPair cell = NumberGrid{rect, {}}.cell(outlier.index);
     outliers["strongest"].push_back(
         {{"cell", {cell.x, cell.y}}, {"value", outlier.value}, {"spreads", outlier.distance}});
