@@ -125,7 +125,8 @@ Json manifestOf(tovrdb::Session& session, const Shape& shape, Choices& choices) 
 
 Bytes payloadOf(const Shape& shape, Choices& choices) {
   if (choices.byte() >= 240) return choices.rest();
-  const std::string header = tovrdb::npyHeader({"|u1", 1}, {shape.rows, shape.columns, shape.cellBytes});
+  const std::string header =
+      tovrdb::npyHeader(tovrdb::NumberType::kUint8, {shape.rows, shape.columns, shape.cellBytes});
   Bytes file(header.begin(), header.end());
   const Bytes cells = noise(shape.rows * shape.columns * shape.cellBytes, 1);
   file.insert(file.end(), cells.begin(), cells.end());

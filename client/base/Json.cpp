@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kDeepest = 16;
-constexpr std::uintmax_t kMostBytes = std::uintmax_t{1} << 28;
+constexpr std::uintmax_t kMostJsonBytes = std::uintmax_t{1} << 28;
 constexpr std::size_t kMostMembers = 1000;       // of one object; finding one takes a look at those before it
 constexpr std::size_t kMostValues = 10'000'000;  // in all; each takes up to 100 bytes of memory
 
@@ -66,7 +66,7 @@ std::string jsonText(const Json& value) {
 
 Json readJson(const std::string& path) {
   std::error_code error;
-  if (fs::file_size(pathOf(path), error) > kMostBytes && !error) {
+  if (fs::file_size(pathOf(path), error) > kMostJsonBytes && !error) {
     throw Error(kFileProblem, "{} is too large for a manifest (256 MiB at most)", path);
   }
   const auto bytes = readWholeFile(path);

@@ -9,8 +9,6 @@
 namespace tovrdb {
 namespace {
 
-constexpr auto kMostBytes = static_cast<std::size_t>(kMostBlockBytes);
-
 Rect rectOfShape(const std::vector<std::size_t>& shape, CellPair position) {
   try {
     return rectAt(position, shape[1], shape[0]);
@@ -46,13 +44,13 @@ CellBlock blockFromArray(NpyArray array, const std::optional<Rect>& rect, const 
                 "would begin with ({3}, {2})",
                 shape, toText(cells), columnsOf(cells), rowsOf(cells));
   }
-  if (array.bytes.size() > kMostBytes) throw Error(kFileProblem, "the block is larger than 2 GiB: split it");
+  if (array.bytes.size() > kMostBlockBytes) throw Error(kFileProblem, "the block is larger than 2 GiB: split it");
   const std::size_t cellBytes = array.bytes.size() / (array.shape[0] * array.shape[1]);
   return blockOf(cells, static_cast<std::int32_t>(cellBytes), std::move(array.bytes));
 }
 
 CellBlock blockFromBytes(std::vector<unsigned char> bytes, const Rect& rect, std::int32_t cellBytes) {
-  if (bytes.size() > kMostBytes || !fills(bytes.size(), rect, cellBytes)) {
+  if (bytes.size() > kMostBlockBytes || !fills(bytes.size(), rect, cellBytes)) {
     const double needed = static_cast<double>(columnsOf(rect)) * static_cast<double>(rowsOf(rect)) * cellBytes;
     throw Error(kFileProblem, "the rectangle {} ({} x {} cells of {} bytes) needs {:.0f} bytes; the input has {}",
                 toText(rect), columnsOf(rect), rowsOf(rect), cellBytes, needed, bytes.size());

@@ -38,17 +38,17 @@ struct CellBlock {
 // REQUIRES: the bytes fill the rectangle.
 CellBlock blockOf(const Rect& rect, std::int32_t cellBytes, std::vector<unsigned char> bytes);
 
-// The array as the cells of `rect`, or of the rectangle of its own size at `position`. Throws Error when the
-// array's shape is not rows x columns (x values). REQUIRES: one of the two is given.
+// The array as the cells of `rect`, or of a rectangle of its own size at `position`. Throws Error if its shape is not
+// rows x columns (x values). REQUIRES: one of the two is given.
 CellBlock blockFromArray(NpyArray array, const std::optional<Rect>& rect, const std::optional<CellPair>& position);
 
-// The bytes as cells of `rect`. Throws Error when they are not exactly as many.
+// The bytes as cells of `rect`. Throws Error if their number is not exactly that of the cells.
 CellBlock blockFromBytes(std::vector<unsigned char> bytes, const Rect& rect, std::int32_t cellBytes);
 
-// The cells of a part. REQUIRES: the block's rectangle holds `rect`.
+// A part of the cells. REQUIRES: the block's rectangle holds `rect`.
 CellBlock cut(const CellBlock& whole, const Rect& rect);
 
-// How many values of type `dtype` a cell holds. Throws Error when it is not a whole number of them.
+// How many values of type `dtype` a cell holds. Throws Error if that is not a whole number.
 std::size_t valuesPerCell(std::int32_t cellBytes, NumberType dtype);
 
 // rows x columns x values of type `dtype`. Throws Error as valuesPerCell does.

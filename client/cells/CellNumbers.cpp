@@ -1,20 +1,22 @@
 #include "client/cells/CellNumbers.h"
 
+#include <fmt/format.h>
+
 #include <Eigen/Core>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <type_traits>
 
 #include "client/base/Error.h"
-#include "client/cells/NumberText.h"
 
 namespace tovrdb {
 namespace {
 
-// Numbers lie anywhere in the bytes, so they are copied out.
+// Copies the numbers, since they may be unaligned.
 template <class Number>
 void readAs(const unsigned char* at, std::size_t stride, std::size_t count, double* numbers) {
   for (std::size_t i = 0; i < count; ++i, at += stride) {
@@ -94,6 +96,15 @@ Codec codecOf(NumberType type) {
   return codecAs<double>();
 }
 
+// Enough digits to read the same number back: 9 for 32-bit floats and less, 17 for 64-bit ones (IEEE 754).
+int digitsOf(NumberType dtype) { return traitsOf(dtype).bytes < 8 && traitsOf(dtype).isFloating ? 9 : 17; }
+
+std::string heading(std::size_t values) {
+  std::string line = "column,row";
+  for (std::size_t i = 0; i < values; ++i) line += fmt::format(",value{}", i);
+  return line + "\n";
+}
+
 }  // namespace
 
 void readNumbers(NumberType dtype, const unsigned char* first, std::size_t stride, std::size_t count, double* numbers) {
@@ -130,6 +141,30 @@ void readRow(const CellBlock& block, const NumberForm& form, std::size_t compone
              double* numbers) {
   readNumbers(form, block.at(part.left, y) + component * traitsOf(form.dtype).bytes,
               static_cast<std::size_t>(block.cellBytes), static_cast<std::size_t>(columnsOf(part)), numbers);
+}
+
+void writeCsv(const CellBlock& block, const NumberForm& form, const std::function<void(const std::string&)>& write) {
+  const NumberType dtype = form.dtype;
+  if (traitsOf(dtype).bytes == 8 && !traitsOf(dtype).isFloating) {
+    throw Error(kInvalid, "64-bit whole numbers do not fit CSV's decimal numbers; write .npy instead");
+  }
+  const Rect& rect = block.rect;
+  const std::size_t values = valuesPerCell(block.cellBytes, dtype);
+  const int digits = form.isScaled() ? 17 : digitsOf(dtype);
+  std::vector<double> numbers(static_cast<std::size_t>(columnsOf(rect)) * values);
+  write(heading(values));
+  for (std::int64_t y = rect.top; y <= rect.bottom; ++y) {
+    readNumbers(form, block.at(rect.left, static_cast<std::int32_t>(y)), traitsOf(dtype).bytes, numbers.size(),
+                numbers.data());
+    std::string text;
+    const auto end = std::back_inserter(text);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+      if (i % values == 0) fmt::format_to(end, "{},{}", rect.left + static_cast<std::int64_t>(i / values), y);
+      fmt::format_to(end, ",{:.{}g}", numbers[i], digits);
+      if (i % values == values - 1) text += '\n';
+    }
+    write(text);
+  }
 }
 
 }  // namespace tovrdb

@@ -133,8 +133,8 @@ class HeaderParser {
   std::set<std::string> keys_;
 };
 
-// Where the header's text lies: the length before it takes two bytes in version 1 and four in versions 2 and 3, which
-// differ in the text's encoding only.
+// Where the header's text lies. Its length precedes it, in two bytes in version 1 and four in versions 2 and 3, which
+// differ only in the text's encoding.
 struct HeaderPlace {
   std::size_t offset;
   std::size_t length;
@@ -179,7 +179,7 @@ Header parseHeader(const std::string& text, const std::string& name) {
   return header;
 }
 
-// Bytes that shape and type ask for, or more than `limit` when that is exceeded.
+// The bytes that shape and type need; a number above `limit` if they exceed it.
 std::size_t bytesNeeded(const NpyArray& array, std::size_t limit) {
   if (std::find(array.shape.begin(), array.shape.end(), std::size_t{0}) != array.shape.end()) return 0;
   std::size_t bytes = traitsOf(array.dtype).bytes;
@@ -190,7 +190,7 @@ std::size_t bytesNeeded(const NpyArray& array, std::size_t limit) {
   return bytes;
 }
 
-// The product as it is, which may exceed any integer: a header can say so.
+// The same, unlimited: a header may ask for more than any integer holds.
 std::string neededText(const NpyArray& array) {
   double bytes = static_cast<double>(traitsOf(array.dtype).bytes);
   for (const std::size_t extent : array.shape) bytes *= static_cast<double>(extent);

@@ -16,11 +16,11 @@ struct NpyArray {
   std::vector<unsigned char> bytes;  // exactly as many as shape and dtype say
 };
 
-// The array in the bytes of a file. Throws Error, which names `name`, when they are not such an array: truncated,
-// too long, in Fortran order, big-endian, or of another kind of type.
+// The array in the bytes of a file. Throws Error, which names `name`, if they are not such an array: truncated, too
+// long, in Fortran order, big-endian, or of another kind of type.
 NpyArray parseNpy(std::vector<unsigned char> file, const std::string& name);
 
-// What precedes the numbers in a file of version 1.0; its length is a multiple of 64.
+// The header of a file of version 1.0; its length is a multiple of 64.
 // REQUIRES: at most 32 dimensions.
 std::string npyHeader(NumberType dtype, const std::vector<std::size_t>& shape);
 

@@ -9,7 +9,6 @@
 #include <system_error>
 
 #include "client/base/Text.h"
-#include "client/cells/NumberText.h"
 
 namespace tovrdb {
 namespace {
@@ -19,7 +18,10 @@ constexpr char kTimes[] = " x ";
 constexpr char kScale[] = ", scale ";
 constexpr char kUnit[] = ", unit ";
 
-// All of the text as a finite number above 0; 0 where it is none.
+constexpr int kMostDecimals = 15;
+constexpr double kPlainBelow = 1e15;  // larger numbers are written as powers of ten
+
+// The whole text as a finite number above 0, or 0 if it is not one.
 double positiveNumber(const std::string& text) {
   double number = 0;
   const char* const end = text.data() + text.size();
@@ -27,7 +29,7 @@ double positiveNumber(const std::string& text) {
   return parsed.ec == std::errc() && parsed.ptr == end && std::isfinite(number) && number > 0 ? number : 0;
 }
 
-// Cuts what follows the last `mark` off the text; empty where there is no such mark.
+// Cuts the text at the last `mark` and returns what followed it; empty if there is no mark.
 std::string cutAfter(std::string& text, const std::string& mark) {
   const std::size_t at = text.rfind(mark);
   if (at == std::string::npos) return {};
@@ -41,7 +43,7 @@ struct CountedForm {
   std::size_t values = 0;
 };
 
-// The inside of the brackets. Throws std::invalid_argument where that is none of ours.
+// Parses the bracket contents; throws std::invalid_argument if they are not in our format.
 CountedForm parseForm(std::string text) {
   CountedForm counted;
   const std::string unit = cutAfter(text, kUnit);
@@ -149,6 +151,18 @@ std::string joinVersion(const std::string& text, const std::optional<NumberForm>
       fmt::format("a block keeps {} characters of text: the version text has {}, and the form of the numbers beside it "
                   "{}; shorten the text or the unit",
                   kLongestVersion, ofText, ofForm));
+}
+
+std::string numberText(double value) { return fmt::format("{}", value); }
+
+std::string numberText(double value, double step) {
+  if (!(step > 0) || !std::isfinite(step) || std::abs(value) >= kPlainBelow) return numberText(value);
+  const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(step))));
+  if (decimals > kMostDecimals) return numberText(value);
+  std::string text = fmt::format("{:.{}f}", value, decimals);
+  if (decimals > 0) text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == '.') text.pop_back();
+  return text == "-0" ? "0" : text;
 }
 
 }  // namespace tovrdb

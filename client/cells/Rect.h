@@ -18,13 +18,13 @@ constexpr std::int64_t rowsOf(const Rect& rect) { return std::int64_t{rect.botto
 // Whether cells can lie there: no edge is negative, and left <= right, top <= bottom.
 bool isSound(const Rect& rect);
 
-// Whether so many bytes are exactly the rectangle's cells; never for a rectangle or cells without any.
+// Whether the rectangle's cells have exactly so many bytes; false for a rectangle without cells or cells without bytes.
 bool fills(std::uint64_t bytes, const Rect& rect, std::int64_t cellBytes);
 
-// What both hold; nothing where they are apart.
+// The intersection; empty if there is none.
 std::optional<Rect> common(const Rect& one, const Rect& other);
 
-// The smallest that holds both.
+// The smallest rectangle that contains both.
 Rect united(const Rect& one, const Rect& other);
 
 struct CellPair {
@@ -41,17 +41,18 @@ CellPair parseSize(const std::string& text);      // "COLUMNSxROWS", from 1
 // The rectangle of these edges, which may be any numbers. Throws std::invalid_argument as parseRect does.
 Rect rectOfEdges(std::int64_t left, std::int64_t top, std::int64_t right, std::int64_t bottom);
 
-// The rectangle of `columns` x `rows` cells at `position`. Throws std::invalid_argument when no index reaches that far.
+// The rectangle of `columns` x `rows` cells at `position`. Throws std::invalid_argument if it exceeds the range of
+// indices.
 Rect rectAt(CellPair position, std::uint64_t columns, std::uint64_t rows);
 
 // "0,0,63,31", as parseRect takes it
 std::string toText(const Rect& rect);
 
-// What of `rect` lies outside `bounds`, which `name` names: "one column and 2 rows beyond area 1, which ends at
-// 959,539". Empty if nothing does.
+// How `rect` exceeds `bounds`, which are those of `name`: "one column and 2 rows beyond area 1, which ends at
+// 959,539". Empty if it does not.
 std::string outsideText(const Rect& rect, const Rect& bounds, const std::string& name);
 
-// Records of the library name the edges as Rect does, in an order of their own.
+// Records of the library have the edges of a Rect in another order.
 template <class Record>
 void setRect(Record& record, const Rect& rect) {
   record.left = rect.left;

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "client/base/Text.h"
-#include "client/cells/Overlaps.h"
+#include "client/cells/CoveredCells.h"
 #include "client/checks/Check.h"
 #include "client/contents/RowNames.h"
 #include "client/contents/Screens.h"

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "client/base/Text.h"
-#include "client/cells/Overlaps.h"
+#include "client/cells/CoveredCells.h"
 #include "client/contents/AreaWords.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/Damage.h"

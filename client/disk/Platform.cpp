@@ -1,13 +1,12 @@
 #include "client/disk/Platform.h"
 
-#include "client/base/Interrupt.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 
+#include "client/base/Interrupt.h"
 #include "client/disk/Paths.h"
 
 #if defined(_WIN32)
@@ -19,9 +18,7 @@
 #include <sys/stat.h>
 #include <windows.h>
 #else
-#include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 

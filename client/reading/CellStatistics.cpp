@@ -22,7 +22,7 @@ NumberGrid numbersOf(const CellStatistics& statistics, std::size_t component) {
 }
 
 ComponentStatistics componentOf(const std::vector<double>& values, std::size_t index, double outlierLimit) {
-  ComponentStatistics component{index, summarize(values), {}, standOut(values, outlierLimit, kMostOutliers)};
+  ComponentStatistics component{index, summarize(values), {}, findOutliers(values, outlierLimit, kMostOutliers)};
   const std::vector<double>& percentiles = component.summary.percentiles;
   if (component.summary.count > 0) {
     component.bins = histogram(values, percentiles.front(), percentiles.back(), kBins);

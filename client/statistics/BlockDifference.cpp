@@ -11,7 +11,7 @@
 namespace tovrdb {
 namespace {
 
-// Row by row, since most rows are equal.
+// Compares row by row, since most rows are equal.
 class Comparison {
  public:
   Comparison(const Rect& rect, std::size_t cellBytes, const std::optional<NumberForm>& form,
@@ -68,7 +68,7 @@ class Comparison {
   std::size_t values_ = 0;
   std::vector<double> before_;
   std::vector<double> after_;
-  bool found_ = false;  // `largest` holds a difference, which may be 0: -0.0 differs from 0.0 to the bit
+  bool found_ = false;  // `largest` holds a difference, which may be 0: the bits of -0.0 and 0.0 differ
   BlockDifference result_;
 };
 

@@ -10,8 +10,8 @@
 
 namespace tovrdb {
 
-// Two numbers count as equal when they are no farther apart than `absolute`, or than `relative` times the larger of
-// their sizes. Numbers that are none (NaN) are equal to one another only.
+// Two numbers compare equal if their distance is at most `absolute`, or at most `relative` times the larger magnitude.
+// NaNs compare equal to each other.
 struct Tolerance {
   double absolute = 0;
   double relative = 0;
@@ -20,8 +20,8 @@ struct Tolerance {
 struct BlockDifference {
   std::int64_t cells = 0;
   std::int64_t differing = 0;
-  CellPair at;  // the largest difference; the first differing cell where numbers were not compared
-  // Of numbers only.
+  CellPair at;  // the largest difference, or the first differing cell if numbers were not compared
+  // Set only if numbers were compared.
   std::size_t component = 0;
   double before = 0;
   double after = 0;
@@ -30,10 +30,10 @@ struct BlockDifference {
 
 bool differ(double before, double after, const Tolerance& tolerance);
 
-// How far apart: 0 of equal numbers, infinite where one of them is not finite.
+// The distance of two numbers: 0 if they are equal, infinite if they differ and one of them is not finite.
 double distance(double before, double after);
 
-// To the bit without `form` or `tolerance`; numbers and tolerance are scaled. REQUIRES: both have the same rectangle
+// Compares bits unless a tolerance is given; numbers and tolerance are scaled. REQUIRES: both have the same rectangle
 // and bytes per cell, a whole number of values of the form; a tolerance comes with a form.
 BlockDifference compareBlocks(const CellBlock& before, const CellBlock& after, const std::optional<NumberForm>& form,
                               const std::optional<Tolerance>& tolerance);

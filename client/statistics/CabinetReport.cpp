@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -18,7 +19,7 @@ std::vector<double> numbersIn(const NumberGrid& numbers, const Rect& rect) {
   return found;
 }
 
-// Where an edge of the grid's cells after `from` lies, so that one of them is at `origin`.
+// The first edge after `from` of a grid with an edge at `origin`.
 std::int64_t nextEdge(std::int64_t from, std::int64_t origin, std::int64_t size) {
   const std::int64_t past = ((from - origin) % size + size) % size;
   return from + size - past;
@@ -59,18 +60,18 @@ class Reporter {
   void addPart(std::size_t part) {
     const std::vector<double> values = numbersIn(numbers_, rects_[part]);
     const NumberGrid grid{rects_[part], {}};
-    const Outliers outliers = standOut(values, question_.limit, question_.most);
+    const Outliers outliers = findOutliers(values, question_.limit, question_.most);
     PartFigures figures{rects_[part], summarize(values), {}, outliers.median, outliers.count};
     for (const double end : question_.ends) {
       figures.atEnds.push_back(static_cast<std::size_t>(std::count(values.begin(), values.end(), end)));
     }
-    for (const Outlier& outlier : outliers.strongest) {
+    for (const Outlier& outlier : outliers.farthest) {
       report_.worst.push_back({part, grid.cell(outlier.index), outlier.value, outlier.distance});
     }
     report_.parts.push_back(std::move(figures));
   }
 
-  // To the right of the part and below it.
+  // The seams at the right and the lower edge of the part.
   void addSeams(std::size_t part) {
     const Rect& rect = rects_[part];
     for (const std::size_t other : startingAt(byLeft_, rect.right)) {
@@ -114,12 +115,12 @@ class Reporter {
 }  // namespace
 
 std::size_t NumberGrid::index(std::int32_t x, std::int32_t y) const {
-  const auto columns = static_cast<std::size_t>(std::int64_t{rect.right} - rect.left + 1);
+  const auto columns = static_cast<std::size_t>(columnsOf(rect));
   return static_cast<std::size_t>(y - rect.top) * columns + static_cast<std::size_t>(x - rect.left);
 }
 
 CellPair NumberGrid::cell(std::size_t index) const {
-  const auto columns = static_cast<std::size_t>(std::int64_t{rect.right} - rect.left + 1);
+  const auto columns = static_cast<std::size_t>(columnsOf(rect));
   return {rect.left + static_cast<std::int32_t>(index % columns),
           rect.top + static_cast<std::int32_t>(index / columns)};
 }
@@ -131,6 +132,16 @@ std::vector<Rect> cabinetsIn(const Rect& rect, const CellPair& origin, const Cel
     for (const auto& [left, right] : columns) cabinets.push_back({left, top, right, bottom});
   }
   return cabinets;
+}
+
+std::vector<std::size_t> steepestSeams(const std::vector<Seam>& seams, std::size_t most) {
+  std::vector<std::size_t> order(seams.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&](std::size_t one, std::size_t other) {
+    return std::abs(seams[one].difference) > std::abs(seams[other].difference);
+  });
+  order.resize(std::min(order.size(), most));
+  return order;
 }
 
 CabinetReport reportCabinets(const NumberGrid& numbers, const std::vector<Rect>& parts,

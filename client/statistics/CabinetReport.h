@@ -1,4 +1,5 @@
-// The figures of a wall part by part, and where parts meet. Parts are cabinets of one size, or any other rectangles.
+// Statistics of a wall part by part, and of the seams between parts. Parts are cabinets of one size, or any other
+// rectangles.
 #pragma once
 
 #include <cstddef>
@@ -18,20 +19,20 @@ struct NumberGrid {
   CellPair cell(std::size_t index) const;
 };
 
-// The rectangle cut along a grid of cabinets, one of which begins at `origin`; those at the edges may be cut short. Row
-// by row from the top left.
+// The rectangle divided along a grid of cabinets, one of which begins at `origin`; those at the edges may be partial.
+// Row by row from the top left.
 std::vector<Rect> cabinetsIn(const Rect& rect, const CellPair& origin, const CellPair& size);
 
 struct PartFigures {
   Rect rect{};
   Summary summary;
-  std::vector<std::size_t> atEnds;  // cells with the number of each end of the form
+  std::vector<std::size_t> atEnds;  // cells whose number is at each end of its type
   double median = 0;
-  std::size_t standOut = 0;
+  std::size_t outliers = 0;
 };
 
-// Where two parts lie side by side, or one above the other: the mean of the second's line of cells along the seam, less
-// that of the first's. Of finite numbers; lines without any have no seam.
+// Two parts side by side, or one above the other. The difference is the mean of the second part's line of cells along
+// the seam minus that of the first's, of finite numbers; there is no seam if a line has none.
 struct Seam {
   std::size_t first = 0;
   std::size_t second = 0;
@@ -39,7 +40,7 @@ struct Seam {
   double difference = 0;
 };
 
-// A cell far from the median of its part.
+// An outlier of its part.
 struct WorstCell {
   std::size_t part = 0;
   CellPair cell;
@@ -55,9 +56,12 @@ struct CabinetReport {
 
 struct CabinetQuestion {
   std::vector<double> ends;  // as endsOf gives them
-  double limit = 6;          // spreads from which cells stand out
+  double limit = 6;          // spreads beyond which a cell is an outlier
   std::size_t most = 20;     // of the worst cells
 };
+
+// The seams with the largest differences, at most `most`, as indices; the largest first.
+std::vector<std::size_t> steepestSeams(const std::vector<Seam>& seams, std::size_t most);
 
 // REQUIRES: the grid holds every part.
 CabinetReport reportCabinets(const NumberGrid& numbers, const std::vector<Rect>& parts,

@@ -8,8 +8,9 @@
 namespace tovrdb {
 namespace {
 
-constexpr double kNormalMad = 1.4826;   // of normally distributed values: deviation / median absolute deviation
-constexpr double kNormalMean = 1.2533;  // deviation / mean absolute deviation
+// Of normally distributed values.
+constexpr double kNormalMad = 1.4826;   // standard deviation / median absolute deviation
+constexpr double kNormalMean = 1.2533;  // standard deviation / mean absolute deviation
 
 bool finite(double value) { return std::isfinite(value); }
 
@@ -30,13 +31,13 @@ double meanOf(const std::vector<double>& values) {
   return mean;
 }
 
-// Beyond the largest number lies the largest number.
+// Replaces infinities by the largest finite numbers.
 double bounded(double number) {
   return std::clamp(number, -std::numeric_limits<double>::max(), std::numeric_limits<double>::max());
 }
 
-// Root of the mean square of the distances from the mean, in units of the largest, whose square stays small; by halves
-// where a distance would be beyond the largest number.
+// Root mean square of the distances from the mean, computed in units of the largest distance so that squares do not
+// overflow, and with halved values if a distance would.
 double deviationOf(const std::vector<double>& values, double mean) {
   const auto [least, most] = std::minmax_element(values.begin(), values.end());
   const double share = std::isfinite(*most - *least) ? 1 : 0.5;
@@ -60,20 +61,18 @@ double spreadOf(const std::vector<double>& values, double median) {
 
 }  // namespace
 
-const std::vector<double> kPercents = {1, 5, 25, 50, 75, 95, 99};
-
 Summary summarize(const std::vector<double>& values) {
   std::vector<double> numbers = finiteOf(values);
   Summary summary;
   summary.count = numbers.size();
-  summary.others = values.size() - numbers.size();
+  summary.notFinite = values.size() - numbers.size();
   if (numbers.empty()) return summary;
   const auto [least, most] = std::minmax_element(numbers.begin(), numbers.end());
-  summary.least = *least;
-  summary.most = *most;
+  summary.minimum = *least;
+  summary.maximum = *most;
   summary.mean = meanOf(numbers);
   summary.deviation = deviationOf(numbers, summary.mean);
-  summary.percentiles = percentiles(numbers, kPercents);
+  summary.percentiles = percentiles(numbers, {kPercents.begin(), kPercents.end()});
   return summary;
 }
 
@@ -117,7 +116,7 @@ Histogram histogram(const std::vector<double>& values, double low, double high, 
   return result;
 }
 
-Outliers standOut(const std::vector<double>& values, double limit, std::size_t most) {
+Outliers findOutliers(const std::vector<double>& values, double limit, std::size_t most) {
   std::vector<double> numbers = finiteOf(values);
   Outliers result;
   if (numbers.empty()) return result;
@@ -137,7 +136,7 @@ Outliers standOut(const std::vector<double>& values, double limit, std::size_t m
   };
   const auto kept = static_cast<std::ptrdiff_t>(std::min(most, all.size()));
   std::partial_sort(all.begin(), all.begin() + kept, all.end(), farther);
-  result.strongest.assign(all.begin(), all.begin() + kept);
+  result.farthest.assign(all.begin(), all.begin() + kept);
   return result;
 }
 

@@ -1,27 +1,28 @@
-// What a set of numbers looks like.
+// Statistics of a set of numbers: summary, percentiles, histogram, outliers.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
 namespace tovrdb {
 
-// The percents for which a summary gives the values.
-extern const std::vector<double> kPercents;
+// The percentiles of a summary.
+constexpr std::array<double, 7> kPercents = {1, 5, 25, 50, 75, 95, 99};
 
 struct Summary {
-  std::size_t count = 0;   // finite numbers; all else is 0 when there are none
-  std::size_t others = 0;  // infinite, or no numbers
-  double least = 0;
-  double most = 0;
+  std::size_t count = 0;      // of finite numbers; if it is 0, so is all else but notFinite
+  std::size_t notFinite = 0;  // infinities and NaNs
+  double minimum = 0;
+  double maximum = 0;
   double mean = 0;
-  double deviation = 0;  // standard deviation of these very numbers (divided by their count)
-  std::vector<double> percentiles;
+  double deviation = 0;             // standard deviation of the population (divided by count)
+  std::vector<double> percentiles;  // as many as kPercents
 };
 
 Summary summarize(const std::vector<double>& values);
 
-// The values below which so many percent lie, linear between the two nearest. Reorders `values`.
+// The percentiles of `values`, interpolated linearly between the two nearest values. Reorders `values`.
 // REQUIRES: finite values, not empty; percents ascending, 0 to 100.
 std::vector<double> percentiles(std::vector<double>& values, const std::vector<double>& percents);
 
@@ -33,11 +34,11 @@ struct Bin {
 
 struct Histogram {
   std::size_t below = 0;
-  std::vector<Bin> bins;  // low <= value < high; the last one holds its upper end too
+  std::vector<Bin> bins;  // low <= value < high; the last one includes its upper end
   std::size_t above = 0;
 };
 
-// One bin when low equals high. REQUIRES: low <= high, bins >= 1.
+// One bin if low equals high. REQUIRES: low <= high, bins >= 1.
 Histogram histogram(const std::vector<double>& values, double low, double high, std::size_t bins);
 
 struct Outlier {
@@ -46,16 +47,17 @@ struct Outlier {
   double distance = 0;  // from the median, in spreads; signed
 };
 
-// Robust: neither the median nor the spread follow a few wild values.
+// Found robustly: a few outliers change neither the median nor the spread.
 struct Outliers {
   double median = 0;
-  double spread = 0;  // about a standard deviation: 1.4826 x the median absolute deviation from the median; where more
-                      // than half the values are equal, 1.2533 x the mean absolute deviation
+  double spread = 0;  // estimates the standard deviation: 1.4826 x the median absolute deviation from the median, or
+                      // 1.2533 x the mean absolute deviation if more than half the values are equal
   std::size_t count = 0;
-  std::vector<Outlier> strongest;  // the farthest first, of equal ones the earliest
+  std::vector<Outlier> farthest;  // from the median, the farthest first; of equal distances the lower index first
 };
 
-// The finite values farther than `limit` spreads from the median; none when all are equal.
-Outliers standOut(const std::vector<double>& values, double limit, std::size_t most);
+// The finite values farther than `limit` spreads from the median, at most `most` of them in `farthest`; none if all are
+// equal.
+Outliers findOutliers(const std::vector<double>& values, double limit, std::size_t most);
 
 }  // namespace tovrdb

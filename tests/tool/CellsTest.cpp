@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "client/base/Error.h"
-#include "client/cells/CellCsv.h"
 #include "client/cells/CellNumbers.h"
-#include "client/cells/Overlaps.h"
+#include "client/cells/CoveredCells.h"
 #include "client/statistics/BlockDifference.h"
 #include "client/statistics/Statistics.h"
 #include "tests/tool/NpyText.h"
@@ -240,9 +239,9 @@ TEST(BlockDifferenceTest, TheLargestDifferenceIsNamedByItsCellAndComponent) {
 TEST(StatisticsTest, SummariesAreOfTheFiniteNumbers) {
   const Summary summary = summarize({3, 0, 10, std::nan(""), 7, 5, 1, HUGE_VAL, 9, 2, 4, 8, 6});
   EXPECT_EQ(summary.count, 11U);
-  EXPECT_EQ(summary.others, 2U);
-  EXPECT_EQ(summary.least, 0);
-  EXPECT_EQ(summary.most, 10);
+  EXPECT_EQ(summary.notFinite, 2U);
+  EXPECT_EQ(summary.minimum, 0);
+  EXPECT_EQ(summary.maximum, 10);
   EXPECT_NEAR(summary.mean, 5, 1e-12);
   EXPECT_NEAR(summary.deviation, std::sqrt(10.0), 1e-12);
   ASSERT_EQ(summary.percentiles.size(), kPercents.size());
@@ -266,12 +265,12 @@ TEST(StatisticsTest, WildCellsStandOutAndDoNotHideEachOther) {
   for (std::size_t i = 0; i < values.size(); i += 2) values[i] += static_cast<double>(i % 7);
   values[10] = 1e6;
   values[20] = -1e7;
-  const Outliers found = standOut(values, 6, 1);
+  const Outliers found = findOutliers(values, 6, 1);
   EXPECT_EQ(found.count, 2U);
-  EXPECT_EQ(found.strongest.at(0).index, 20U);
+  EXPECT_EQ(found.farthest.at(0).index, 20U);
   std::vector<double> equal(1000, 5.0);
   equal[3] = 9;  // more than half are equal: their median deviation is 0
-  EXPECT_EQ(standOut(equal, 6, 10).count, 1U);
+  EXPECT_EQ(findOutliers(equal, 6, 10).count, 1U);
 }
 
 TEST(StatisticsTest, StayFiniteAtTheEndsOfTheNumbers) {
@@ -280,7 +279,7 @@ TEST(StatisticsTest, StayFiniteAtTheEndsOfTheNumbers) {
   EXPECT_EQ(summary.count, 4U);
   EXPECT_NEAR(summary.mean / DBL_MAX, 0.25, 1e-9);
   EXPECT_NEAR(summary.deviation / DBL_MAX, std::sqrt(11.0) / 4, 1e-9);
-  for (const Outlier& outlier : standOut(values, 0, 9).strongest) EXPECT_TRUE(std::isfinite(outlier.distance));
+  for (const Outlier& outlier : findOutliers(values, 0, 9).farthest) EXPECT_TRUE(std::isfinite(outlier.distance));
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 
 #include "client/cells/CoveredCells.h"
 #include "client/cells/NumberForm.h"
-#include "client/cells/NumberText.h"
 #include "client/statistics/CabinetReport.h"
 
 namespace {
@@ -99,7 +98,7 @@ TEST(CabinetReportTest, FindsSeamsEndsAndTheWorstCells) {
   EXPECT_EQ(toText(cabinets[2]), "11,5,12,7");
   const CabinetReport report = reportCabinets(numbers, cabinets, {{0, 255}, 6, 5});
   EXPECT_EQ(report.parts[0].atEnds, (std::vector<std::size_t>{5, 1}));
-  EXPECT_EQ(report.parts[2].summary.others, 1U);
+  EXPECT_EQ(report.parts[2].summary.notFinite, 1U);
   ASSERT_EQ(report.seams.size(), 2U);
   EXPECT_EQ(toText(report.seams[0].line), "7,5,7,7");
   EXPECT_NEAR(report.seams[0].difference, 10 - 1.0 / 3, 1e-9);

@@ -7,9 +7,8 @@
 #include "client/base/Json.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
-#include "tool/report/BlockReduction.h"
 #include "tool/report/Levels.h"
-#include "tool/report/ReportHtml.h"
+#include "tool/report/ReportPage.h"
 
 namespace {
 

@@ -7,15 +7,15 @@
 #include <limits>
 #include <set>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 
 namespace tovrdb::tool {
 namespace {
 
-constexpr double kPowerFrom = 1e7;  // numbers from here on, and steps below the next, are written as powers
+constexpr double kPowerFrom = 1e7;  // larger numbers, and smaller steps, are written in scientific notation
 constexpr double kPowerBelow = 1e-5;
 
-// The least of 1, 2, 5, 10, 20, ... (and 0.5, 0.2, ...) that is not below `step`.
+// The smallest of 1, 2, 5, 10, 20, ... (and 0.5, 0.2, ...) that is at least `step`.
 double roundStep(double step) {
   const double power = std::pow(10.0, std::floor(std::log10(step)));
   for (const double factor : {1.0, 2.0, 5.0}) {
@@ -35,7 +35,7 @@ Ticks multiples(double low, double high, int most, double step) {
 
 Ticks ticksOfStepFrom(double low, double high, int most, double least) {
   double step = roundStep(std::max({high / most - low / most, least, std::numeric_limits<double>::min()}));
-  if (!std::isfinite(step)) return {std::numeric_limits<double>::max(), {}};  // no round number lies that far apart
+  if (!std::isfinite(step)) return {std::numeric_limits<double>::max(), {}};  // no two round numbers are that far apart
   const auto count = [&] { return std::floor(high / step + 1e-9) - std::ceil(low / step - 1e-9) + 1; };
   while (std::isfinite(step) && count() > most) step = roundStep(step * 1.5);
   return multiples(low, high, most, step);
@@ -44,7 +44,7 @@ Ticks ticksOfStepFrom(double low, double high, int most, double least) {
 }  // namespace
 
 Ticks roundTicks(double low, double high, int most) {
-  // Below this numbers of that size do not differ any more.
+  // Numbers of this size that differ by less are equal.
   const double least = std::max(std::abs(low), std::abs(high)) * 1e-14;
   return ticksOfStepFrom(low, high, most, least);
 }

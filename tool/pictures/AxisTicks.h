@@ -11,14 +11,14 @@ struct Ticks {
   std::vector<double> values;  // ascending multiples of `step` in the range, both ends included
 };
 
-// At most `most` multiples of 1, 2 or 5 times a power of ten; none where the range holds none.
+// At most `most` multiples of 1, 2 or 5 times a power of ten; none if the range holds none.
 // REQUIRES: finite, low < high, most >= 1.
 Ticks roundTicks(double low, double high, int most);
 
-// The same for whole things such as cells: the step is at least 1, and low may equal high.
+// The same for whole numbers such as cell indices: the step is at least 1, and low may equal high.
 Ticks wholeTicks(double low, double high, int most);
 
-// With as many decimals as a difference of `step` takes, as a power of ten where that is shorter.
+// With as many decimals as a difference of `step` needs; in scientific notation if that is shorter.
 std::string tickText(double value, double step);
 
 struct TickLabel {
@@ -26,8 +26,8 @@ struct TickLabel {
   std::string text;
 };
 
-// The labels of a colour bar: at round numbers, or at its two ends where fewer than two of those lie on it. No two read
-// alike, however long their numbers. REQUIRES: as of roundTicks.
+// The labels of a colour bar: at round numbers, or at its two ends if fewer than two round numbers lie on it. No two
+// labels are equal, however long their numbers. REQUIRES: as of roundTicks.
 std::vector<TickLabel> barLabels(double low, double high, int most);
 
 }  // namespace tovrdb::tool

@@ -8,13 +8,12 @@
 #include <new>
 #include <stdexcept>
 
-#include "client/base/Json.h"
-#include "tool/io/Message.h"
+#include "client/base/Text.h"
 
 namespace tovrdb::tool {
 namespace {
 
-constexpr const char* kFontFamily = "DejaVu Sans, sans-serif";  // what it lacks comes from other faces
+constexpr const char* kFontFamily = "DejaVu Sans, sans-serif";  // other faces supply missing characters
 constexpr const char* kEllipsis = "\u2026";
 
 void require(cairo_status_t status) {
@@ -103,16 +102,13 @@ void Canvas::turnedText(const std::string& text, double x, double y, const Font&
 std::string Canvas::shortened(const std::string& text, double width, const Font& font) {
   std::string whole = drawable(text);
   if (textWidth(whole, font) <= width) return whole;
-  const auto firstBytes = [&](std::size_t count) {  // without a part of a character
-    while (count > 0 && (static_cast<unsigned char>(whole[count]) & 0xC0) == 0x80) --count;
-    return whole.substr(0, count);
-  };
+  const auto beginning = [&](std::size_t bytes) { return std::string(firstBytes(whole, bytes)); };
   std::size_t fits = 0;
   for (std::size_t tooMany = whole.size(); fits + 1 < tooMany;) {
     const std::size_t half = fits + (tooMany - fits) / 2;
-    (textWidth(firstBytes(half) + kEllipsis, font) <= width ? fits : tooMany) = half;
+    (textWidth(beginning(half) + kEllipsis, font) <= width ? fits : tooMany) = half;
   }
-  const std::string kept = firstBytes(fits);
+  const std::string kept = beginning(fits);
   return kept.empty() ? kept : kept + kEllipsis;
 }
 
@@ -148,7 +144,7 @@ void Canvas::fill(const std::vector<Point>& corners, const Colour& colour) {
   cairo_fill(context_.get());
 }
 
-// Directly, without blending: a pixel has exactly the colour that it was given.
+// Written directly, without blending, so that a pixel has exactly the colour that it was given.
 void Canvas::pixels(int x, int y, int width, const std::vector<Colour>& colours) {
   cairo_surface_flush(surface_.get());
   const std::ptrdiff_t stride = cairo_image_surface_get_stride(surface_.get());

@@ -1,4 +1,4 @@
-// A drawing surface: what pictures need of the drawing library.
+// A drawing surface: the part of the drawing library that pictures need.
 #pragma once
 
 #include <cstdint>
@@ -41,8 +41,8 @@ struct Point {
   double y = 0;
 };
 
-// Lengths are pixels, from the left and the top. Text is laid out by Pango: a script that the face lacks comes from any
-// installed font that has it. Every failure of the drawing library is kept until png().
+// Lengths are pixels, from the left and the top. Pango lays out text; scripts that the face lacks
+// come from any installed font that has them. Failures of the drawing library are kept until png().
 class Canvas {
  public:
   // White. Throws std::runtime_error when the surface cannot be made.
@@ -51,17 +51,17 @@ class Canvas {
   Canvas& operator=(const Canvas&) = delete;
   ~Canvas();
 
-  // What is drawn from here on counts its lengths from there.
+  // Positions of what is drawn afterwards are relative to this point.
   void moveOrigin(int x, int y);
 
-  // The text as it can be drawn: what is not text (control characters, broken UTF-8) is replaced.
+  // The text as it can be drawn: control characters and invalid UTF-8 are replaced.
   static std::string drawable(const std::string& text);
   double textWidth(const std::string& text, const Font& font);
   // The text's beginning, middle or end at `x`, its base line at `y`.
   void text(const std::string& text, double x, double y, Align align, const Font& font);
   // Turned to read from bottom to top, centred at `y`, its base line at `x`.
   void turnedText(const std::string& text, double x, double y, const Font& font);
-  // The text with its end replaced by an ellipsis where it does not fit into `width`; empty when nothing does.
+  // The text with its end replaced by an ellipsis if it is wider than `width`; empty if not even one character fits.
   std::string shortened(const std::string& text, double width, const Font& font);
 
   void line(Point from, Point to, const Colour& colour, double thickness);

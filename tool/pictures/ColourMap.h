@@ -1,4 +1,4 @@
-// Colours for numbers: perceptually even scales, so that equal steps of a value look like equal steps.
+// Colours for numbers: perceptually uniform palettes, in which equal steps of a value look equal.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ enum class Palette {
 class ColourMap {
  public:
   explicit ColourMap(Palette palette);
-  // 0 is the first colour, 1 the last; what lies beyond gets the end's colour. REQUIRES: a number.
+  // 0 is the first colour, 1 the last; positions beyond them get the colour of that end. REQUIRES: not NaN.
   const Colour& at(double position) const;
 
  private:

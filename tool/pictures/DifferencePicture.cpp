@@ -10,7 +10,7 @@
 
 #include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/reading/NumberForms.h"
 
 namespace tovrdb::tool {

@@ -13,10 +13,10 @@ namespace tovrdb::tool {
 
 using NumberRange = std::pair<double, double>;
 
-// What colours are to span, never empty, of finite numbers.
-// The values at two percents, or all values where those are equal.
+// Ranges of colours: finite and never empty.
+// From one percentile to another, or from minimum to maximum if those percentiles are equal.
 NumberRange percentileRange(std::vector<double> values, const NumberRange& percents);
-// Zero in its middle: as far as the given share of the numbers other than zero goes.
+// Symmetric about zero: reaches the given percentile of the sizes of the numbers other than zero.
 NumberRange balancedRange(const std::vector<double>& values, double percent);
 
 class GatheredNumbers {
@@ -29,7 +29,7 @@ class GatheredNumbers {
 
   const Raster& raster() const { return raster_; }
   const std::vector<double>& values() const { return values_; }  // the finite ones
-  NumberRange extremes() const;                                  // 0, 0 without any
+  NumberRange extremes() const;                                  // 0, 0 if there are none
 
  private:
   Raster raster_;

@@ -13,7 +13,7 @@
 #include "client/base/Text.h"
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellNumbers.h"
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/contents/AreaWords.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"

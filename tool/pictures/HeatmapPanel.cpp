@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "tool/pictures/AxisTicks.h"
 
 namespace tovrdb::tool {
@@ -44,7 +44,7 @@ std::vector<TickLabel> labelsOf(const Ticks& ticks) {
   return labels;
 }
 
-// As many as leave room between their texts; short axes get up to three that stand closer.
+// As many as leave room between their texts; short axes get up to three with less room.
 int ticksIn(double length, double room) {
   return std::max({1, static_cast<int>(length / room), std::min(3, static_cast<int>(length * 1.75 / room))});
 }
@@ -67,7 +67,7 @@ bool hasMissing(const Raster& raster) {
   return false;
 }
 
-// How far from `low` to `high` a value lies; also of ranges that are wider than the largest number.
+// How far from `low` to `high` a value lies, also if their difference overflows.
 double shareOf(double value, double low, double high) {
   if (std::isfinite(high - low)) return (value - low) / (high - low);
   return (value / 2 - low / 2) / (high / 2 - low / 2);
@@ -84,11 +84,11 @@ struct Pixels {
   }
 };
 
-// With all pixels that lie no farther than `reach` in a row and in a column from one that is set.
+// Dilation: sets all pixels within `reach` rows and columns of one that is set.
 Pixels grown(const Pixels& pixels, int reach) {
   Pixels wide = pixels;
   for (int y = 0; y < pixels.height; ++y) {
-    for (int x = 0, until = -1; x < pixels.width + reach; ++x) {  // `until`: the last one near a pixel that was passed
+    for (int x = 0, until = -1; x < pixels.width + reach; ++x) {  // `until`: the last one within reach
       if (x < pixels.width && pixels.set[pixels.at(x, y)]) until = x + 2 * reach;
       if (x >= reach && x <= until) wide.set[pixels.at(x - reach, y)] = true;
     }
@@ -103,7 +103,7 @@ Pixels grown(const Pixels& pixels, int reach) {
   return all;
 }
 
-// Around every group of marked pixels and apart from them, so that a single one is seen and none is hidden: black, and
+// Around every group of marked pixels, at a distance, so that a single one is noticed and none is hidden: black inside,
 // white outside.
 void drawFrames(const Raster& raster, std::vector<Colour>& colours) {
   constexpr int kInner = 3;
@@ -175,7 +175,7 @@ void HeatmapPanel::arrangeNotes(Canvas& measure) {
       std::ceil(layout.notesY + static_cast<double>(layout.notes.size()) * kLineHeight + kEdge - kLineHeight + 4));
 }
 
-// By the share of the picture that they would cover.
+// Depends on the share of the picture that the lines would cover.
 AreaLines HeatmapPanel::linesOfAreas() const {
   constexpr double kThickest = 0.1;
   constexpr double kMost = 0.2;
@@ -213,7 +213,7 @@ Box HeatmapPanel::boxOf(const Rect& rect) const {
   return {left, top, right - left, bottom - top};
 }
 
-// White on black, to be seen on every colour. What frames the whole picture needs no outline; the title names it.
+// White on black, visible on every colour. An outline around the whole picture is left out; the title names it.
 void HeatmapPanel::drawOutlines(Canvas& canvas) const {
   std::vector<Box> taken;
   canvas.clip(layout_.plot);
@@ -239,7 +239,7 @@ void HeatmapPanel::drawOutlines(Canvas& canvas) const {
   canvas.unclip();
 }
 
-// Screens are named at the top, areas at the bottom; a name without room of its own is left out.
+// Names of screens are at the top, those of areas at the bottom; a name that would cover another is left out.
 void HeatmapPanel::drawName(Canvas& canvas, const Outline& outline, const Box& box, std::vector<Box>& taken) const {
   const double left = std::max(box.x, layout_.plot.x);
   const double top = std::max(box.y, layout_.plot.y);
@@ -293,7 +293,7 @@ void HeatmapPanel::drawBar(Canvas& canvas) const {
                     bar.y + bar.height / 2, kText);
 }
 
-// Cells beyond the range have the end's colour; the number says how far they go.
+// Cells beyond the range have the colour of its end; the number is their maximum or minimum.
 void HeatmapPanel::drawTip(Canvas& canvas, bool upper) const {
   const Box& bar = layout_.scale;
   const double base = upper ? bar.y : bar.y + bar.height;

@@ -1,4 +1,4 @@
-// One raster of numbers on a drawing surface: cells, outlines, axes, colour bar, words.
+// One raster of numbers on a drawing surface: cells, outlines, axes, colour bar, texts.
 #pragma once
 
 #include <string>

@@ -1,11 +1,11 @@
-// Rasters of numbers as a picture: colours, axes in cells, colour bar, outlines, words.
+// Rasters of numbers as a picture: colours, axes in cells, colour bar, outlines, texts.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/cells/Rect.h"
 #include "tool/pictures/ColourMap.h"
 #include "tool/pictures/Raster.h"
@@ -25,13 +25,13 @@ struct Heatmap {
   Palette palette = Palette::kSequential;
   double low = 0;  // the numbers of the first and the last colour; low < high
   double high = 1;
-  double least = 0;  // of all cells; where they lie beyond low or high, the colour bar's end says so
+  double least = 0;  // of all cells; the end of the colour bar names them if they lie beyond low or high
   double most = 1;
   std::vector<Outline> outlines;
   std::function<std::string(double)> textOf = [](double number) { return numberText(number); };  // of a cell's number
 };
 
-// What pixels without cells show: a pattern of two greys that no palette has.
+// Pixels without cells show a pattern of two greys that no palette contains.
 constexpr Colour kMissingGround{242, 242, 242};
 constexpr Colour kMissingStroke{176, 176, 176};
 
@@ -42,13 +42,13 @@ struct Panel {
 };
 
 struct Sheet {
-  std::string title;  // these two of several panels only; one alone has its own
+  std::string title;  // title and notes are drawn for several panels only; a single one has its own
   std::vector<std::string> notes;
   int columns = 1;
   std::vector<Panel> panels;
 };
 
-// The bytes of a PNG, the same for the same input. Throws std::runtime_error where the picture cannot be drawn.
+// The bytes of a PNG, the same for the same input. Throws std::runtime_error if the picture cannot be drawn.
 // REQUIRES: at least one panel.
 std::vector<unsigned char> drawSheet(const Sheet& sheet);
 

@@ -1,4 +1,4 @@
-// Stands in for the drawing of pictures where the program is built without Pango.
+// Replaces the drawing of pictures if the program is built without Pango.
 #include "client/base/Error.h"
 #include "tool/pictures/HeatmapPicture.h"
 

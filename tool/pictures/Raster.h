@@ -1,7 +1,7 @@
-// Cells brought to the pixels of a picture.
+// Numbers of cells as pixels of a picture.
 //
 // Small regions get several pixels per cell. In large ones several cells fall on one pixel, which shows their mean, or
-// of differences the one farthest from zero, so that a single changed cell is never lost.
+// for differences the one farthest from zero, so that a single changed cell is never lost.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace tovrdb::tool {
 
-// One of the two numbers is 1.
+// At least one of cellsPerPixel and pixelsPerCell is 1.
 struct AxisScale {
   std::int64_t cells = 1;  // of the region
   std::int64_t cellsPerPixel = 1;
@@ -25,7 +25,7 @@ struct RasterScale {
   AxisScale across;
   AxisScale down;
 
-  // Cells are drawn as squares, except where a thin region would become too narrow to see.
+  // Cells are drawn as squares, unless a thin region would become too narrow to see.
   bool square() const {
     return across.cellsPerPixel == down.cellsPerPixel && across.pixelsPerCell == down.pixelsPerCell;
   }
@@ -45,11 +45,11 @@ class Raster {
  public:
   Raster(const Rect& region, Merge merge, const PixelLimits& limits = {});
 
-  // The numbers of cells of row `y` from column `x` on. What lies outside the region, and what is not a finite number,
-  // is left out.
+  // The numbers of cells of row `y` from column `x` on. Cells outside the region and numbers that are not finite are
+  // left out.
   void addRow(std::int32_t x, std::int32_t y, const std::vector<double>& numbers);
 
-  // Has the pixel of a cell pointed at. REQUIRES: the region holds the cell.
+  // Marks the pixel of a cell, which is then framed. REQUIRES: the region holds the cell.
   void mark(std::int32_t x, std::int32_t y);
 
   const Rect& region() const { return region_; }
@@ -79,7 +79,7 @@ class Raster {
   std::size_t columns_;
   std::vector<double> numbers_;
   std::vector<std::uint32_t> counts_;
-  std::vector<bool> marks_;  // empty without any
+  std::vector<bool> marks_;  // empty if nothing is marked
 };
 
 }  // namespace tovrdb::tool

@@ -7,7 +7,6 @@
 #include <cstdint>
 
 #include "client/base/Error.h"
-#include "tool/pictures/HeatmapWords.h"
 
 namespace tovrdb::tool {
 namespace {
@@ -21,7 +20,28 @@ std::string titleOf(const PanelPlan& plan, const PanelNumbers& panel) {
   return plan.components == 1 ? panel.screen : fmt::format("{}, component {}", panel.screen, panel.component);
 }
 
-// Once where it is the same for all, else for each screen.
+// How cells were mapped to pixels.
+std::string scaleNote(const RasterScale& scale, Merge merge) {
+  const auto times = [](auto across, auto down) { return fmt::format("{} x {}", across, down); };
+  const std::string stretched = scale.square() ? "" : " Not drawn to scale: cells are not square here.";
+  if (scale.across.cellsPerPixel > 1 || scale.down.cellsPerPixel > 1) {
+    return fmt::format("A pixel shows the {} of {} cells.{}", merge == Merge::kMean ? "mean" : "largest difference",
+                       times(scale.across.cellsPerPixel, scale.down.cellsPerPixel), stretched);
+  }
+  return fmt::format("A cell takes {} pixels.{}", times(scale.across.pixelsPerCell, scale.down.pixelsPerCell),
+                     stretched);
+}
+
+// The colours span `range`; the bar names minimum and maximum if they lie beyond it.
+void setColours(const GatheredNumbers& numbers, const NumberRange& range, Heatmap& heatmap) {
+  heatmap.low = range.first;
+  heatmap.high = range.second;
+  const NumberRange extremes = !numbers.values().empty() ? numbers.extremes() : range;
+  heatmap.least = extremes.first;
+  heatmap.most = extremes.second;
+}
+
+// One note if all screens have the same scale, otherwise one per screen.
 std::vector<std::string> scaleNotes(const PanelPlan& plan, const std::vector<PanelNumbers>& panels, Merge merge) {
   std::vector<std::string> notes;
   for (std::size_t i = 0; i < panels.size(); i += plan.components) {

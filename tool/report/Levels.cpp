@@ -10,7 +10,7 @@ namespace {
 
 constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz!#$%&()*+-;,=>?@^_`{|}~";
 
-constexpr double kLargest = 1e300;  // so that nothing overflows when levels are read
+constexpr double kLargest = 1e300;  // so that decoding levels does not overflow
 
 double bounded(double number) { return std::clamp(number, -kLargest, kLargest); }
 
@@ -32,7 +32,7 @@ Span spanOf(const std::vector<double>& numbers) {
     span.most = std::max(span.most, bounded(number));
     span.whole = span.whole && number == std::floor(number);
   }
-  if (span.least > span.most) span.least = span.most = 0;  // no number at all
+  if (span.least > span.most) span.least = span.most = 0;  // nothing is finite
   return span;
 }
 
@@ -54,6 +54,28 @@ void chooseLevels(const Span& span, int mostBits, Levels& levels) {
 }
 
 }  // namespace
+
+ReducedNumbers reduceBlocks(const std::vector<double>& numbers, std::int64_t columns, std::int64_t rows,
+                            std::int64_t block) {
+  ReducedNumbers reduced{(columns + block - 1) / block, (rows + block - 1) / block, {}, {}, {}};
+  const auto size = static_cast<std::size_t>(reduced.columns * reduced.rows);
+  const double none = std::numeric_limits<double>::quiet_NaN();
+  reduced.least.assign(size, none);
+  reduced.mean.assign(size, none);
+  reduced.most.assign(size, none);
+  std::vector<double> counts(size);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    if (!std::isfinite(numbers[i])) continue;
+    const auto row = static_cast<std::int64_t>(i) / columns / block;
+    const auto at = static_cast<std::size_t>(row * reduced.columns + static_cast<std::int64_t>(i) % columns / block);
+    const double count = ++counts[at];
+    if (count == 1) reduced.least[at] = reduced.most[at] = reduced.mean[at] = numbers[i];
+    reduced.least[at] = std::min(reduced.least[at], numbers[i]);
+    reduced.most[at] = std::max(reduced.most[at], numbers[i]);
+    reduced.mean[at] += numbers[i] / count - reduced.mean[at] / count;  // never beyond its cells' range
+  }
+  return reduced;
+}
 
 Levels levelsOf(const std::vector<double>& numbers, int mostBits) {
   Levels levels;

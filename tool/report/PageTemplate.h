@@ -1,4 +1,4 @@
-// What every page is made of: the files of tool/report/page, put into the program when it is built.
+// The files of tool/report/page, embedded when the program is built.
 #pragma once
 
 namespace tovrdb::tool {
@@ -6,7 +6,7 @@ namespace tovrdb::tool {
 extern const char kPageHtml[];
 extern const char kPageStyle[];
 extern const char kPageScript[];
-extern const char kPageStyleHash[];  // SHA-256 of the style and of the script, in base 64, as policies name them
+extern const char kPageStyleHash[];  // SHA-256 of style and script in base 64, as a Content-Security-Policy has them
 extern const char kPageScriptHash[];
 
 }  // namespace tovrdb::tool

@@ -17,10 +17,10 @@ namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kMostComponents = 64;
-constexpr std::int64_t kSparse = 16;             // a grid may be so many times as large as its areas,
-constexpr std::int64_t kAlwaysFine = 4'000'000;  // or have so many cells
+constexpr std::int64_t kSparse = 16;             // a grid may have so many times the cells of its areas,
+constexpr std::int64_t kAlwaysFine = 4'000'000;  // or up to so many cells
 
-// Why the area's cells cannot be numbers; empty where they can.
+// Why the area's cells cannot be shown as numbers; empty if they can.
 std::string faultOf(const StoredArea& area, const std::optional<NumberForm>& form) {
   if (!isSound(area.rect)) return "its rectangle holds no cells";
   if (area.cellBytes <= 0) return area.storedBytes == 0 ? "it has no block" : "its block tells no bytes per cell";

@@ -13,7 +13,7 @@ bool sameCell(const CellBlock& before, const CellBlock& after, std::int32_t x, s
   return std::memcmp(before.at(x, y), after.at(x, y), static_cast<std::size_t>(before.cellBytes)) == 0;
 }
 
-// Around every cell in which a bit changed; nothing where none did.
+// Around all cells in which a bit changed; empty if there are none.
 std::optional<Rect> changedRect(const CellBlock& before, const CellBlock& after) {
   std::optional<Rect> around;
   for (std::int32_t y = before.rect.top; y <= before.rect.bottom; ++y) {

@@ -13,7 +13,7 @@
 
 namespace tovrdb::tool {
 
-// The part of a block around all cells of it that changed, and the whole block's form of numbers where it is known.
+// The smallest part of a block that contains all changed cells, and the form of the block's numbers if it is known.
 struct ChangedCells {
   std::string screen;
   std::int32_t type = 0;
@@ -31,7 +31,7 @@ struct FileChanges {
 FileChanges changesBetween(const Access& access, const FileAndKey& before, const FileAndKey& after,
                            const FormOptions& options);
 
-// Those in the cells of a set, in one grid.
+// The changes in the cells of a set, in one grid.
 class SetChanges {
  public:
   SetChanges(const CellSet& set, const std::vector<ChangedCells>& changes);
@@ -40,7 +40,7 @@ class SetChanges {
   const Rect& rect() const { return rect_; }  // around all of them. REQUIRES: any()
   std::int64_t count() const;                 // of cells in which any bit changed
 
-  // After less before, as stored, row after row; 0 where both are the same number, NaN where one is none.
+  // After minus before, as stored, row after row; 0 for equal numbers, NaN if one of them is NaN.
   std::vector<double> differences(std::size_t component) const;
   std::vector<bool> changed(std::size_t component) const;
 

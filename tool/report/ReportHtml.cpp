@@ -1,17 +1,15 @@
-#include "tool/report/ReportHtml.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "tool/io/Message.h"
-#include "tool/report/WallMap.h"
+#include "tool/report/ReportPage.h"
 
 namespace tovrdb::tool {
 namespace {
 
-constexpr std::size_t kMostRows = 500;  // of a table that is there without scripts
+constexpr std::size_t kMostRows = 500;  // of a table that works without scripts
 
 constexpr std::size_t kMostFindings = 8;  // of one check
 
@@ -23,7 +21,7 @@ std::string row(const char* tag, const Cells& cells, const char* attributes = ""
   return text + "</tr>\n";
 }
 
-// Sortable once scripts run, but for lists of facts.
+// Scripts make tables sortable, except lists of facts.
 std::string table(const std::string& caption, const Cells& titles, const std::vector<Cells>& rows,
                   const char* kind = "sortable") {
   std::string text = fmt::format("<table class=\"{}\"><caption>{}</caption>\n<thead>{}</thead>\n<tbody>\n", kind,

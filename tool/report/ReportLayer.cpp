@@ -10,8 +10,7 @@
 #include <numeric>
 #include <utility>
 
-#include "client/cells/NumberText.h"
-#include "tool/report/BlockReduction.h"
+#include "client/cells/NumberForm.h"
 #include "tool/report/Levels.h"
 
 namespace tovrdb::tool {
@@ -21,27 +20,28 @@ constexpr double kTextPerByte = 1.25;
 constexpr std::size_t kMostParts = 500;  // rows of the page's tables
 constexpr std::size_t kMostSeams = 200;
 constexpr std::size_t kMostWorst = 50;
-constexpr double kLimit = 6;  // spreads from which cells stand out
+constexpr double kLimit = 6;  // spreads beyond which a cell is an outlier
 
-// Computed numbers with the digits that mean something.
+// Seven significant digits, for computed numbers.
 double rounded(double number) { return std::strtod(fmt::format("{:.7g}", number).c_str(), nullptr); }
 
 void addEdges(const Rect& rect, Json& row) {
   for (const std::int32_t edge : {rect.left, rect.top, rect.right, rect.bottom}) row.push_back(edge);
 }
 
-// Columns named alike mean the same in every table: the page finds places by "left" to "bottom", or "x" and "y".
+// Columns of the same name mean the same in every table: the page finds places by "left" to "bottom", or "x" and "y".
 Json table(const std::string& name, std::size_t all, Json columns) {
   return {{"name", name}, {"all", all}, {"columns", std::move(columns)}, {"rows", Json::array()}};
 }
 
-// The first `most` by `farther`, in that order.
-template <class Farther>
-std::vector<std::size_t> foremost(std::size_t count, std::size_t most, Farther farther) {
-  std::vector<std::size_t> order(count);
+// The parts whose medians are farthest from that of all, at most kMostParts.
+std::vector<std::size_t> farthestParts(const std::vector<PartFigures>& parts, double median) {
+  std::vector<std::size_t> order(parts.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  std::stable_sort(order.begin(), order.end(), farther);
-  order.resize(std::min(count, most));
+  const auto distance = [&](std::size_t i) { return std::abs(parts[i].median - median); };
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t one, std::size_t other) { return distance(one) > distance(other); });
+  order.resize(std::min(order.size(), kMostParts));
   return order;
 }
 
@@ -54,35 +54,28 @@ Json partsTable(const std::vector<PartFigures>& all, const LayerSource& source, 
   columns.push_back("not finite");
   columns.push_back("stand out");
   Json parts = table(source.partName, all.size(), std::move(columns));
-  const auto distance = [&](std::size_t i) { return std::abs(all[i].median - median); };
-  for (const std::size_t index : foremost(all.size(), kMostParts, [&](std::size_t one, std::size_t other) {
-         return distance(one) > distance(other);
-       })) {
+  for (const std::size_t index : farthestParts(all, median)) {
     const PartFigures& part = all[index];
     Json row = Json::array();
     addEdges(part.rect, row);
-    row.push_back(part.summary.count + part.summary.others);
-    for (const double value : {part.summary.least, rounded(part.median), part.summary.most, rounded(part.summary.mean),
-                               rounded(part.summary.deviation)}) {
+    row.push_back(part.summary.count + part.summary.notFinite);
+    for (const double value : {part.summary.minimum, rounded(part.median), part.summary.maximum,
+                               rounded(part.summary.mean), rounded(part.summary.deviation)}) {
       row.push_back(value);
     }
     if (!source.isDifference) {
       for (const std::size_t count : part.atEnds) row.push_back(count);
     }
-    row.push_back(part.summary.others);
-    row.push_back(part.standOut);
+    row.push_back(part.summary.notFinite);
+    row.push_back(part.outliers);
     parts["rows"].push_back(std::move(row));
   }
   return parts;
 }
 
-// The steepest.
 Json seamsTable(const CabinetReport& report) {
   Json seams = table("seams", report.seams.size(), {"left", "top", "right", "bottom", "difference"});
-  const auto size = [&](std::size_t i) { return std::abs(report.seams[i].difference); };
-  for (const std::size_t index : foremost(report.seams.size(), kMostSeams, [&](std::size_t one, std::size_t other) {
-         return size(one) > size(other);
-       })) {
+  for (const std::size_t index : steepestSeams(report.seams, kMostSeams)) {
     Json row = Json::array();
     addEdges(report.seams[index].line, row);
     row.push_back(rounded(report.seams[index].difference));
@@ -101,10 +94,10 @@ Json worstTable(const CabinetReport& report) {
 }
 
 Json statisticsOf(const Summary& summary) {
-  Json statistics{{"count", summary.count}, {"not_finite", summary.others}};
+  Json statistics{{"count", summary.count}, {"not_finite", summary.notFinite}};
   if (summary.count == 0) return statistics;
-  statistics.update({{"minimum", summary.least},
-                     {"maximum", summary.most},
+  statistics.update({{"minimum", summary.minimum},
+                     {"maximum", summary.maximum},
                      {"mean", rounded(summary.mean)},
                      {"standard_deviation", rounded(summary.deviation)}});
   for (std::size_t i = 0; i < kPercents.size(); ++i) {
@@ -156,7 +149,7 @@ class LayerWriter {
     return json;
   }
 
-  // As exact as the room allows that the planes to come leave.
+  // 16 bits per number if that leaves at least 8 for the remaining planes.
   Json plane(const std::vector<double>& numbers) {
     const double size = static_cast<double>(numbers.size()) * kTextPerByte;
     --planesLeft_;
@@ -185,10 +178,10 @@ class LayerWriter {
     return {{"count", std::count(cells.begin(), cells.end(), true)}, {"cells", packedText(bitsOf(blocks))}};
   }
 
-  // Cells that do not count are NaN in the grid, and no number that is not finite.
+  // Cells that are not counted are NaN in the grid, but do not count as not finite.
   void addFigures(const NumberGrid& grid, const std::vector<bool>& counted, Json& json) const {
     Summary summary = summarize(grid.values);
-    summary.others -= static_cast<std::size_t>(std::count(counted.begin(), counted.end(), false));
+    summary.notFinite -= static_cast<std::size_t>(std::count(counted.begin(), counted.end(), false));
     json["statistics"] = statisticsOf(summary);
     json["tables"] = Json::array();
     if (summary.count == 0) return;
@@ -211,7 +204,7 @@ class LayerWriter {
     for (PartFigures& part : parts) {
       for (std::int32_t y = part.rect.top; y <= part.rect.bottom; ++y) {
         const auto first = counted.begin() + static_cast<std::ptrdiff_t>(grid.index(part.rect.left, y));
-        part.summary.others -= static_cast<std::size_t>(std::count(first, first + columnsOf(part.rect), false));
+        part.summary.notFinite -= static_cast<std::size_t>(std::count(first, first + columnsOf(part.rect), false));
       }
     }
     parts.erase(

@@ -4,7 +4,6 @@
 
 #include "client/checks/JsonForms.h"
 #include "tool/report/PageTemplate.h"
-#include "tool/report/ReportHtml.h"
 
 namespace tovrdb::tool {
 namespace {
@@ -44,7 +43,7 @@ Json dataOf(const ReportContent& content) {
   return data;
 }
 
-// Nothing in it ends the element that holds it, or begins another.
+// Escapes every '<', so that the data cannot end the element that contains them.
 std::string embedded(const Json& data) {
   const std::string text = data.dump(-1, ' ', true, Json::error_handler_t::replace);
   std::string safe;

@@ -1,20 +1,18 @@
-#include "tool/report/WallMap.h"
-
 #include <fmt/core.h>
 
 #include <algorithm>
 #include <map>
 #include <set>
 
-#include "client/cells/Overlaps.h"
-#include "tool/report/ReportHtml.h"
+#include "client/cells/CoveredCells.h"
+#include "tool/report/ReportPage.h"
 
 namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kMostAreas = 2000;
 
-bool lieOnOneAnother(const std::vector<ScreenFacts>& screens) {
+bool overlap(const std::vector<ScreenFacts>& screens) {
   std::vector<Rect> rects;
   for (const ScreenFacts& each : screens) rects.push_back(each.screen.rect);
   return overlapsAmong(rects, 0).pairs > 0;
@@ -26,14 +24,14 @@ class Map {
     for (const ScreenFacts& each : content.facts.screens) {
       if (isSound(each.screen.rect)) screens_.push_back(each);
     }
-    apart_ = content.facts.type == 1 && lieOnOneAnother(screens_);
+    apart_ = content.facts.type == 1 && overlap(screens_);
     for (std::size_t i = 0; i < content.sets.size(); ++i) firstSet_.emplace(content.sets[i].set.screenId, i);
   }
 
   std::string html() {
     if (screens_.empty()) return "<p>There is no screen to draw.</p>\n";
     arrange();
-    // Cells that are about as high as a line of text where the map fills its place in the page.
+    // A line of text, in cells, if the map fills its place in the page.
     const double line = std::max((right_ - left_) / 70, (bottom_ - top_) / 22);
     std::string text = fmt::format(
         "<svg class=\"map\" id=\"map\" role=\"group\" aria-label=\"Map of the screens, to scale\" "
@@ -87,7 +85,7 @@ class Map {
 
   std::string areasOf(std::size_t index) {
     const CellSet& set = content_.sets[index].set;
-    if (firstSet_.at(set.screenId) != index) return "";  // areas of other types lie on the same cells
+    if (firstSet_.at(set.screenId) != index) return "";  // areas of other types cover the same cells
     std::string text;
     for (const std::size_t at : set.areas) {
       const ReportArea& each = content_.areas[at];
@@ -100,7 +98,7 @@ class Map {
     return text;
   }
 
-  // Those without a picture lead to the reason.
+  // Areas without a picture link to the reason.
   std::string areasOfNoSet() {
     std::set<std::size_t> shown;
     for (const ReportSet& each : content_.sets) shown.insert(each.set.areas.begin(), each.set.areas.end());

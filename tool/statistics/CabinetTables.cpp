@@ -2,11 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
-#include <numeric>
 
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/checks/JsonForms.h"
 #include "tool/io/TextTable.h"
 
@@ -32,38 +30,28 @@ std::string partsText(const CabinetReport& report, const NumberForm& form) {
     const bool any = summary.count > 0;
     const double step = summary.deviation / 1e4;
     const auto computed = [&](double value) { return any ? numberText(value, step) : "-"; };
-    rows.push_back({toText(part.rect), std::to_string(summary.count + summary.others),
-                    any ? form.text(summary.least) : "-", computed(part.median), any ? form.text(summary.most) : "-",
-                    computed(summary.mean), computed(summary.deviation)});
+    rows.push_back({toText(part.rect), std::to_string(summary.count + summary.notFinite),
+                    any ? form.text(summary.minimum) : "-", computed(part.median),
+                    any ? form.text(summary.maximum) : "-", computed(summary.mean), computed(summary.deviation)});
     for (const std::size_t count : part.atEnds) rows.back().push_back(std::to_string(count));
-    rows.back().push_back(std::to_string(summary.others));
-    rows.back().push_back(std::to_string(part.standOut));
+    rows.back().push_back(std::to_string(summary.notFinite));
+    rows.back().push_back(std::to_string(part.outliers));
   }
   return textTable(columns, rows);
 }
 
-// The steepest seams first.
-std::vector<std::size_t> seamOrder(const std::vector<Seam>& seams) {
-  std::vector<std::size_t> order(seams.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&](std::size_t one, std::size_t other) {
-    return std::abs(seams[one].difference) > std::abs(seams[other].difference);
-  });
-  return order;
-}
-
 std::string seamsText(const CabinetReport& report) {
   if (report.seams.empty()) return "\nseams: none\n";
-  const std::vector<std::size_t> order = seamOrder(report.seams);
+  const std::vector<std::size_t> order = steepestSeams(report.seams, kMostSeams);
   const double step = std::abs(report.seams[order.front()].difference) / 1e4;
   TextRows rows;
-  for (std::size_t i = 0; i < std::min(order.size(), kMostSeams); ++i) {
-    const Seam& seam = report.seams[order[i]];
+  for (const std::size_t index : order) {
+    const Seam& seam = report.seams[index];
     rows.push_back({toText(report.parts[seam.first].rect), toText(report.parts[seam.second].rect), toText(seam.line),
                     numberText(seam.difference, step)});
   }
   return fmt::format("\nseams, {} of {}: mean of the second's line of cells less that of the first's\n{}", rows.size(),
-                     order.size(), textTable({{"first"}, {"second"}, {"line"}, {"difference", true}}, rows));
+                     report.seams.size(), textTable({{"first"}, {"second"}, {"line"}, {"difference", true}}, rows));
 }
 
 std::string worstText(const CabinetReport& report, const NumberForm& form) {
@@ -86,11 +74,12 @@ std::string partsCsv(const std::vector<CabinetStatistics>& components, const Num
   for (const auto& [index, report] : components) {
     for (const PartFigures& part : report.parts) {
       const Summary& summary = part.summary;
-      text += fmt::format("{},{},{},{}", index, toText(part.rect), summary.count + summary.others, summary.others);
-      for (const double value : {summary.least, part.median, summary.most, summary.mean, summary.deviation}) {
+      text +=
+          fmt::format("{},{},{},{}", index, toText(part.rect), summary.count + summary.notFinite, summary.notFinite);
+      for (const double value : {summary.minimum, part.median, summary.maximum, summary.mean, summary.deviation}) {
         text += summary.count > 0 ? "," + numberText(value) : ",";
       }
-      text += fmt::format(",{},{}\n", fmt::join(part.atEnds, ","), part.standOut);
+      text += fmt::format(",{},{}\n", fmt::join(part.atEnds, ","), part.outliers);
     }
   }
   return text;
@@ -123,16 +112,16 @@ std::string worstCsv(const std::vector<CabinetStatistics>& components) {
 
 Json jsonOf(const PartFigures& part) {
   const Summary& summary = part.summary;
-  Json json{{"rect", rectJson(part.rect)}, {"count", summary.count}, {"not_finite", summary.others}};
+  Json json{{"rect", rectJson(part.rect)}, {"count", summary.count}, {"not_finite", summary.notFinite}};
   if (summary.count > 0) {
-    json.update({{"minimum", summary.least},
-                 {"maximum", summary.most},
+    json.update({{"minimum", summary.minimum},
+                 {"maximum", summary.maximum},
                  {"mean", summary.mean},
                  {"standard_deviation", summary.deviation},
                  {"median", part.median}});
   }
   json["at_ends"] = part.atEnds;
-  json["stand_out"] = part.standOut;
+  json["stand_out"] = part.outliers;
   return json;
 }
 

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "client/base/Text.h"
-#include "client/cells/NumberText.h"
+#include "client/cells/NumberForm.h"
 #include "client/checks/JsonForms.h"
 #include "tool/io/TextTable.h"
 
@@ -33,13 +33,13 @@ std::string summaryTable(const std::vector<ComponentStatistics>& components, con
     if (summary.count == 0) {
       row.resize(columns.size() - 2, "-");
     } else {
-      row.push_back(form.text(summary.least));
+      row.push_back(form.text(summary.minimum));
       for (const double value : summary.percentiles) row.push_back(computedText(component, value));
-      row.push_back(form.text(summary.most));
+      row.push_back(form.text(summary.maximum));
       row.push_back(computedText(component, summary.mean));
       row.push_back(computedText(component, summary.deviation));
     }
-    row.push_back(std::to_string(summary.others));
+    row.push_back(std::to_string(summary.notFinite));
     row.push_back(std::to_string(component.outliers.count));
   }
   return textTable(columns, rows);
@@ -60,10 +60,10 @@ std::string histogramText(const ComponentStatistics& component, const NumberForm
     rows.push_back({low, high, std::to_string(count), bar(count, most)});
   };
   if (bins.below > 0)
-    add(form.text(component.summary.least), computedText(component, bins.bins.front().low), bins.below);
+    add(form.text(component.summary.minimum), computedText(component, bins.bins.front().low), bins.below);
   for (const Bin& bin : bins.bins) add(computedText(component, bin.low), computedText(component, bin.high), bin.count);
   if (bins.above > 0)
-    add(computedText(component, bins.bins.back().high), form.text(component.summary.most), bins.above);
+    add(computedText(component, bins.bins.back().high), form.text(component.summary.maximum), bins.above);
   return fmt::format("\ncomponent {}\n{}", component.index,
                      textTable({{"from", true}, {"to", true}, {"cells", true}, {""}}, rows));
 }
@@ -72,7 +72,7 @@ std::string outlierText(const CellStatistics& statistics, double limit) {
   const NumberGrid places{statistics.rect(), {}};
   TextRows rows;
   for (const ComponentStatistics& component : statistics.components) {
-    for (const Outlier& outlier : component.outliers.strongest) {
+    for (const Outlier& outlier : component.outliers.farthest) {
       const CellPair cell = places.cell(outlier.index);
       rows.push_back({std::to_string(component.index), std::to_string(cell.x), std::to_string(cell.y),
                       statistics.form.text(outlier.value), computedText(component, component.outliers.median),
@@ -100,10 +100,10 @@ std::string heading(const CellStatistics& statistics) {
 
 Json jsonOf(const ComponentStatistics& component, const Rect& rect) {
   const Summary& summary = component.summary;
-  Json json{{"component", component.index}, {"count", summary.count}, {"not_finite", summary.others}};
+  Json json{{"component", component.index}, {"count", summary.count}, {"not_finite", summary.notFinite}};
   if (summary.count == 0) return json;
-  json.update({{"minimum", summary.least},
-               {"maximum", summary.most},
+  json.update({{"minimum", summary.minimum},
+               {"maximum", summary.maximum},
                {"mean", summary.mean},
                {"standard_deviation", summary.deviation}});
   for (std::size_t i = 0; i < kPercents.size(); ++i) {
@@ -115,7 +115,7 @@ Json jsonOf(const ComponentStatistics& component, const Rect& rect) {
                                        {"spread", component.outliers.spread},
                                        {"count", component.outliers.count},
                                        {"strongest", Json::array()}};
-  for (const Outlier& outlier : component.outliers.strongest) {
+  for (const Outlier& outlier : component.outliers.farthest) {
     const CellPair cell = NumberGrid{rect, {}}.cell(outlier.index);
     outliers["strongest"].push_back(
         {{"cell", {cell.x, cell.y}}, {"value", outlier.value}, {"spreads", outlier.distance}});

@@ -1,5 +1,5 @@
 #include "client/cells/CellBlock.h"
-#include "client/cells/CellCsv.h"
+#include "client/cells/CellNumbers.h"
 #include "client/reading/CellQuery.h"
 #include "client/reading/NumberForms.h"
 #include "tool/commands/Arguments.h"

@@ -1,17 +1,15 @@
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <vector>
 
 #include "client/base/Error.h"
-#include "client/base/Text.h"
 #include "client/cells/NpyFile.h"
-#include "client/statistics/WallModel.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
+#include "tool/sample/WallModel.h"
 
 namespace tovrdb::tool {
 namespace {
@@ -27,47 +25,6 @@ struct Options {
   OutputOptions output;
 };
 
-// What the numbers look like, for a reader who wonders whether they make sense.
-class Figures {
- public:
-  void add(const Eigen::Matrix3d& correction) {
-    const Eigen::Vector3d white = correction.rowwise().sum();  // the drive of each LED when the cell shows white
-    least_ = least_.cwiseMin(white);
-    most_ = most_.cwiseMax(white);
-    sum_ += white;
-    ++cells_;
-    beyond_ += white.maxCoeff() > 1.0 ? 1 : 0;
-    clipped_ += correction.minCoeff() < 0.0 ? 1 : 0;
-  }
-
-  std::string text() const {
-    const Eigen::Vector3d mean = sum_ / static_cast<double>(cells_);
-    const char* const names[3] = {"red", "green", "blue"};
-    std::vector<std::string> drives;
-    for (int i = 0; i < 3; ++i) {
-      drives.push_back(fmt::format("{} {:.3f} ({:.3f} to {:.3f})", names[i], mean[i], least_[i], most_[i]));
-    }
-    return fmt::format("LED drive at white: {}; out of reach: {}, in need of negative light: {}",
-                       fmt::join(drives, ", "), counted(static_cast<std::size_t>(beyond_), "cell"),
-                       counted(static_cast<std::size_t>(clipped_), "cell"));
-  }
-
- private:
-  Eigen::Vector3d least_ = Eigen::Vector3d::Constant(1e9);
-  Eigen::Vector3d most_ = Eigen::Vector3d::Constant(-1e9);
-  Eigen::Vector3d sum_ = Eigen::Vector3d::Zero();
-  std::int64_t cells_ = 0;
-  std::int64_t beyond_ = 0;
-  std::int64_t clipped_ = 0;
-};
-
-void appendLittleEndian(const CellCoefficients& cell, std::vector<unsigned char>& bytes) {
-  for (const std::uint16_t number : cell) {
-    bytes.push_back(static_cast<unsigned char>(number & 0xFF));
-    bytes.push_back(static_cast<unsigned char>(number >> 8));
-  }
-}
-
 void sample(Context& context, const Options& options) {
   const Rect wall{0, 0, options.size.x - 1, options.size.y - 1};
   const Rect rect = options.rect.value_or(wall);
@@ -81,14 +38,14 @@ void sample(Context& context, const Options& options) {
                            {static_cast<std::size_t>(rowsOf(rect)), static_cast<std::size_t>(columnsOf(rect)), 9}));
   }
   const WallModel model({options.size.x, options.size.y, options.cabinet.x, options.cabinet.y, options.seed});
-  Figures figures;
+  WallFigures figures;
   std::vector<unsigned char> row;
   for (std::int32_t y = rect.top; y <= rect.bottom; ++y) {
     row.clear();
     for (std::int32_t x = rect.left; x <= rect.right; ++x) {
       const Eigen::Matrix3d correction = model.correction(x, y);
       figures.add(correction);
-      appendLittleEndian(WallModel::fixedPoint(correction), row);
+      appendBytes(WallModel::fixedPoint(correction), row);
     }
     output.write(row);
   }

@@ -9,7 +9,7 @@
 #include "tool/io/ByteOutput.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
-#include "tool/report/ReportBuild.h"
+#include "tool/report/ReportContent.h"
 #include "tool/report/ReportPage.h"
 
 namespace tovrdb::tool {

@@ -1,17 +1,21 @@
-#include "client/statistics/WallModel.h"
+#include "tool/sample/WallModel.h"
+
+#include <fmt/format.h>
 
 #include <Eigen/LU>
 #include <algorithm>
 #include <cmath>
 
-namespace tovrdb {
+#include "client/base/Text.h"
+
+namespace tovrdb::tool {
 namespace {
 
 using Chromaticity = Eigen::Vector2d;  // CIE 1931 x, y
 
 enum Color : int { kRed = 0, kGreen = 1, kBlue = 2 };
 
-// What a hash is drawn for: every use has numbers of its own.
+// The purpose of a hash, so that each purpose gets independent numbers.
 enum Use : std::uint64_t {
   kModuleWavelength = 1,
   kModuleLuminance = 2,
@@ -174,4 +178,32 @@ double WallModel::cameraGain(std::int32_t x, std::int32_t y) const {
   return 1.0 - kVignettingLeft * (1.0 - cosineSquared * cosineSquared);
 }
 
-}  // namespace tovrdb
+void appendBytes(const CellCoefficients& cell, std::vector<unsigned char>& bytes) {
+  for (const std::uint16_t number : cell) {
+    bytes.push_back(static_cast<unsigned char>(number & 0xFF));
+    bytes.push_back(static_cast<unsigned char>(number >> 8));
+  }
+}
+
+void WallFigures::add(const Eigen::Matrix3d& correction) {
+  const Eigen::Vector3d white = correction.rowwise().sum();  // the drive of each LED when the cell shows white
+  minimum_ = minimum_.cwiseMin(white);
+  maximum_ = maximum_.cwiseMax(white);
+  sum_ += white;
+  ++cells_;
+  if (white.maxCoeff() > 1.0) ++beyond_;
+  if (correction.minCoeff() < 0.0) ++clipped_;
+}
+
+std::string WallFigures::text() const {
+  const Eigen::Vector3d mean = sum_ / static_cast<double>(cells_);
+  const char* const names[3] = {"red", "green", "blue"};
+  std::vector<std::string> drives;
+  for (int i = 0; i < 3; ++i) {
+    drives.push_back(fmt::format("{} {:.3f} ({:.3f} to {:.3f})", names[i], mean[i], minimum_[i], maximum_[i]));
+  }
+  return fmt::format("LED drive at white: {}; out of reach: {}, in need of negative light: {}", fmt::join(drives, ", "),
+                     counted(beyond_, "cell"), counted(clipped_, "cell"));
+}
+
+}  // namespace tovrdb::tool

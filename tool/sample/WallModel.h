@@ -6,9 +6,12 @@
 
 #include <Eigen/Core>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
-namespace tovrdb {
+namespace tovrdb::tool {
 
 struct WallParameters {
   std::int32_t columns = 1920;
@@ -19,7 +22,7 @@ struct WallParameters {
 };
 
 // A correction matrix in row-major order, each element in unsigned Q2.14: 16384 is 1.0, the largest is 3.99994.
-// Row i says how much of the target's red, green and blue the cell's LED i is to give.
+// Row i says how much of the target's red, green and blue the LED i of the cell gives.
 using CellCoefficients = std::array<std::uint16_t, 9>;
 
 constexpr double kFixedPointOne = 16384.0;
@@ -31,7 +34,7 @@ class WallModel {
   // inverse(measured) * target. REQUIRES: the cell lies on the wall.
   Eigen::Matrix3d correction(std::int32_t x, std::int32_t y) const;
 
-  // The same in fixed point, rounded to nearest; an LED cannot give less than nothing, so negative elements become 0.
+  // The same in fixed point, rounded to nearest; negative elements become 0, since an LED cannot emit negative light.
   static CellCoefficients fixedPoint(const Eigen::Matrix3d& correction);
 
  private:
@@ -44,4 +47,23 @@ class WallModel {
   Eigen::Matrix3d target_;   // columns: XYZ of the target's red, green and blue
 };
 
-}  // namespace tovrdb
+// Appends the elements of a cell, little-endian.
+void appendBytes(const CellCoefficients& cell, std::vector<unsigned char>& bytes);
+
+// Statistics of correction matrices, for a reader who wonders whether they make sense.
+class WallFigures {
+ public:
+  void add(const Eigen::Matrix3d& correction);
+  // The drive of each LED at white, and how many cells the model cannot correct. REQUIRES: a matrix was added.
+  std::string text() const;
+
+ private:
+  Eigen::Vector3d minimum_ = Eigen::Vector3d::Constant(1e9);
+  Eigen::Vector3d maximum_ = Eigen::Vector3d::Constant(-1e9);
+  Eigen::Vector3d sum_ = Eigen::Vector3d::Zero();
+  std::size_t cells_ = 0;
+  std::size_t beyond_ = 0;   // need more than full drive
+  std::size_t clipped_ = 0;  // need negative light
+};
+
+}  // namespace tovrdb::tool

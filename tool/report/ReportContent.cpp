@@ -1,4 +1,4 @@
-#include "tool/report/ReportBuild.h"
+#include "tool/report/ReportContent.h"
 
 #include <fmt/chrono.h>
 #include <fmt/core.h>
@@ -21,9 +21,9 @@ constexpr double kMostCabinets = 50000;
 
 std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
-// What cannot be read of a damaged file is left out; the verdicts tell why.
+// Leaves out the parts of a damaged file that cannot be read; the verdicts say why.
 template <class Action>
-void readWhatOneCan(Session& session, ReportContent& content, const std::string& what, Action action) {
+void readIfSound(Session& session, ReportContent& content, const std::string& what, Action action) {
   Verdict verdict;
   verdict.name = what;
   try {
@@ -31,7 +31,7 @@ void readWhatOneCan(Session& session, ReportContent& content, const std::string&
   } catch (const Error& error) {
     if (isNoFault(error)) throw;
     verdict.faults.add(error.what());
-  } catch (const std::logic_error&) {  // the library's, for a text that is not a number
+  } catch (const std::logic_error&) {  // thrown by the library for a text that is not a number
     verdict.faults.add("a row holds text in a column of numbers");
   }
   content.verdicts.push_back(std::move(verdict));
@@ -49,7 +49,7 @@ std::vector<Rect> cabinetsOf(const CellSet& set, const Rect& rect, const CellPai
   return cabinetsIn(rect, {set.screenRect.left, set.screenRect.top}, size);
 }
 
-// The parts of `rect` whose figures are told: cabinets, or several areas.
+// The parts of which the page shows statistics: cabinets, or areas if there are several.
 void addParts(const ReportContent& content, const CellSet& set, LayerSource& source) {
   if (content.cabinet) {
     source.parts = cabinetsOf(set, source.rect, *content.cabinet);
@@ -96,7 +96,7 @@ Json changesLayer(const ReportContent& content, const CellSet& set, const SetCha
   return layerJson(source, room);
 }
 
-// The sets and what changed in them, as much as fits into a page.
+// The sets and what changed in them, reduced as far as needed to fit into a page.
 void addSets(Session& session, ReportContent& content, const FormOptions& form, const FileChanges& changes) {
   double values = 0;
   std::vector<SetChanges> changed;
@@ -117,7 +117,7 @@ void addSets(Session& session, ReportContent& content, const FormOptions& form, 
   }
 }
 
-// Without the library, which gives up at the first row that is not in order; the checks name those rows.
+// Read by SQL, since the library fails at the first faulty row; the checks name such rows.
 std::vector<ScreenFacts> readableScreens(Session& session) {
   std::vector<ScreenFacts> screens;
   tovr::IDBOperate& connection = session.connection();
@@ -133,15 +133,15 @@ std::vector<ScreenFacts> readableScreens(Session& session) {
 }
 
 void addFacts(Session& session, ReportContent& content) {
-  readWhatOneCan(session, content, "facts", [&] { content.facts = factsOf(session); });
+  readIfSound(session, content, "facts", [&] { content.facts = factsOf(session); });
   if (!content.facts.screens.empty()) return;
-  readWhatOneCan(session, content, "list of screens", [&] {
+  readIfSound(session, content, "list of screens", [&] {
     content.facts.type = session.manager().getDBType();
     content.facts.screens = readableScreens(session);
   });
 }
 
-// A comparison that damage ends leaves the page without one, and says so.
+// If damage ends the comparison, the page says so.
 FileChanges changesSince(const Access& access, const ReportQuestion& question, ReportContent& content) {
   try {
     return changesBetween(access, *question.against, question.file, question.form);
@@ -153,7 +153,7 @@ FileChanges changesSince(const Access& access, const ReportQuestion& question, R
   }
 }
 
-// At once, or one by one where that fails: so that as many as possible are shown.
+// All at once, or one by one if that fails, so that as many as possible are shown.
 void addAreas(Session& session, ReportContent& content) {
   try {
     for (StoredArea& area : storedAreas(session)) {
@@ -166,7 +166,7 @@ void addAreas(Session& session, ReportContent& content) {
     if (isNoFault(error)) throw;
     beginAgain(session);
   }
-  readWhatOneCan(session, content, "list of areas", [&] {
+  readIfSound(session, content, "list of areas", [&] {
     for (const Placement& placement : placements(session)) {
       ReportArea& each = content.areas.emplace_back();
       static_cast<Placement&>(each.area) = placement;
