@@ -8,7 +8,7 @@
 #include "client/cells/CellBlock.h"
 #include "client/contents/StoredBlob.h"
 #include "client/disk/FileInput.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "client/files/Exchange.h"
 #include "client/files/StoredRows.h"
 #include "client/session/Tables.h"

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 
 namespace tovrdb {
 namespace {

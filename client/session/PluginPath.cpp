@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 
 namespace tovrdb {

@@ -12,7 +12,7 @@
 
 #include "client/base/Listener.h"
 #include "client/base/Text.h"
-#include "client/disk/Paths.h"
+#include "client/disk/DatabaseFiles.h"
 #include "client/disk/Platform.h"
 #include "client/session/FileDiagnosis.h"
 #include "client/session/LibraryError.h"
@@ -139,7 +139,7 @@ int Session::open(const std::string& path, const std::string& key) {
 // engine takes its key from there before it plays the journal back: the first attempt puts the file right and fails.
 int Session::openPatiently(const std::string& path, const std::string& key) {
   std::error_code error;
-  const bool unfinished = fs::exists(pathOf(path + "-journal"), error);
+  const bool unfinished = fs::exists(pathOf(path + kJournalSuffix), error);
   int code = 0;
   waitFor([&] {
     code = open(path, key);

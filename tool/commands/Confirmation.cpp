@@ -4,8 +4,8 @@
 
 #include "client/base/Error.h"
 #include "client/base/Text.h"
-#include "client/disk/Platform.h"
 #include "tool/io/Message.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 

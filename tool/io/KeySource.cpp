@@ -7,8 +7,8 @@
 #include <fstream>
 
 #include "client/base/Error.h"
-#include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 namespace {

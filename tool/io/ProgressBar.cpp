@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "client/disk/Platform.h"
 #include "tool/io/Message.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 namespace {

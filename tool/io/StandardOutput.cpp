@@ -1,6 +1,7 @@
 #include "tool/io/StandardOutput.h"
 
 #include "client/base/Error.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 

@@ -9,7 +9,7 @@
 
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "client/session/SqlQuery.h"
 #include "tool/report/ReportLayer.h"
 

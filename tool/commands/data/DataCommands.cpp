@@ -3,7 +3,6 @@
 #include "client/base/Text.h"
 #include "client/checks/JsonForms.h"
 #include "client/contents/GenericData.h"
-#include "client/disk/FileInput.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
@@ -12,6 +11,7 @@
 #include "tool/commands/OpenDatabase.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
+#include "tool/io/Terminal.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrdb::tool {
@@ -28,7 +28,7 @@ struct Options {
 };
 
 void put(Context& context, const Options& options) {
-  Bytes payload = readWholeFile(options.input);
+  Bytes payload = readInput(options.input);
   const std::size_t size = payload.size();
   Session session = openDatabase(context, options.file);
   const auto notices = putData(session, options.type, options.versionText, std::move(payload));

@@ -8,7 +8,7 @@
 #include "client/base/Error.h"
 #include "client/checks/FileDifference.h"
 #include "client/checks/JsonForms.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

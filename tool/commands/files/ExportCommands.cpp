@@ -1,7 +1,7 @@
 #include <fmt/core.h>
 
 #include "client/base/Text.h"
-#include "client/disk/UnfinishedFile.h"
+#include "client/disk/FileOutput.h"
 #include "client/files/Exchange.h"
 #include "client/session/LibraryError.h"
 #include "storage/StatusCodes.h"

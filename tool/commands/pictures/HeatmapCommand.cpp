@@ -15,7 +15,7 @@
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 #include "client/disk/FileInput.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "client/reading/AreaLookup.h"
 #include "client/reading/Mosaic.h"
 #include "client/reading/NumberForms.h"
