@@ -16,7 +16,6 @@
 #include "tool/commands/Commands.h"
 #include "tool/commands/UsageText.h"
 #include "tool/io/Message.h"
-#include "tool/io/ProgressBar.h"
 #include "tool/io/Terminal.h"
 
 namespace {

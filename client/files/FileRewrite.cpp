@@ -9,10 +9,8 @@
 #include "client/disk/Platform.h"
 #include "client/files/NewFiles.h"
 #include "client/files/StoredRows.h"
-#include "client/session/LibraryError.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 
 namespace tovrdb {
 namespace {
@@ -128,7 +126,7 @@ void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
   requireSameSet(session, "type, name, tbl_name, sql", "sqlite_master");
   requireSameSet(session, "name, seq", "sqlite_sequence");
   requireSameForeignTables(session);
-  for (const std::string& table : kTables) {
+  for (const char* table : kTables) {
     requireSameRows(session, table);
     progress.advance(bytes / kTables.size());
   }

@@ -9,7 +9,7 @@
 #include "client/disk/DatabaseFiles.h"
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
-#include "client/session/LibraryError.h"
+#include "client/session/FileDiagnosis.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 

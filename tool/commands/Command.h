@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "client/session/Access.h"
+#include "client/session/Session.h"
 #include "tool/io/StandardOutput.h"
 
 namespace tovrdb::tool {

@@ -4,6 +4,7 @@
 
 #include "client/base/Error.h"
 #include "client/disk/Platform.h"
+#include "client/session/FileDiagnosis.h"
 #include "tool/io/KeySource.h"
 
 namespace tovrdb::tool {

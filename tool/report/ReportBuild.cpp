@@ -19,8 +19,6 @@ namespace {
 constexpr double kRoom = 23.6e6;  // characters of numbers in a page of at most 25 MB
 constexpr double kMostCabinets = 50000;
 
-std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
-
 // What cannot be read of a damaged file is left out; the verdicts tell why.
 template <class Action>
 void readWhatOneCan(Session& session, ReportContent& content, const std::string& what, Action action) {
@@ -187,12 +185,12 @@ std::string now() { return fmt::format("{:%Y-%m-%d %H:%M} UTC", fmt::gmtime(std:
 
 ReportContent buildReport(const Access& access, const ReportQuestion& question) {
   ReportContent content;
-  content.file = nameOf(question.file.path);
+  content.file = fileNameOf(question.file.path);
   content.made = now();
   content.cabinet = question.cabinet;
   FileChanges changes;
   if (question.against) {
-    content.against = nameOf(question.against->path);
+    content.against = fileNameOf(question.against->path);
     changes = changesSince(access, question, content);
     content.differences = std::move(changes.differences);
   }

@@ -5,6 +5,7 @@
 #include "client/base/Text.h"
 #include "client/cells/CellBlock.h"
 #include "client/files/NewFiles.h"
+#include "client/session/FileDiagnosis.h"
 #include "client/storing/BlockFiles.h"
 #include "client/storing/StoreBlocks.h"
 #include "tool/commands/Arguments.h"

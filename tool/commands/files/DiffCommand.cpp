@@ -43,8 +43,6 @@ struct Options {
   }
 };
 
-std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
-
 std::string cellsText(const Difference& difference) {
   const BlockDifference& cells = difference.cells;
   const std::string text = fmt::format("{} of {} cells differ, ", cells.differing, cells.cells);
@@ -173,7 +171,7 @@ void diff(Context& context, const Options& options) {
   };
   const auto differences = files.compare({options.form, options.tolerance()}, visit);
   if (picture) {
-    output->write(picture->png(fmt::format("{} - {}", nameOf(options.after), nameOf(options.before))));
+    output->write(picture->png(fmt::format("{} - {}", fileNameOf(options.after), fileNameOf(options.before))));
     output->commit();
   }
   context.output.print(report(differences, options));

@@ -3,7 +3,7 @@
 #include "client/base/Text.h"
 #include "client/disk/FileOutput.h"
 #include "client/files/Exchange.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"

@@ -70,8 +70,6 @@ void addCells(GatheredNumbers& numbers, const Rect& rect, const CellBlock& cells
   });
 }
 
-std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
-
 // How the picture says its numbers.
 void describe(const NumberForm& form, PanelNumbers& panel) {
   panel.heatmap.label = form.unit.empty() ? fmt::format("component {}", panel.component) : form.unit;
@@ -104,7 +102,7 @@ Picture fromArray(const Options& options) {
     throw Error(kInvalid, "the rectangle {} lies outside the array, {}", toText(region), toText(cells.rect));
   }
   const auto components = componentsToDraw(options, cells.cellBytes, form);
-  Picture picture{{1, components.size()}, {}, titleOf(options, nameOf(options.file) + ": ")};
+  Picture picture{{1, components.size()}, {}, titleOf(options, fileNameOf(options.file) + ": ")};
   requirePanels(picture.plan);
   for (const std::size_t component : components) {
     picture.panels.push_back({"", component, GatheredNumbers(region, Merge::kMean, picture.plan.limits()), {}});
@@ -290,7 +288,7 @@ Picture fromDatabase(Context& context, const Options& options) {
   const bool byName = session.manager().getDBType() == 1;
   Picture picture = drawGroups(session, groupsOf(byName, screens, areasMeeting(areas, region)), options);
   session.close();
-  picture.title = titleOf(options, fmt::format("{}: type {}, {}", nameOf(options.file), *options.type,
+  picture.title = titleOf(options, fmt::format("{}: type {}, {}", fileNameOf(options.file), *options.type,
                                                options.screen.empty() ? "" : "screen " + options.screen + ", "));
   return picture;
 }

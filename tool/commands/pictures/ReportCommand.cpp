@@ -3,6 +3,7 @@
 
 #include "client/base/Error.h"
 #include "client/disk/Platform.h"
+#include "client/session/FileDiagnosis.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
