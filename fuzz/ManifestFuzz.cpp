@@ -9,7 +9,6 @@
 #include "client/files/Exchange.h"
 #include "client/files/StoredRows.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 #include "fuzz/Choices.h"
 #include "fuzz/ScratchFolder.h"
 #include "fuzz/Target.h"
@@ -99,7 +98,7 @@ Json rowOf(const std::vector<std::string>& columns, std::size_t key, const Shape
 
 Json manifestOf(tovrdb::Session& session, const Shape& shape, Choices& choices) {
   Json manifest = {{"format", tovrdb::kExportFormat}, {"version", tovrdb::kExportVersion}};
-  for (const std::string& table : tovrdb::kTables) {
+  for (const char* table : tovrdb::kTables) {
     Json rows = Json::array();
     const auto columns = tovrdb::columnNames(session.connection(), table);
     const std::size_t count = choices.byte() < 240 ? 1 : choices.below(3);  // the others refer to the first
@@ -152,7 +151,7 @@ void requirePayload(tovrdb::Session& session, const std::string& table, const Js
 }
 
 void requireStored(tovrdb::Session& session, const Json& manifest, const Bytes& payload) {
-  for (const std::string& table : tovrdb::kTables) {
+  for (const char* table : tovrdb::kTables) {
     const Json& rows = manifest["tables"][table];
     require(rowsIn(session, table) == static_cast<std::int64_t>(rows.size()), "rows were lost");
     for (const Json& row : rows) {
@@ -171,7 +170,7 @@ void test(Tool& tool, const std::string& folder, const Bytes& payload) {
     tovrdb::importFolder(session, folder, manifest);
   } catch (const tovrdb::Error&) {
     session.require(session.manager().createTables());
-    for (const std::string& table : tovrdb::kTables) require(rowsIn(session, table) == 0, "half a folder was stored");
+    for (const char* table : tovrdb::kTables) require(rowsIn(session, table) == 0, "half a folder was stored");
     return;
   }
   requireStored(session, manifest, payload);

@@ -11,12 +11,11 @@
 #include "client/base/Error.h"
 #include "client/base/Interrupt.h"
 #include "client/disk/DatabaseFiles.h"
-#include "client/disk/Platform.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/UsageText.h"
 #include "tool/io/Message.h"
-#include "tool/io/ProgressBar.h"
+#include "tool/io/Terminal.h"
 
 namespace {
 

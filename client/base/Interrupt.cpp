@@ -4,10 +4,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 
 #include "client/base/Error.h"
-#include "client/disk/Paths.h"
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -33,13 +31,13 @@ std::atomic<bool> completed{false};
 std::atomic<int> noted{0};  // the signal
 
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
-              "a handler takes no locks");
+              "a signal handler must not take locks");
 
 void removeFile(const char* path) {
 #if defined(_WIN32)
   DeleteFileA(path);
 #else
-  unlink(path);  // std::remove is not among what a handler may call
+  unlink(path);  // std::remove is not async-signal-safe
 #endif
 }
 
@@ -51,7 +49,7 @@ void removeFolder(const char* path) {
 #endif
 }
 
-// False when the program is to end.
+// Whether the interrupt is only noted; otherwise everything registered is removed, and the program must end.
 bool onlyNoted(int signal) {
   if ((deferrals > 0 || completed) && noted.exchange(signal) == 0) return true;
   for (void (*remove)(const char*) : {removeFile, removeFolder}) {
@@ -91,7 +89,7 @@ void handleInterrupts() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction before = {};
     sigaction(signal, nullptr, &before);
-    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);  // as nohup wants it
+    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);  // nohup ignores SIGHUP on purpose
   }
 }
 
@@ -108,12 +106,10 @@ ErrorKind kindOfSignal(int signal) {
 void noteCompletion() { completed = true; }
 
 InterruptibleFile::InterruptibleFile(const std::string& path) : slot_(-1) {
-  std::error_code error;
-  const std::string whole = textOf(std::filesystem::absolute(pathOf(path), error));
-  if (error || whole.size() >= kLongestPath) return;
+  if (path.empty() || path.size() >= kLongestPath) return;
   for (int i = 0; i < kSlots && slot_ < 0; ++i) {
     if (slots[i].taken) continue;
-    std::memcpy(slots[i].path, whole.c_str(), whole.size() + 1);
+    std::memcpy(slots[i].path, path.c_str(), path.size() + 1);
     slots[i].taken = true;
     slot_ = i;
   }

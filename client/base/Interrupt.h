@@ -1,9 +1,9 @@
-// What Ctrl-C (and a request to end) does: unfinished files disappear, and the program ends.
+// Ctrl-C and other requests to end: unfinished files are removed, and the program ends.
 //
 // Usually the program ends at once, after the registered files and folders are removed. While a DeferredInterrupt lives
 // the interrupt is only noted, and the work gives up at its next check(), so that transactions are rolled back and
-// whole folders are removed. After noteCompletion() it is only noted, too: what is done stays done, and the program
-// goes on to tell so. A second interrupt ends the program at once in both cases.
+// whole folders are removed. After noteCompletion() it is only noted, too: the result is kept, and the program goes on
+// to report it. In both cases a second interrupt ends the program at once.
 #pragma once
 
 #include <string>
@@ -12,25 +12,26 @@
 
 namespace tovrdb {
 
-// The kind of error with which work ends that this signal interrupts.
+// The kind of error with which work ends after this signal.
 ErrorKind kindOfSignal(int signal);
 
-// Call once, before the first file is made.
+// Call once, before the first file is created.
 void handleInterrupts();
 
 // Call when the result has its name, or is committed.
 void noteCompletion();
 
-// A file, or a folder that holds nothing but such files, that an interrupt removes as long as this lives.
+// An interrupt removes this file, or this folder if nothing but such files is in it, as long as this lives.
 class InterruptibleFile {
  public:
+  // REQUIRES: an absolute path. An empty one is ignored.
   explicit InterruptibleFile(const std::string& path);
   InterruptibleFile(const InterruptibleFile&) = delete;
   InterruptibleFile& operator=(const InterruptibleFile&) = delete;
   ~InterruptibleFile();
 
  private:
-  int slot_;  // negative: too many at a time, or too long a path; an interrupt then leaves the file
+  int slot_;  // negative: too many at a time, or the path is too long; an interrupt then leaves the file
 };
 
 class DeferredInterrupt {
@@ -40,7 +41,7 @@ class DeferredInterrupt {
   DeferredInterrupt& operator=(const DeferredInterrupt&) = delete;
   ~DeferredInterrupt();
 
-  // Throws Error after an interrupt: kInterrupted, or the code of the signal that asked the program to end.
+  // Throws Error after an interrupt: kInterrupted, or the kind of the signal that asked the program to end.
   void check() const;
 };
 

@@ -3,42 +3,31 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <limits>
-#include <utility>
 #include <vector>
 
 #include "client/base/Error.h"
 #include "client/base/Text.h"
-#include "client/disk/FileInput.h"
-#include "client/disk/Paths.h"
 
 namespace tovrdb {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::size_t kDeepest = 16;
-constexpr std::uintmax_t kMostJsonBytes = std::uintmax_t{1} << 28;
-constexpr std::size_t kMostMembers = 1000;       // of one object; finding one takes a look at those before it
+constexpr std::uintmax_t kLargestText = std::uintmax_t{1} << 28;  // bytes
+constexpr std::size_t kMostMembers = 1000;       // of one object; finding one compares it with those before it
 constexpr std::size_t kMostValues = 10'000'000;  // in all; each takes up to 100 bytes of memory
 
-// Whether `path` begins with all of `folder`.
-bool begins(const fs::path& path, const fs::path& folder) {
-  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
-}
-
-// Refuses, before it is parsed, what would take memory or time out of all proportion. Brackets, colons and commas count
-// outside of texts only.
+// Refuses, before it is parsed, a text that would take excessive memory or time. Brackets, colons and commas count
+// outside of strings only.
 void requireModest(const std::vector<unsigned char>& bytes, const std::string& path) {
-  std::vector<std::size_t> members;  // of every object and list that is open
+  std::vector<std::size_t> members;  // of every open object and list
   std::size_t values = 0;
-  bool inText = false;
+  bool inString = false;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     const unsigned char c = bytes[i];
-    if (c == '"') inText = !inText;
-    if (inText && c == '\\') ++i;
-    if (inText) continue;
+    if (c == '"') inString = !inString;
+    if (inString && c == '\\') ++i;
+    if (inString) continue;
     if (c == '{' || c == '[') members.push_back(0);
     if ((c == '}' || c == ']') && !members.empty()) members.pop_back();
     if (c == ':' && !members.empty() && ++members.back() > kMostMembers) {
@@ -64,17 +53,17 @@ std::string jsonText(const Json& value) {
   return escapeControls(value.dump(2, ' ', false, Json::error_handler_t::replace), LineEnds::kKeep) + "\n";
 }
 
-Json readJson(const std::string& path) {
-  std::error_code error;
-  if (fs::file_size(pathOf(path), error) > kMostJsonBytes && !error) {
-    throw Error(kFileProblem, "{} is too large for a manifest (256 MiB at most)", path);
-  }
-  const auto bytes = readWholeFile(path);
-  requireModest(bytes, path);
+void requireJsonSize(std::uintmax_t bytes, const std::string& name) {
+  if (bytes > kLargestText) throw Error(kFileProblem, "{} is too large for a manifest (256 MiB at most)", name);
+}
+
+Json parseJson(const std::vector<unsigned char>& text, const std::string& name) {
+  requireJsonSize(text.size(), name);
+  requireModest(text, name);
   try {
-    return Json::parse(bytes.begin(), bytes.end());
+    return Json::parse(text.begin(), text.end());
   } catch (const Json::exception& failure) {
-    throw Error(kFileProblem, "{} is not valid JSON: {}", path, reasonOf(failure));
+    throw Error(kFileProblem, "{} is not valid JSON: {}", name, reasonOf(failure));
   }
 }
 
@@ -117,23 +106,6 @@ const Json& requireObject(const Json& value, const std::string& where) {
 
 void refuseJson(const std::string& where, const std::string& reason) {
   throw Error(kFileProblem, "{} cannot be used: {}", where, reason);
-}
-
-std::string pathInside(const std::string& folder, const std::string& name) {
-  const fs::path relative = pathOf(name);
-  const bool up = std::find(relative.begin(), relative.end(), "..") != relative.end();
-  const bool zero = name.find('\0') != std::string::npos;
-  if (name.empty() || zero || up || relative.has_root_path()) {
-    throw Error(kFileProblem, "the name '{}' cannot be used: it leads out of {}", name, folder);
-  }
-  std::error_code error;
-  const fs::path root = fs::canonical(pathOf(folder), error);
-  const fs::path file = error ? fs::path() : fs::canonical(root / relative, error);
-  if (error) throw Error(kFileProblem, "the file '{}' in {}: {}", name, folder, error.message());
-  if (!begins(file, root) || !fs::is_regular_file(file, error)) {
-    throw Error(kFileProblem, "the name '{}' cannot be used: it is not a file in {}", name, folder);
-  }
-  return textOf(file);
 }
 
 }  // namespace tovrdb

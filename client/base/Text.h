@@ -1,4 +1,4 @@
-// Texts for people: lists, numbers, and what a terminal can show of a text that anybody may have stored.
+// Texts for people: lists, numbers, and texts from untrusted sources made safe for a terminal.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace tovrdb {
 
-// "a, b, c"; of long lists the beginning: "a, b and 12 more"; "none" of an empty one.
+// "a, b, c"; the beginning of a long list: "a, b and 12 more"; "none" for an empty list.
 std::string shortList(const std::vector<std::string>& items, std::string_view separator = ", ");
 
 // "37,324,800"
@@ -18,10 +18,10 @@ std::string grouped(std::int64_t number);
 // "1 area", "2 areas".
 std::string counted(std::size_t number, std::string_view singular);
 
-// Characters of UTF-8; every byte that is not valid counts as one.
+// The number of UTF-8 characters; an invalid sequence counts as one.
 std::size_t characters(std::string_view text);
 
-// The beginning of valid UTF-8, at most so many bytes, without half a character at its end.
+// The beginning of valid UTF-8: at most so many bytes, and no partial character at its end.
 std::string_view firstBytes(std::string_view text, std::size_t most);
 
 // The text with each invalid sequence of UTF-8 replaced by U+FFFD.
@@ -33,8 +33,8 @@ enum class LineEnds { kKeep, kEscape };
 // and the separators of lines and paragraphs. REQUIRES: valid UTF-8.
 std::string escapeControls(std::string_view text, LineEnds lineEnds);
 
-// The text on one line, as a stored name may be shown: escaped, and valid. A text of more than `most` bytes loses its
-// middle.
+// The text as valid UTF-8 on one line, with escapes, as safe to show as a stored name must be. A text of more than
+// `most` bytes loses its middle.
 constexpr std::size_t kLongestLine = 4000;  // dozens of names of usual length
 std::string printable(std::string_view text, std::size_t most = kLongestLine);
 

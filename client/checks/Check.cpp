@@ -10,7 +10,7 @@
 #include "client/base/Text.h"
 #include "client/contents/RowNames.h"
 #include "client/contents/StoredBlob.h"
-#include "client/session/Tables.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrdb {
 namespace {
@@ -112,7 +112,7 @@ class BlobCheck {
 // The engine never issues a key below a row's, but keys of deleted rows may come again.
 void checkCounters(Session& session, Verdict& verdict) {
   verdict.detail = "the last key that each table has issued";
-  for (const std::string& table : kTables) {
+  for (const char* table : kTables) {
     const std::int64_t largest =
         queryNumber(session.connection(), fmt::format("select ifnull(max(id), 0) from {}", table));
     const std::int64_t last =

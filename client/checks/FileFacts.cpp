@@ -6,9 +6,7 @@
 
 #include "client/contents/StoredArea.h"
 #include "client/session/Damage.h"
-#include "client/session/FileGeneration.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 
 namespace tovrdb {
 namespace {
@@ -101,9 +99,22 @@ FileFacts factsOf(Session& session) {
   facts.type = session.manager().getDBType();
   facts.description = description(session);
   facts.engine = engine(session);
-  for (const std::string& table : kTables) facts.tables.push_back(tableFacts(session, table));
+  for (const char* table : kTables) facts.tables.push_back(tableFacts(session, table));
   facts.screens = screenFacts(session);
   return facts;
 }
+
+int engineGeneration(Session& session) {
+  const auto rows = queryRows(session.connection(), "pragma cipher_version");
+  return !rows.empty() && rows[0][0].rfind("4.", 0) == 0 ? 4 : 3;
+}
+
+// For a file of 3.x the library sets the engine's number of rounds of key derivation.
+int fileGeneration(Session& session) {
+  constexpr std::int64_t kRoundsOf3 = 64000;
+  return engineGeneration(session) == 4 && queryNumber(session.connection(), "pragma kdf_iter") != kRoundsOf3 ? 4 : 3;
+}
+
+std::string generationText(int generation) { return fmt::format("{}.x", generation); }
 
 }  // namespace tovrdb

@@ -39,4 +39,12 @@ struct FileFacts {
 // Throws Error on failure.
 FileFacts factsOf(Session& session);
 
+// There are two generations of encrypted files, those of SQLCipher 3.x and of 4.x: page size, key derivation and
+// checksums differ. 3 or 4, for the open file and for the files which the engine creates.
+int fileGeneration(Session& session);
+int engineGeneration(Session& session);
+
+// "4.x"
+std::string generationText(int generation);
+
 }  // namespace tovrdb

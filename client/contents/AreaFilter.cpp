@@ -9,7 +9,7 @@
 
 #include "client/base/Text.h"
 #include "client/contents/Screens.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {

@@ -7,7 +7,7 @@
 
 #include "client/base/Error.h"
 #include "client/contents/Screens.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {

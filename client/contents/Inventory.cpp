@@ -9,7 +9,6 @@
 #include "client/contents/Measurements.h"
 #include "client/contents/Screens.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 
 namespace tovrdb {
 namespace {

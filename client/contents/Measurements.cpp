@@ -4,8 +4,7 @@
 
 #include "client/base/Error.h"
 #include "client/contents/StoredBlob.h"
-#include "client/session/LibraryError.h"
-#include "client/session/Tables.h"
+#include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {

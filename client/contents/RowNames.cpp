@@ -5,7 +5,6 @@
 #include "client/base/Error.h"
 #include "client/session/Damage.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 
 namespace tovrdb {
 namespace {

@@ -8,7 +8,6 @@
 #include "client/base/Text.h"
 #include "client/contents/ScreenNames.h"
 #include "client/session/Damage.h"
-#include "client/session/LibraryError.h"
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 

@@ -14,9 +14,7 @@
 #include "client/contents/AreaWords.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/Damage.h"
-#include "client/session/LibraryError.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 #include "storage/BlobFraming.h"
 #include "storage/StatusCodes.h"
 

@@ -6,15 +6,15 @@
 #include <limits>
 #include <utility>
 
-#include "client/session/LibraryError.h"
-#include "client/session/Tables.h"
+#include "client/session/SqlQuery.h"
 #include "storage/BlobFraming.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {
 namespace {
 
-constexpr char kBlobKey[] = "kelptarn";  // the same in every file; key and initialisation vector
+using tovr::kBlobKey;
+
 constexpr std::size_t kCipherBlock = 8;
 
 // A decrypted blob and where its payload ends.

@@ -6,14 +6,13 @@
 #include <fstream>
 
 #include "client/base/Error.h"
-#include "client/disk/Paths.h"
 
 namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
 
-// The bytes that SQLite's file format sets apart for locks: one pending, one reserved, 510 shared.
+// The bytes that SQLite's file format reserves for locks: one pending, one reserved, 510 shared.
 constexpr long long kFirstLockByte = 0x40000000;
 constexpr long long kLockBytes = 512;
 
@@ -37,14 +36,14 @@ bool journalHoldsChange(const std::string& journal) {
 
 bool holdsChange(const std::string& database, const std::string& suffix) {
   std::error_code error;
-  if (suffix == "-journal") return journalHoldsChange(database + suffix);
-  return suffix == "-wal" && fs::file_size(pathOf(database + suffix), error) > kLogHeader;
+  if (suffix == kJournalSuffix) return journalHoldsChange(database + suffix);
+  return suffix == kWalSuffix && fs::file_size(pathOf(database + suffix), error) > kLogHeader;
 }
 
 }  // namespace
 
 void requireNoCompanion(const std::string& path) {
-  const std::string name = lowerCase(path);  // on some systems the two are one name
+  const std::string name = lowerCase(path);  // some file systems ignore case
   for (const std::string suffix : kCompanionSuffixes) {
     if (!endsIn(name, suffix)) continue;
     throw Error(kInvalid,

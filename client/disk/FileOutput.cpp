@@ -2,10 +2,11 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <vector>
 
 #include "client/base/Error.h"
 #include "client/disk/DatabaseFiles.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Descriptors.h"
 #include "platform/FileSystem.h"
 
 namespace tovrdb {
@@ -19,7 +20,7 @@ bool isDevice(const std::string& path) {
   return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
 }
 
-// Those of the file that is replaced, unless told otherwise.
+// Without a mode, the permissions of the file that is replaced.
 void givePermissions(const std::string& temporary, const std::string& path, std::optional<unsigned int> mode) {
   std::error_code error;
   const fs::perms permissions = mode ? fs::perms{*mode} : fs::status(pathOf(path), error).permissions();
@@ -39,6 +40,18 @@ void giveName(const std::string& temporary, const std::string& path, Existing ex
     if (errno == EEXIST) refuseExisting(path, existing);
     throw systemFailure("cannot move the new file to " + path);
   }
+}
+
+// Gives the complete file `temporary` its name, on the same file system, and flushes the name to the disk. After an
+// interrupt nothing is moved; a later one no longer counts. Throws Error; `path` is untouched then.
+void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing,
+                   std::optional<unsigned int> mode) {
+  const DeferredInterrupt interrupt;
+  givePermissions(temporary, path, mode);
+  interrupt.check();
+  giveName(temporary, path, existing);
+  noteCompletion();
+  flushFolder(folderOf(path));  // if that fails, the file has its name nevertheless
 }
 
 // "1.6 MB"
@@ -79,17 +92,6 @@ void requireReplaceable(const std::string& path, Existing existing) {
   }
 }
 
-void moveIntoPlace(const std::string& temporary, const std::string& path, Existing existing,
-                   std::optional<unsigned int> mode) {
-  const DeferredInterrupt interrupt;
-  givePermissions(temporary, path, mode);
-  interrupt.check();
-  giveName(temporary, path, existing);
-  noteCompletion();
-  std::error_code error;  // if flushing fails, the file is there nevertheless
-  flushFolder(textOf(fs::absolute(pathOf(path), error).parent_path()));
-}
-
 FileOutput::FileOutput(const std::string& path, Existing existing, unsigned int mode, Flushing flushing)
     : path_(followedLink(path)),
       existing_(existing),
@@ -111,7 +113,7 @@ FileOutput::FileOutput(const std::string& path, Existing existing, unsigned int 
 
 void FileOutput::requireRoom(double bytes) const {
   std::error_code error;
-  const fs::space_info space = fs::space(fs::absolute(pathOf(path_), error).parent_path(), error);
+  const fs::space_info space = fs::space(pathOf(folderOf(path_)), error);
   if (error || direct_ || bytes <= static_cast<double>(space.available)) return;
   throw Error(kNoSpace, "{} would take {}, and the disk has room for {}", path_, sizeText(bytes),
               sizeText(static_cast<double>(space.available)))
@@ -133,6 +135,58 @@ void FileOutput::commit() {
 
 void FileOutput::fail(const std::string& action) const {
   throw systemFailure(fmt::format("cannot {} {}", action, path_));
+}
+
+namespace {
+
+// The path of the file that is to appear.
+std::string requirePlace(const std::string& finished, Existing existing) {
+  requireOwnName(finished);
+  std::string path = followedLink(finished);
+  requireReplaceable(path, existing);
+  std::error_code error;
+  const std::string folder = folderOf(path);
+  if (!fs::is_directory(pathOf(folder), error)) throw Error(kFileProblem, "there is no folder {}", folder);
+  return path;
+}
+
+std::vector<std::string> companionsOf(const std::string& path, Writer writer) {
+  if (writer == Writer::kEncryptionService) return {path + ".temp"};
+  std::vector<std::string> companions;
+  for (const char* suffix : kCompanionSuffixes) companions.push_back(path + suffix);
+  return companions;
+}
+
+}  // namespace
+
+UnfinishedFile::UnfinishedFile(const std::string& finished, Existing existing, Writer writer,
+                               std::optional<unsigned int> mode)
+    : finished_(requirePlace(finished, existing)),
+      existing_(existing),
+      mode_(mode),
+      writer_(writer),
+      place_(finished_) {
+  for (const std::string& companion : companionsOf(path(), writer)) {
+    companionsRemoved_.emplace_back(absolutePath(companion));
+  }
+}
+
+void UnfinishedFile::flush() {
+  const FileHandle file(std::fopen(path().c_str(), "r+b"));
+  if (file == nullptr || !flushToDisk(file.get())) {
+    throw systemFailure("cannot write the new file to the disk");
+  }
+}
+
+void UnfinishedFile::finish() {
+  flush();
+  const DatabaseLock lock(writer_ == Writer::kEngine ? finished_ : "");
+  takeName();
+}
+
+void UnfinishedFile::takeName() {
+  if (writer_ == Writer::kEngine) removeIdleCompanions(finished_);
+  moveIntoPlace(path(), finished_, existing_, mode_);
 }
 
 }  // namespace tovrdb

@@ -1,8 +1,9 @@
-// Everything that the operating systems do differently: descriptors, terminals, new files, the program's own path.
+// What operating systems do differently about files: paths, new files and folders, locks, flushing, identity.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -11,48 +12,31 @@
 
 namespace tovrdb {
 
+// Paths are UTF-8 texts. Only these two functions convert them for std::filesystem: on Windows, built by MinGW, it
+// would take the bytes of a text for characters of another encoding.
+inline std::filesystem::path pathOf(const std::string& text) { return std::filesystem::u8path(text); }
+inline std::string textOf(const std::filesystem::path& path) { return path.u8string(); }
+
+// "wall.db" of "/a/wall.db".
+std::string fileNameOf(const std::string& path);
+
+// The absolute path, and the absolute path of the folder that it is in. Empty if the current folder is gone.
+std::string absolutePath(const std::string& path);
+std::string folderOf(const std::string& path);
+
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
-// Permissions of files and folders as POSIX numbers them; on Windows those of the folder around them count.
+// Permissions of files and folders, as POSIX numbers them; Windows uses those of the folder that they are in.
 constexpr unsigned int kOwnerOnlyFile = 0600;
 
-constexpr int kStandardInput = 0;
-constexpr int kStandardOutput = 1;
-constexpr int kStandardError = 2;
-
-// A write to a closed pipe, or beyond the size that files may have, becomes an error that the writer sees, instead of
-// ending the process.
-void ignoreBrokenPipes();
-
-bool isTerminal(int descriptor);
-
-// A line typed on the terminal at standard input, without echo, after `prompt` on standard error. An interrupt
-// restores the terminal and throws Error; so does the end of the input. REQUIRES: isTerminal(kStandardInput).
-std::string readWithoutEcho(const std::string& prompt);
-
-// Standard input as bytes, without translation of line ends.
-std::FILE* binaryStandardInput();
-
-// A second descriptor of the same file as a stream of bytes; null when `descriptor` is closed.
-FileHandle duplicateAsStream(int descriptor);
-
-// The open descriptor that a path stands for ("/dev/stdout", "/proc/self/fd/3"); negative for any other path.
-int descriptorNamed(const std::string& path);
-
-// Makes `descriptor` write to the null device, to the end of a file (made if need be), or where another writes to.
-// False, with errno set: nothing was changed.
-bool redirectToNull(int descriptor);
-bool redirectToEndOf(const std::string& path, int descriptor);
-bool redirectTo(int target, int descriptor);
-
-// A new file opened for writing bytes, which only its owner can read; null, with errno set, when `path` exists or
-// cannot be made.
+// A new file opened for writing bytes, which only its owner can read; null, with errno set, if `path` exists or cannot
+// be created.
 FileHandle createNew(const std::string& path);
 
-// A new folder that only its owner can enter. False, with errno set, when `path` exists or cannot be made.
+// Creates a folder that only its owner can enter. False, with errno set, if `path` exists or cannot be created.
 bool createOwnFolder(const std::string& path);
 
 // Tells other processes that a folder of createOwnFolder() is in use, as long as this lives. The lock ends with the
@@ -73,17 +57,17 @@ class FolderLock {
   std::intptr_t handle_ = kNone;  // a descriptor; on Windows a HANDLE
 };
 
-// What was written reaches the disk. False when that fails.
+// Writes a file's contents through to the disk. False when that fails.
 bool flushToDisk(std::FILE* file);
 
-// The names of the files in a folder reach the disk, where the system has such an operation. False when that fails.
+// Writes the names in a folder through to the disk. False when that fails; true if the system has no such operation.
 bool flushFolder(const std::string& folder);
 
-// The same, and the files in it: all at once, where the system has such an operation, since each costs a wait.
+// The same, and the files in it: all at once if the system has such an operation, since each costs a wait.
 bool flushWholeFolder(const std::string& folder);
 
-// Which file a path leads to, also after a rename; empty if no file is there. Always empty on Windows: nobody replaces
-// a file there that somebody has open.
+// Identifies the file that a path leads to, also after a rename; empty if there is no file. Always empty on Windows,
+// where an open file cannot be replaced.
 std::string fileIdentity(const std::string& path);
 
 #if defined(_WIN32)
@@ -92,19 +76,20 @@ constexpr bool kReplacesOpenFiles = false;
 constexpr bool kReplacesOpenFiles = true;
 #endif
 
-// Locks a range of bytes of a file, open for writing, against other programs until one of this program closes the file.
-// False if another program holds a lock there. On Windows it locks nothing: an open file cannot be replaced there.
+// Locks a range of bytes of a file, open for writing, against other programs until this program closes the file, by
+// whichever handle. False if another program holds a lock there. Locks nothing on Windows, where an open file cannot be
+// replaced.
 bool lockBytes(std::FILE* file, long long from, long long length);
 
 // The text of errno.
 std::string systemError();
 
-// A call of the system failed and set errno: "WHAT: REASON", with kNoSpace on a full disk, kPipeClosed after the reader
-// of a pipe has ended, else kFileProblem.
+// A call of the system failed and set errno: "WHAT: REASON". The kind is kNoSpace on a full disk, kPipeClosed after the
+// reader of a pipe has ended, else kFileProblem.
 Error systemFailure(const std::string& what);
 Error systemFailure(const std::string& what, const std::error_code& error);
 
-// The folder of the running program; empty when the system does not tell.
+// The folder of the running program; empty if the system does not tell.
 std::string programFolder();
 
 int processNumber();

@@ -6,7 +6,6 @@
 
 #include "client/base/Error.h"
 #include "client/disk/DatabaseFiles.h"
-#include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 
 namespace tovrdb {
@@ -59,7 +58,7 @@ UnfinishedFolder::UnfinishedFolder(const std::string& finished, Existing existin
                                    const IsOurs& isOurs)
     : finished_(requirePlace(finished, existing, isOurs)), mode_(mode), isOurs_(isOurs), place_(finished_) {
   if (createOwnFolder(place_.path())) return;
-  throw systemFailure("cannot make the folder " + finished_);
+  throw systemFailure("cannot create the folder " + finished_);
 }
 
 FileOutput UnfinishedFolder::file(const std::string& name) const {
@@ -76,7 +75,7 @@ void UnfinishedFolder::finish() {
   interrupt_.check();
   takeName();
   noteCompletion();
-  flushFolder(textOf(fs::absolute(pathOf(finished_)).parent_path()));  // if it fails, the folder is there nevertheless
+  flushFolder(folderOf(finished_));  // if that fails, the folder has its name nevertheless
 }
 
 void UnfinishedFolder::takeName() {
@@ -87,13 +86,13 @@ void UnfinishedFolder::takeName() {
     fs::rename(complete, name, error);
     return require(error, "give the new folder the name " + finished_);
   }
-  requireReplaceable(finished_, Existing::kReplace, isOurs_);  // nothing has come into it meanwhile
+  requireReplaceable(finished_, Existing::kReplace, isOurs_);  // nobody has put anything into it meanwhile
   const fs::path old = pathOf(freeNameBeside(finished_));
   fs::rename(name, old, error);
   require(error, "replace the folder " + finished_);
   fs::rename(complete, name, error);
   std::error_code ignored;
-  fs::rename(old, error ? name : complete, ignored);  // the old one goes back, or is removed with the place
+  fs::rename(old, error ? name : complete, ignored);  // moves the old one back, or away with the place
   require(error, "replace the folder " + finished_);
 }
 

@@ -12,18 +12,18 @@ namespace tovrdb {
 
 class UnfinishedFolder {
  public:
-  // Tells which files a folder may hold that is to be replaced.
+  // Whether a folder with a file of this name may be replaced.
   using IsOurs = std::function<bool(const std::string& fileName)>;
 
-  // Its files get the permissions `mode`; whoever may read those may enter it. Throws Error when `finished` is not
-  // a folder, when it is not empty and may not be replaced, and when it holds anything that is not ours.
+  // Its files get the permissions `mode`; whoever may read them may enter the folder. Throws Error if `finished` exists
+  // and is not a folder, if it is not empty and may not be replaced, and if it holds anything that is not ours.
   UnfinishedFolder(const std::string& finished, Existing existing, unsigned int mode, const IsOurs& isOurs);
 
-  // A new file in it. Throws Error after an interrupt, too.
+  // A new file in the folder. Throws Error, also after an interrupt.
   FileOutput file(const std::string& name) const;
 
-  // Flushes it to the disk and gives it its name; what had the name is removed after that. Throws Error, also after
-  // an interrupt; what had the name is whole then.
+  // Flushes the folder to the disk and gives it its name; an old folder of that name is removed after that. Throws
+  // Error, also after an interrupt; the old folder is complete then.
   void finish();
 
  private:

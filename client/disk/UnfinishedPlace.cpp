@@ -8,7 +8,7 @@
 
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 
 namespace tovrdb {
 namespace {
@@ -32,7 +32,7 @@ bool isOurs(const std::string& name) {
   return end != number && end != std::string::npos && name.substr(end) == kEnd;
 }
 
-// An empty folder is not worth a note; it may be one that another run has not locked yet, and makes again.
+// No note about an empty folder: it may be one that another run has not locked yet, and creates again.
 void removeLeftover(const std::string& folder) {
   std::error_code error;
   bool empty = false;
@@ -48,7 +48,7 @@ void removeLeftover(const std::string& folder) {
       fmt::format("{} {}, which a killed run left unfinished", removed ? "removed" : "cannot remove", folder));
 }
 
-// Of a folder that is named as the user named it; empty: the current one.
+// `folder` is as the user named it; empty means the current one.
 void removeLeftovers(const fs::path& folder) {
   std::vector<std::string> found;
   std::error_code error;
@@ -66,11 +66,11 @@ UnfinishedPlace::UnfinishedPlace(const std::string& target) {
   removeLeftovers(pathOf(target).parent_path());
   makeFolder(target);
   path_ = textOf(pathOf(folder_) / pathOf(target).filename());
-  folderRemoved_.emplace(folder_);
-  pathRemoved_.emplace(path_);
+  folderRemoved_.emplace(absolutePath(folder_));
+  pathRemoved_.emplace(absolutePath(path_));
 }
 
-// Between its making and its locking another run may take the folder for a leftover and remove it.
+// Until the folder is locked another run may take it for a leftover and remove it.
 void UnfinishedPlace::makeFolder(const std::string& target) {
   std::error_code error;
   for (int attempt = 0; !lock_ || !fs::is_directory(pathOf(folder_), error); ++attempt) {

@@ -1,4 +1,4 @@
-// Where something is written until it is complete: a folder beside its target.
+// The folder beside its target in which a new file or folder is written until it is complete.
 #pragma once
 
 #include <optional>
@@ -9,15 +9,15 @@
 
 namespace tovrdb {
 
-// A folder that only its owner can enter, so that nobody else plants a link in it or reads what is half done. It is
-// locked as long as this lives. Making one removes those in the same folder whose writer was killed, and tells which.
+// Only its owner can enter the folder, so that nobody else plants a link in it or reads an incomplete file. It is
+// locked as long as this lives. Creating one removes leftovers of killed runs in the same folder, with a note for each.
 class UnfinishedPlace {
  public:
-  // Throws Error if the folder of `target` takes no new folder.
+  // Throws Error if no folder can be created beside `target`.
   explicit UnfinishedPlace(const std::string& target);
   UnfinishedPlace(const UnfinishedPlace&) = delete;
   UnfinishedPlace& operator=(const UnfinishedPlace&) = delete;
-  // Removes the folder and what is left in it. An interrupt removes the folder, too, unless it holds more than path().
+  // Removes the folder and what is left in it. So does an interrupt, if the folder holds nothing but path().
   ~UnfinishedPlace();
 
   // The path of the new file or folder, which has the target's name but does not exist yet.

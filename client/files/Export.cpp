@@ -13,7 +13,7 @@
 #include "client/files/Exchange.h"
 #include "client/files/StoredRows.h"
 #include "client/reading/NumberForms.h"
-#include "client/session/Tables.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrdb {
 namespace {
@@ -58,7 +58,7 @@ class Exporter {
 
   Json everything() {
     Json tables = Json::object();
-    for (const std::string& table : kTables) tables[table] = rows(table);
+    for (const char* table : kTables) tables[table] = rows(table);
     for (const PayloadOwner& owner : kPayloadOwners) dropOwners(tables, owner);
     Json sequence = Json::object();
     for (const Row& row : queryRows(session_.connection(), "select name, seq from sqlite_sequence order by name")) {

@@ -5,14 +5,12 @@
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
 #include "client/checks/Check.h"
-#include "client/disk/Paths.h"
-#include "client/disk/UnfinishedFile.h"
+#include "client/disk/FileOutput.h"
+#include "client/disk/Platform.h"
 #include "client/files/NewFiles.h"
 #include "client/files/StoredRows.h"
-#include "client/session/LibraryError.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 
 namespace tovrdb {
 namespace {
@@ -128,7 +126,7 @@ void copyAll(Session& session, Progress& progress, std::uint64_t bytes) {
   requireSameSet(session, "type, name, tbl_name, sql", "sqlite_master");
   requireSameSet(session, "name, seq", "sqlite_sequence");
   requireSameForeignTables(session);
-  for (const std::string& table : kTables) {
+  for (const char* table : kTables) {
     requireSameRows(session, table);
     progress.advance(bytes / kTables.size());
   }

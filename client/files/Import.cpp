@@ -7,11 +7,11 @@
 #include "client/base/Listener.h"
 #include "client/cells/CellBlock.h"
 #include "client/contents/StoredBlob.h"
-#include "client/disk/FileInput.h"
-#include "client/disk/Paths.h"
+#include "client/disk/FileOutput.h"
+#include "client/disk/Platform.h"
 #include "client/files/Exchange.h"
 #include "client/files/StoredRows.h"
-#include "client/session/Tables.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrdb {
 namespace {
@@ -111,7 +111,7 @@ Json readManifest(const std::string& folder) {
     refuseJson(kManifestName, "it is of another format, or of a version that this program does not know");
   }
   const Json& tables = member(manifest, "tables", kManifestName);
-  for (const std::string& table : kTables) requireArray(member(tables, table.c_str(), "\"tables\""), table);
+  for (const char* table : kTables) requireArray(member(tables, table, "\"tables\""), table);
   if (tables.size() != kTables.size()) refuseJson(kManifestName, "it has tables that no database file has");
   return manifest;
 }
@@ -120,7 +120,7 @@ void importFolder(Session& session, const std::string& folder, const Json& manif
   session.require(session.manager().createTables());
   Transaction transaction(session);
   Importer importer(session, folder, manifest);
-  for (const std::string& table : kTables) importer.rows(table);
+  for (const char* table : kTables) importer.rows(table);
   setSequence(session, member(manifest, "sequence", kManifestName));
   transaction.commit();
 }

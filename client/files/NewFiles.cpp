@@ -6,10 +6,10 @@
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
 #include "client/checks/Check.h"
-#include "client/disk/Paths.h"
+#include "client/disk/DatabaseFiles.h"
+#include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
-#include "client/disk/UnfinishedFile.h"
-#include "client/session/LibraryError.h"
+#include "client/session/FileDiagnosis.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
 
@@ -34,7 +34,7 @@ bool holdWithoutLog(Session& session, const std::string& file) {
   if (isBusy(code)) return false;
   session.require(code);
   std::error_code error;
-  const std::uintmax_t size = fs::file_size(pathOf(followedLink(file) + "-wal"), error);
+  const std::uintmax_t size = fs::file_size(pathOf(followedLink(file) + kWalSuffix), error);
   if (error || size == 0) return true;
   session.require(session.connection().exec("ROLLBACK"));
   return false;

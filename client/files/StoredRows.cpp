@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "client/session/Damage.h"
-#include "client/session/Tables.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrdb {
 namespace {

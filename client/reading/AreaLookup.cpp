@@ -8,7 +8,7 @@
 #include "client/base/Text.h"
 #include "client/contents/AreaWords.h"
 #include "client/reading/Mosaic.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {

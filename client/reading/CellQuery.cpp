@@ -11,7 +11,7 @@
 #include "client/contents/Screens.h"
 #include "client/reading/AreaLookup.h"
 #include "client/reading/NumberForms.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {

@@ -7,22 +7,15 @@
 #include <limits>
 #include <stdexcept>
 
-#include "client/session/LibraryError.h"
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {
 namespace {
 
-// SQLite's codes; newer versions of SQLCipher answer the first for a page that they cannot decipher.
-constexpr int kEngineError = 1;
-constexpr int kReadFailed = 10;
-constexpr int kMalformed = 11;
-constexpr int kNotADatabase = 26;
-
 constexpr std::array<const char*, 6> kScreenNumbers = {"id", "dbid", "left", "top", "right", "bottom"};
 
-// Whether the library reads a number at the beginning of the text.
+// Whether the library can parse a number at the beginning of the text.
 bool isNumber(const std::string& text) {
   char* end = nullptr;
   const long long value = std::strtoll(text.c_str(), &end, 10);
@@ -49,8 +42,8 @@ bool isNumber(const std::string& text) {
 
 bool isDamage(const Error& error) {
   const int status = error.status();
-  return status == tovr::kCipherFailed || status == tovr::kBlockTooSmall || status == kEngineError ||
-         status == kReadFailed || status == kMalformed || status == kNotADatabase;
+  return status == tovr::kCipherFailed || status == tovr::kBlockTooSmall || status == kErrorStatus ||
+         status == kReadFailedStatus || status == kMalformedStatus || status == kNotADatabaseStatus;
 }
 
 bool isNoFault(const Error& error) { return isEnded(error.kind()) || error.kind() == kBusy; }

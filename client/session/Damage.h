@@ -1,7 +1,7 @@
-// Damage in a file: which failures mean it, and how reading goes on beside it.
+// Damage in a file: which failures mean it, and how to go on reading what is not damaged.
 //
-// What reads many rows reads them at once, and one by one only if that fails: the rows that cannot be read then carry a
-// fault, a text for people, and all others are as usual.
+// Many rows are read at once, and one by one only if that fails: rows that cannot be read then carry a fault, a text
+// for people, and all others are as usual.
 #pragma once
 
 #include <string>
@@ -11,22 +11,22 @@
 
 namespace tovrdb {
 
-// Whether a read failed because of what the file holds: a page or a blob that is not as it was written.
+// Whether a read failed because a page or a blob of the file is not as it was written.
 bool isDamage(const Error& error);
 
 // Whether the error says nothing about the file: an interrupt, another program that keeps it busy.
 bool isNoFault(const Error& error);
 
-// From here on one state of the file is read, whoever else writes to it. After a page that could not be read the engine
-// refuses every other until this is called.
+// From here on reads see one state of the file. Call it also after a page that could not be read: until then the engine
+// refuses all others.
 void beginAgain(Session& session);
 
-// Throws Error: `subject` cannot be read because of `fault`. Its status is kCipherFailed, as of all damage that the
-// engine does not see.
+// Throws Error: `subject` cannot be read because of `fault`. Its status is kCipherFailed, the status of all damage that
+// the engine cannot see.
 [[noreturn]] void refuseDamaged(const std::string& subject, const std::string& fault);
 
-// The library's queryData. For a screen row that holds no numbers it throws an exception of its own; here that is a
-// Error that names the row. Returns the library's code.
+// Calls the library's queryData and returns its code. For a screen row without valid numbers the library throws an
+// exception of its own; this throws Error, which names the row.
 int queryLibrary(Session& session, tovr::DataBase& record);
 
 }  // namespace tovrdb

@@ -5,11 +5,15 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrdb {
 namespace {
+
+namespace fs = std::filesystem;
 
 struct Magic {
   const char* bytes;
@@ -27,7 +31,7 @@ constexpr Magic kMagics[] = {
      "a program"},
 };
 
-std::string firstBytes(const std::string& path, std::size_t count) {
+std::string beginningOf(const std::string& path, std::size_t count) {
   std::ifstream file(pathOf(path), std::ios::binary);
   std::string bytes(count, '\0');
   file.read(bytes.data(), static_cast<std::streamsize>(count));
@@ -42,23 +46,22 @@ bool isText(const std::string& bytes) {
   });
 }
 
-// Encrypted bytes are as good as random: one in 256 is zero.
+// Encrypted bytes look random: one in 256 is zero.
 bool isMostlyZero(const std::string& bytes) {
   const auto zeros = std::count(bytes.begin(), bytes.end(), '\0');
   return zeros > static_cast<std::ptrdiff_t>(bytes.size() / 8);
 }
 
-// Empty if the size says nothing.
+// Empty if the size is a whole number of pages.
 std::string oddSize(const std::string& path, std::int64_t pageSize) {
-  const auto size = static_cast<std::int64_t>(std::filesystem::file_size(pathOf(path)));
+  const auto size = static_cast<std::int64_t>(fs::file_size(pathOf(path)));
   if (pageSize <= 0 || size % pageSize == 0) return {};
   return fmt::format("its {} bytes are not a whole number of pages of {} bytes", size, pageSize);
 }
 
-}  // namespace
-
+// For a file that the key does not open.
 Error diagnoseUnreadable(const std::string& path, const std::string& key, std::int64_t pageSize) {
-  const std::string start = firstBytes(path, 512);
+  const std::string start = beginningOf(path, 512);
   for (const Magic& magic : kMagics) {
     if (start.rfind(magic.bytes, 0) != 0) continue;
     return {kFileProblem, "it is not an encrypted database: it begins like {}", magic.what};
@@ -90,10 +93,38 @@ Error diagnoseUnreadable(const std::string& path, const std::string& key, std::i
       "cipher settings made looks the same"};
 }
 
+// For a file whose first page the key opens, but which the engine calls damaged.
 Error diagnoseDamaged(const std::string& path, std::int64_t pageSize) {
   const std::string odd = oddSize(path, pageSize);
   return {kDamaged, "the key fits, but the file is {}; restore a copy",
           odd.empty() ? "truncated or damaged" : "truncated: " + odd};
+}
+
+}  // namespace
+
+void requireDatabaseFile(const std::string& path) {
+  std::error_code error;  // opening a missing file would create it
+  const fs::file_status status = fs::status(pathOf(path), error);
+  if (!fs::exists(status)) {
+    throw Error(kFileProblem, "there is no such file").suggest(Remedy::kCreateFile);
+  }
+  if (!fs::is_regular_file(status)) throw Error(kFileProblem, "it is not a file");
+  if (!std::ifstream(pathOf(path), std::ios::binary)) {
+    throw Error(kFileProblem, "the file cannot be read; check its permissions");
+  }
+  constexpr std::string_view kPlainDatabase = "SQLite format 3";
+  const std::string start = beginningOf(path, kPlainDatabase.size());
+  if (start.empty()) throw Error(kFileProblem, "the file is empty (0 bytes); it never was a database");
+  if (start == kPlainDatabase) {
+    throw Error(kFileProblem, "it is an SQLite database, but not an encrypted one");
+  }
+}
+
+Error diagnosed(const Error& error, const std::string& path, const std::string& key, std::int64_t pageSize) {
+  if (error.status() != kNotADatabaseStatus && error.status() != kMalformedStatus) return error;
+  Error diagnosis =
+      error.status() == kNotADatabaseStatus ? diagnoseUnreadable(path, key, pageSize) : diagnoseDamaged(path, pageSize);
+  return diagnosis.setStatus(error.status());
 }
 
 }  // namespace tovrdb

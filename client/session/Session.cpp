@@ -5,38 +5,35 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <thread>
 
 #include "client/base/Listener.h"
 #include "client/base/Text.h"
-#include "client/disk/Paths.h"
+#include "client/disk/DatabaseFiles.h"
 #include "client/disk/Platform.h"
 #include "client/session/FileDiagnosis.h"
-#include "client/session/LibraryError.h"
-#include "client/session/PluginPath.h"
 #include "client/session/SqlQuery.h"
-#include "client/session/Tables.h"
 
 namespace tovrdb {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kDamagedFile = 11;
-constexpr int kNotADatabase = 26;
 constexpr unsigned int kSecond = 1000;
 constexpr unsigned int kSilentWait = 300;  // milliseconds
 constexpr std::chrono::milliseconds kBetweenAttempts{20};
+constexpr char kFirstRead[] = "select count(*) from sqlite_master";
 
 std::string missingTables(tovr::IDBOperate& connection) {
   const auto rows = queryRows(connection, "select name from sqlite_master where type = 'table'");
   std::vector<std::string> missing;
-  for (const std::string& table : kTables) {
+  for (const char* table : kTables) {
     if (std::none_of(rows.begin(), rows.end(), [&](const Row& row) { return row[0] == table; }))
-      missing.push_back(table);
+      missing.emplace_back(table);
   }
   if (missing.empty()) return {};
   return missing.size() == kTables.size() ? "all nine of them" : shortList(missing);
@@ -56,34 +53,30 @@ std::int64_t enginePageSize(tovr::IDBOperate& connection) {
   }
 }
 
-// Why a file does not open, as far as its bytes tell.
-Error diagnosed(const Error& error, const std::string& path, const std::string& key, std::int64_t pageSize) {
-  if (error.status() != kNotADatabase && error.status() != kDamagedFile) return error;
-  Error diagnosis =
-      error.status() == kNotADatabase ? diagnoseUnreadable(path, key, pageSize) : diagnoseDamaged(path, pageSize);
-  diagnosis.setStatus(error.status());
-  return diagnosis;
+// A bare name means a file in the current folder first, as for any other file, and not the system's search.
+std::string asFile(const std::string& name) {
+  std::error_code error;
+  return fs::exists(pathOf(name), error) ? textOf(fs::absolute(pathOf(name), error)) : name;
+}
+
+constexpr char kLibraryFolder[] = "../" TOVRDB_LIBRARY_FOLDER;
+
+std::string pluginPath(const std::string& given) {
+  if (!given.empty()) return asFile(given);
+  const char* named = std::getenv("TOVRDB_PLUGIN");
+  if (named != nullptr && *named != '\0') return asFile(named);
+
+  const fs::path folder = pathOf(programFolder());
+  const char* const places[] = {".", "../lib", kLibraryFolder, "../src"};
+  for (const char* place : places) {
+    std::error_code error;
+    const fs::path candidate = folder / place / TOVRDB_PLUGIN_NAME;
+    if (!folder.empty() && fs::exists(candidate, error)) return textOf(candidate.lexically_normal());
+  }
+  return TOVRDB_PLUGIN_NAME;
 }
 
 }  // namespace
-
-void requireDatabaseFile(const std::string& path) {
-  std::error_code error;  // opening a missing file would make it
-  const fs::file_status status = fs::status(pathOf(path), error);
-  if (!fs::exists(status)) {
-    throw Error(kFileProblem, "there is no such file").suggest(Remedy::kCreateFile);
-  }
-  if (!fs::is_regular_file(status)) throw Error(kFileProblem, "it is not a file");
-  std::ifstream file(pathOf(path), std::ios::binary);
-  if (!file) throw Error(kFileProblem, "the file cannot be read; check its permissions");
-  constexpr std::size_t kMagicLength = 15;
-  std::string start(kMagicLength, '\0');
-  file.read(start.data(), kMagicLength);
-  if (file.gcount() == 0) throw Error(kFileProblem, "the file is empty (0 bytes); it never was a database");
-  if (start == "SQLite format 3") {
-    throw Error(kFileProblem, "it is an SQLite database, but not an encrypted one");
-  }
-}
 
 std::unique_ptr<tovrhost::PluginHost> loadPlugin(const std::string& plugin) {
   try {
@@ -98,12 +91,12 @@ Session Session::openExisting(const Access& access, const std::string& path, con
   Session session(loadPlugin(access.plugin));
   session.patience_ = access.patience;
   session.whileWaiting_ = access.whileWaiting;
-  session.path_ = textOf(fs::absolute(pathOf(path)));
+  session.path_ = absolutePath(path);
   session.identity_ = fileIdentity(path);
   try {
     session.requireRightKey(session.openPatiently(path, key));
     session.setPatience(access.patience * kSecond);
-    // More than FULL, which flushes all but the end of the journal, and so may undo the last change.
+    // FULL does not flush the end of the journal, so a power cut could undo the last change.
     if (access.flushed) session.require(session.connection().exec("PRAGMA synchronous = EXTRA"));
     session.probe();
   } catch (const Error& error) {
@@ -131,21 +124,21 @@ Session::~Session() {
 }
 
 int Session::open(const std::string& path, const std::string& key) {
-  open_ = true;  // also when it fails half-way
+  open_ = true;  // also if it fails half-way
   return manager().openDB(path, key);
 }
 
-// The library reads the file before it can be told to wait. Where a power cut has torn the beginning of the file, the
-// engine takes its key from there before it plays the journal back: the first attempt puts the file right and fails.
+// The library reads the file before it can be told to wait. If a power cut has torn the beginning of the file, the
+// engine derives its key from there before it plays the journal back: the first attempt repairs the file and fails.
 int Session::openPatiently(const std::string& path, const std::string& key) {
   std::error_code error;
-  const bool unfinished = fs::exists(pathOf(path + "-journal"), error);
+  const bool unfinished = fs::exists(pathOf(path + kJournalSuffix), error);
   int code = 0;
   waitFor([&] {
     code = open(path, key);
     return !isBusy(code);
   });
-  return code == kNotADatabase && unfinished ? open(path, key) : code;
+  return code == kNotADatabaseStatus && unfinished ? open(path, key) : code;
 }
 
 bool Session::waitFor(const std::function<bool()>& attempt) const {
@@ -210,7 +203,7 @@ SessionState Session::state() {
 
 void Session::beginReading() {
   require(connection().exec("begin"));
-  queryNumber(connection(), "select count(*) from sqlite_master");
+  queryNumber(connection(), kFirstRead);
 }
 
 void Session::resumeReading() {
@@ -229,14 +222,13 @@ void Session::resumeReading() {
 std::int64_t Session::writtenRows() { return queryNumber(connection(), "select total_changes()"); }
 
 void Session::requireRightKey(int code) {
-  if (code == kNotADatabase) throw statusError(code, "the key is wrong, or the file is not a database");
+  if (code == kNotADatabaseStatus) throw statusError(code, "the key is wrong, or the file is not a database");
   require(code);
 }
 
-// The first read: only now does a wrong key show.
+// Only the first read shows that a key is wrong.
 void Session::probe() {
-  const std::string sql = "select count(*) from sqlite_master";
-  int code = connection().prepare_v2(sql.c_str(), static_cast<int>(sql.size()));
+  int code = connection().prepare_v2(kFirstRead, static_cast<int>(std::strlen(kFirstRead)));
   if (code == 0) {
     connection().step();
     code = connection().finalize();
@@ -255,7 +247,7 @@ void Session::close() {
   require(manager().closeDB());
 }
 
-// Savepoints of one name nest: each statement means the youngest.
+// Savepoints of one name nest: each statement means the innermost.
 Transaction::Transaction(Session& session) : session_(session), inner_(session.inTransaction()) {
   session_.require(session_.execPatiently(inner_ ? "SAVEPOINT inner" : "BEGIN IMMEDIATE"));
   if (!inner_) session_.rowsBefore_ = session_.writtenRows();
@@ -281,8 +273,8 @@ void Transaction::rollBack() {
   --session_.transactions_;
   session_.connection().exec(inner_ ? "ROLLBACK TO inner; RELEASE inner" : "ROLLBACK");
   ++session_.undone_;
-  // After a failure of the disk the engine leaves the undoing, and the room that it takes, to the next read.
-  if (!inner_) session_.connection().exec("select count(*) from sqlite_master");
+  // After a failure of the disk the engine leaves undoing the change, and freeing its space, to the next read.
+  if (!inner_) session_.connection().exec(kFirstRead);
 }
 
 void Transaction::commit() {

@@ -1,22 +1,98 @@
 #include "client/session/SqlQuery.h"
 
+#include <fmt/core.h>
+
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 
-#include "client/session/LibraryError.h"
+#include "host/StatusText.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {
+namespace {
 
-void requireEngine(tovr::IDBOperate& connection, int code, const std::string& where, const std::string& detail) {
-  if (code == 0) return;
-  // Codes of the library's own say it all, and so does one that the connection knows nothing of.
-  const char* words = code < tovr::kNoConnection && connection.errCode() != 0 ? connection.errMsg() : nullptr;
-  const Error error = libraryError(code, words != nullptr ? words : "", detail);
-  throw where.empty() ? error : error.about(where);
+// SQLite's result codes that mean more than a refusal.
+struct EngineStatus {
+  int status;
+  ErrorKind kind;
+  const char* words;   // the engine's own, by which a statement that runs others reports their failure
+  const char* advice;  // follows "nothing was changed"; null: neither is said, since reads fail with the code, too
+  bool check = false;  // checking the file tells more
+};
+
+constexpr EngineStatus kEngineStatuses[] = {
+    {kErrorStatus, kRefused, nullptr, "", true},
+    {kBusyStatus, kBusy, "database is locked", nullptr},
+    {6, kBusy, "database table is locked", nullptr},
+    {7, kRefused, "out of memory", ": close other programs and try again"},
+    {8, kFileProblem, "attempt to write a readonly database", ""},
+    {kReadFailedStatus, kFileProblem, "disk I/O error", "", true},
+    {kMalformedStatus, kDamaged, "database disk image is malformed", nullptr},
+    {13, kNoSpace, "database or disk is full", ": free some space on it and try again"},
+    {14, kFileProblem, "unable to open database file", nullptr},
+    {18, kRefused, "string or blob too big", ""},
+    {19, kRefused, nullptr, ""},
+};
+
+template <class Predicate>
+const EngineStatus* findStatus(const Predicate& suits) {
+  const auto found = std::find_if(std::begin(kEngineStatuses), std::end(kEngineStatuses), suits);
+  return found != std::end(kEngineStatuses) ? found : nullptr;
 }
 
-std::string quotedName(const std::string& name) {
+ErrorKind kindOf(int status) {
+  if (status == tovr::kCipherFailed || status == tovr::kBlockTooSmall) return kDamaged;
+  const auto* known = findStatus([&](const EngineStatus& each) { return each.status == status; });
+  return known != nullptr ? known->kind : kRefused;
+}
+
+std::string engineText(const EngineStatus& known, const std::string& engineWords) {
+  std::string text = tovrhost::statusText(known.status);
+  if (!engineWords.empty() && (known.words == nullptr || engineWords != known.words)) text += " (" + engineWords + ")";
+  if (known.advice != nullptr) text += std::string("; nothing was changed") + known.advice;
+  return text;
+}
+
+}  // namespace
+
+bool isTable(std::string_view name) { return std::find(kTables.begin(), kTables.end(), name) != kTables.end(); }
+
+bool isBusy(int status) { return kindOf(status) == kBusy; }
+
+Error libraryError(int code, const std::string& engineWords, const std::string& detail) {
+  const auto* known = findStatus([&](const EngineStatus& each) {
+    return code == kErrorStatus ? each.words != nullptr && engineWords == each.words : each.status == code;
+  });
+  if (known == nullptr && code == kErrorStatus) known = &kEngineStatuses[0];
+  const int status = known != nullptr ? known->status : code;
+  if (isBusy(status)) {
+    return Error(kBusy, "{}: another program is using the file", status).setStatus(status).suggest(Remedy::kWait);
+  }
+  std::string text = known != nullptr ? engineText(*known, engineWords) : tovrhost::statusText(status);
+  if (known == nullptr && !engineWords.empty()) text += " (" + engineWords + ")";
+  if (!detail.empty()) text += "; " + detail;
+  Error error = statusError(status, fmt::format("{}: {}", status, text));
+  if (known != nullptr && known->check) error.suggest(Remedy::kCheckFile);
+  return error;
+}
+
+Error statusError(int status, const std::string& text) {
+  Error error(kindOf(status), text);
+  error.setStatus(status);
+  return error;
+}
+
+void requireEngine(tovr::IDBOperate& connection, int code, const std::string& subject, const std::string& detail) {
+  if (code == 0) return;
+  // The engine has no words for codes of the library's own, and none if the connection has not failed.
+  const char* words = code < tovr::kNoConnection && connection.errCode() != 0 ? connection.errMsg() : nullptr;
+  const Error error = libraryError(code, words != nullptr ? words : "", detail);
+  throw subject.empty() ? error : error.about(subject);
+}
+
+std::string quotedName(std::string_view name) {
   std::string quoted = "\"";
   for (const char c : name) quoted += c == '"' ? "\"\"" : std::string(1, c);
   return quoted + '"';

@@ -7,8 +7,7 @@
 #include "client/base/Error.h"
 #include "client/contents/AreaWords.h"
 #include "client/contents/StoredBlob.h"
-#include "client/session/LibraryError.h"
-#include "client/session/Tables.h"
+#include "client/session/SqlQuery.h"
 #include "client/storing/BlockRows.h"
 #include "storage/StatusCodes.h"
 

@@ -11,8 +11,8 @@
 
 #include "client/base/Error.h"
 #include "client/base/Json.h"
-#include "client/disk/FileInput.h"
-#include "client/disk/Paths.h"
+#include "client/disk/FileOutput.h"
+#include "client/disk/Platform.h"
 
 namespace tovrdb {
 namespace {
@@ -85,11 +85,11 @@ CellBlock readBlock(const BlockFile& file, std::optional<NumberType>& dtype) {
 
 }  // namespace
 
-std::vector<BlockFile> blocksOfManifest(const std::string& path) {
+std::vector<BlockFile> blocksOfManifest(const std::string& path, const std::vector<unsigned char>& text) {
   const fs::path parent = pathOf(path).parent_path();
   const std::string folder = parent.empty() ? "." : textOf(parent);
   std::vector<BlockFile> blocks;
-  const Json manifest = readJson(path);
+  const Json manifest = parseJson(text, path);
   for (const Json& value : requireArray(manifest, path)) {
     blocks.push_back(blockOfJson(value, folder, fmt::format("block {} of {}", blocks.size() + 1, path)));
   }

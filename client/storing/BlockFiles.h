@@ -16,10 +16,10 @@ struct BlockFile {
   BlockText text;
 };
 
-// The files of a manifest: a JSON list of {"file": NAME, "type": NUMBER, "rect": [L, T, R, B]} and, where wanted,
-// "screen", "area", "version", "scale" ("1/16384") and "unit"; files lie in the manifest's folder or below it. Throws
-// Error, which names the block at fault.
-std::vector<BlockFile> blocksOfManifest(const std::string& path);
+// The files of the manifest `text`, read from `path`: a JSON list of {"file": NAME, "type": NUMBER, "rect": [L, T, R,
+// B]} and, where wanted, "screen", "area", "version", "scale" ("1/16384") and "unit"; files lie in the manifest's
+// folder or below it. Throws Error, which names the block at fault.
+std::vector<BlockFile> blocksOfManifest(const std::string& path, const std::vector<unsigned char>& text);
 
 // The .npy files of a folder, named [screen_]T<type>_L,T,R,B.npy, in the order of their names; other files are left
 // alone. Throws Error for a .npy file of another name.

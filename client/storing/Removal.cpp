@@ -8,7 +8,6 @@
 
 #include "client/base/Text.h"
 #include "client/contents/AreaWords.h"
-#include "client/session/LibraryError.h"
 #include "client/session/SqlQuery.h"
 #include "client/storing/BlockRows.h"
 #include "storage/StatusCodes.h"

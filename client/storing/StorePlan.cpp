@@ -11,7 +11,7 @@
 #include "client/contents/AreaWords.h"
 #include "client/contents/ScreenNames.h"
 #include "client/reading/NumberForms.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "client/storing/PlaceIndex.h"
 #include "manager/DataRecords.h"
 #include "storage/StatusCodes.h"

@@ -4,7 +4,7 @@
 
 #include "client/cells/CellNumbers.h"
 #include "client/reading/NumberForms.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "client/storing/AreaPatch.h"
 #include "storage/StatusCodes.h"
 

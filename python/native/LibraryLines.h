@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "client/disk/Platform.h"
+#include "client/disk/Descriptors.h"
 
 namespace tovrdb::python {
 

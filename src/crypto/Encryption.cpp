@@ -8,9 +8,10 @@
 namespace tovr {
 namespace {
 
-// The first word of an object with virtual functions, on every supported compiler: the address of their table, which
-// no two classes share.
-const void* tableOf(const IEncryption& service) {
+// The address of the object's virtual table: its first word in the Itanium and Microsoft C++ ABIs, though the standard
+// does not say so. No two classes share a table, as they have different functions. With another ABI, or tables merged
+// or replaced at link or run time, own() could take a host's object for ours; BlobServiceTest has such objects.
+const void* virtualTableOf(const IEncryption& service) {
   const void* table = nullptr;
   std::memcpy(&table, static_cast<const void*>(&service), sizeof table);
   return table;
@@ -21,8 +22,8 @@ const void* tableOf(const IEncryption& service) {
 Encryption::Encryption() : des_(std::make_unique<DES>()) {}
 
 Encryption* Encryption::own(IEncryption& service) {
-  static const void* const ownTable = tableOf(Encryption());
-  return tableOf(service) == ownTable ? static_cast<Encryption*>(&service) : nullptr;
+  static const void* const ownTable = virtualTableOf(Encryption());
+  return virtualTableOf(service) == ownTable ? static_cast<Encryption*>(&service) : nullptr;
 }
 
 std::shared_ptr<const DESKey> Encryption::ready(const std::string& key) const {

@@ -13,9 +13,6 @@ using Bytes = IEncryption::Bytes;
 
 constexpr std::size_t kBlock = 8;
 
-// Every blob's DES key, which is its first initialisation vector too.
-const char* const kBlobKey = "kelptarn";
-
 // What rows and the gaps between them are deciphered into at once: small enough to stay in a processor's cache.
 constexpr std::size_t kPiece = std::size_t{64} * 1024;
 

@@ -11,6 +11,9 @@ namespace tovr {
 
 constexpr std::size_t kLengthPrefixSize = 4;
 
+// The DES key of every blob, in every file; also the initialisation vector of its first cipher block.
+constexpr char kBlobKey[] = "kelptarn";
+
 std::array<unsigned char, kLengthPrefixSize> lengthPrefix(std::uint32_t length);
 
 // The payload's length out of the first bytes of a framed buffer of `framedSize` bytes; `framed` holds as many of them

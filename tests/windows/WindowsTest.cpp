@@ -5,7 +5,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "crypto/Encryption.h"
 #include "host/PluginHost.h"
 #include "tests/support/Files.h"

@@ -5,11 +5,12 @@
 
 #include "client/base/Error.h"
 #include "client/base/Text.h"
-#include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/KeySource.h"
+#include "client/session/FileDiagnosis.h"
 #include "tool/io/Message.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 

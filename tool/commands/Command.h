@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "client/session/Access.h"
 #include "client/session/Session.h"
 #include "tool/io/StandardOutput.h"
 namespace tovrdb::tool {

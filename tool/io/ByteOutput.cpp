@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "client/base/Error.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 
 namespace tovrdb::tool {
 

@@ -1,4 +1,4 @@
-// Where a command's payload goes: a file, or standard output.
+// The destination of a command's payload: a file, or standard output.
 #pragma once
 
 #include <cstddef>
@@ -19,18 +19,17 @@ struct OutputOptions {
 
 class ByteOutput {
  public:
-  // Throws Error if the destination takes nothing, and if it is `source`, the file that the bytes come from (if
-  // any): asked before the work, not after.
+  // Throws Error if the destination cannot be written, and if it is `source`, the file that the bytes come from (if
+  // any): before the work, not after.
   ByteOutput(StandardOutput& standard, const OutputOptions& options, const std::string& source);
 
-  // Throws Error if a new file is to hold `bytes` and the disk has no room for them, unless told to replace
-  // whatever there is.
+  // Throws Error if the bytes are for a file and the disk has no room for so many, unless `force` was given.
   void requireRoom(double bytes) const;
 
   void write(const void* bytes, std::size_t size);
   void write(const std::string& text) { write(text.data(), text.size()); }
   void write(const std::vector<unsigned char>& bytes) { write(bytes.data(), bytes.size()); }
-  // The file appears under its name. Without it, nothing does.
+  // The file appears under its name; without a commit it never does.
   void commit();
 
  private:

@@ -7,13 +7,13 @@
 #include <fstream>
 
 #include "client/base/Error.h"
-#include "client/disk/Paths.h"
 #include "client/disk/Platform.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 namespace {
 
-constexpr std::size_t kLongestKey = std::size_t{1} << 16;  // bytes; those that people use have below 100
+constexpr std::size_t kLongestKey = std::size_t{1} << 16;  // bytes; usual keys have fewer than 100
 
 std::string keyFromPrompt(KeyUse use, const KeyKind& kind) {
   if (!isTerminal(kStandardInput)) {
@@ -38,7 +38,7 @@ std::string keyFromAnywhere(const std::string& keyFile, KeyUse use, const KeyKin
   return keyFromPrompt(use, kind);
 }
 
-// What makes the first line of a file unfit for a key: the editor's additions would become part of it. Null: nothing.
+// Why the first line of a file cannot be a key: what an editor adds would become part of it. Null if it can.
 const char* keyFault(const std::string& line) {
   const auto begins = [&line](const char* mark) { return line.rfind(mark, 0) == 0; };
   if (begins("\xEF\xBB\xBF")) return "begins with a byte order mark: save it as UTF-8 without one";

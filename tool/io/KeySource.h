@@ -1,4 +1,4 @@
-// Where keys come from: a file, the environment, or a prompt. Never the command line, which others can read.
+// Reads keys from a file, the environment or a prompt; never from the command line, which other users can see.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@ namespace tovrdb::tool {
 
 enum class KeyUse { kOpen, kCreate };
 
-// How a key is asked for.
+// How a person can give a key.
 struct KeyKind {
   const char* option;
   const char* variable;
@@ -18,11 +18,11 @@ constexpr KeyKind kNewPageKey{"--new-key-file", "TOVRDB_NEW_KEY", "New key"};
 constexpr KeyKind kCipherKey{"--cipher-key-file", "TOVRDB_CIPHER_KEY", "Cipher key"};
 
 // The first line of `keyFile` if that is not empty, else the kind's environment variable, else a prompt on a terminal
-// (for kCreate twice). Throws Error without a source, when the file cannot be read, for an empty key, and for a
+// (for kCreate twice). Throws Error if there is no source, when the file cannot be read, for an empty key, and for a
 // variable that ends with a line break.
 std::string readKey(const std::string& keyFile, KeyUse use, const KeyKind& kind = kPageKey);
 
-// The first line of `path`, without its line end. Throws Error when it cannot be read, begins with a byte order
+// The first line of `path`, without its line end. Throws Error if it cannot be read, begins with a byte order
 // mark, or is not a text.
 std::string readKeyFile(const std::string& path);
 

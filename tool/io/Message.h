@@ -1,12 +1,15 @@
-// Messages for the person at the terminal: standard error, one line each.
+// What the person at the terminal reads on standard error: messages, one line each, and the progress of long work.
 #pragma once
 
 #include <fmt/core.h>
 
+#include <chrono>
+#include <cstdint>
 #include <string>
 #include <utility>
 
 #include "client/base/Error.h"
+#include "client/base/Listener.h"
 #include "client/base/Text.h"
 
 namespace tovrdb::tool {
@@ -18,7 +21,6 @@ void message(fmt::format_string<First, More...> text, First&& first, More&&... m
   message(fmt::format(text, std::forward<First>(first), std::forward<More>(more)...));
 }
 void silenceMessages();
-bool messagesAreSilent();
 
 // "tovrdb: TEXT", always: why the program fails. Long texts lose their middle.
 void complain(const std::string& text);
@@ -45,5 +47,20 @@ ExitCode exitCodeOf(ErrorKind kind);
 
 // What failed, then what the person may do about it, by the options and commands of this program.
 std::string messageOf(const Error& error);
+
+// Shows progress as a bar, waiting and notes as messages. No bar is shown in a pipe, while messages are silenced, with
+// NO_COLOR or TERM=dumb, and for little work.
+class ProgressBar : public Listener {
+ public:
+  void onWait(unsigned int seconds) override;
+  void onNote(const std::string& text) override;
+  void onProgress(const std::string& task, std::uint64_t done, std::uint64_t total) override;
+  void onProgressEnd() override;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  bool shown_ = false;
+  Clock::time_point next_;  // when to draw again
+};
 
 }  // namespace tovrdb::tool

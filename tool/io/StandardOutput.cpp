@@ -1,6 +1,7 @@
 #include "tool/io/StandardOutput.h"
 
 #include "client/base/Error.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 
@@ -10,7 +11,7 @@ StandardOutput::StandardOutput()
 }
 
 StandardOutput::~StandardOutput() {
-  std::fflush(stdout);  // the library's last lines still belong where they were sent
+  std::fflush(stdout);  // the library's last lines go where the others went
 }
 
 void StandardOutput::logLibraryTo(const std::string& path) {

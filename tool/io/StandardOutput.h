@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string>
 
-#include "client/disk/Platform.h"
+#include "client/disk/Descriptors.h"
 
 namespace tovrdb::tool {
 
@@ -19,17 +19,17 @@ class StandardOutput {
   StandardOutput& operator=(const StandardOutput&) = delete;
   ~StandardOutput();
 
-  // Appends the library's lines to a file. Throws Error when it cannot be opened.
+  // Appends the library's lines to a file. Throws Error if it cannot be opened.
   void logLibraryTo(const std::string& path);
   void showLibrary();
 
-  // Results. Throw Error when they cannot be written: kPipeClosed when nobody reads them any more.
+  // Results. Throw Error when they cannot be written: kPipeClosed after their reader has ended.
   void print(const std::string& text);
   void write(const void* bytes, std::size_t size);
-  // Where payloads are to go: throws Error on a terminal.
+  // Call before writing bytes that are not text: throws Error on a terminal.
   void refuseTerminal() const;
 
-  // Everything written so far has arrived, results and log. Throws Error where it has not.
+  // Throws Error unless everything written so far, results and log, has arrived.
   void finish();
 
  private:

@@ -2,24 +2,18 @@
 
 #include <algorithm>
 
-#include "tool/io/Message.h"
+#include "client/base/Text.h"
 
 namespace tovrdb::tool {
 namespace {
 
 constexpr std::size_t kWidest = 200;  // bytes: longer names lose their middle
 
-// Characters of UTF-8: its continuation bytes take no room of their own.
-std::size_t width(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char character) { return (static_cast<unsigned char>(character) & 0xC0) != 0x80; }));
-}
-
 std::string line(const std::vector<Column>& columns, const std::vector<std::size_t>& widths,
                  const std::vector<std::string>& row) {
   std::string text;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    const std::string room(widths[i] - width(row[i]), ' ');
+    const std::string room(widths[i] - characters(row[i]), ' ');
     text += (i == 0 ? "" : "  ") + (columns[i].number ? room + row[i] : row[i] + room);
   }
   text.erase(text.find_last_not_of(' ') + 1);
@@ -33,13 +27,13 @@ std::string textTable(const std::vector<Column>& columns, const TextRows& rows) 
   std::vector<std::size_t> widths;
   for (const Column& column : columns) {
     titles.push_back(printable(column.title, kWidest));
-    widths.push_back(width(titles.back()));
+    widths.push_back(characters(titles.back()));
   }
   TextRows shown = rows;
   for (auto& row : shown) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
       row[i] = printable(row[i], kWidest);
-      widths[i] = std::max(widths[i], width(row[i]));
+      widths[i] = std::max(widths[i], characters(row[i]));
     }
   }
   std::string text = line(columns, widths, titles);

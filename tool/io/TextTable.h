@@ -8,7 +8,7 @@ namespace tovrdb::tool {
 
 struct Column {
   std::string title;
-  bool number = false;  // numbers stand at the right
+  bool number = false;  // aligned right
 };
 
 using TextRows = std::vector<std::vector<std::string>>;

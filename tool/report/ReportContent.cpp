@@ -9,7 +9,7 @@
 
 #include "client/base/Error.h"
 #include "client/base/Listener.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "client/session/SqlQuery.h"
 #include "tool/report/ReportLayer.h"
 
@@ -18,8 +18,6 @@ namespace {
 
 constexpr double kRoom = 23.6e6;  // characters of numbers in a page of at most 25 MB
 constexpr double kMostCabinets = 50000;
-
-std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
 // Leaves out the parts of a damaged file that cannot be read; the verdicts say why.
 template <class Action>
@@ -187,12 +185,12 @@ std::string now() { return fmt::format("{:%Y-%m-%d %H:%M} UTC", fmt::gmtime(std:
 
 ReportContent buildReport(const Access& access, const ReportQuestion& question) {
   ReportContent content;
-  content.file = nameOf(question.file.path);
+  content.file = fileNameOf(question.file.path);
   content.made = now();
   content.cabinet = question.cabinet;
   FileChanges changes;
   if (question.against) {
-    content.against = nameOf(question.against->path);
+    content.against = fileNameOf(question.against->path);
     changes = changesSince(access, question, content);
     content.differences = std::move(changes.differences);
   }

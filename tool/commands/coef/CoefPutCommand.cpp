@@ -4,8 +4,8 @@
 #include "client/base/Listener.h"
 #include "client/base/Text.h"
 #include "client/cells/CellBlock.h"
-#include "client/disk/FileInput.h"
 #include "client/files/NewFiles.h"
+#include "client/session/FileDiagnosis.h"
 #include "client/storing/BlockFiles.h"
 #include "client/storing/StoreBlocks.h"
 #include "tool/commands/Arguments.h"
@@ -13,6 +13,7 @@
 #include "tool/commands/Commands.h"
 #include "tool/io/KeySource.h"
 #include "tool/io/Message.h"
+#include "tool/io/Terminal.h"
 
 namespace tovrdb::tool {
 namespace {
@@ -75,8 +76,8 @@ void requireBlock(const Options& options) {
 
 // And the type of its numbers, where the file tells it.
 CellBlock readBlock(const Options& options, std::optional<NumberType>& dtype) {
-  if (!options.raw.empty()) return blockFromBytes(readWholeFile(options.raw), *options.rect, options.cellBytes);
-  NpyArray array = parseNpy(readWholeFile(options.array), options.array);
+  if (!options.raw.empty()) return blockFromBytes(readInput(options.raw), *options.rect, options.cellBytes);
+  NpyArray array = parseNpy(readInput(options.array), options.array);
   dtype = array.dtype;
   return blockFromArray(std::move(array), options.rect, options.position);
 }
@@ -125,7 +126,8 @@ void putOne(Context& context, const Options& options) {
 }
 
 void putMany(Context& context, const Options& options) {
-  auto files = options.manifest.empty() ? blocksOfFolder(options.folder) : blocksOfManifest(options.manifest);
+  auto files = options.manifest.empty() ? blocksOfFolder(options.folder)
+                                        : blocksOfManifest(options.manifest, readInput(options.manifest));
   for (BlockFile& file : files) {
     if (!file.text.form.isGiven()) file.text.form = options.text.form;
   }

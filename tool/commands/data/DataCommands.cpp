@@ -3,13 +3,13 @@
 #include "client/base/Text.h"
 #include "client/checks/JsonForms.h"
 #include "client/contents/GenericData.h"
-#include "client/disk/FileInput.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
+#include "tool/io/Terminal.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrdb::tool {
@@ -26,7 +26,7 @@ struct Options {
 };
 
 void put(Context& context, const Options& options) {
-  Bytes payload = readWholeFile(options.input);
+  Bytes payload = readInput(options.input);
   const std::size_t size = payload.size();
   Session session = openDatabase(context, options.file);
   const auto notices = putData(session, options.type, options.versionText, std::move(payload));

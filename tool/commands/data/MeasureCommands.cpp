@@ -6,12 +6,12 @@
 #include "client/base/Text.h"
 #include "client/checks/JsonForms.h"
 #include "client/contents/Measurements.h"
-#include "client/disk/FileInput.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/ByteOutput.h"
 #include "tool/io/Message.h"
+#include "tool/io/Terminal.h"
 #include "tool/io/TextTable.h"
 
 namespace tovrdb::tool {
@@ -30,7 +30,7 @@ struct Options {
 };
 
 void put(Context& context, const Options& options) {
-  Bytes payload = readWholeFile(options.input);
+  Bytes payload = readInput(options.input);
   const std::size_t size = payload.size();
   Session session = openDatabase(context, options.file);
   const MeasurementReport report =

@@ -1,4 +1,5 @@
 #include "client/files/NewFiles.h"
+#include "client/session/FileDiagnosis.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

@@ -2,9 +2,8 @@
 #include <filesystem>
 
 #include "client/base/Error.h"
-#include "client/disk/FileInput.h"
-#include "client/disk/Paths.h"
-#include "client/disk/UnfinishedFile.h"
+#include "client/disk/FileOutput.h"
+#include "client/disk/Platform.h"
 #include "client/session/Session.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"

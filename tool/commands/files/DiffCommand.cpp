@@ -8,7 +8,7 @@
 #include "client/base/Error.h"
 #include "client/checks/FileDifference.h"
 #include "client/checks/JsonForms.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
@@ -40,8 +40,6 @@ struct Options {
     return Tolerance{absolute.value_or(0), relative.value_or(0)};
   }
 };
-
-std::string nameOf(const std::string& path) { return textOf(pathOf(path).filename()); }
 
 std::string cellsText(const Difference& difference) {
   const BlockDifference& cells = difference.cells;
@@ -171,7 +169,7 @@ void diff(Context& context, const Options& options) {
   };
   const auto differences = files.compare({options.form, options.tolerance()}, visit);
   if (picture) {
-    output->write(picture->png(fmt::format("{} - {}", nameOf(options.after), nameOf(options.before))));
+    output->write(picture->png(fmt::format("{} - {}", fileNameOf(options.after), fileNameOf(options.before))));
     output->commit();
   }
   context.output.print(report(differences, options));

@@ -1,9 +1,9 @@
 #include <fmt/core.h>
 
 #include "client/base/Text.h"
-#include "client/disk/UnfinishedFile.h"
+#include "client/disk/FileOutput.h"
 #include "client/files/Exchange.h"
-#include "client/session/LibraryError.h"
+#include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"

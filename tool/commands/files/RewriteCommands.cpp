@@ -1,7 +1,7 @@
 
 #include "client/base/Error.h"
+#include "client/checks/FileFacts.h"
 #include "client/files/NewFiles.h"
-#include "client/session/FileGeneration.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

@@ -1,7 +1,7 @@
 #include <fstream>
 
 #include "client/base/Error.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"

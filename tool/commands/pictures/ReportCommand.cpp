@@ -2,7 +2,8 @@
 #include <filesystem>
 
 #include "client/base/Error.h"
-#include "client/disk/Paths.h"
+#include "client/disk/Platform.h"
+#include "client/session/FileDiagnosis.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
