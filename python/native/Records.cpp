@@ -1,10 +1,10 @@
 #include "native/Records.h"
 
-#include <charconv>
 #include <cstdint>
 #include <optional>
 
 #include "client/base/Text.h"
+#include "client/checks/JsonForms.h"
 #include "client/reading/NumberForms.h"
 
 namespace tovrdb::python {
@@ -23,11 +23,8 @@ py::str textOf(const std::string& text) { return decoded(text, "surrogateescape"
 
 // Text only if another program stored something other than a number.
 py::object numberOrText(const std::string& text) {
-  std::int64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto parsed = std::from_chars(text.data(), end, number);
-  if (parsed.ec == std::errc() && parsed.ptr == end) return py::int_(number);
-  return textOf(text);
+  const Json value = tovrdb::numberOrText(text);
+  return value.is_number() ? py::object(py::int_(value.get<std::int64_t>())) : textOf(text);
 }
 
 py::object rectOrNone(const std::optional<Rect>& rect) {
