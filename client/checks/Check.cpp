@@ -15,7 +15,7 @@
 namespace tovrdb {
 namespace {
 
-// Runs one check; what ends it is its last fault.
+// Runs one check. An error that ends it becomes its last fault.
 template <class Check>
 Verdict verdictOf(Session& session, const std::string& name, Check check) {
   Verdict verdict;
@@ -44,7 +44,7 @@ void checkForeignKeys(Session& session, const RowNames& names, Verdict& verdict)
   }
 }
 
-// Keys are read apart from the blobs, so that one damaged blob does not hide the others.
+// Reads keys without blobs, so that one damaged blob does not hide the others.
 std::vector<std::int64_t> keys(Session& session, const std::string& table) {
   std::vector<std::int64_t> found;
   visitRows(session.connection(), fmt::format("select id from {} order by id", table),
@@ -52,7 +52,7 @@ std::vector<std::int64_t> keys(Session& session, const std::string& table) {
   return found;
 }
 
-// Decrypts the payloads, one by one.
+// Decrypts every payload.
 class BlobCheck {
  public:
   BlobCheck(Session& session, const RowNames& names, Progress& progress)
@@ -109,7 +109,7 @@ class BlobCheck {
   BlockSizes sizes_;
 };
 
-// The engine never issues a key below a row's, but keys of deleted rows may come again.
+// A counter below the largest key means that keys of deleted rows may be issued again.
 void checkCounters(Session& session, Verdict& verdict) {
   verdict.detail = "the last key that each table has issued";
   for (const char* table : kTables) {
@@ -155,7 +155,7 @@ std::vector<std::string> pageFaults(Session& session, const std::string& schema)
   tovr::IDBOperate& connection = session.connection();
   std::vector<std::string> faults;
   try {
-    // Engines that do not know the statement answer nothing; a database in memory has no file to be looked at.
+    // Engines that do not know the statement return no rows. A database in memory has no file to check.
     const bool hasFile = !queryRows(connection, "pragma database_list").front()[2].empty();
     const auto unread =
         hasFile ? queryRows(connection, fmt::format("pragma {}.cipher_integrity_check", schema)) : std::vector<Row>();
@@ -164,7 +164,7 @@ std::vector<std::string> pageFaults(Session& session, const std::string& schema)
       std::istringstream lines(row[0] == "ok" ? "" : row[0]);  // several faults in one text
       for (std::string line; std::getline(lines, line);) faults.push_back(line);
     }
-  } catch (const Error& error) {  // a page that ends the reading
+  } catch (const Error& error) {  // a page that stops the engine
     if (isNoFault(error)) throw;
     faults.emplace_back(error.what());
   }

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::int64_t kBatchBytes = std::int64_t{256} << 20;
 
-// What `action` throws, with the file's name: two are at work.
+// Errors of `action` name the file, since two are compared.
 template <class Action>
 auto naming(const std::string& file, Action action) {
   try {
@@ -37,7 +37,7 @@ StoredPayload storedPayload(Session& session, const Item& item) {
   }
 }
 
-// Deciphered.
+// Decrypts a payload.
 StoredPayload payloadOf(Session& session, const StoredPayload& stored) {
   if (!stored.fault.empty()) return stored;
   try {
@@ -59,8 +59,8 @@ std::string summary(const Item& item) {
   return fmt::format("{}", fmt::join(texts, ", "));
 }
 
-BytesDifference compareBytes(const Bytes& before, const Bytes& after) {
-  BytesDifference result{before.size(), after.size(), 0, 0};
+BytesDiffer compareBytes(const Bytes& before, const Bytes& after) {
+  BytesDiffer result{before.size(), after.size(), 0, 0};
   for (std::size_t i = 0; i < std::min(before.size(), after.size()); ++i) {
     if (before[i] == after[i]) continue;
     if (result.differing++ == 0) result.first = i;
@@ -76,7 +76,7 @@ bool sameShape(const Item& before, const Item& after) {
   return before.area && after.area && before.area->cellBytes == after.area->cellBytes;
 }
 
-// One form for both; nothing where it is not known, where the two are kept differently, or the cells do not fit it.
+// The form of both blocks; nothing if it is unknown, if the two differ, or if it does not divide the cells.
 std::optional<NumberForm> commonForm(const StoredArea& before, const StoredArea& after, const FormOptions& options) {
   auto form = chosenForm(options, keptForm(before));
   const auto other = chosenForm(options, keptForm(after));
@@ -116,14 +116,14 @@ std::vector<Item> FileComparison::inventory(const FileAndKey& file) const {
   });
 }
 
-// Finds what one file lacks, and the fields that differ.
+// Finds the items that only one file holds, and the fields that differ.
 void FileComparison::pairItems() {
   std::map<std::string, const Item*> after;
   for (const Item& item : itemsAfter_) after[item.name] = &item;
   for (const Item& item : itemsBefore_) {
     const auto found = after.find(item.name);
     if (found == after.end()) {
-      differences_.push_back({item.name, item.place, Difference::Kind::kOnlyBefore, "", summary(item), "", {}, {}, {}});
+      add(item, OnlyBefore{summary(item)});
       continue;
     }
     const Item& other = *found->second;
@@ -131,15 +131,12 @@ void FileComparison::pairItems() {
     const bool faulty = isFaulty(item) || isFaulty(other);
     for (std::size_t i = 0; i < item.fields.size() && !faulty; ++i) {
       const auto& [field, text] = item.fields[i];
-      if (text == other.fields[i].second) continue;
-      differences_.push_back(
-          {item.name, item.place, Difference::Kind::kField, field, text, other.fields[i].second, {}, {}, {}});
+      if (text != other.fields[i].second) add(item, FieldDiffers{field, text, other.fields[i].second});
     }
     if (item.blob) blobs_.push_back({&item, &other});
   }
   for (const Item& item : itemsAfter_) {
-    if (after.count(item.name) == 0) continue;
-    differences_.push_back({item.name, item.place, Difference::Kind::kOnlyAfter, "", "", summary(item), {}, {}, {}});
+    if (after.count(item.name) != 0) add(item, OnlyAfter{summary(item)});
   }
 }
 
@@ -186,7 +183,7 @@ void FileComparison::compareBatch(std::size_t from, std::size_t to, const Compar
   naming(after_.path, [&] { session.close(); });
 }
 
-// Payloads are enciphered alike in every file, so equal ones need not be deciphered.
+// Every file encrypts equal payloads to equal bytes, so these need not be decrypted.
 void FileComparison::compareBlobs(Session& session, const Pair& pair, const StoredPayload& storedBefore,
                                   const Comparing& how, const VisitBlock& visit) {
   const StoredPayload storedAfter = naming(after_.path, [&] { return storedPayload(session, *pair.after); });
@@ -198,36 +195,26 @@ void FileComparison::compareBlobs(Session& session, const Pair& pair, const Stor
     const CellBlock equal{pair.before->area->rect, pair.before->area->cellBytes, nullptr};
     return visit(*pair.before->area, equal, equal, form);
   }
-  StoredPayload payloadBefore = payloadOf(session, storedBefore), payloadAfter = payloadOf(session, storedAfter);
-  if (!payloadBefore.fault.empty() || !payloadAfter.fault.empty()) {
-    return addFault(pair, payloadBefore.fault, payloadAfter.fault);
-  }
-  Bytes before = std::move(payloadBefore.bytes), after = std::move(payloadAfter.bytes);
-  if (shaped && isBlockOf(*pair.before, before) && isBlockOf(*pair.after, after)) {
-    const StoredArea& area = *pair.before->area;
-    const CellBlock cellsBefore = blockOf(area.rect, area.cellBytes, std::move(before));
-    const CellBlock cellsAfter = blockOf(area.rect, area.cellBytes, std::move(after));
-    if (how.tolerance && !form && !how.form.dtype) refuseUnknownNumbers(*pair.before, *pair.after);
-    visit(area, cellsBefore, cellsAfter, form);
-    addCells(pair, cellsBefore, cellsAfter, form, how.tolerance);
-    return;
-  }
-  const BytesDifference bytes = compareBytes(before, after);
-  if (bytes.differing == 0 && bytes.sizeBefore == bytes.sizeAfter) return;  // only the padding of the cipher
-  differences_.push_back({pair.before->name, pair.before->place, Difference::Kind::kBytes, "", "", "", {}, {}, bytes});
+  StoredPayload before = payloadOf(session, storedBefore), after = payloadOf(session, storedAfter);
+  if (!before.fault.empty() || !after.fault.empty()) return add(*pair.before, Unreadable{before.fault, after.fault});
+  comparePayloads(pair, std::move(before.bytes), std::move(after.bytes), form, how, visit);
 }
 
-void FileComparison::addFault(const Pair& pair, const std::string& before, const std::string& after) {
-  differences_.push_back(
-      {pair.before->name, pair.before->place, Difference::Kind::kFault, "", before, after, {}, {}, {}});
-}
-
-void FileComparison::addCells(const Pair& pair, const CellBlock& before, const CellBlock& after,
-                              const std::optional<NumberForm>& form, const std::optional<Tolerance>& tolerance) {
-  const BlockDifference cells = compareBlocks(before, after, form, form ? tolerance : std::nullopt);
-  if (cells.differing == 0) return;
-  differences_.push_back(
-      {pair.before->name, pair.before->place, Difference::Kind::kCells, "", "", "", cells, form, {}});
+void FileComparison::comparePayloads(const Pair& pair, Bytes before, Bytes after, const std::optional<NumberForm>& form,
+                                     const Comparing& how, const VisitBlock& visit) {
+  const bool shaped = sameShape(*pair.before, *pair.after);
+  if (!shaped || !isBlockOf(*pair.before, before) || !isBlockOf(*pair.after, after)) {
+    const BytesDiffer bytes = compareBytes(before, after);
+    const bool same = bytes.differing == 0 && bytes.sizeBefore == bytes.sizeAfter;  // only the cipher's padding differs
+    return same ? void() : add(*pair.before, bytes);
+  }
+  const StoredArea& area = *pair.before->area;
+  const CellBlock cellsBefore = blockOf(area.rect, area.cellBytes, std::move(before));
+  const CellBlock cellsAfter = blockOf(area.rect, area.cellBytes, std::move(after));
+  if (how.tolerance && !form && !how.form.dtype) refuseUnknownNumbers(*pair.before, *pair.after);
+  visit(area, cellsBefore, cellsAfter, form);
+  const BlockDifference cells = compareBlocks(cellsBefore, cellsAfter, form, form ? how.tolerance : std::nullopt);
+  if (cells.differing != 0) add(*pair.before, CellsDiffer{cells, form});
 }
 
 }  // namespace tovrdb

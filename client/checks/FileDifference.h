@@ -1,10 +1,12 @@
-// What differs between two database files: found here, shown by the command.
+// The differences between two database files.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "client/contents/Inventory.h"
@@ -18,41 +20,57 @@ struct FileAndKey {
   std::string key;
 };
 
-struct BytesDifference {
-  std::size_t sizeBefore = 0;
-  std::size_t sizeAfter = 0;
-  std::size_t differing = 0;  // of those that both have
-  std::size_t first = 0;      // the first of them
+// An item that only one file holds, with its fields on one line.
+struct OnlyBefore {
+  std::string summary;
+};
+struct OnlyAfter {
+  std::string summary;
 };
 
-struct Difference {
-  enum class Kind { kOnlyBefore, kOnlyAfter, kField, kCells, kBytes, kFault };
-  std::string item;
-  ItemPlace place;
-  Kind kind;
-  // kField: of what, and its texts. Items that one file lacks: field and text of the whole. kFault: why the payload of
-  // one file, or of each, cannot be read.
+struct FieldDiffers {
   std::string field;
   std::string before;
   std::string after;
-  BlockDifference cells;
-  std::optional<NumberForm> form;  // of the numbers that `cells` compares; nothing where it compares bits
-  BytesDifference bytes;
 };
 
-// A block that both files hold: the cells of both, without bytes when they are equal in every one, and the form of
-// their numbers as far as it is known.
+struct CellsDiffer {
+  BlockDifference cells;
+  std::optional<NumberForm> form;  // of the compared numbers; nothing if bits were compared
+};
+
+struct BytesDiffer {
+  std::size_t sizeBefore = 0;
+  std::size_t sizeAfter = 0;
+  std::size_t differing = 0;  // of the bytes that both have
+  std::size_t first = 0;      // the first of them
+};
+
+// A payload that cannot be compared: why it cannot be read in one file, or in each.
+struct Unreadable {
+  std::string before;
+  std::string after;
+};
+
+struct Difference {
+  std::string item;
+  ItemPlace place;
+  std::variant<OnlyBefore, OnlyAfter, FieldDiffers, CellsDiffer, BytesDiffer, Unreadable> what;
+};
+
+// Called for a block that both files hold: the cells of both, without bytes if all are equal, and the form of their
+// numbers, if it is known.
 using VisitBlock = std::function<void(const StoredArea& area, const CellBlock& before, const CellBlock& after,
                                       const std::optional<NumberForm>& form)>;
 
-// As it is stored; nothing and the reason if that cannot be read.
+// The bytes of a payload; none, and the reason, if they cannot be read.
 struct StoredPayload {
   Bytes bytes;
   std::string fault;
 };
 
 struct Comparing {
-  FormOptions form;  // blocks whose cells are not a whole number of such values are compared to the bit
+  FormOptions form;  // blocks whose cells are not a whole number of such values are compared bit by bit
   std::optional<Tolerance> tolerance;
 };
 
@@ -61,13 +79,13 @@ class FileComparison {
   // Reads what both files hold, but no payloads. Throws Error, which names the file.
   FileComparison(const Access& access, FileAndKey before, FileAndKey after);
 
-  // Areas of blocks that both hold in the same shape, in the order of the first file; if one file's cannot be read, the
-  // other's.
+  // The areas of the blocks that both files hold in the same shape, in the order of the first file; if the area of one
+  // file cannot be read, the other's.
   std::vector<StoredArea> commonAreas() const;
 
   // Compares everything. Only one file can be open at a time, so payloads are read in turns, some hundred megabytes of
-  // the first file and then the same ones of the second. Throws Error where a tolerance is asked for and nothing
-  // tells the numbers of blocks that differ.
+  // the first file and then the same ones of the second. Throws Error if there is a tolerance and the type of the
+  // numbers in blocks that differ is unknown.
   std::vector<Difference> compare(const Comparing& how, const VisitBlock& visit);
 
  private:
@@ -81,9 +99,12 @@ class FileComparison {
   void compareBatch(std::size_t from, std::size_t to, const Comparing& how, const VisitBlock& visit);
   void compareBlobs(Session& session, const Pair& pair, const StoredPayload& before, const Comparing& how,
                     const VisitBlock& visit);
-  void addFault(const Pair& pair, const std::string& before, const std::string& after);
-  void addCells(const Pair& pair, const CellBlock& before, const CellBlock& after,
-                const std::optional<NumberForm>& form, const std::optional<Tolerance>& tolerance);
+  void comparePayloads(const Pair& pair, Bytes before, Bytes after, const std::optional<NumberForm>& form,
+                       const Comparing& how, const VisitBlock& visit);
+  template <class What>
+  void add(const Item& item, What what) {
+    differences_.push_back({item.name, item.place, std::move(what)});
+  }
 
   Access access_;
   FileAndKey before_;

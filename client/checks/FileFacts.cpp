@@ -21,7 +21,7 @@ std::vector<Fact> description(Session& session) {
           {"database version", "database_version", record->dbversion}};
 }
 
-// Engines leave questions that they do not know unanswered.
+// Engines return no rows for questions that they do not know.
 std::vector<Fact> engine(Session& session) {
   struct Question {
     const char* label;
@@ -47,7 +47,7 @@ std::vector<Fact> engine(Session& session) {
   return facts;
 }
 
-// A blob's length is known without reading it.
+// SQL for the length of a column; the engine knows a blob's without reading it.
 std::string bytesOf(const Row& column) {
   const std::string name = quotedName(column[1]);
   const std::string value = column[2] == "BLOB" ? name : fmt::format("cast({} as blob)", name);

@@ -1,4 +1,4 @@
-// What a database file holds, in figures.
+// The description, the engine and the sizes of a database file.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ struct TableFacts {
   std::string name;
   std::int64_t rows = 0;
   std::int64_t bytes = 0;  // the sum of the lengths of its values
-  std::string fault;       // why they cannot be counted
+  std::string fault;       // why the bytes cannot be counted
 };
 
 struct ScreenFacts {
@@ -31,7 +31,7 @@ struct ScreenFacts {
 struct FileFacts {
   int type = 0;
   std::vector<Fact> description;
-  std::vector<Fact> engine;  // what the engine answers; not what it does not know
+  std::vector<Fact> engine;  // only what the engine reports
   std::vector<TableFacts> tables;
   std::vector<ScreenFacts> screens;
 };

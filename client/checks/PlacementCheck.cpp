@@ -12,7 +12,7 @@
 namespace tovrdb {
 namespace {
 
-// Their columns of whole numbers are read by the library as numbers of 32 bits.
+// The library reads the INTEGER columns of these tables as 32-bit numbers.
 constexpr const char* kNumberTables[] = {"DB_Info", "Screen_Info", "Coef_Info", "DataInfo"};
 
 void checkNumbers(Session& session, const std::string& table, const RowNames& names, Verdict& verdict) {
@@ -31,7 +31,8 @@ void checkNumbers(Session& session, const std::string& table, const RowNames& na
   }
 }
 
-// The screen that the library finds instead of a later one: by rectangle in a database of type 0, by name in type 1.
+// The older screen that the library finds in place of `screen`: by rectangle in a database of type 0, by name in
+// type 1.
 const StoredScreen* foundInstead(const std::vector<StoredScreen>& older, const StoredScreen& screen, int type) {
   const auto hides = [&](const StoredScreen& each) {
     return type == 1 ? each.name == screen.name : holds(each.rect, screen.rect);
@@ -40,7 +41,7 @@ const StoredScreen* foundInstead(const std::vector<StoredScreen>& older, const S
   return found != older.end() ? &*found : nullptr;
 }
 
-// Reads the rows itself: the library refuses all screens if one of them is damaged.
+// Reads the rows without the library, which refuses all screens if one is damaged.
 void checkReachable(Session& session, Verdict& verdict) {
   const int type = session.manager().getDBType();
   tovr::IDBOperate& connection = session.connection();

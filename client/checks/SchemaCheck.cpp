@@ -7,8 +7,8 @@
 namespace tovrdb {
 namespace {
 
-// The engine's own tables begin with "sqlite_"; a trigger counts whatever its name is. Indexes without a statement
-// belong to a table's constraints.
+// Leaves out the engine's own tables, which begin with "sqlite_", and the indexes of constraints, which have no
+// statement.
 constexpr char kSchema[] =
     "select type, name, tbl_name, sql from sqlite_master where not (type = 'table' and lower(substr(name, 1, 7)) ="
     " 'sqlite_') and not (type = 'index' and sql is null) order by type, name";

@@ -1,4 +1,4 @@
-#include "client/disk/FileOutput.h"
+#include "client/disk/FileInput.h"
 
 #include <algorithm>
 #include <filesystem>

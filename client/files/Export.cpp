@@ -18,7 +18,7 @@
 namespace tovrdb {
 namespace {
 
-// The manifest, or TABLE-KEY.npy or .bin.
+// Whether an export writes files of this name: the manifest, TABLE-KEY.npy and TABLE-KEY.bin.
 bool isOurs(const std::string& fileName) {
   if (fileName == kManifestName) return true;
   const std::size_t dash = fileName.find('-');
@@ -30,7 +30,7 @@ bool isOurs(const std::string& fileName) {
          (kind == ".npy" || kind == ".bin");
 }
 
-// The first area that refers to a block, by the block's key.
+// By the key of a block: the first area that refers to it.
 std::map<std::int64_t, StoredArea> areasByBlock(Session& session) {
   std::map<std::int64_t, StoredArea> found;
   for (StoredArea& area : storedAreas(session)) found.emplace(area.blockId, std::move(area));
@@ -93,7 +93,7 @@ class Exporter {
     return all;
   }
 
-  // Rows that refer to a payload that was left out.
+  // Leaves out the rows that refer to a payload that was left out.
   void dropOwners(Json& tables, const PayloadOwner& owner) {
     Json kept = Json::array();
     for (Json& row : tables[owner.table]) {
@@ -115,7 +115,7 @@ class Exporter {
     return fmt::format(": area {} ({}), type {}", found->second.id, toText(found->second), found->second.type);
   }
 
-  // The file for a payload.
+  // Writes the file of a payload.
   Json write(const std::string& table, const Json& row, Bytes stored) {
     const std::size_t size = stored.size();
     const std::int64_t key = row.at("id").get<std::int64_t>();

@@ -21,8 +21,8 @@ constexpr char kWriteAheadLog[] = "wal";
 
 std::string journalMode(Session& session) { return queryRows(session.connection(), "pragma main.journal_mode")[0][0]; }
 
-// Keeps the file out of WAL mode until this ends: the files beside it that this mode needs would be taken for the new
-// file's. Only a program that has the file to itself can leave the mode.
+// Keeps the file out of WAL mode as long as this lives: a log left beside the old file would be taken for the new
+// file's. Leaving the mode takes a program that has the file to itself.
 class RollbackJournal {
  public:
   explicit RollbackJournal(Session& session) : session_(session), changed_(journalMode(session) == kWriteAheadLog) {
@@ -49,7 +49,7 @@ class RollbackJournal {
   bool changed_;
 };
 
-// From here on no other program reads or writes the file until it is closed, whatever this one commits.
+// Keeps other programs from reading and writing the file until it is closed, even if this one commits.
 void holdFile(Session& session) {
   session.require(session.connection().exec("pragma main.locking_mode = exclusive"));
   session.require(session.execPatiently("begin exclusive"));
@@ -58,7 +58,7 @@ void holdFile(Session& session) {
   session.requireInPlace();
 }
 
-// The key is bound, not written into the statement: no text that the engine may show holds it.
+// The key is bound, so that no statement that the engine may show contains it.
 void attach(Session& session, const std::string& path, const std::string& key) {
   constexpr char kSql[] = "attach database ? as rewritten key ?";
   tovr::IDBOperate& connection = session.connection();
@@ -80,21 +80,21 @@ std::string countBoth(const std::string& table) {
   return fmt::format("abs((select count(*) from main.{0}) - (select count(*) from rewritten.{0}))", table);
 }
 
-// Rows of `one` that `other` lacks.
+// SQL that counts the rows of `one` that `other` lacks.
 std::string lacking(const std::string& columns, const std::string& table, const std::string& one,
                     const std::string& other) {
   return fmt::format("(select count(*) from (select {0} from {2}.{1} except select {0} from {3}.{1}))", columns, table,
                      one, other);
 }
 
-// For tables of any kind; all their rows are held at a time.
+// For tables of any kind; holds all their rows in memory.
 void requireSameSet(Session& session, const std::string& columns, const std::string& table) {
   requireSame(session, table,
               fmt::format("select {} + {} + {}", lacking(columns, table, "main", "rewritten"),
                           lacking(columns, table, "rewritten", "main"), countBoth(table)));
 }
 
-// Row by row, so that no more than two blobs are held at a time.
+// Row by row, so that at most two blobs are in memory.
 void requireSameRows(Session& session, const std::string& table) {
   std::string differs = "b.id is null";
   for (const std::string& column : columnNames(session.connection(), table)) {
@@ -106,7 +106,7 @@ void requireSameRows(Session& session, const std::string& table) {
                           table, differs, countBoth(table)));
 }
 
-// Tables that another program has added; virtual ones have no page, and their rows lie in others.
+// Compares tables that other programs have added. Virtual tables have no page: other tables hold their rows.
 void requireSameForeignTables(Session& session) {
   for (const Row& row : queryRows(session.connection(),
                                   "select name from main.sqlite_master where type = 'table' and rootpage > 0"

@@ -7,6 +7,7 @@
 #include "client/base/Listener.h"
 #include "client/cells/CellBlock.h"
 #include "client/contents/StoredBlob.h"
+#include "client/disk/FileInput.h"
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
 #include "client/files/Exchange.h"
@@ -59,7 +60,7 @@ class Importer {
     return encipherBlob(session_.host().encryption(), bytes.data(), bytes.size());
   }
 
-  // The array's numbers, which are to fill the rectangle that the rows give the block.
+  // The bytes of the array, which must fill the rectangle of the block's first area.
   Bytes cells(NpyArray array, const std::string& table, const Json& row, const std::string& name) const {
     if (table != kBlockTable) refuseJson(name, "only blocks have cells");
     const CellBlock block = blockFromArray(std::move(array), rectOfBlock(row, name), {});
@@ -70,7 +71,7 @@ class Importer {
     return {block.bytes.get(), block.bytes.get() + block.size()};
   }
 
-  // Of the first area that refers to the block.
+  // The rectangle of the first area that refers to the block.
   Rect rectOfBlock(const Json& block, const std::string& name) const {
     const auto found = areas_.find(wholeNumber(member(block, "id", name)));
     if (found == areas_.end()) refuseJson(name, "no area refers to its block");

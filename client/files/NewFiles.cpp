@@ -26,8 +26,8 @@ void requireOther(const std::string& file, const std::string& copy) {
     throw Error(kInvalid, "the copy would replace the file: give another name");
 }
 
-// In WAL mode a file lacks what was committed last. Moves that into it; true if nothing has been committed since, and
-// then nobody commits until the transaction ends.
+// Moves the write-ahead log into the file and begins a transaction, which keeps others from committing. False, without
+// a transaction, if another program has committed in between or is committing.
 bool holdWithoutLog(Session& session, const std::string& file) {
   queryRows(session.connection(), "PRAGMA wal_checkpoint(TRUNCATE)");
   const int code = session.connection().exec("BEGIN IMMEDIATE");
@@ -40,7 +40,7 @@ bool holdWithoutLog(Session& session, const std::string& file) {
   return false;
 }
 
-// One state of the file, which is all of the database, until the session is closed.
+// Until the session is closed, the file alone is the database, in one state.
 void holdState(Session& session, const std::string& file) {
   session.beginReading();
   if (queryRows(session.connection(), "PRAGMA journal_mode")[0][0] != "wal") return;
@@ -65,7 +65,7 @@ void copyBytes(std::FILE* input, const std::string& from, const std::string& to,
   if (std::fflush(output.get()) != 0) throw systemFailure("cannot write the copy");
 }
 
-// Closing the input ends all locks that this program has on the file: the session is closed before.
+// The session is closed before the input, which on POSIX releases all locks of this program on the file.
 void copyOneState(const Access& access, const std::string& file, const std::string& key, const std::string& to,
                   Progress& progress) {
   Session session = Session::openExisting(access, file, key);

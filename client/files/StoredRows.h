@@ -17,8 +17,8 @@ namespace tovrdb {
 
 std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table);
 
-// What a payload becomes in the JSON, an object with a member "file", and the blob that such an object
-// stands for. A row that is being read has the members before the payload only.
+// Turns a payload into JSON, an object with a member "file", and such an object back into the payload. The writer's
+// `row` has only the members that come before the payload.
 using BlobWriter = std::function<Json(const Json& row, Bytes blob)>;
 using BlobReader = std::function<Bytes(const Json& row, const Json& value)>;
 

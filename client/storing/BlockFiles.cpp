@@ -11,6 +11,7 @@
 
 #include "client/base/Error.h"
 #include "client/base/Json.h"
+#include "client/disk/FileInput.h"
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
 

@@ -1,10 +1,10 @@
 #include "native/Records.h"
 
-#include <charconv>
 #include <cstdint>
 #include <optional>
 
 #include "client/base/Text.h"
+#include "client/checks/JsonForms.h"
 #include "client/reading/NumberForms.h"
 
 namespace tovrdb::python {
@@ -23,11 +23,8 @@ py::str textOf(const std::string& text) { return decoded(text, "surrogateescape"
 
 // Text only if another program stored something other than a number.
 py::object numberOrText(const std::string& text) {
-  std::int64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto parsed = std::from_chars(text.data(), end, number);
-  if (parsed.ec == std::errc() && parsed.ptr == end) return py::int_(number);
-  return textOf(text);
+  const Json value = tovrdb::numberOrText(text);
+  return value.is_number() ? py::object(py::int_(value.get<std::int64_t>())) : textOf(text);
 }
 
 py::object rectOrNone(const std::optional<Rect>& rect) {
@@ -40,23 +37,40 @@ py::dict factsOf(const std::vector<Fact>& facts) {
   return dict;
 }
 
-const char* kindOf(const Difference& difference) {
-  switch (difference.kind) {
-    case Difference::Kind::kOnlyBefore:
-      return "only_before";
-    case Difference::Kind::kOnlyAfter:
-      return "only_after";
-    case Difference::Kind::kField:
-      return "field";
-    case Difference::Kind::kCells:
-      return "cells";
-    case Difference::Kind::kFault:
-      return "fault";
-    case Difference::Kind::kBytes:
-      break;
+// The members of a difference's record that depend on what differs.
+struct DifferenceMembers {
+  py::dict operator()(const OnlyBefore& only) const { return members("only_before", textOf(only.summary), ""); }
+  py::dict operator()(const OnlyAfter& only) const { return members("only_after", "", textOf(only.summary)); }
+  py::dict operator()(const FieldDiffers& field) const {
+    py::dict record = members("field", textOf(field.before), textOf(field.after));
+    record["field"] = textOf(field.field);
+    return record;
   }
-  return "bytes";
-}
+  py::dict operator()(const CellsDiffer& what) const {
+    const BlockDifference& cells = what.cells;
+    py::dict record = members("cells", "", "");
+    record["differing"] = cells.differing;
+    record["at"] = py::make_tuple(cells.at.x, cells.at.y);
+    if (!what.form) return record;
+    record["component"] = cells.component;
+    record["before"] = cells.before;
+    record["after"] = cells.after;
+    return record;
+  }
+  py::dict operator()(const BytesDiffer& bytes) const {
+    py::dict record = members("bytes", "", "");
+    record["differing"] = bytes.differing;
+    return record;
+  }
+  py::dict operator()(const Unreadable& faults) const {
+    return members("fault", textOf(faults.before), textOf(faults.after));
+  }
+
+ private:
+  static py::dict members(const char* kind, const py::str& before, const py::str& after) {
+    return py::dict("kind"_a = kind, "field"_a = "", "before"_a = before, "after"_a = after);
+  }
+};
 
 }  // namespace
 
@@ -116,24 +130,11 @@ py::dict dictOf(const Verdict& verdict) {
 }
 
 py::dict dictOf(const Difference& difference) {
-  py::dict record("item"_a = textOf(difference.item), "kind"_a = kindOf(difference),
-                  "screen"_a = textOf(difference.place.screen), "type"_a = textOf(difference.place.type),
-                  "rect"_a = rectOrNone(difference.place.rect), "field"_a = textOf(difference.field));
-  const BlockDifference& cells = difference.cells;
-  if (difference.kind == Difference::Kind::kCells) {
-    record["differing"] = cells.differing;
-    record["at"] = py::make_tuple(cells.at.x, cells.at.y);
-  } else if (difference.kind == Difference::Kind::kBytes) {
-    record["differing"] = difference.bytes.differing;
-  }
-  if (difference.kind == Difference::Kind::kCells && difference.form) {
-    record["component"] = cells.component;
-    record["before"] = cells.before;
-    record["after"] = cells.after;
-  } else {
-    record["before"] = textOf(difference.before);
-    record["after"] = textOf(difference.after);
-  }
+  py::dict record = std::visit(DifferenceMembers(), difference.what);
+  record["item"] = textOf(difference.item);
+  record["screen"] = textOf(difference.place.screen);
+  record["type"] = textOf(difference.place.type);
+  record["rect"] = rectOrNone(difference.place.rect);
   return record;
 }
 

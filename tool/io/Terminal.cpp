@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "client/base/Interrupt.h"
+#include "client/disk/FileInput.h"
 #include "client/disk/FileOutput.h"
 
 #if defined(_WIN32)

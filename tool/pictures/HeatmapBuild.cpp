@@ -17,6 +17,7 @@
 #include "client/contents/AreaWords.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
+#include "client/disk/FileInput.h"
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
 #include "client/reading/AreaLookup.h"
@@ -280,9 +281,9 @@ std::string Builder::colourPanels() {
 
 HeatmapAnswer Builder::finish(const std::string& subject) {
   const std::string components = question_.sheet ? "all components" : fmt::format("component {}", question_.component);
-  const std::string title =
-      question_.title.empty() ? fmt::format("{}: {}{}", fileNameOf(question_.file), subject, components)
-                              : question_.title;
+  const std::string title = question_.title.empty()
+                                ? fmt::format("{}: {}{}", fileNameOf(question_.file), subject, components)
+                                : question_.title;
   const std::string colours = colourPanels();
   return {drawSheet(sheetOf(plan_, panels_, Merge::kMean, title, {colours})), std::move(notes_)};
 }

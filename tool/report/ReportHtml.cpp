@@ -119,31 +119,32 @@ std::string areasHtml(const ReportContent& content) {
       table("Areas", {"area", "screen", "type", "rectangle", "columns × rows", "bytes per cell", "stored"}, areas));
 }
 
-Cells differenceRow(const ReportContent& content, const Difference& difference) {
-  switch (difference.kind) {
-    case Difference::Kind::kOnlyBefore:
-      return {difference.item, "only in " + content.against};
-    case Difference::Kind::kOnlyAfter:
-      return {difference.item, "only in " + content.file};
-    case Difference::Kind::kField:
-      return {difference.item, fmt::format("{}: '{}' → '{}'", difference.field, difference.before, difference.after)};
-    case Difference::Kind::kCells:
-      return {difference.item,
-              fmt::format("{} of {} cells changed", difference.cells.differing, difference.cells.cells)};
-    case Difference::Kind::kFault:
-      return {difference.item,
-              "damaged, not compared: " + (difference.before.empty() ? difference.after : difference.before)};
-    case Difference::Kind::kBytes:
-      break;
+// What differs, in a few words.
+struct ChangeText {
+  const ReportContent& content;
+
+  std::string operator()(const OnlyBefore&) const { return "only in " + content.against; }
+  std::string operator()(const OnlyAfter&) const { return "only in " + content.file; }
+  std::string operator()(const FieldDiffers& field) const {
+    return fmt::format("{}: '{}' → '{}'", field.field, field.before, field.after);
   }
-  return {difference.item, fmt::format("{} → {} bytes, {} changed", difference.bytes.sizeBefore,
-                                       difference.bytes.sizeAfter, difference.bytes.differing)};
-}
+  std::string operator()(const CellsDiffer& what) const {
+    return fmt::format("{} of {} cells changed", what.cells.differing, what.cells.cells);
+  }
+  std::string operator()(const BytesDiffer& bytes) const {
+    return fmt::format("{} → {} bytes, {} changed", bytes.sizeBefore, bytes.sizeAfter, bytes.differing);
+  }
+  std::string operator()(const Unreadable& faults) const {
+    return "damaged, not compared: " + (faults.before.empty() ? faults.after : faults.before);
+  }
+};
 
 std::string changesHtml(const ReportContent& content) {
   if (content.against.empty()) return "";
   std::vector<Cells> changes;
-  for (const Difference& difference : content.differences) changes.push_back(differenceRow(content, difference));
+  for (const Difference& each : content.differences) {
+    changes.push_back({each.item, std::visit(ChangeText{content}, each.what)});
+  }
   std::string text = "<section id=\"changes\"><h2>What changed</h2>\n";
   if (!content.againstFault.empty()) {
     return text + fmt::format("<p class=\"warning\">{} cannot be compared: {}</p></section>\n",

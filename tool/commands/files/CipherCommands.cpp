@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "client/base/Error.h"
+#include "client/disk/FileInput.h"
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
 #include "client/session/Session.h"

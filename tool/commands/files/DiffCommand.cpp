@@ -41,104 +41,55 @@ struct Options {
   }
 };
 
-std::string cellsText(const Difference& difference) {
-  const BlockDifference& cells = difference.cells;
-  const std::string text = fmt::format("{} of {} cells differ, ", cells.differing, cells.cells);
-  if (!difference.form) return fmt::format("{}the first at {},{}", text, cells.at.x, cells.at.y);
-  return fmt::format("{}most at {},{}, component {}: {} -> {}", text, cells.at.x, cells.at.y, cells.component,
-                     difference.form->text(cells.before), difference.form->text(cells.after));
-}
+// The line of a difference, by what differs.
+class DifferenceLine {
+ public:
+  DifferenceLine(const std::string& item, const Options& options) : item_(item), options_(options) {}
 
-std::string bytesText(const BytesDifference& bytes) {
-  std::string text = fmt::format("{} bytes", bytes.sizeBefore);
-  if (bytes.sizeAfter != bytes.sizeBefore) text += fmt::format(" -> {} bytes", bytes.sizeAfter);
-  if (bytes.differing != 0) text += fmt::format(", {} differ, the first at {}", bytes.differing, bytes.first);
-  return text;
-}
-
-std::string faultText(const Difference& difference, const Options& options) {
-  std::string text;
-  for (const auto& [file, fault] :
-       {std::pair(options.before, difference.before), std::pair(options.after, difference.after)}) {
-    if (!fault.empty()) text += fmt::format("{}in {}: {}", text.empty() ? "" : "; ", file, fault);
+  std::string operator()(const OnlyBefore& only) const { return onlyIn(options_.before, only.summary); }
+  std::string operator()(const OnlyAfter& only) const { return onlyIn(options_.after, only.summary); }
+  std::string operator()(const FieldDiffers& field) const {
+    return fmt::format("{}: {}: '{}' -> '{}'", item_, field.field, field.before, field.after);
   }
-  return text;
-}
-
-std::string lineOf(const Difference& difference, const Options& options) {
-  const auto only = [&](const std::string& file, const std::string& summary) {
-    return fmt::format("only in {}: {}{}", file, difference.item, summary.empty() ? "" : " (" + summary + ")");
-  };
-  switch (difference.kind) {
-    case Difference::Kind::kOnlyBefore:
-      return only(options.before, difference.before);
-    case Difference::Kind::kOnlyAfter:
-      return only(options.after, difference.after);
-    case Difference::Kind::kField:
-      return fmt::format("{}: {}: '{}' -> '{}'", difference.item, difference.field, difference.before,
-                         difference.after);
-    case Difference::Kind::kCells:
-      return difference.item + ": " + cellsText(difference);
-    case Difference::Kind::kFault:
-      return fmt::format("{}: cannot be compared: {}", difference.item, faultText(difference, options));
-    case Difference::Kind::kBytes:
-      break;
+  std::string operator()(const CellsDiffer& what) const {
+    const BlockDifference& cells = what.cells;
+    const std::string text = fmt::format("{}: {} of {} cells differ, ", item_, cells.differing, cells.cells);
+    if (!what.form) return fmt::format("{}the first at {},{}", text, cells.at.x, cells.at.y);
+    return fmt::format("{}most at {},{}, component {}: {} -> {}", text, cells.at.x, cells.at.y, cells.component,
+                       what.form->text(cells.before), what.form->text(cells.after));
   }
-  return difference.item + ": " + bytesText(difference.bytes);
-}
-
-Json jsonOf(const ItemPlace& place) {
-  Json json{{"kind", place.kind}};
-  if (!place.screen.empty()) json["screen"] = place.screen;
-  if (!place.type.empty()) json["type"] = numberOrText(place.type);
-  if (place.rect) json["rect"] = rectJson(*place.rect);
-  if (place.id) json["id"] = *place.id;
-  return json;
-}
-
-Json jsonOf(const Difference& difference) {
-  Json json{{"item", difference.item}};
-  json.update(jsonOf(difference.place));
-  switch (difference.kind) {
-    case Difference::Kind::kOnlyBefore:
-      json["only_in"] = "a";
-      break;
-    case Difference::Kind::kOnlyAfter:
-      json["only_in"] = "b";
-      break;
-    case Difference::Kind::kField:
-      json.update({{"field", difference.field}, {"a", difference.before}, {"b", difference.after}});
-      break;
-    case Difference::Kind::kCells: {
-      const BlockDifference& cells = difference.cells;
-      json.update({{"cells", cells.cells}, {"differing", cells.differing}, {"at", {cells.at.x, cells.at.y}}});
-      if (difference.form) {
-        json.update(
-            {{"component", cells.component}, {"a", cells.before}, {"b", cells.after}, {"largest", cells.largest}});
-      }
-      break;
-    }
-    case Difference::Kind::kFault:
-      if (!difference.before.empty()) json["fault_a"] = difference.before;
-      if (!difference.after.empty()) json["fault_b"] = difference.after;
-      break;
-    case Difference::Kind::kBytes:
-      json.update({{"bytes_a", difference.bytes.sizeBefore},
-                   {"bytes_b", difference.bytes.sizeAfter},
-                   {"differing", difference.bytes.differing}});
-      break;
+  std::string operator()(const BytesDiffer& bytes) const {
+    std::string text = fmt::format("{}: {} bytes", item_, bytes.sizeBefore);
+    if (bytes.sizeAfter != bytes.sizeBefore) text += fmt::format(" -> {} bytes", bytes.sizeAfter);
+    if (bytes.differing != 0) text += fmt::format(", {} differ, the first at {}", bytes.differing, bytes.first);
+    return text;
   }
-  return json;
-}
+  std::string operator()(const Unreadable& faults) const {
+    std::vector<std::string> texts;
+    if (!faults.before.empty()) texts.push_back(fmt::format("in {}: {}", options_.before, faults.before));
+    if (!faults.after.empty()) texts.push_back(fmt::format("in {}: {}", options_.after, faults.after));
+    return fmt::format("{}: cannot be compared: {}", item_, fmt::join(texts, "; "));
+  }
+
+ private:
+  std::string onlyIn(const std::string& file, const std::string& summary) const {
+    return fmt::format("only in {}: {}{}", file, item_, summary.empty() ? "" : " (" + summary + ")");
+  }
+
+  const std::string& item_;
+  const Options& options_;
+};
 
 std::string report(const std::vector<Difference>& differences, const Options& options) {
   if (!options.json) {
     std::string text;
-    for (const Difference& difference : differences) text += printable(lineOf(difference, options)) + "\n";
+    for (const Difference& each : differences) {
+      text += printable(std::visit(DifferenceLine(each.item, options), each.what)) + "\n";
+    }
     return text;
   }
   Json json{{"a", options.before}, {"b", options.after}, {"same", differences.empty()}, {"differences", Json::array()}};
-  for (const Difference& difference : differences) json["differences"].push_back(jsonOf(difference));
+  for (const Difference& difference : differences) json["differences"].push_back(differenceJson(difference));
   return jsonText(json);
 }
 
@@ -174,8 +125,9 @@ void diff(Context& context, const Options& options) {
   }
   context.output.print(report(differences, options));
   context.output.finish();
-  const bool damaged = std::any_of(differences.begin(), differences.end(),
-                                   [](const Difference& each) { return each.kind == Difference::Kind::kFault; });
+  const bool damaged = std::any_of(differences.begin(), differences.end(), [](const Difference& each) {
+    return std::holds_alternative<Unreadable>(each.what);
+  });
   if (damaged) throw Error(kDamaged, "a block is damaged and was not compared; all other differences are listed");
   context.code = differences.empty() ? 0 : kDifferent;
 }

@@ -41,37 +41,10 @@ std::string asText(const std::string& file, const FileFacts& facts) {
                    screenRows);
 }
 
-// Texts, as their writers chose them.
-Json descriptionOf(const std::vector<Fact>& facts) {
-  Json object = Json::object();
-  for (const Fact& fact : facts) object[fact.name] = fact.value;
-  return object;
-}
-
-Json engineOf(const std::vector<Fact>& facts) {
-  Json object = Json::object();
-  for (const Fact& fact : facts) object[fact.name] = numberOrText(fact.value);
-  return object;
-}
-
 std::string asJson(const std::string& file, const FileFacts& facts) {
-  Json tables = Json::array();
-  for (const TableFacts& table : facts.tables) {
-    Json& object = tables.emplace_back(Json{{"name", table.name}, {"rows", table.rows}, {"bytes", table.bytes}});
-    if (!table.fault.empty()) object["fault"] = table.fault;
-  }
-  Json screenList = Json::array();
-  for (const ScreenFacts& entry : facts.screens) {
-    const Rect& rect = entry.screen.rect;
-    screenList.push_back(
-        {{"id", entry.screen.id}, {"name", entry.screen.name}, {"rect", rectJson(rect)}, {"blocks", entry.areas}});
-  }
-  return jsonText({{"file", file},
-                   {"database_type", facts.type},
-                   {"description", descriptionOf(facts.description)},
-                   {"engine", engineOf(facts.engine)},
-                   {"tables", tables},
-                   {"screens", screenList}});
+  Json json{{"file", file}};
+  json.update(factsJson(facts));
+  return jsonText(json);
 }
 
 void info(Context& context, const Options& options) {
