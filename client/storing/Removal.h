@@ -8,7 +8,7 @@
 
 #include "client/contents/AreaFilter.h"
 #include "client/contents/BlockPlace.h"
-#include "client/contents/GenericData.h"
+#include "client/contents/HostData.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"

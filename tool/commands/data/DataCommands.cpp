@@ -2,7 +2,7 @@
 
 #include "client/base/Text.h"
 #include "client/checks/JsonForms.h"
-#include "client/contents/GenericData.h"
+#include "client/contents/HostData.h"
 #include "client/disk/FileInput.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"

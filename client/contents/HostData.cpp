@@ -1,4 +1,4 @@
-#include "client/contents/GenericData.h"
+#include "client/contents/HostData.h"
 
 #include <fmt/core.h>
 
