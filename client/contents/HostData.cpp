@@ -2,32 +2,15 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <memory>
 
 #include "client/base/Error.h"
-#include "client/contents/Screens.h"
+#include "client/contents/StoredBlob.h"
 #include "client/session/LibraryError.h"
+#include "client/session/Tables.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {
-
-namespace {
-
-// Of "Screen_Info". Without a counter, as in files that other programs made, no key was issued.
-void setLastScreenKey(Session& session, std::int64_t key) {
-  session.require(
-      session.connection().exec(fmt::format("delete from sqlite_sequence where name = 'Screen_Info';"
-                                            " insert into sqlite_sequence(name, seq) values ('Screen_Info', {})",
-                                            key)
-                                    .c_str()));
-}
-
-}  // namespace
-
-std::int64_t lastScreenKey(Session& session) {
-  return queryNumber(session.connection(), "select seq from sqlite_sequence where name = 'Screen_Info'");
-}
 
 std::vector<StoredData> storedData(Session& session) {
   std::vector<StoredData> found;
@@ -43,39 +26,6 @@ std::vector<StoredData> storedData(Session& session) {
   return found;
 }
 
-std::string dataText(const StoredData& data) {
-  return fmt::format("type {}, {} stored bytes, of {}", data.type, data.storedBytes, data.changed);
-}
-
-std::vector<std::string> putData(Session& session, std::int32_t type, const std::string& version, Bytes payload) {
-  const auto record = session.host().makeRecord<tovr::ConfigData>();
-  record->datatype = type;
-  record->version = version;
-  record->data = payload.data();
-  record->dataSize = static_cast<std::uint32_t>(payload.size());
-  Transaction transaction(session);  // the library deletes the old blob before it stores the new one
-  const std::vector<StoredScreen> screens = storedScreens(session);
-  if (screens.empty()) {
-    throw Error(kRefused, "data belongs to a screen, and the file has none").suggest(Remedy::kAddScreen);
-  }
-  std::vector<std::string> notices;
-  for (const StoredData& data : storedData(session)) {
-    if (data.type == std::to_string(type)) notices.push_back("replaced the data of " + dataText(data));
-  }
-  const std::int64_t issued = lastScreenKey(session);
-  const auto isLast = [&](const StoredScreen& screen) { return screen.id == issued; };
-  const bool orphaned = std::none_of(screens.begin(), screens.end(), isLast);
-  if (orphaned) {
-    notices.push_back(fmt::format("note: the screen that was added last is deleted; the data belongs to the screen {}",
-                                  screens.back().name));
-    setLastScreenKey(session, screens.back().id);
-  }
-  session.require(session.manager().insertData(record.get()));
-  if (orphaned) setLastScreenKey(session, issued);  // keys are not issued twice
-  transaction.commit();
-  return notices;
-}
-
 Bytes getData(Session& session, std::int32_t type) {
   const auto record = session.host().makeRecord<tovr::ConfigData>();
   record->datatype = type;
@@ -84,6 +34,47 @@ Bytes getData(Session& session, std::int32_t type) {
   if (code == tovr::kNoData) throw libraryError(code).suggest(Remedy::kListData);
   session.require(code);
   return {payload.get(), payload.get() + record->dataSize};
+}
+
+std::string dataText(const StoredData& data) {
+  return fmt::format("type {}, {} stored bytes, of {}", data.type, data.storedBytes, data.changed);
+}
+
+// Files that other programs made may have no counter; then no key was issued.
+std::int64_t lastScreenKey(Session& session) {
+  return queryNumber(session.connection(), "select seq from sqlite_sequence where name = 'Screen_Info'");
+}
+
+std::vector<StoredMeasurement> storedMeasurements(Session& session) {
+  std::vector<StoredMeasurement> found;
+  tovr::IDBOperate& connection = session.connection();
+  visitRows(connection,
+            "select d.id, length(d.data), d.version, i.datatype, i.id is not null, i.left, i.top, i.right, i.bottom"
+            " from LumChromData d left join LumChromDataInfo i on i.dataid = d.id order by d.id",
+            [&] {
+              StoredMeasurement& measurement = found.emplace_back();
+              measurement.id = columnNumber(connection, 0);
+              measurement.storedBytes = columnNumber(connection, 1);
+              measurement.version = columnText(connection, 2);
+              measurement.type = columnText(connection, 3);
+              if (columnNumber(connection, 4) == 0) return;
+              measurement.rect = Rect{connection.column_int(5), connection.column_int(6), connection.column_int(7),
+                                      connection.column_int(8)};
+            });
+  return found;
+}
+
+std::int64_t countMeasurements(Session& session) {
+  return queryNumber(session.connection(), "select count(*) from LumChromData");
+}
+
+Bytes getMeasurement(Session& session, std::int64_t id) {
+  const auto blob = queryPayload(session, kMeasurementTable, id);
+  if (!blob) {
+    throw statusError(tovr::kNoData, fmt::format("no measurement has the key {}", id))
+        .suggest(Remedy::kListMeasurements);
+  }
+  return decipherBlob(session.host().encryption(), *blob);
 }
 
 }  // namespace tovrdb

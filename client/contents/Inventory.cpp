@@ -5,7 +5,6 @@
 #include <map>
 
 #include "client/contents/HostData.h"
-#include "client/contents/Measurements.h"
 #include "client/contents/Screens.h"
 #include "client/session/SqlQuery.h"
 #include "client/session/Tables.h"

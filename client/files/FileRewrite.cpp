@@ -8,7 +8,6 @@
 #include "client/disk/Paths.h"
 #include "client/disk/UnfinishedFile.h"
 #include "client/files/NewFiles.h"
-#include "client/files/StoredRows.h"
 #include "client/session/LibraryError.h"
 #include "client/session/Session.h"
 #include "client/session/SqlQuery.h"

@@ -12,6 +12,7 @@
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
+#include "client/storing/Changes.h"
 
 namespace tovrdb {
 
@@ -32,7 +33,7 @@ Removal dataOfType(Session& session, std::int32_t type);
 // A line for each thing that goes.
 std::vector<std::string> toTexts(const Removal& removal);
 
-// In one transaction. Throws Error if one of them was changed since it was looked up; nothing goes then.
-void deleteRows(Session& session, const Removal& removal);
+// Throws Error (kBusy) if one of the areas was changed since it was looked up.
+ChangePlan planRemoval(Session& session, const Removal& removal);
 
 }  // namespace tovrdb

@@ -9,7 +9,6 @@
 
 #include "client/base/Text.h"
 #include "client/contents/AreaWords.h"
-#include "client/contents/ScreenNames.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/LibraryError.h"
 #include "client/storing/PlaceIndex.h"

@@ -14,7 +14,6 @@
 #include "client/checks/FileDifference.h"
 #include "client/checks/FileFacts.h"
 #include "client/contents/HostData.h"
-#include "client/contents/Measurements.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 

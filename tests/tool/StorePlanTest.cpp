@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "client/contents/ScreenNames.h"
+#include "client/contents/Screens.h"
 #include "client/storing/StorePlan.h"
 
 namespace {
