@@ -7,6 +7,7 @@
 
 #include "client/cells/Rect.h"
 #include "client/session/Session.h"
+#include "client/storing/Changes.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
 
@@ -112,6 +113,22 @@ TEST_F(StoreTest, APatchChangesItsCellsAndNothingElse) {
     sql(path(file), "update Coef set data = substr(data, 1, 16)");
     expectRefused(8, "damaged: its block is too short", "coef put " + block + "--patch --at 0,0 part.npy");
   }
+}
+
+TEST_F(StoreTest, Apply_FailureUndoesAllChanges) {
+  succeed("coef put wall.db --type 1 --at 0,0 whole.npy");
+  const std::string before = everything(path("wall.db"));
+  auto session = tovrdb::Session::openExisting({TOVR_PLUGIN_FILE}, path("wall.db"), kWordKey);
+  const auto missing = []() -> tovrdb::CellBlock { throw tovrdb::Error(tovrdb::kFileProblem, "it is gone"); };
+  const auto plan = [&](tovrdb::Session& file) {
+    return tovrdb::ChangePlan{{tovrdb::AddMeasurement{1, {}, "", Bytes(8)}, tovrdb::PutData{2, "", Bytes(8), 1},
+                               tovrdb::DeleteAreas{tovrdb::storedAreas(file)}, tovrdb::AddScreen{1, "new", {}},
+                               tovrdb::AddBlock{{{2, "", {0, 0, 1, 1}}, 1, -1, "", missing}}},
+                              {}};
+  };
+  EXPECT_THROW(tovrdb::applyChanges(session, plan), tovrdb::Error);
+  session.close();
+  EXPECT_EQ(everything(path("wall.db")), before);
 }
 
 // The rows that the library's own insertData writes, key for key and value for value.
