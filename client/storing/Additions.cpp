@@ -35,7 +35,7 @@ void objectToHidden(const std::vector<StoredScreen>& screens, const Rect& rect, 
                         {Remedy::kForce},
                         subjectOf(older->name),
                         fmt::format("the screen {} ({}) holds all cells of {}; the database finds screens by rectangle "
-                                    "and would never look on the new one",
+                                    "and would never find the new one",
                                     older->name, toText(older->rect), toText(rect))});
 }
 

@@ -16,8 +16,8 @@ namespace {
 // What another host wrote beside the cells and a new block does not have.
 std::string lostText(const StoredArea& area) {
   std::string text;
-  if (area.number != BlockText().number) text += fmt::format("; its area number {} went with it", area.number);
-  if (!area.layerList.empty()) text += "; its list of layers went with it";
+  if (area.number != BlockText().number) text += fmt::format("; its area number {} was lost", area.number);
+  if (!area.layerList.empty()) text += "; its list of layers was lost";
   return text;
 }
 
@@ -50,8 +50,9 @@ std::vector<std::string> noticesOf(const StorePlan& plan, const StoredPlaces& st
     }
     patched[step.area].push_back(place.rect);
     if (step.keptForm.empty()) continue;
-    notices.push_back(fmt::format("note: {} keeps its numbers as {}, and is now read so in {} too, which was {}",
-                                  areaText(area), step.keptForm, toText(place.rect), step.wantedForm));
+    notices.push_back(
+        fmt::format("note: {} keeps its numbers as {}; the patch {}, which was {}, is now read the same way",
+                    areaText(area), step.keptForm, toText(place.rect), step.wantedForm));
   }
   for (const auto& [area, rects] : patched) {
     const std::string what = rects.size() == 1 ? toText(rects[0]) : fmt::format("{} rectangles", rects.size());

@@ -47,8 +47,8 @@ void StoreConflicts::checkBatch() {
     if (wanted_[other].area.screen != area.screen) continue;
     const bool same = wanted_[other].area.rect == rect();
     if (rules_.mode == StoreMode::kBeside && !(same && replaces(wanted_[other]) && replaces(block()))) continue;
-    return object({}, fmt::format(same ? "{} is the place of {} too" : "{} overlaps {} of this batch", placeText(area),
-                                  nameOf(other)));
+    return object({}, fmt::format(same ? "{} is also the rectangle of {}" : "{} overlaps {} of this batch",
+                                  placeText(area), nameOf(other)));
   }
 }
 
@@ -70,7 +70,8 @@ void StoreConflicts::checkInside(const StoredScreen* screen) {
   const Rect whole =
       screen != nullptr ? screen->rect : addedScreens_.emplace(block().area.screen, rect()).first->second;
   if (rules_.force || holds(whole, rect())) return;
-  object({Remedy::kForce}, fmt::format("{} leaves its screen, which is {}", placeText(block().area), toText(whole)));
+  object({Remedy::kForce},
+         fmt::format("{} does not fit its screen, which is {}", placeText(block().area), toText(whole)));
 }
 
 void StoreConflicts::checkRewrite(const StoredArea& area) {
@@ -81,7 +82,7 @@ void StoreConflicts::checkRewrite(const StoredArea& area) {
     std::vector<Remedy> remedies{Remedy::kForce};
     if (patchable) remedies.push_back(Remedy::kPatch);
     if (inside) remedies.push_back(Remedy::kReplace);
-    object(std::move(remedies), fmt::format("{} would replace {} of another place, {}, which would be lost",
+    object(std::move(remedies), fmt::format("{} would replace {} of another rectangle, {}, which would be lost",
                                             placeText(block().area), areaText(area), blockText(area)));
   } else if (!area.fault.empty()) {
     object({Remedy::kForce}, fmt::format("the stored block of {} is damaged: {}", areaText(area), area.fault));

@@ -51,7 +51,7 @@ class Planner {
     if (type() == tovr::kDataTypeNotGiven) {
       return conflicts_.refuse(
           tovr::kTypeNotGiven,
-          fmt::format("the coefficient type {} means \"not given\" and cannot be stored: choose another", type()));
+          fmt::format("the coefficient type {} means \"not given\" and cannot be stored; choose another", type()));
     }
     conflicts_.checkBatch();
     const StoredScreen* screen = findScreen();

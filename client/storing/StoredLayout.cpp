@@ -112,7 +112,7 @@ std::string StoredLayout::touchedText(std::int32_t type, const Rect& rect, std::
     const StoredArea& area = places_.areas[index];
     if (screenId == 0 || area.screenId == screenId) touched.emplace_back(fmt::format("area {}", area.id), area.rect);
   }
-  return touched.empty() ? "it touches none; " + areasText(type) : "it touches " + listed(touched);
+  return touched.empty() ? "it overlaps none; " + areasText(type) : "it overlaps " + listed(touched);
 }
 
 }  // namespace tovrdb
