@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "client/checks/Check.h"
+#include "client/storing/Changes.h"
 
 namespace tovrdb {
 namespace {
@@ -49,7 +50,7 @@ std::vector<Row> schemaOf(Session& session) { return queryRows(session.connectio
 
 std::vector<Row> expectedSchema(const std::string& plugin) {
   Session session = Session::openMemory(plugin);
-  session.require(session.manager().createTables());
+  applyChanges(session, [](Session&) { return ChangePlan{{CreateTables{}}, {}}; });
   return schemaOf(session);
 }
 

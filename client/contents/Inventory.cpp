@@ -5,8 +5,7 @@
 #include <map>
 #include <utility>
 
-#include "client/contents/GenericData.h"
-#include "client/contents/Measurements.h"
+#include "client/contents/HostData.h"
 #include "client/contents/Screens.h"
 #include "client/session/SqlQuery.h"
 

@@ -3,10 +3,9 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cstddef>
 
-#include "client/base/Error.h"
 #include "client/base/Text.h"
-#include "client/contents/ScreenNames.h"
 #include "client/session/Damage.h"
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
@@ -14,36 +13,24 @@
 namespace tovrdb {
 namespace {
 
-auto findScreen(const std::vector<StoredScreen>& screens, const std::string& name) {
-  return std::find_if(screens.begin(), screens.end(), [&](const StoredScreen& screen) { return screen.name == name; });
-}
+bool isBlank(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
-Subject subjectOf(const std::string& screen) { return {{}, screen, std::nullopt, std::nullopt}; }
+// Letters of two UTF-8 bytes, in ranges of capitals whose small letters lie `distance` code points on.
+constexpr struct {
+  unsigned int first;
+  unsigned int last;
+  unsigned int distance;
+} kCapitals[] = {{0xC0, 0xD6, 32}, {0xD8, 0xDE, 32}, {0x391, 0x3A9, 32}, {0x400, 0x40F, 80}, {0x410, 0x42F, 32}};
 
-// Objections to a new name beside those of `screens`.
-std::vector<Objection> objectionsToName(const std::vector<StoredScreen>& screens, const std::string& name, bool force) {
-  if (findScreen(screens, name) != screens.end()) {
-    return {
-        {kConflict, 0, {}, subjectOf(name), fmt::format("there is a screen '{}' already; give another name", name)}};
+unsigned int smallLetter(unsigned int letter) {
+  for (const auto& range : kCapitals) {
+    if (letter >= range.first && letter <= range.last) return letter + range.distance;
   }
-  ScreenNames names;
-  for (const StoredScreen& screen : screens) names.add(screen.name);
-  const std::string doubt = names.doubt(name);
-  if (doubt.empty() || force) return {};
-  return {{kConflict, 0, {Remedy::kForce}, subjectOf(name), fmt::format("the name '{}' {}", name, doubt)}};
+  return letter;
 }
 
-void objectToHidden(const std::vector<StoredScreen>& screens, const Rect& rect, std::vector<Objection>& objections) {
-  const auto hides = [&](const StoredScreen& screen) { return holds(screen.rect, rect); };
-  const auto older = std::find_if(screens.begin(), screens.end(), hides);
-  if (older == screens.end()) return;
-  objections.push_back({kConflict,
-                        0,
-                        {Remedy::kForce},
-                        subjectOf(older->name),
-                        fmt::format("the screen {} ({}) holds all cells of {}; the database finds screens by rectangle "
-                                    "and would never look on the new one",
-                                    older->name, toText(older->rect), toText(rect))});
+unsigned int byteAt(const std::string& text, std::size_t at) {
+  return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
 }
 
 }  // namespace
@@ -56,6 +43,11 @@ std::vector<StoredScreen> storedScreens(Session& session) {
   return screens;
 }
 
+std::vector<StoredScreen>::const_iterator findScreen(const std::vector<StoredScreen>& screens,
+                                                     const std::string& name) {
+  return std::find_if(screens.begin(), screens.end(), [&](const StoredScreen& screen) { return screen.name == name; });
+}
+
 const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const std::string& name) {
   const auto found = findScreen(screens, name);
   if (found != screens.end()) return *found;
@@ -64,30 +56,36 @@ const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const 
   throw libraryError(tovr::kNoSuchScreenName, fmt::format("asked for {}; screens: {}", name, shortList(names)));
 }
 
-void addScreen(Session& session, const std::string& name, const Rect& rect, bool force) {
-  const auto present = storedScreens(session);
-  auto objections = objectionsToName(present, name, force);
-  if (session.manager().getDBType() == 0 && !force) objectToHidden(present, rect, objections);
-  requireNone(objections, "nothing was added");
-  auto screen = session.host().makeRecord<tovr::ScreenInfoData>();
-  // A screen belongs to the database entry that was made last.
-  screen->dbid = static_cast<std::int32_t>(queryNumber(session.connection(), "select max(id) from Attach_DB_List"));
-  screen->screenname = name;
-  setRect(*screen, rect);
-  session.require(session.manager().insertData(screen.get()));
+std::string foldedName(const std::string& name) {
+  constexpr unsigned int kNoBreakSpace = 0xA0;
+  std::string folded;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const unsigned int lead = byteAt(name, i);
+    const unsigned int next = byteAt(name, i + 1);
+    if (isBlank(name[i])) continue;
+    if (lead >= 0xC2 && lead <= 0xDF && (next & 0xC0U) == 0x80U) {
+      const unsigned int letter = smallLetter((lead & 0x1FU) << 6U | (next & 0x3FU));
+      ++i;
+      if (letter == kNoBreakSpace) continue;
+      folded += static_cast<char>(0xC0U | letter >> 6U);
+      folded += static_cast<char>(0x80U | (letter & 0x3FU));
+    } else {
+      folded += lead >= 'A' && lead <= 'Z' ? static_cast<char>(lead + ('a' - 'A')) : name[i];
+    }
+  }
+  return folded;
 }
 
-void renameScreen(Session& session, const std::string& name, const std::string& newName, bool force) {
-  auto screens = storedScreens(session);
-  const StoredScreen renamed = screenNamed(screens, name);
-  if (newName == name) throw Error(kInvalid, "the screen is named {} already", name);
-  screens.erase(findScreen(screens, name));
-  requireNone(objectionsToName(screens, newName, force), "nothing was renamed");
-  auto screen = session.host().makeRecord<tovr::ScreenInfoData>();
-  screen->id = static_cast<std::int32_t>(renamed.id);
-  screen->screenname = newName;
-  setRect(*screen, renamed.rect);
-  session.require(session.manager().updateData(screen.get()));
+void ScreenNames::add(const std::string& name) {
+  names_.insert(name);
+  byFold_.emplace(foldedName(name), name);
+}
+
+std::string ScreenNames::doubt(const std::string& name) const {
+  const auto alike = byFold_.find(foldedName(name));
+  if (alike != byFold_.end()) return "differs from the screen '" + alike->second + "' only in case or blanks";
+  if (name.empty() || (!isBlank(name.front()) && !isBlank(name.back()))) return {};
+  return "begins or ends with a blank";
 }
 
 }  // namespace tovrdb

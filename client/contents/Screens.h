@@ -1,7 +1,9 @@
-// The screens of a database file.
+// The screens of a database file and their names.
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,19 +18,31 @@ struct StoredScreen {
   Rect rect{};
 };
 
-// In the order in which they were stored.
+// In the order in which they were stored. Throws Error on failure.
 std::vector<StoredScreen> storedScreens(Session& session);
 
-// The screen of that name. Throws Error, which lists what there is, when there is none.
+// The first screen of that name; `screens.end()` if there is none.
+std::vector<StoredScreen>::const_iterator findScreen(const std::vector<StoredScreen>& screens, const std::string& name);
+
+// The screen of that name. Throws Error, which lists the screens, if there is none.
 const StoredScreen& screenNamed(const std::vector<StoredScreen>& screens, const std::string& name);
 
-// Both throw Error (kConflict) for a name that another screen has and, unless `force`, for one that differs from
-// another's only in case or blanks, or that begins or ends with a blank. REQUIRES: a transaction.
-//
-// Unless `force`, in databases that find screens by rectangle, a screen is refused whose cells all lie in an older one:
-// that one is always found first.
-void addScreen(Session& session, const std::string& name, const Rect& rect, bool force);
-// Areas and data refer to screens by key and stay where they are. Also throws if no screen is named `name`.
-void renameScreen(Session& session, const std::string& name, const std::string& newName, bool force);
+// The name without blanks, in lower case: two names with the same result read alike. Folds the letters of ASCII,
+// Latin-1, Greek and Cyrillic (their simple case pairs in Unicode); others stay as they are.
+std::string foldedName(const std::string& name);
+
+// Tells which new names are probably typing errors of known ones.
+class ScreenNames {
+ public:
+  void add(const std::string& name);
+  bool has(const std::string& name) const { return names_.count(name) == 1; }
+
+  // Why `name`, which is new, is probably a typing error, such as "begins or ends with a blank"; empty if it is not.
+  std::string doubt(const std::string& name) const;
+
+ private:
+  std::set<std::string> names_;
+  std::map<std::string, std::string> byFold_;  // the first name of each fold
+};
 
 }  // namespace tovrdb

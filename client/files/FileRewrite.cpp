@@ -8,9 +8,8 @@
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
 #include "client/files/NewFiles.h"
-#include "client/files/StoredRows.h"
-#include "client/session/Session.h"
 #include "client/session/SqlQuery.h"
+#include "client/session/Session.h"
 
 namespace tovrdb {
 namespace {

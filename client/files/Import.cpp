@@ -11,8 +11,8 @@
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
 #include "client/files/Exchange.h"
-#include "client/files/StoredRows.h"
 #include "client/session/SqlQuery.h"
+#include "client/storing/Changes.h"
 
 namespace tovrdb {
 namespace {
@@ -36,13 +36,10 @@ class Importer {
     for (const Json& area : tables_["Coef_Info"]) areas_.emplace(wholeNumber(member(area, "coefid", "an area")), &area);
   }
 
-  void rows(const std::string& table) {
-    const auto columns = columnNames(session_.connection(), table);
-    for (const Json& row : tables_[table]) {
-      insertRow(session_.connection(), table, columns, row,
-                [&](const Json& owner, const Json& place) { return read(table, owner, place); });
-      progress_.advance(0);
-    }
+  ImportRows rows(const std::string& table) {
+    return {table, &tables_[table],
+            [this, table](const Json& row, const Json& place) { return read(table, row, place); },
+            [this] { progress_.advance(0); }};
   }
 
  private:
@@ -89,16 +86,16 @@ class Importer {
   Progress progress_;
 };
 
-// The engine has counted along with the rows; keys that were issued and deleted since are to stay used.
-void setSequence(Session& session, const Json& sequence) {
-  session.require(session.connection().exec("delete from sqlite_sequence"));
+// Keys that were issued and deleted since are to stay used.
+SetLastKeys lastKeys(const Json& sequence) {
+  SetLastKeys change;
   for (const auto& [table, last] : requireObject(sequence, "\"sequence\"").items()) {
     if (!isTable(table)) continue;
     const auto number = wholeNumber(last);
     if (!number) refuseJson("\"sequence\"", fmt::format("the last key of {} is not a whole number", table));
-    session.require(session.connection().exec(
-        fmt::format("insert into sqlite_sequence(name, seq) values ('{}', {})", table, *number).c_str()));
+    change.keys.emplace_back(table, *number);
   }
+  return change;
 }
 
 }  // namespace
@@ -118,12 +115,14 @@ Json readManifest(const std::string& folder) {
 }
 
 void importFolder(Session& session, const std::string& folder, const Json& manifest) {
-  session.require(session.manager().createTables());
-  Transaction transaction(session);
   Importer importer(session, folder, manifest);
-  for (const char* table : kTables) importer.rows(table);
-  setSequence(session, member(manifest, "sequence", kManifestName));
-  transaction.commit();
+  applyChanges(session, [&](Session&) {
+    ChangePlan plan;
+    plan.changes.emplace_back(CreateTables{});
+    for (const std::string& table : kTables) plan.changes.emplace_back(importer.rows(table));
+    plan.changes.emplace_back(lastKeys(member(manifest, "sequence", kManifestName)));
+    return plan;
+  });
 }
 
 }  // namespace tovrdb

@@ -101,15 +101,7 @@ void makeDatabase(const std::string& plugin, const std::string& file, const std:
 }
 
 void fillNew(Session& session, const DatabaseDescription& description) {
-  session.require(session.manager().createTables());
-  auto info = session.host().makeRecord<tovr::DBInfo>();
-  info->dbtype = description.type;
-  info->dbname = description.name;
-  info->datastructversion = description.structureVersion;
-  info->softwareversion = description.softwareVersion;
-  info->softwaretype = description.softwareType;
-  info->dbversion = description.databaseVersion;
-  session.require(session.manager().insertData(info.get()));
+  applyChanges(session, [&](Session&) { return ChangePlan{{CreateTables{}, AddDescription{description}}, {}}; });
 }
 
 void backUp(const Access& access, const std::string& file, const std::string& key, const std::string& copy,

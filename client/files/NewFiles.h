@@ -5,18 +5,9 @@
 
 #include "client/disk/FileOutput.h"
 #include "client/session/Session.h"
+#include "client/storing/Changes.h"
 
 namespace tovrdb {
-
-// The description that a file holds of itself.
-struct DatabaseDescription {
-  int type = 0;  // 0: screens are found by rectangle; 1: by name
-  std::string name;
-  std::string structureVersion = "1";
-  std::string softwareVersion = TOVRDB_VERSION;
-  std::string softwareType = "tovrdb";
-  std::string databaseVersion = "1";
-};
 
 // Throws Error if no new file of that name can be made.
 void requireFree(const std::string& file);

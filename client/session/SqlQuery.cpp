@@ -118,6 +118,12 @@ std::vector<Row> queryRows(tovr::IDBOperate& connection, const std::string& sql)
   return found;
 }
 
+std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table) {
+  std::vector<std::string> names;
+  for (const Row& row : queryRows(connection, "PRAGMA table_info(" + table + ")")) names.push_back(row[1]);
+  return names;
+}
+
 std::int64_t queryNumber(tovr::IDBOperate& connection, const std::string& sql) {
   const auto rows = queryRows(connection, sql);
   return rows.empty() ? 0 : std::strtoll(rows[0][0].c_str(), nullptr, 10);

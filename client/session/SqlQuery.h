@@ -37,6 +37,9 @@ std::string quotedName(std::string_view name);
 // Every row as texts; NULL is empty.
 std::vector<Row> queryRows(tovr::IDBOperate& connection, const std::string& sql);
 
+// Of a table, in their order.
+std::vector<std::string> columnNames(tovr::IDBOperate& connection, const std::string& table);
+
 // The first column of the first row, 0 without rows.
 std::int64_t queryNumber(tovr::IDBOperate& connection, const std::string& sql);
 

@@ -2,9 +2,13 @@
 
 #include <fmt/core.h>
 
-#include <utility>
+#include <algorithm>
 
+#include "client/base/Error.h"
+#include "client/contents/AreaWords.h"
 #include "client/contents/StoredBlob.h"
+#include "client/session/SqlQuery.h"
+#include "storage/StatusCodes.h"
 
 namespace tovrdb {
 namespace {
@@ -27,7 +31,7 @@ constexpr char kDeleteArea[] = "delete from Coef_Info where id = ?";
 constexpr char kDeleteBlock[] =
     "delete from Coef where id = ?1 and not exists (select 1 from Coef_Info where coefid = ?1)";
 
-// One statement with its values, which are borrowed until it has run.
+// A statement with its values, which are borrowed until it has run.
 class Write {
  public:
   template <std::size_t kSize>
@@ -60,63 +64,88 @@ Bytes enciphered(Session& session, const CellBlock& block) {
   return encipherBlob(session.host().encryption(), block.bytes.get(), block.size());
 }
 
-std::int64_t lastKey(Session& session) { return queryNumber(session.connection(), "select last_insert_rowid()"); }
-
 // The first seven parameters of a row of areas.
-Write& place(Write& write, const AreaRow& row, const Rect& rect) {
-  return write.number(row.screenId)
-      .number(row.type)
-      .number(row.number)
+Write& bindPlace(Write& write, std::int64_t screenId, const BlockContent& content) {
+  const Rect& rect = content.place.rect;
+  return write.number(screenId)
+      .number(content.place.type)
+      .number(content.number)
       .number(rect.top)
       .number(rect.left)
       .number(rect.bottom)
       .number(rect.right);
 }
 
-}  // namespace
-
-AreaKeys addAreaRows(Session& session, const AreaRow& row, const CellBlock& block) {
-  AreaKeys keys;
-  const Bytes blob = enciphered(session, block);
-  Write(session, kInsertBlock).blob(blob).number(block.cellBytes).text(row.version).run();
-  keys.block = lastKey(session);
-  Write area(session, kInsertArea);
-  place(area, row, block.rect).number(keys.block).run();
-  keys.area = lastKey(session);
-  return keys;
-}
-
-void rewriteAreaRows(Session& session, const StoredArea& area, const AreaRow& row, const CellBlock& block) {
-  Write update(session, kUpdateArea);
-  place(update, row, block.rect).number(area.id).run();
-  const Bytes blob = enciphered(session, block);
-  Write(session, kUpdateBlock).blob(blob).number(block.cellBytes).number(area.blockId).run();
-  rewriteVersion(session, area, row.version);
-}
-
 void rewriteVersion(Session& session, const StoredArea& area, const std::string& version) {
   if (version != area.version) Write(session, kUpdateVersion).text(version).number(area.blockId).run();
 }
 
-void rewriteBlobOf(Session& session, const StoredArea& area, const Bytes& blob) {
-  Write(session, kUpdateBlob).blob(blob).number(area.blockId).run();
-  Write(session, kTouchArea).number(area.id).run();
+// `payload` are the area's cells from its row `firstRow` on.
+void put(const CellBlock& cells, const StoredArea& area, std::int32_t firstRow, unsigned char* payload) {
+  const std::int64_t stride = columnsOf(area.rect) * area.cellBytes;
+  const std::int64_t start = (std::int64_t{cells.rect.left} - area.rect.left) * area.cellBytes;
+  for (std::int64_t y = cells.rect.top; y <= cells.rect.bottom; ++y) {
+    const unsigned char* row = cells.at(cells.rect.left, static_cast<std::int32_t>(y));
+    std::copy_n(row, cells.rowBytes(), payload + (y - firstRow) * stride + start);
+  }
 }
 
-// The areas first, all of them: for each block the engine looks through those that are left.
+}  // namespace
+
+std::int64_t addAreaRows(Session& session, std::int64_t screenId, const BlockContent& content) {
+  const CellBlock block = content.cells();
+  const Bytes blob = enciphered(session, block);
+  Write(session, kInsertBlock).blob(blob).number(block.cellBytes).text(content.version).run();
+  const std::int64_t key = queryNumber(session.connection(), "select last_insert_rowid()");
+  Write area(session, kInsertArea);
+  bindPlace(area, screenId, content).number(key).run();
+  return key;
+}
+
+void rewriteAreaRows(Session& session, const StoredArea& area, const BlockContent& content) {
+  const CellBlock block = content.cells();
+  Write update(session, kUpdateArea);
+  bindPlace(update, content.screenId, content).number(area.id).run();
+  const Bytes blob = enciphered(session, block);
+  Write(session, kUpdateBlock).blob(blob).number(block.cellBytes).number(area.blockId).run();
+  rewriteVersion(session, area, content.version);
+}
+
+std::int64_t updateByLibrary(Session& session, const StoredArea& area, const BlockContent& content) {
+  const CellBlock block = content.cells();
+  const auto record = session.host().makeRecord<tovr::CoefData>();
+  record->coeftype = content.place.type;
+  record->screenname = content.place.screen;
+  setRect(*record, content.place.rect);
+  record->areaid = content.number;
+  record->coefBuffer.databitwidth = block.cellBytes;
+  record->coefBuffer.data = block.bytes.get();
+  record->coefBuffer.datasize = static_cast<std::int32_t>(block.size());
+  session.require(session.manager().updateData(record.get()), "asked for " + toText(content.place.rect));
+  rewriteVersion(session, area, content.version);
+  return record->coefid;
+}
+
+// The areas go first: for each block the engine looks through those that are left.
 void deleteAreaRows(Session& session, const std::vector<StoredArea>& areas) {
   for (const StoredArea& area : areas) Write(session, kDeleteArea).number(area.id).run();
   for (const StoredArea& area : areas) Write(session, kDeleteBlock).number(area.blockId).run();
 }
 
-std::int64_t addScreenFor(Session& session, const AreaName& area) {
-  auto screen = session.host().makeRecord<tovr::ScreenInfoData>();
-  screen->dbid = static_cast<std::int32_t>(
-      queryNumber(session.connection(), "select seq from sqlite_sequence where name = 'DB_Info'"));
-  screen->screenname = area.screen;
-  setRect(*screen, area.rect);
-  session.require(session.manager().insertData(screen.get()));
-  return lastKey(session);
+void patchArea(Session& session, const StoredArea& area, const std::vector<Patch>& patches) {
+  auto blob = queryPayload(session, kBlockTable, area.blockId);
+  if (!blob) throw statusError(tovr::kCipherFailed, fmt::format("the block of {} is missing", areaText(area)));
+  std::int32_t firstRow = area.rect.bottom;
+  for (const Patch& patch : patches) firstRow = std::min(firstRow, patch.rect.top);
+  tovr::IEncryption& encryption = session.host().encryption();
+  requireFilled(payloadLengthOf(encryption, *blob), area.rect, area.cellBytes);
+  const auto skipped =
+      static_cast<std::size_t>((std::int64_t{firstRow} - area.rect.top) * columnsOf(area.rect) * area.cellBytes);
+  changePayload(encryption, *blob, skipped, [&](unsigned char* payload) {
+    for (const Patch& patch : patches) put(patch.cells(), area, firstRow, payload);
+  });
+  Write(session, kUpdateBlob).blob(*blob).number(area.blockId).run();
+  Write(session, kTouchArea).number(area.id).run();
 }
 
 }  // namespace tovrdb

@@ -9,13 +9,10 @@
 #include "client/base/Text.h"
 #include "client/contents/AreaWords.h"
 #include "client/session/SqlQuery.h"
-#include "client/storing/BlockRows.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {
 namespace {
-
-void exec(Session& session, const std::string& sql) { session.require(session.connection().exec(sql.c_str())); }
 
 std::string listed(const std::vector<StoredArea>& areas) {
   std::vector<std::string> texts;
@@ -127,17 +124,13 @@ std::vector<std::string> toTexts(const Removal& removal) {
   return texts;
 }
 
-void deleteRows(Session& session, const Removal& removal) {
-  Transaction transaction(session);
+ChangePlan planRemoval(Session& session, const Removal& removal) {
   requireUnchanged(session, removal);
-  deleteAreaRows(session, removal.areas);
-  for (const StoredData& data : removal.data) {
-    exec(session, fmt::format("delete from DataInfo where id = {}", data.id));
-    exec(session,
-         fmt::format("delete from Data where id = {0} and id not in (select dataid from DataInfo)", data.blobId));
-  }
-  if (removal.screen) exec(session, fmt::format("delete from Screen_Info where id = {}", removal.screen->id));
-  transaction.commit();
+  ChangePlan plan;
+  if (!removal.areas.empty()) plan.changes.emplace_back(DeleteAreas{removal.areas});
+  for (const StoredData& data : removal.data) plan.changes.emplace_back(DeleteData{data});
+  if (removal.screen) plan.changes.emplace_back(DeleteScreen{*removal.screen});
+  return plan;
 }
 
 }  // namespace tovrdb

@@ -1,13 +1,14 @@
 // Stores blocks as a plan says: all of them in one transaction, or none.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "client/cells/CellBlock.h"
+#include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
+#include "client/storing/Changes.h"
 #include "client/storing/StorePlan.h"
 
 namespace tovrdb {
@@ -15,17 +16,14 @@ namespace tovrdb {
 // The cells of a wanted block, asked once, when they are stored.
 using BlockLoader = std::function<CellBlock(std::size_t block)>;
 
-struct StoreReport {
-  std::vector<std::string> notices;     // what was replaced, removed, patched or added beside
-  std::vector<std::int64_t> blockKeys;  // one a wanted block
-};
+// The changes that store the blocks, and what they replace, remove, patch or add beside. `wanted` and `load` are
+// borrowed until the plan is applied. Throws Error (kConflict) with what planStore objects to.
+ChangePlan planBlocks(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules,
+                      const BlockLoader& load);
 
-// Plans under the lock of the transaction, so that nobody writes between the decision and the rows. Throws Error,
-// with nothing stored: what planStore objects to (kConflict), what `load` throws, what the engine refuses.
-StoreReport storeBlocks(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules,
-                        const BlockLoader& load);
-
-// Throws Error where storeBlocks would object; nothing is written in any case.
-void requireStorable(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules);
+// Plans and applies. The keys of the blocks are among Applied::keys. Throws Error, with nothing stored: what planBlocks
+// and `load` throw, what the engine refuses.
+Applied storeBlocks(Session& session, const std::vector<WantedBlock>& wanted, const StoreRules& rules,
+                    const BlockLoader& load);
 
 }  // namespace tovrdb

@@ -1,9 +1,9 @@
 // What storing blocks would do to a file, decided before anything is written.
 //
-// Pure: it knows what lies where, and no connection. The library would take all of it silently: a new block that an
-// older one hides, one that replaces another of a different place or another type of numbers, a screen of a mistyped
-// name, two blocks of one batch that replace each other. A plan objects to these, all of them at once; what it lets
-// pass loses nothing that was not named.
+// Pure: it knows what lies where, and no connection. The library would silently accept a new block that an older one
+// hides, one that replaces a block of another rectangle or another type of numbers, a screen with a mistyped name, and
+// two blocks of one batch that replace each other. A plan lists all such conflicts at once; storing without conflicts
+// loses nothing that the plan does not name.
 #pragma once
 
 #include <cstdint>
@@ -12,56 +12,49 @@
 
 #include "client/base/Error.h"
 #include "client/contents/BlockPlace.h"
-#include "client/contents/Screens.h"
-#include "client/contents/StoredArea.h"
+#include "client/storing/StoredLayout.h"
 
 namespace tovrdb {
 
-// A block that is to be stored, but for its cells.
+// A block that is to be stored, without its cells.
 struct WantedBlock {
-  std::string name;  // of its file; empty for one without
+  std::string name;  // of its file; empty if it has none
   AreaName area;
   BlockText text;
   std::int32_t cellBytes = 0;
 };
 
-// What a block may do to what is stored. Each replaces a block of its very place.
+// What a block may do to stored blocks, besides replacing one of the same rectangle.
 enum class StoreMode {
-  kCareful,  // nothing else
-  kPatch,    // put its cells into the stored block that holds its place, and nothing else
+  kCareful,  // nothing
+  kPatch,    // only put its cells into the stored block that holds its rectangle
   kReplace,  // remove stored blocks that lie wholly inside
-  kBeside,   // lie upon others, as the library has it: where both hold a rectangle, the older one answers
-  kUpdate    // rewrite what the screen has of its type, and add nothing
+  kBeside,   // overlap others, as the library allows: if both hold a rectangle, the older one answers
+  kUpdate    // only rewrite what the screen has of its type
 };
 
 struct StoreRules {
   StoreMode mode = StoreMode::kCareful;
-  bool force = false;      // other widths and types of numbers, other places in databases of type 1
-  bool newScreen = false;  // in databases of type 1: screens whose names look like slips of stored ones
-};
-
-struct StoredPlaces {
-  int databaseType = 0;  // 0: screens are found by rectangle; 1: by name
-  std::vector<StoredScreen> screens;
-  std::vector<StoredArea> areas;
+  bool force = false;      // replace other cell widths and types of numbers, other rectangles in databases of type 1
+  bool newScreen = false;  // in databases of type 1: add screens whose names look like typing errors of stored ones
 };
 
 struct StoreStep {
   enum class Kind { kAdd, kRewrite, kPatch };
   Kind kind = Kind::kAdd;
-  std::size_t block = 0;      // of the wanted ones
+  std::size_t block = 0;      // index of the wanted block
   std::int64_t screenId = 0;  // 0: the screen of its name, which the first step of that name adds
-  std::size_t area = 0;       // of the stored ones: what is rewritten or patched
-  bool movesScreen = false;   // kUpdate by name: its rectangle becomes the screen's
+  std::size_t area = 0;       // index of the stored area that is rewritten or patched
+  bool movesScreen = false;   // kUpdate by name: the screen gets the block's rectangle
   std::string version;        // the text that the block is to have
-  std::string keptForm;       // of the stored numbers and of these, in words; empty unless they differ
+  std::string keptForm;       // the form of the stored numbers and of the block's, unless they are the same
   std::string wantedForm;
-  std::vector<std::size_t> removed;  // of the stored ones: what goes before
+  std::vector<std::size_t> removed;  // indexes of stored areas to remove before
 };
 
 struct StorePlan {
-  std::vector<StoreStep> steps;       // one a wanted block, in their order
-  std::vector<Objection> objections;  // one line each; if there are any, nothing is to be done
+  std::vector<StoreStep> steps;       // one per wanted block, in their order
+  std::vector<Objection> objections;  // if there are any, nothing is to be stored
 };
 
 // Throws Error if a block's name, or the mode, does not suit the database's type.

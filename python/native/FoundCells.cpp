@@ -5,7 +5,7 @@
 #include "client/cells/CellNumbers.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/SqlQuery.h"
-#include "client/storing/AreaPatch.h"
+#include "client/storing/Changes.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb::python {
@@ -73,11 +73,11 @@ CellBlock FoundCells::read(Session& session, const Rect& part) {
 
 void FoundCells::patch(Session& session, const CellBlock& block) {
   if (source_.mosaic) throw Error(kInvalid, "a mosaic is read-only: write to its areas, one by one");
-  Transaction transaction(session);
-  requireUnchanged(session, block.rect);
-  patchArea(session, source_.areas.front(), {{block.rect, [&] { return block; }}});
-  verifiedAt_.front() = session.state();  // a patch leaves the form as it is
-  transaction.commit();
+  const Applied applied = applyChanges(session, [&](Session&) {
+    requireUnchanged(session, block.rect);
+    return ChangePlan{{PatchBlock{source_.areas.front(), {{block.rect, [&] { return block; }}}}}, {}};
+  });
+  verifiedAt_.front() = applied.state;  // a patch leaves the form as it is
 }
 
 // Of a mosaic, checks only the areas that the part meets: reading a form reads past a whole block.

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "client/storing/Additions.h"
 #include "client/storing/Removal.h"
 #include "client/storing/StoreBlocks.h"
 #include "native/CellArray.h"
@@ -88,10 +89,11 @@ std::vector<std::string> put(OpenFile& file, const WantedBlock& wanted, const St
 template <class Find>
 py::list remove(OpenFile& file, Find find) {
   return shownTexts(working([&] {
-    Transaction transaction(file.session());
-    const Removal removal = find(file.session());
-    deleteRows(file.session(), removal);
-    transaction.commit();
+    Removal removal;
+    applyChanges(file.session(), [&](Session& session) {
+      removal = find(session);
+      return planRemoval(session, removal);
+    });
     return toTexts(removal);
   }));
 }
@@ -157,28 +159,30 @@ void defineWriting(py::class_<OpenFile>& file) {
   file.def("roll_back_to", [](OpenFile& self, std::size_t depth) { working([&] { self.rollBackTo(depth); }); });
   file.def("add_screen", [](OpenFile& self, const std::string& name, const Edges& rect, bool force) {
     working([&, cells = rectOf(rect)] {
-      Transaction transaction(self.session());
-      addScreen(self.session(), name, cells, force);
-      transaction.commit();
+      applyChanges(self.session(), [&](Session& session) { return planNewScreen(session, name, cells, force); });
     });
   });
   file.def("rename_screen", [](OpenFile& self, const std::string& name, const std::string& newName, bool force) {
     working([&] {
-      Transaction transaction(self.session());
-      renameScreen(self.session(), name, newName, force);
-      transaction.commit();
+      applyChanges(self.session(), [&](Session& session) { return planScreenName(session, name, newName, force); });
     });
   });
   file.def("put_data", [](OpenFile& self, std::int32_t type, const py::bytes& payload, const std::string& text) {
-    return shownTexts(working([&, bytes = bytesOf(payload)] { return putData(self.session(), type, text, bytes); }));
+    return shownTexts(working([&, bytes = bytesOf(payload)] {
+      return applyChanges(self.session(), [&](Session& session) { return planData(session, type, text, bytes); })
+          .notices;
+    }));
   });
   file.def("put_measurement",
            [](OpenFile& self, const py::bytes& payload, std::int32_t type, const Edges& rect, const std::string& text) {
              return working([&, bytes = bytesOf(payload), cells = rectOf(rect)] {
-               return putMeasurement(self.session(), type, cells, text, bytes).id;
+               const auto plan = [&](Session&) { return planMeasurement(type, cells, text, bytes); };
+               return applyChanges(self.session(), plan).keys.back();
              });
            });
-  file.def("clear_measurements", [](OpenFile& self) { working([&] { clearMeasurements(self.session()); }); });
+  file.def("clear_measurements", [](OpenFile& self) {
+    working([&] { applyChanges(self.session(), [](Session&) { return ChangePlan{{DeleteMeasurements{}}, {}}; }); });
+  });
   file.def("delete_areas", [](OpenFile& self, const std::vector<std::int64_t>& ids) {
     std::vector<IdRange> ranges;
     for (const std::int64_t id : ids) ranges.push_back({id, id});

@@ -13,8 +13,7 @@
 #include "client/checks/Check.h"
 #include "client/checks/FileDifference.h"
 #include "client/checks/FileFacts.h"
-#include "client/contents/GenericData.h"
-#include "client/contents/Measurements.h"
+#include "client/contents/HostData.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 

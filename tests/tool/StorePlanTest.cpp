@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "client/contents/ScreenNames.h"
+#include "client/contents/Screens.h"
 #include "client/storing/StorePlan.h"
 
 namespace {
@@ -100,13 +100,13 @@ TEST_F(StorePlanTest, ByRectangleNothingStoredIsHiddenOrHidesUnasked) {
 TEST_F(StorePlanTest, ByRectangleAPatchWantsAnAreaThatHoldsItWithTheSameCells) {
   EXPECT_TRUE(takes({Kind::kPatch}, {kCorner, kWhole}, {block(kMiddle)}, kPatch));
   EXPECT_TRUE(refuses({"which has 2 bytes per cell"}, {kWhole}, {block(kMiddle, 4)}, kPatch));
-  EXPECT_TRUE(refuses({"4113: no area of type 1 holds the whole patch, 3,3,12,4; it touches area 2 (0,0,3,3), area 3"},
+  EXPECT_TRUE(refuses({"4113: no area of type 1 holds the whole patch, 3,3,12,4; it overlaps area 2 (0,0,3,3), area 3"},
                       {{0, 8, 1, 9}, kCorner, kWhole}, {block(kEdge)}, kPatch));
-  EXPECT_TRUE(refuses({"it touches none; areas of type 1: "}, {kCorner}, {block(kMiddle)}, kPatch));
+  EXPECT_TRUE(refuses({"it overlaps none; areas of type 1: "}, {kCorner}, {block(kMiddle)}, kPatch));
 }
 
 TEST_F(StorePlanTest, BlocksOfOneBatchAreHeldAgainstEachOtherAndAllObjectionsTold) {
-  EXPECT_TRUE(refuses({"is the place of 4,4,5,5 too"}, {}, {block(kMiddle), block(kMiddle)}, kForce));
+  EXPECT_TRUE(refuses({"is also the rectangle of 4,4,5,5"}, {}, {block(kMiddle), block(kMiddle)}, kForce));
   EXPECT_TRUE(takes({Kind::kAdd, Kind::kAdd}, {}, {block(kMiddle, 2, 1), block(kMiddle, 2, 2)}, kBeside));
   EXPECT_TRUE(refuses({"overlaps 0,0,3,3 of this batch", "4113"}, {kWhole}, {block(kCorner), block(kEdge)}, kPatch));
   EXPECT_TRUE(refuses({"0,0,3,3 of type 1", "4,4,5,5 of type 1"}, {kWhole}, {block(kCorner), block(kMiddle)}));
@@ -120,7 +120,7 @@ TEST_F(StorePlanTest, ByNameTheOneAreaOfATypeIsNotLostUnasked) {
   EXPECT_TRUE(takes({Kind::kRewrite}, {kCorner}, {named(kMiddle)}, kForce));
   EXPECT_TRUE(takes({Kind::kRewrite}, {kCorner}, {named(kWhole)}, kReplace));
   EXPECT_TRUE(refuses({"would replace 0,0,3,3"}, {}, {named(kCorner), named(kMiddle)}, kForce));
-  EXPECT_TRUE(refuses({"leaves its screen, which is 0,0,19,9"}, {}, {named(kOutside)}));
+  EXPECT_TRUE(refuses({"does not fit its screen, which is 0,0,19,9"}, {}, {named(kOutside)}));
   EXPECT_TRUE(takes({Kind::kPatch, Kind::kPatch}, {kWhole}, {named(kCorner), named(kMiddle)}, kPatch));
   EXPECT_TRUE(refuses({"4112"}, {kWhole}, {named(kMiddle, "T")}, kPatch));
   EXPECT_TRUE(refuses({"4113"}, {}, {named(kWhole)}, kUpdate));

@@ -7,6 +7,7 @@
 
 #include "client/cells/Rect.h"
 #include "client/session/Session.h"
+#include "client/storing/Changes.h"
 #include "tests/support/DatabaseContent.h"
 #include "tests/tool/ToolFixture.h"
 
@@ -49,7 +50,8 @@ TEST_F(StoreTest, ByNameABlockOfAnotherPlaceIsReplacedOnlyOnDemandAndNamed) {
   const std::string put = "coef put named.db --type 1 --screen S ";
   expectRefused(2, "say which with --screen", "coef put named.db --type 1 --at 0,0 whole.npy");
   succeed(put + "--at 0,0 whole.npy");
-  expectRefused(kConflict, "would replace area 1 (0,0,7,3) of another place, the block of 64 bytes, 2 per cell, of 20",
+  expectRefused(kConflict,
+                "would replace area 1 (0,0,7,3) of another rectangle, the block of 64 bytes, 2 per cell, of 20",
                 put + "--at 0,0 part.npy");
   expectTold("replaced the block of 64 bytes, 2 per cell, of 20", put + "--at 0,0 part.npy --force");
   EXPECT_EQ(get("named.db --type 1 --screen S --rect 0,0,2,1"), std::string(12, 'p'));
@@ -107,11 +109,27 @@ TEST_F(StoreTest, APatchChangesItsCellsAndNothingElse) {
     sql(path(file), "update Coef_Info set mtime = 'before'");
     EXPECT_EQ(sql(path(file), rows), before);
     expectSound(file);
-    expectRefused(1, "holds the whole patch, 6,0,8,1; it touches area 1 (0,0,7,3)",
+    expectRefused(1, "holds the whole patch, 6,0,8,1; it overlaps area 1 (0,0,7,3)",
                   "coef put " + block + "--patch --at 6,0 part.npy");
     sql(path(file), "update Coef set data = substr(data, 1, 16)");
     expectRefused(8, "damaged: its block is too short", "coef put " + block + "--patch --at 0,0 part.npy");
   }
+}
+
+TEST_F(StoreTest, Apply_FailureUndoesAllChanges) {
+  succeed("coef put wall.db --type 1 --at 0,0 whole.npy");
+  const std::string before = everything(path("wall.db"));
+  auto session = tovrdb::Session::openExisting({TOVR_PLUGIN_FILE}, path("wall.db"), kWordKey);
+  const auto missing = []() -> tovrdb::CellBlock { throw tovrdb::Error(tovrdb::kFileProblem, "it is gone"); };
+  const auto plan = [&](tovrdb::Session& file) {
+    return tovrdb::ChangePlan{{tovrdb::AddMeasurement{1, {}, "", Bytes(8)}, tovrdb::PutData{2, "", Bytes(8), 1},
+                               tovrdb::DeleteAreas{tovrdb::storedAreas(file)}, tovrdb::AddScreen{1, "new", {}},
+                               tovrdb::AddBlock{{{2, "", {0, 0, 1, 1}}, 1, -1, "", missing}}},
+                              {}};
+  };
+  EXPECT_THROW(tovrdb::applyChanges(session, plan), tovrdb::Error);
+  session.close();
+  EXPECT_EQ(everything(path("wall.db")), before);
 }
 
 // The rows that the library's own insertData writes, key for key and value for value.
@@ -219,8 +237,10 @@ TEST_F(StoreTest, Force_NamesBothForms) {
   const std::string put = "coef put wall.db --type 1 --at 0,0 half.npy ";
   expectRefused(kConflict, "--force does it anyway", put);
   expectRefused(kConflict, "--force does it anyway", put + "--patch");
-  expectTold("keeps its numbers as 1 x uint16, scale 1/4, and is now read so in 0,0,7,3 too, which was 1 x float16",
-             put + "--patch --force");
+  expectTold(
+      "keeps its numbers as 1 x uint16, scale 1/4, and the patch 0,0,7,3, which was 1 x float16, is now read the same "
+      "way",
+      put + "--patch --force");
   expectTold("its numbers were 1 x uint16, scale 1/4 and are now 1 x float16", put + "--force");
 }
 

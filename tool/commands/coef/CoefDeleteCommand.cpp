@@ -34,7 +34,7 @@ void deleteAreas(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
   const Removal removal = chosen(session, options);
   confirmDeletion(toTexts(removal), options.force);
-  deleteRows(session, removal);
+  applyChanges(session, [&](Session& file) { return planRemoval(file, removal); });
   session.close();
   message("deleted {}", counted(removal.areas.size(), "area"));
 }

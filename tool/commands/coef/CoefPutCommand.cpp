@@ -103,7 +103,7 @@ Session openForStoring(const Context& context, const Options& options, const std
   const std::string key = readKey(context.options.keyFile, KeyUse::kOpen);
   {
     Session session = openDatabase(context, options.file, key);
-    requireStorable(session, wanted, rulesOf(options));
+    planBlocks(session, wanted, rulesOf(options), {});
     session.close();
   }
   backUp(context.options.access, options.file, key, options.backup, Existing::kRefuse);
@@ -117,12 +117,12 @@ void putOne(Context& context, const Options& options) {
   const CellBlock block = readBlock(options, text.dtype);
   const WantedBlock wanted{"", {*options.type, options.screen, block.rect}, text, block.cellBytes};
   Session session = openForStoring(context, options, {wanted});
-  const StoreReport report =
+  const Applied applied =
       storeBlocks(session, {wanted}, rulesOf(options), [&](std::size_t) { return CellBlock(block); });
   session.close();
-  tell(report.notices);
+  tell(applied.notices);
   if (options.patch) return;
-  message("stored {}, {} bytes per cell, under block key {}", toText(block.rect), block.cellBytes, report.blockKeys[0]);
+  message("stored {}, {} bytes per cell, under block key {}", toText(block.rect), block.cellBytes, applied.keys.back());
 }
 
 void putMany(Context& context, const Options& options) {
@@ -134,17 +134,17 @@ void putMany(Context& context, const Options& options) {
   if (files.empty()) throw Error(kFileProblem, "there are no blocks to store");
   const std::vector<WantedBlock> wanted = wantedOf(files);
   Session session = openForStoring(context, options, wanted);
-  StoreReport report;
+  Applied applied;
   {
     Progress progress("coef put", bytesOf(wanted));
-    report = storeBlocks(session, wanted, rulesOf(options), [&](std::size_t index) {
+    applied = storeBlocks(session, wanted, rulesOf(options), [&](std::size_t index) {
       CellBlock block = readBlock(files[index]);
       progress.advance(block.size());
       return block;
     });
   }
   session.close();
-  tell(report.notices);
+  tell(applied.notices);
   message("stored {}", counted(files.size(), "block"));
 }
 

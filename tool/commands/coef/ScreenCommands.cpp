@@ -1,6 +1,7 @@
 #include "client/base/Text.h"
 #include "client/checks/JsonForms.h"
 #include "client/contents/Screens.h"
+#include "client/storing/Additions.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
@@ -39,18 +40,15 @@ struct ListOptions {
 
 void add(Context& context, const AddOptions& options) {
   Session session = openDatabase(context, options.file);
-  Transaction transaction(session);
-  addScreen(session, options.name, *options.rect, options.force);
-  transaction.commit();
+  applyChanges(session, [&](Session& file) { return planNewScreen(file, options.name, *options.rect, options.force); });
   session.close();
   message("added the screen {} ({})", options.name, toText(*options.rect));
 }
 
 void rename(Context& context, const RenameOptions& options) {
   Session session = openDatabase(context, options.file);
-  Transaction transaction(session);
-  renameScreen(session, options.name, options.newName, options.force);
-  transaction.commit();
+  applyChanges(session,
+               [&](Session& file) { return planScreenName(file, options.name, options.newName, options.force); });
   session.close();
   message("the screen {} is now named {}", options.name, options.newName);
 }
@@ -59,7 +57,7 @@ void deleteScreen(Context& context, const DeleteOptions& options) {
   Session session = openDatabase(context, options.file);
   const Removal removal = screenOf(session, options.name, options.withAreas);
   confirmDeletion(toTexts(removal), options.force);
-  deleteRows(session, removal);
+  applyChanges(session, [&](Session& file) { return planRemoval(file, removal); });
   session.close();
   message("deleted the screen {} and {}", options.name, counted(removal.areas.size(), "area"));
   if (!removal.note.empty()) message(removal.note);

@@ -2,7 +2,9 @@
 
 #include "client/base/Text.h"
 #include "client/checks/JsonForms.h"
-#include "client/contents/GenericData.h"
+#include "client/contents/HostData.h"
+#include "client/disk/FileInput.h"
+#include "client/storing/Additions.h"
 #include "client/storing/Removal.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
@@ -29,9 +31,10 @@ void put(Context& context, const Options& options) {
   Bytes payload = readInput(options.input);
   const std::size_t size = payload.size();
   Session session = openDatabase(context, options.file);
-  const auto notices = putData(session, options.type, options.versionText, std::move(payload));
+  const Applied applied = applyChanges(
+      session, [&](Session& file) { return planData(file, options.type, options.versionText, std::move(payload)); });
   session.close();
-  for (const std::string& notice : notices) message(notice);
+  for (const std::string& notice : applied.notices) message(notice);
   message("stored {} as data of type {}", counted(size, "byte"), options.type);
 }
 
@@ -46,7 +49,7 @@ void deleteData(Context& context, const Options& options) {
   Session session = openDatabase(context, options.file);
   const Removal removal = dataOfType(session, options.type);
   confirmDeletion(toTexts(removal), options.force);
-  deleteRows(session, removal);
+  applyChanges(session, [&](Session& file) { return planRemoval(file, removal); });
   session.close();
   message("deleted the data of type {}", options.type);
 }

@@ -5,7 +5,9 @@
 #include "client/base/Error.h"
 #include "client/base/Text.h"
 #include "client/checks/JsonForms.h"
-#include "client/contents/Measurements.h"
+#include "client/contents/HostData.h"
+#include "client/disk/FileInput.h"
+#include "client/storing/Additions.h"
 #include "tool/commands/Arguments.h"
 #include "tool/commands/Command.h"
 #include "tool/commands/Commands.h"
@@ -33,17 +35,19 @@ void put(Context& context, const Options& options) {
   Bytes payload = readInput(options.input);
   const std::size_t size = payload.size();
   Session session = openDatabase(context, options.file);
-  const MeasurementReport report =
-      putMeasurement(session, options.type, *options.rect, options.versionText, std::move(payload));
+  const Applied applied = applyChanges(session, [&](Session&) {
+    return planMeasurement(options.type, *options.rect, options.versionText, std::move(payload));
+  });
+  const std::int64_t id = applied.keys.back();
   session.close();
-  context.output.print(fmt::format("{}\n", report.id));
-  if (report.placementRejected) {
+  context.output.print(fmt::format("{}\n", id));
+  if (applied.placementRejected) {
     message(
         "the measurement's {0} bytes are stored under key {1}. Its placement row was rejected with code 19, as for "
         "every "
         "measurement: type {2} and rectangle {3} are NOT kept. Note them with the key; read the bytes with tovrdb "
         "measure get --id {1}",
-        size, report.id, options.type, toText(*options.rect));
+        size, id, options.type, toText(*options.rect));
   }
 }
 
@@ -86,7 +90,7 @@ void clear(Context& context, const Options& options) {
   if (count == 0) return message("there are no measurements");
   const std::string what = counted(static_cast<std::size_t>(count), "measurement");
   confirmDeletion({(count == 1 ? "" : "all ") + what}, options.force);
-  clearMeasurements(session);
+  applyChanges(session, [](Session&) { return ChangePlan{{DeleteMeasurements{}}, {}}; });
   session.close();
   message("deleted {}", what);
 }

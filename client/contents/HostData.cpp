@@ -1,6 +1,8 @@
-#include "client/contents/Measurements.h"
+#include "client/contents/HostData.h"
 
 #include <fmt/core.h>
+
+#include <memory>
 
 #include "client/base/Error.h"
 #include "client/contents/StoredBlob.h"
@@ -8,15 +10,39 @@
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {
-namespace {
 
-constexpr int kRowRejected = 19;  // how the library answers for a measurement whose blob it has stored
-
-std::int64_t lastKey(Session& session) {
-  return queryNumber(session.connection(), "select seq from sqlite_sequence where name = 'LumChromData'");
+std::vector<StoredData> storedData(Session& session) {
+  std::vector<StoredData> found;
+  tovr::IDBOperate& connection = session.connection();
+  visitRows(connection,
+            "select i.id, i.datatype, i.dataid, length(d.data), d.version, s.screenname, i.mtime from DataInfo i"
+            " left join Data d on d.id = i.dataid left join Screen_Info s on s.id = i.screenid order by i.id",
+            [&] {
+              found.push_back({columnNumber(connection, 0), columnText(connection, 1), columnNumber(connection, 2),
+                               columnNumber(connection, 3), columnText(connection, 4), columnText(connection, 5),
+                               columnText(connection, 6)});
+            });
+  return found;
 }
 
-}  // namespace
+Bytes getData(Session& session, std::int32_t type) {
+  const auto record = session.host().makeRecord<tovr::ConfigData>();
+  record->datatype = type;
+  const int code = session.manager().queryData(record.get());
+  const std::unique_ptr<unsigned char[]> payload(record->data);
+  if (code == tovr::kNoData) throw libraryError(code).suggest(Remedy::kListData);
+  session.require(code);
+  return {payload.get(), payload.get() + record->dataSize};
+}
+
+std::string dataText(const StoredData& data) {
+  return fmt::format("type {}, {} stored bytes, of {}", data.type, data.storedBytes, data.changed);
+}
+
+// Files that other programs made may have no counter; then no key was issued.
+std::int64_t lastScreenKey(Session& session) {
+  return queryNumber(session.connection(), "select seq from sqlite_sequence where name = 'Screen_Info'");
+}
 
 std::vector<StoredMeasurement> storedMeasurements(Session& session) {
   std::vector<StoredMeasurement> found;
@@ -41,24 +67,6 @@ std::int64_t countMeasurements(Session& session) {
   return queryNumber(session.connection(), "select count(*) from LumChromData");
 }
 
-MeasurementReport putMeasurement(Session& session, std::int32_t type, const Rect& rect, const std::string& version,
-                                 Bytes payload) {
-  Transaction transaction(session);
-  const std::int64_t before = lastKey(session);
-  const auto record = session.host().makeRecord<tovr::LumChromaData>();
-  record->datatype = type;
-  record->version = version;
-  setRect(*record, rect);
-  record->data = payload.data();
-  record->dataSize = static_cast<std::uint32_t>(payload.size());
-  const int code = session.manager().insertData(record.get());
-  const std::int64_t key = lastKey(session);
-  const bool rejected = code == kRowRejected && key > before;
-  if (!rejected) session.require(code);
-  transaction.commit();
-  return {key, rejected};
-}
-
 Bytes getMeasurement(Session& session, std::int64_t id) {
   const auto blob = queryPayload(session, kMeasurementTable, id);
   if (!blob) {
@@ -66,13 +74,6 @@ Bytes getMeasurement(Session& session, std::int64_t id) {
         .suggest(Remedy::kListMeasurements);
   }
   return decipherBlob(session.host().encryption(), *blob);
-}
-
-void clearMeasurements(Session& session) {
-  const auto record = session.host().makeRecord<tovr::LumChromaData>();
-  Transaction transaction(session);
-  session.require(session.manager().deleteData(record.get()));
-  transaction.commit();
 }
 
 }  // namespace tovrdb

@@ -1,0 +1,20 @@
+# Fails if the client changes a database file elsewhere than behind applyChanges() of client/storing/Changes.h.
+set(writers storing/Changes.cpp storing/BlockRows.cpp storing/ImportedRows.cpp)
+# Fills an attached file that nobody else has until it is complete and takes the old one's name.
+list(APPEND writers files/FileRewrite.cpp)
+
+file(GLOB_RECURSE sources RELATIVE ${CLIENT} ${CLIENT}/*.cpp ${CLIENT}/*.h)
+list(LENGTH sources count)
+if(count LESS 50)
+  message(FATAL_ERROR "${CLIENT} has only ${count} sources: has the client moved?")
+endif()
+list(REMOVE_ITEM sources ${writers} storing/BlockRows.h storing/ImportedRows.h)
+set(sql "(insert +(or +[a-z]+ +)?into|update +[^ ]+ +set|delete +from|replace +into|(create|alter|drop) +(unique +)?(table|index|trigger|view)|vacuum|sqlcipher_export)")
+set(calls "insertdata|updatedata|deletedata|createtables|addarearows|rewritearearows|updatebylibrary|deletearearows|patcharea|insertrows")
+foreach(source IN LISTS sources)
+  file(READ ${CLIENT}/${source} text)
+  string(TOLOWER "\n${text}" text)
+  if(text MATCHES "[^a-z](${sql}|(${calls}) *[(])")
+    message(SEND_ERROR "client/${source} changes a database by itself ('${CMAKE_MATCH_0}'): make it a change of Changes.h")
+  endif()
+endforeach()
