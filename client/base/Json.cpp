@@ -13,7 +13,7 @@ namespace tovrdb {
 namespace {
 
 constexpr std::size_t kDeepest = 16;
-constexpr std::uintmax_t kLargestText = std::uintmax_t{1} << 28;  // bytes
+constexpr std::uintmax_t kMostJsonBytes = std::uintmax_t{1} << 28;  // bytes
 constexpr std::size_t kMostMembers = 1000;       // of one object; finding one compares it with those before it
 constexpr std::size_t kMostValues = 10'000'000;  // in all; each takes up to 100 bytes of memory
 
@@ -54,7 +54,7 @@ std::string jsonText(const Json& value) {
 }
 
 void requireJsonSize(std::uintmax_t bytes, const std::string& name) {
-  if (bytes > kLargestText) throw Error(kFileProblem, "{} is too large for a manifest (256 MiB at most)", name);
+  if (bytes > kMostJsonBytes) throw Error(kFileProblem, "{} is too large for a manifest (256 MiB at most)", name);
 }
 
 Json parseJson(const std::vector<unsigned char>& text, const std::string& name) {

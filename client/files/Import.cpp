@@ -119,7 +119,7 @@ void importFolder(Session& session, const std::string& folder, const Json& manif
   applyChanges(session, [&](Session&) {
     ChangePlan plan;
     plan.changes.emplace_back(CreateTables{});
-    for (const std::string& table : kTables) plan.changes.emplace_back(importer.rows(table));
+    for (const char* table : kTables) plan.changes.emplace_back(importer.rows(table));
     plan.changes.emplace_back(lastKeys(member(manifest, "sequence", kManifestName)));
     return plan;
   });

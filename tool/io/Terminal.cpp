@@ -4,7 +4,6 @@
 
 #include "client/base/Interrupt.h"
 #include "client/disk/FileInput.h"
-#include "client/disk/FileOutput.h"
 
 #if defined(_WIN32)
 #include <fcntl.h>
