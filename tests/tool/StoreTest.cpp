@@ -119,16 +119,18 @@ TEST_F(StoreTest, APatchChangesItsCellsAndNothingElse) {
 TEST_F(StoreTest, Apply_FailureUndoesAllChanges) {
   succeed("coef put wall.db --type 1 --at 0,0 whole.npy");
   const std::string before = everything(path("wall.db"));
-  auto session = tovrdb::Session::openExisting({TOVR_PLUGIN_FILE}, path("wall.db"), kWordKey);
-  const auto missing = []() -> tovrdb::CellBlock { throw tovrdb::Error(tovrdb::kFileProblem, "it is gone"); };
-  const auto plan = [&](tovrdb::Session& file) {
-    return tovrdb::ChangePlan{{tovrdb::AddMeasurement{1, {}, "", Bytes(8)}, tovrdb::PutData{2, "", Bytes(8), 1},
-                               tovrdb::DeleteAreas{tovrdb::storedAreas(file)}, tovrdb::AddScreen{1, "new", {}},
-                               tovrdb::AddBlock{{{2, "", {0, 0, 1, 1}}, 1, -1, "", missing}}},
-                              {}};
-  };
-  EXPECT_THROW(tovrdb::applyChanges(session, plan), tovrdb::Error);
-  session.close();
+  {
+    auto session = tovrdb::Session::openExisting({TOVR_PLUGIN_FILE}, path("wall.db"), kWordKey);
+    const auto missing = []() -> tovrdb::CellBlock { throw tovrdb::Error(tovrdb::kFileProblem, "it is gone"); };
+    const auto plan = [&](tovrdb::Session& file) {
+      return tovrdb::ChangePlan{{tovrdb::AddMeasurement{1, {}, "", Bytes(8)}, tovrdb::PutData{2, "", Bytes(8), 1},
+                                 tovrdb::DeleteAreas{tovrdb::storedAreas(file)}, tovrdb::AddScreen{1, "new", {}},
+                                 tovrdb::AddBlock{{{2, "", {0, 0, 1, 1}}, 1, -1, "", missing}}},
+                                {}};
+    };
+    EXPECT_THROW(tovrdb::applyChanges(session, plan), tovrdb::Error);
+    session.close();
+  }
   EXPECT_EQ(everything(path("wall.db")), before);
 }
 
@@ -238,7 +240,7 @@ TEST_F(StoreTest, Force_NamesBothForms) {
   expectRefused(kConflict, "--force does it anyway", put);
   expectRefused(kConflict, "--force does it anyway", put + "--patch");
   expectTold(
-      "keeps its numbers as 1 x uint16, scale 1/4, and the patch 0,0,7,3, which was 1 x float16, is now read the same "
+      "keeps its numbers as 1 x uint16, scale 1/4; the patch 0,0,7,3, which was 1 x float16, is now read the same "
       "way",
       put + "--patch --force");
   expectTold("its numbers were 1 x uint16, scale 1/4 and are now 1 x float16", put + "--force");
