@@ -11,18 +11,36 @@
 
 namespace tovrdb {
 
+namespace {
+
+StoredData readData(tovr::IDBOperate& connection) {
+  return {columnNumber(connection, 0), columnText(connection, 1), columnNumber(connection, 2),
+          columnNumber(connection, 3), columnText(connection, 4), columnText(connection, 5),
+          columnText(connection, 6)};
+}
+
+StoredMeasurement readMeasurement(tovr::IDBOperate& connection) {
+  StoredMeasurement measurement;
+  measurement.id = columnNumber(connection, 0);
+  measurement.storedBytes = columnNumber(connection, 1);
+  measurement.version = columnText(connection, 2);
+  measurement.type = columnText(connection, 3);
+  const bool isPlaced = columnNumber(connection, 4) != 0;
+  if (isPlaced) {
+    measurement.rect =
+        Rect{connection.column_int(5), connection.column_int(6), connection.column_int(7), connection.column_int(8)};
+  }
+  return measurement;
+}
+
+}  // namespace
+
 std::vector<StoredData> storedData(Session& session) {
-  std::vector<StoredData> found;
-  tovr::IDBOperate& connection = session.connection();
-  visitRows(connection,
-            "select i.id, i.datatype, i.dataid, length(d.data), d.version, s.screenname, i.mtime from DataInfo i"
-            " left join Data d on d.id = i.dataid left join Screen_Info s on s.id = i.screenid order by i.id",
-            [&] {
-              found.push_back({columnNumber(connection, 0), columnText(connection, 1), columnNumber(connection, 2),
-                               columnNumber(connection, 3), columnText(connection, 4), columnText(connection, 5),
-                               columnText(connection, 6)});
-            });
-  return found;
+  return collectRows(session.connection(),
+                     "select i.id, i.datatype, i.dataid, length(d.data), d.version, s.screenname, i.mtime"
+                     " from DataInfo i left join Data d on d.id = i.dataid"
+                     " left join Screen_Info s on s.id = i.screenid order by i.id",
+                     readData);
 }
 
 Bytes getData(Session& session, std::int32_t type) {
@@ -45,22 +63,10 @@ std::int64_t lastScreenKey(Session& session) {
 }
 
 std::vector<StoredMeasurement> storedMeasurements(Session& session) {
-  std::vector<StoredMeasurement> found;
-  tovr::IDBOperate& connection = session.connection();
-  visitRows(connection,
-            "select d.id, length(d.data), d.version, i.datatype, i.id is not null, i.left, i.top, i.right, i.bottom"
-            " from LumChromData d left join LumChromDataInfo i on i.dataid = d.id order by d.id",
-            [&] {
-              StoredMeasurement& measurement = found.emplace_back();
-              measurement.id = columnNumber(connection, 0);
-              measurement.storedBytes = columnNumber(connection, 1);
-              measurement.version = columnText(connection, 2);
-              measurement.type = columnText(connection, 3);
-              if (columnNumber(connection, 4) == 0) return;
-              measurement.rect = Rect{connection.column_int(5), connection.column_int(6), connection.column_int(7),
-                                      connection.column_int(8)};
-            });
-  return found;
+  return collectRows(session.connection(),
+                     "select d.id, length(d.data), d.version, i.datatype, i.id is not null, i.left, i.top, i.right,"
+                     " i.bottom from LumChromData d left join LumChromDataInfo i on i.dataid = d.id order by d.id",
+                     readMeasurement);
 }
 
 std::int64_t countMeasurements(Session& session) {

@@ -43,6 +43,17 @@ std::vector<StoredScreen> storedScreens(Session& session) {
   return screens;
 }
 
+std::vector<StoredScreen> readableScreens(Session& session) {
+  constexpr char kReadable[] =
+      "select id, screenname, left, top, right, bottom from Screen_Info where typeof(left) = 'integer'"
+      " and typeof(top) = 'integer' and typeof(right) = 'integer' and typeof(bottom) = 'integer' order by id";
+  return collectRows<StoredScreen>(session.connection(), kReadable, [](tovr::IDBOperate& connection) {
+    const Rect rect{connection.column_int(2), connection.column_int(3), connection.column_int(4),
+                    connection.column_int(5)};
+    return StoredScreen{columnNumber(connection, 0), columnText(connection, 1), rect};
+  });
+}
+
 std::vector<StoredScreen>::const_iterator findScreen(const std::vector<StoredScreen>& screens,
                                                      const std::string& name) {
   return std::find_if(screens.begin(), screens.end(), [&](const StoredScreen& screen) { return screen.name == name; });

@@ -21,6 +21,10 @@ struct StoredScreen {
 // In the order in which they were stored. Throws Error on failure.
 std::vector<StoredScreen> storedScreens(Session& session);
 
+// Those whose rows hold numbers: the library fails at the first row that does not, which the checks name. Throws Error
+// on failure.
+std::vector<StoredScreen> readableScreens(Session& session);
+
 // The first screen of that name; `screens.end()` if there is none.
 std::vector<StoredScreen>::const_iterator findScreen(const std::vector<StoredScreen>& screens, const std::string& name);
 

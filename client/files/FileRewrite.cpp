@@ -8,8 +8,8 @@
 #include "client/disk/FileOutput.h"
 #include "client/disk/Platform.h"
 #include "client/files/NewFiles.h"
-#include "client/session/SqlQuery.h"
 #include "client/session/Session.h"
+#include "client/session/SqlQuery.h"
 
 namespace tovrdb {
 namespace {

@@ -49,6 +49,15 @@ std::optional<Bytes> queryBlob(tovr::IDBOperate& connection, const std::string& 
 // Calls `visit` for each row; the connection is then at that row, and `visit` may only ask for its columns.
 void visitRows(tovr::IDBOperate& connection, const std::string& sql, const std::function<void()>& visit);
 
+// What `read` makes of each row, in their order.
+template <class Record>
+std::vector<Record> collectRows(tovr::IDBOperate& connection, const std::string& sql,
+                                Record (*read)(tovr::IDBOperate& connection)) {
+  std::vector<Record> records;
+  visitRows(connection, sql, [&] { records.push_back(read(connection)); });
+  return records;
+}
+
 // A column of the current row. NULL is an empty text, no bytes, the number 0.
 std::string columnText(tovr::IDBOperate& connection, int column);
 Bytes columnBytes(tovr::IDBOperate& connection, int column);

@@ -9,7 +9,7 @@ import operator
 import os
 import re
 from numbers import Real
-from typing import Any, Optional, Tuple
+from typing import Any, List, Optional, Tuple
 
 import numpy as np
 
@@ -113,25 +113,22 @@ def payload(name: str, value: Any) -> bytes:
 
 def rect(name: str, edges: Any) -> Rect:
     """Four edges. The compiled half checks that they are a rectangle."""
-    what = "a rectangle of four whole numbers (left, top, right, bottom)"
-    try:
-        numbers = tuple(edges)
-    except TypeError:
-        raise wanted(name, what, edges) from None
-    if len(numbers) != 4:
-        raise Invalid(f"{name}: must be {what}, not {len(numbers)}")
-    return Rect(*(whole(f"{name}[{index}]", edge) for index, edge in enumerate(numbers)))
+    return Rect(*_whole_numbers(name, 4, "a rectangle of four whole numbers (left, top, right, bottom)", edges))
 
 
 def position(name: str, value: Any) -> Tuple[int, int]:
-    what = "a position of two whole numbers (column, row)"
+    column, row = _whole_numbers(name, 2, "a position of two whole numbers (column, row)", value)
+    return column, row
+
+
+def _whole_numbers(name: str, count: int, what: str, value: Any) -> List[int]:
     try:
         numbers = tuple(value)
     except TypeError:
         raise wanted(name, what, value) from None
-    if len(numbers) != 2:
+    if len(numbers) != count:
         raise Invalid(f"{name}: must be {what}, not {len(numbers)}")
-    return whole(f"{name}[0]", numbers[0]), whole(f"{name}[1]", numbers[1])
+    return [whole(f"{name}[{index}]", number) for index, number in enumerate(numbers)]
 
 
 def scale(value: Any) -> Optional[bytes]:

@@ -6,9 +6,9 @@
 #include "client/base/Error.h"
 #include "client/base/Text.h"
 #include "client/disk/Platform.h"
+#include "client/session/FileDiagnosis.h"
 #include "tool/commands/Commands.h"
 #include "tool/io/KeySource.h"
-#include "client/session/FileDiagnosis.h"
 #include "tool/io/Message.h"
 #include "tool/io/Terminal.h"
 

@@ -115,27 +115,12 @@ void addSets(Session& session, ReportContent& content, const FormOptions& form, 
   }
 }
 
-// Read by SQL, since the library fails at the first faulty row; the checks name such rows.
-std::vector<ScreenFacts> readableScreens(Session& session) {
-  std::vector<ScreenFacts> screens;
-  tovr::IDBOperate& connection = session.connection();
-  visitRows(connection,
-            "select id, screenname, left, top, right, bottom from Screen_Info where typeof(left) = 'integer'"
-            " and typeof(top) = 'integer' and typeof(right) = 'integer' and typeof(bottom) = 'integer' order by id",
-            [&] {
-              const Rect rect{connection.column_int(2), connection.column_int(3), connection.column_int(4),
-                              connection.column_int(5)};
-              screens.push_back({{columnNumber(connection, 0), columnText(connection, 1), rect}, 0});
-            });
-  return screens;
-}
-
 void addFacts(Session& session, ReportContent& content) {
   readIfSound(session, content, "facts", [&] { content.facts = factsOf(session); });
   if (!content.facts.screens.empty()) return;
   readIfSound(session, content, "list of screens", [&] {
     content.facts.type = session.manager().getDBType();
-    content.facts.screens = readableScreens(session);
+    for (StoredScreen& screen : readableScreens(session)) content.facts.screens.push_back({std::move(screen), 0});
   });
 }
 
