@@ -10,7 +10,6 @@
 namespace tovrdb::python {
 
 namespace py = pybind11;
-using py::literals::operator""_a;
 
 namespace {
 
