@@ -25,7 +25,7 @@ namespace tovrdb::python {
 namespace {
 
 namespace py = pybind11;
-using py::literals::operator""_a;
+using namespace py::literals;
 
 using Text = std::optional<std::string>;
 using Edges = std::tuple<std::int64_t, std::int64_t, std::int64_t, std::int64_t>;  // left, top, right, bottom

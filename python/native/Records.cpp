@@ -10,6 +10,7 @@
 namespace tovrdb::python {
 
 namespace py = pybind11;
+using namespace py::literals;
 
 namespace {
 
