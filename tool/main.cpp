@@ -86,7 +86,7 @@ int runChosen(const GlobalOptions& options, const Command& chosen, StandardOutpu
   return context.code;
 }
 
-// The outcome of `action`, on behalf of a command, as an exit code, its failure as a message.
+// Runs `action` on behalf of a command. Returns its exit code; a failure is printed.
 template <class Action>
 int report(const Command& command, Action action) {
   const auto failed = [&command](ErrorKind kind, const std::string& text) {

@@ -1,4 +1,4 @@
-// Where a block belongs and what is written beside its cells.
+// The place of a block, and what is stored beside its cells.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ struct AreaName {
   Rect rect{};
 };
 
-// Throws Error where a screen's name is missing, or given where none is used.
+// Throws Error if a screen's name is missing, or was given although screens are found by rectangle.
 void requireSuits(const AreaName& area, int databaseType);
 
 struct BlockText {

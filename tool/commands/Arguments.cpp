@@ -33,7 +33,7 @@ std::pair<double, double> parsePercentRange(const std::string& text) {
   return range;
 }
 
-// Permissions that leave their owner able to replace the file.
+// Permissions with which the owner can still replace the file.
 unsigned int parseMode(const std::string& text) {
   unsigned int mode = 0;
   const auto read = std::from_chars(text.data(), text.data() + text.size(), mode, 8);

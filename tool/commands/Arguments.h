@@ -14,7 +14,7 @@
 #include "tool/io/ByteOutput.h"
 namespace tovrdb::tool {
 
-// An option whose text `parse` turns into the value; its complaint becomes the command line's.
+// An option whose text `parse` turns into the value; its std::invalid_argument becomes a usage error.
 template <class Value, class Parse>
 CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value, Parse parse,
                        const std::string& description) {
@@ -30,7 +30,7 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value,
       description);
 }
 
-// A check of a number; a text that is not one passes, since its conversion fails next.
+// Checks a number; a text that is not a number passes, since its conversion fails next.
 CLI::Validator atLeast(double least);
 // A whole number from 0.
 CLI::Validator atMost(int most);
@@ -69,7 +69,7 @@ void addForm(CLI::App& command, FormOptions& options, const std::string& dtypeDe
 // --type, --screen, --rect, --area, --mosaic, --fill, and the form.
 void addCells(CLI::App& command, CellQuery& query);
 
-// On standard error, where several areas were read: that they overlap, that cells were filled.
+// Prints notes about the answer: overlapping areas, filled cells, numbers read as another type than the stored one.
 void noteAnswer(const CellAnswer& answer, const FormOptions& options);
 
 }  // namespace tovrdb::tool

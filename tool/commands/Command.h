@@ -1,4 +1,5 @@
-// What every command gets, and how commands are added to the command line.
+// What commands share: their context, opening a database, asking before data is deleted; and how they are added to the
+// command line.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -16,7 +17,7 @@ struct GlobalOptions {
   std::string keyFile;
   std::string log;
   bool verbose = false;
-  bool quiet = false;  // no messages but those of failures, no progress
+  bool quiet = false;  // only messages of failures, no progress bar
 };
 
 struct Context {
@@ -47,7 +48,7 @@ class CommandGroup {
   template <class Options>
   struct Added {
     CLI::App& command;
-    Options& options;  // live as long as the command; to be filled by its command line
+    Options& options;  // live as long as the command; filled by its command line
   };
 
   // A command that is `run` with its options. `subject`, a member of the options or a function of them, is the text by
@@ -65,7 +66,7 @@ class CommandGroup {
     });
     return {*command, *options};
   }
-  // The same of a command that works on nothing with a name.
+  // The same for a command that works on nothing with a name.
   template <class Options>
   Added<Options> add(const std::string& name, const std::string& description, void (*run)(Context&, const Options&)) {
     return add(
@@ -77,11 +78,11 @@ class CommandGroup {
   Command& chosen_;
 };
 
-// Asks for the key only after a look at the file. Throw Error.
+// Opens a database file; the first asks for the key once the file is known to exist. Throw Error.
 Session openDatabase(const Context& context, const std::string& path);
 Session openDatabase(const Context& context, const std::string& path, const std::string& key);
 
-// Throws Error where --log names the database file; nothing was appended to it yet.
+// Throws Error if --log names the database file; nothing has been appended to it yet.
 void requireOtherThanLog(const Context& context, const std::string& path);
 
 // Shows what will be deleted and asks on a terminal, unless `forced`. Throws Error if the answer is no, and if nobody

@@ -11,7 +11,7 @@ std::string joined(const std::vector<std::string>& words) {
   return text;
 }
 
-// What may follow a command: its subcommands, its options and the program's own, and what it takes by itself.
+// The words that may follow a command: subcommands, its options and the program's, and values of positionals.
 std::string wordsAfter(const CommandPage& page, const CommandPage& program) {
   std::string words;
   const auto add = [&words](const std::vector<std::string>& more) {
@@ -27,7 +27,7 @@ std::string wordsAfter(const CommandPage& page, const CommandPage& program) {
   return words;
 }
 
-// A shell's single-quoted text.
+// The text in single quotes, as shells read it.
 std::string shellQuoted(const std::string& text) {
   std::string out = "'";
   for (const char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
@@ -36,7 +36,7 @@ std::string shellQuoted(const std::string& text) {
 
 std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-// Cases of a command, or of any where that is empty, and an option that takes a value.
+// The cases of options that take a value: of a command, or of any command if the name is empty.
 std::string valueCases(const std::string& command, const std::vector<OptionPage>& options) {
   std::string text;
   for (const OptionPage& option : options) {
@@ -52,8 +52,8 @@ std::string valueCases(const std::string& command, const std::vector<OptionPage>
   return text;
 }
 
-// Bash and zsh share the functions that look things up. The words of the command so far, options left out, name a page;
-// what an option of it takes are words, a file name where they are none, and nothing after a flag.
+// Lookup functions that bash and zsh share. The words of the command so far, without options, name a page; an option
+// takes one of some words, or a file name if there are no words, or nothing if it is a flag.
 std::string lookupFunctions(const std::vector<CommandPage>& pages) {
   std::string text = "_tovrdb_words() {\n  case \"$1\" in\n";
   for (const CommandPage& page : pages) {

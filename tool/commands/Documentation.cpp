@@ -39,7 +39,7 @@ void collect(const CLI::App& app, const std::string& name, std::vector<CommandPa
   }
 }
 
-// Backslashes and dashes are said literally; a line never begins with a control character.
+// Escapes backslashes and dashes, and control characters of roff at the beginning of a line.
 std::string escaped(const std::string& text) {
   std::string out;
   bool lineStart = true;
@@ -76,7 +76,7 @@ std::string entries(const CommandPage& page) {
   return text;
 }
 
-// Kept as it stands: examples and tables have lines of their own.
+// Text whose line breaks are kept, such as examples and tables.
 std::string verbatim(const std::string& text) { return ".nf\n" + escaped(text) + "\n.fi\n"; }
 
 std::string commandSection(const CommandPage& page, const std::string& commonFooter) {

@@ -10,7 +10,7 @@ namespace tovrdb::tool {
 struct OptionPage {
   std::vector<std::string> names;    // "-o", "--output"; empty for a positional
   std::string value;                 // "FILE"; empty for a flag
-  std::vector<std::string> choices;  // all the values that it takes; empty where that is no short list
+  std::vector<std::string> choices;  // all values that it takes; empty if there is no short list
   std::string description;
   bool required;
 };
@@ -24,7 +24,7 @@ struct CommandPage {
   std::vector<std::string> subcommands;  // "get", with the pages of all of them elsewhere in the list
 };
 
-// Those of a CLI::IsMember, which adds "{first,second}" to the name of the type, and the types of numbers.
+// The values of a CLI::IsMember, which adds "{first,second}" to the name of the type, or the number types.
 std::vector<std::string> choicesOf(const CLI::Option& option);
 
 // The program first, then every command that can be named, depth first.

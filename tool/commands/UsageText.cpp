@@ -85,7 +85,7 @@ std::string aboutExtras(const CLI::App& app, const std::vector<std::string>& res
                      positionals.empty() ? "no arguments but options" : fmt::format("{}", fmt::join(positionals, " ")));
 }
 
-// The option that a message of the parser is about: it begins with the name, after a title in some.
+// The option that a message of the parser is about: the message begins with its name, some after a title.
 const CLI::Option* optionIn(const CLI::App& app, const std::string& message) {
   const std::string title = "Could not convert: ";
   const std::string text = message.rfind(title, 0) == 0 ? message.substr(title.size()) : message;
@@ -169,7 +169,7 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
   const auto rest = app.remaining(true);
   const bool group = !reached(app).back()->get_subcommands([](const CLI::App*) { return true; }).empty();
   if (is<CLI::RequiredError>(error) && group) return aboutCommand(app, rest);
-  // What is not known explains what is missing.
+  // An unknown word explains why another one is missing.
   if (is<CLI::ExtrasError>(error) || (is<CLI::RequiredError>(error) && !rest.empty())) return aboutExtras(app, rest);
   if (is<CLI::ExcludesError>(error)) return aboutExclusion(error.what());
   const CLI::Option* option = optionIn(app, error.what());

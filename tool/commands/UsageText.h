@@ -1,4 +1,4 @@
-// What is said about a command line that makes no sense.
+// Messages about a command line that cannot be parsed.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -11,7 +11,7 @@ namespace tovrdb::tool {
 // in, exchanged or swapped). Leading dashes do not count. Empty if no name is near.
 std::string nearest(const std::string& word, const std::vector<std::string>& candidates);
 
-// What is wrong with the command line that `app` could not parse, and what can be said instead.
+// What is wrong with the command line that `app` could not parse, and a suggestion.
 std::string usageText(const CLI::App& app, const CLI::ParseError& error);
 
 // "tovrdb coef get --help shows its options". `command` is "coef get"; empty for the program itself.

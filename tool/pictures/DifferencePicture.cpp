@@ -26,7 +26,7 @@ std::int32_t onlyTypeOf(const std::vector<StoredArea>& areas) {
   throw Error(kInvalid, "say which blocks to draw with --type: both files have types {}", fmt::join(types, ", "));
 }
 
-// The screens' names in the order of their areas.
+// The names of the areas' screens, in the order of the areas.
 std::vector<std::string> screensOf(const std::vector<StoredArea>& areas) {
   std::vector<std::string> names;
   std::set<std::string> known;
@@ -36,7 +36,7 @@ std::vector<std::string> screensOf(const std::vector<StoredArea>& areas) {
   return names;
 }
 
-// A form that only one file keeps counts for both: if the first keeps one, the second keeps another.
+// A form that only one file keeps applies to both; so if the first keeps a form, the second keeps another one.
 [[noreturn]] void refuseUnknownNumbers(const StoredArea& area) {
   const std::string subject = fmt::format("{}, type {}", toText(area), area.type);
   if (!keptForm(area)) throw Error(kInvalid, "{}: no file tells the type of its numbers: say it with --dtype", subject);
@@ -46,7 +46,7 @@ std::vector<std::string> screensOf(const std::vector<StoredArea>& areas) {
               subject);
 }
 
-// A finite difference stays one.
+// Keeps a finite difference finite.
 double apart(double before, double after) {
   constexpr double kLargest = std::numeric_limits<double>::max();
   const double difference = after - before;

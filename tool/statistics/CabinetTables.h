@@ -15,7 +15,7 @@ std::string cabinetText(const std::vector<CabinetStatistics>& components, const 
 
 enum class CabinetTable { kCabinets, kSeams, kWorst };
 
-// With a heading line; numbers are exact.
+// Comma-separated, with a heading line and exact numbers.
 std::string cabinetCsv(const std::vector<CabinetStatistics>& components, const NumberForm& form, CabinetTable table);
 
 Json cabinetJson(const CabinetStatistics& component, const NumberForm& form);

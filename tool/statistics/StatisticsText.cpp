@@ -14,7 +14,7 @@ namespace tovrdb::tool {
 namespace {
 
 constexpr double kLongestBar = 40;
-constexpr double kDigits = 1e4;  // computed numbers are told to this part of their deviation
+constexpr double kDigits = 1e4;  // computed numbers are rounded to the deviation divided by this
 
 std::string computedText(const ComponentStatistics& component, double value) {
   return numberText(value, component.summary.deviation / kDigits);
@@ -47,7 +47,8 @@ std::string summaryTable(const std::vector<ComponentStatistics>& components, con
 
 std::string bar(std::size_t count, std::size_t most) {
   const double share = static_cast<double>(count) / static_cast<double>(std::max<std::size_t>(most, 1));
-  const auto length = static_cast<std::size_t>(std::ceil(share * kLongestBar));  // something is never nothing
+  const auto length =
+      static_cast<std::size_t>(std::ceil(share * kLongestBar));  // at least one mark if there is anything
   return std::string(length, '#');
 }
 

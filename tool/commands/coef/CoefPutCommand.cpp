@@ -67,14 +67,14 @@ StoreRules rulesOf(const Options& options) {
   return {mode, options.force, options.newScreen};
 }
 
-// What the command line of one block says, and that of many does not.
+// Requires the options that describe a single block.
 void requireBlock(const Options& options) {
   if (!options.type) throw Error(kInvalid, "--type is required");
   if (options.array.empty() == options.raw.empty()) throw Error(kInvalid, "BLOCK or --raw is required");
   if (!options.rect && !options.position) throw Error(kInvalid, "--rect or --at is required");
 }
 
-// And the type of its numbers, where the file tells it.
+// Sets `dtype` if the file tells the type of its numbers.
 CellBlock readBlock(const Options& options, std::optional<NumberType>& dtype) {
   if (!options.raw.empty()) return blockFromBytes(readInput(options.raw), *options.rect, options.cellBytes);
   NpyArray array = parseNpy(readInput(options.array), options.array);
@@ -96,7 +96,7 @@ void tell(const std::vector<std::string>& notices) {
   if (told < notices.size()) message("and so on: {} more", notices.size() - told);
 }
 
-// Copied only when the blocks can be stored, and before anything is.
+// Makes the backup only if the blocks can be stored, and before they are.
 Session openForStoring(const Context& context, const Options& options, const std::vector<WantedBlock>& wanted) {
   if (options.backup.empty()) return openDatabase(context, options.file);
   requireDatabaseFile(options.file);
@@ -170,7 +170,7 @@ void addCells(CLI::App& command, Options& options) {
   cellBytes->needs(raw);
 }
 
-// Many blocks at once: what else describes one block is in the manifest, or in the names.
+// Options for many blocks: the manifest or the file names describe each of them.
 void addMany(CLI::App& command, Options& options) {
   CLI::Option* manifest =
       command.add_option("--manifest", options.manifest, "Instead, many blocks: a JSON list of them");

@@ -50,7 +50,7 @@ bool isAboutFile(const Error& error) {
   return !isNoFault(error) && error.kind() != kInvalid && error.kind() != kPluginProblem;
 }
 
-// The open file. What keeps it from opening is told as a verdict.
+// Opens the file. If that fails, prints the reason as a verdict.
 Session open(Context& context, const Options& options, const std::string& key) {
   try {
     return openDatabase(context, options.file, key);

@@ -64,7 +64,7 @@ bool endsText(unsigned char byte) { return byte == 0; }
 std::uintmax_t bytesRead(const std::vector<unsigned char>& text) { return text.size(); }
 #endif
 
-// How many bytes of the file the service will read: all of a text.
+// The number of bytes that the service will read from the file: all, if it is a text.
 std::uintmax_t requireText(const std::string& path) {
   const auto bytes = readWholeFile(path);
   const auto found = std::find_if(bytes.begin(), bytes.end(), endsText);
@@ -118,7 +118,7 @@ void decrypt(Context& context, const Options& options) {
   const auto host = loadPlugin(context.options.access.plugin);
   requireDone(host->encryption().decryptFile(keys.key, keys.vector, options.input, unfinished.path()),
               unfinished.path());
-  // Only the last block of a text is filled up with zeros, by less than its length.
+  // Only the last cipher block of a text is padded with zeros, by less than its length.
   if (sizeOf(unfinished.path()) + kCipherBlock <= size) {
     throw Error(kKeyProblem, "the key or the vector is wrong, or the file never was a text: zero bytes cut it short");
   }

@@ -20,7 +20,7 @@
 namespace tovrdb::tool {
 namespace {
 
-// As of the program that compares texts, which scripts know. Failures keep their codes, which are above.
+// The exit code of diff(1), which scripts know. Failures have higher codes.
 constexpr int kDifferent = 1;
 constexpr ErrorKind kTrouble = kInvalid;  // 2; instead of kRefused, which is 1
 
@@ -41,7 +41,7 @@ struct Options {
   }
 };
 
-// The line of a difference, by what differs.
+// Words a difference as one line.
 class DifferenceLine {
  public:
   DifferenceLine(const std::string& item, const Options& options) : item_(item), options_(options) {}
