@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/session/Session.h"
 
 namespace tovrdb {

@@ -11,7 +11,7 @@
 
 #include "client/base/Text.h"
 #include "client/cells/CoveredCells.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/Damage.h"
 #include "client/session/SqlQuery.h"

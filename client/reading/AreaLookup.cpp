@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "client/base/Text.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/reading/Mosaic.h"
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"

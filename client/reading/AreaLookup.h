@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "client/base/Error.h"
-#include "client/contents/BlockPlace.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 

@@ -7,7 +7,7 @@
 
 #include "client/base/Error.h"
 #include "client/cells/CellNumbers.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/Screens.h"
 #include "client/reading/AreaLookup.h"
 #include "client/reading/NumberForms.h"

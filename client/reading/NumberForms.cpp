@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "client/base/Error.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 
 namespace tovrdb {
 namespace {

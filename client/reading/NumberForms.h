@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "client/cells/NumberForm.h"
-#include "client/contents/BlockPlace.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/StoredArea.h"
 
 namespace tovrdb {

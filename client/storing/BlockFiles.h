@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "client/cells/CellBlock.h"
-#include "client/contents/BlockPlace.h"
+#include "client/contents/AreaNames.h"
 #include "client/storing/StorePlan.h"
 
 namespace tovrdb {

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "client/base/Error.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/StoredBlob.h"
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"

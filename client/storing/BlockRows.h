@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "client/cells/CellBlock.h"
-#include "client/contents/BlockPlace.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/StoredArea.h"
 #include "client/session/Session.h"
 

@@ -7,7 +7,7 @@
 #include <set>
 
 #include "client/base/Text.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/session/SqlQuery.h"
 #include "storage/StatusCodes.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "client/contents/AreaFilter.h"
-#include "client/contents/BlockPlace.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/HostData.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"

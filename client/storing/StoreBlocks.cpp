@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "client/base/Error.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 
 namespace tovrdb {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <fmt/core.h>
 
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "storage/StatusCodes.h"
 
 namespace tovrdb {

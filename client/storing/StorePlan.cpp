@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "client/base/Text.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/reading/NumberForms.h"
 #include "client/session/SqlQuery.h"
 #include "client/storing/StoreConflicts.h"

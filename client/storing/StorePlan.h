@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "client/base/Error.h"
-#include "client/contents/BlockPlace.h"
+#include "client/contents/AreaNames.h"
 #include "client/storing/StoredLayout.h"
 
 namespace tovrdb {

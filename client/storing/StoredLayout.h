@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "client/cells/Rect.h"
-#include "client/contents/BlockPlace.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 

@@ -14,7 +14,7 @@
 #include "client/cells/CellBlock.h"
 #include "client/cells/CellNumbers.h"
 #include "client/cells/NumberForm.h"
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 #include "client/contents/Screens.h"
 #include "client/contents/StoredArea.h"
 #include "client/disk/FileInput.h"

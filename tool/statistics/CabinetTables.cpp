@@ -1,5 +1,3 @@
-#include "tool/statistics/CabinetTables.h"
-
 #include <fmt/format.h>
 
 #include <cmath>
@@ -7,6 +5,7 @@
 #include "client/cells/NumberForm.h"
 #include "client/checks/JsonForms.h"
 #include "tool/io/TextTable.h"
+#include "tool/statistics/StatisticsText.h"
 
 namespace tovrdb::tool {
 namespace {

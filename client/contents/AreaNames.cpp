@@ -1,10 +1,21 @@
-#include "client/contents/AreaWords.h"
+#include "client/contents/AreaNames.h"
 
 #include <fmt/core.h>
 
+#include "client/base/Error.h"
 #include "client/base/Text.h"
 
 namespace tovrdb {
+
+void requireSuits(const AreaName& area, int databaseType) {
+  if (databaseType == 1 && area.screen.empty()) {
+    throw Error(kInvalid, "the database finds screens by name (type 1), and none was given")
+        .suggest(Remedy::kGiveScreen);
+  }
+  if (databaseType == 0 && !area.screen.empty()) {
+    throw Error(kInvalid, "the database finds screens by rectangle (type 0), not by name").suggest(Remedy::kOmitScreen);
+  }
+}
 
 std::string placeText(const AreaName& area) {
   return fmt::format("{} of type {}{}", toText(area.rect), area.type,
