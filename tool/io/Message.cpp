@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 #include "tool/io/Terminal.h"
 
@@ -32,73 +33,56 @@ void draw(const std::string& task, double part) {
   std::fflush(stderr);
 }
 
-const char* adviceOf(Remedy remedy) {
-  switch (remedy) {
-    case Remedy::kPatch:
-      return "--patch puts the cells into the stored block";
-    case Remedy::kReplace:
-      return "--replace removes areas that lie wholly inside";
-    case Remedy::kBeside:
-      return "--beside stores in addition";
-    case Remedy::kNewScreen:
-      return "--new-screen adds such a screen";
-    case Remedy::kForce:
-      return "--force does it anyway";
-    case Remedy::kWithAreas:
-      return "--with-areas deletes them with it";
-    case Remedy::kOverwrite:
-      return "--force replaces it";
-    case Remedy::kWait:
-      return "try again, or wait longer with --wait SECONDS";
-    case Remedy::kCheckFile:
-      return "`tovrdb check` tells more";
-    case Remedy::kRecoverFile:
-      return "open the database once with its key, as tovrdb info does, which completes or undoes it, and try again";
-    case Remedy::kExportAndImport:
-      return "tovrdb export, correct it in the manifest, then tovrdb import";
-    case Remedy::kCreateFile:
-      return "`tovrdb create` makes a new one";
-    case Remedy::kLocatePlugin:
-      return "say where it is with --plugin or TOVRDB_PLUGIN";
-    case Remedy::kListAreas:
-      return "tovrdb coef list shows the areas";
-    case Remedy::kListData:
-      return "tovrdb data list shows the types";
-    case Remedy::kListMeasurements:
-      return "tovrdb measure list shows them";
-    case Remedy::kStoreBlock:
-      return "tovrdb coef put stores them";
-    case Remedy::kAddScreen:
-      return "add one with tovrdb screen add";
-    case Remedy::kMoveData:
-      return "read it with tovrdb data get, delete it with tovrdb data delete, and put it back afterwards";
-    case Remedy::kGiveTypeOrArea:
-      return "--type or --area is required";
-    case Remedy::kGiveRectOrScreen:
-      return "choose one with --rect or --screen";
-    case Remedy::kGiveScreen:
-      return "say which with --screen";
-    case Remedy::kOmitScreen:
-      return "leave out --screen";
-    case Remedy::kGiveAreaIds:
-      return "say which with --id";
-    case Remedy::kReadAcross:
-      return "read across them with --mosaic";
-    case Remedy::kReadApart:
-      return "read them apart, with --area";
-    case Remedy::kFill:
-      return "--fill gives the number for such cells";
-    case Remedy::kGiveNumberType:
-      return "say it with --dtype";
-    case Remedy::kGiveNumberForm:
-      return "say how to read them with --dtype, --scale and --unit";
-    case Remedy::kOtherNumberType:
-      return "choose another --dtype or leave it out";
-    case Remedy::kReadRaw:
-      return "give raw bytes with --raw";
+struct Advice {
+  Remedy remedy;
+  const char* text;
+};
+
+// In the order of the enumeration.
+constexpr Advice kAdvice[] = {
+    {Remedy::kPatch, "--patch puts the cells into the stored block"},
+    {Remedy::kReplace, "--replace removes areas that lie wholly inside"},
+    {Remedy::kBeside, "--beside stores in addition"},
+    {Remedy::kNewScreen, "--new-screen adds such a screen"},
+    {Remedy::kForce, "--force does it anyway"},
+    {Remedy::kWithAreas, "--with-areas deletes them with it"},
+    {Remedy::kOverwrite, "--force replaces it"},
+    {Remedy::kWait, "try again, or wait longer with --wait SECONDS"},
+    {Remedy::kCheckFile, "`tovrdb check` tells more"},
+    {Remedy::kRecoverFile,
+     "open the database once with its key, as tovrdb info does, which completes or undoes it, and try again"},
+    {Remedy::kExportAndImport, "tovrdb export, correct it in the manifest, then tovrdb import"},
+    {Remedy::kCreateFile, "`tovrdb create` makes a new one"},
+    {Remedy::kLocatePlugin, "say where it is with --plugin or TOVRDB_PLUGIN"},
+    {Remedy::kListAreas, "tovrdb coef list shows the areas"},
+    {Remedy::kListData, "tovrdb data list shows the types"},
+    {Remedy::kListMeasurements, "tovrdb measure list shows them"},
+    {Remedy::kStoreBlock, "tovrdb coef put stores them"},
+    {Remedy::kAddScreen, "add one with tovrdb screen add"},
+    {Remedy::kMoveData, "read it with tovrdb data get, delete it with tovrdb data delete, and put it back afterwards"},
+    {Remedy::kGiveTypeOrArea, "--type or --area is required"},
+    {Remedy::kGiveRectOrScreen, "choose one with --rect or --screen"},
+    {Remedy::kGiveScreen, "say which with --screen"},
+    {Remedy::kOmitScreen, "leave out --screen"},
+    {Remedy::kGiveAreaIds, "say which with --id"},
+    {Remedy::kReadAcross, "read across them with --mosaic"},
+    {Remedy::kReadApart, "read them apart, with --area"},
+    {Remedy::kFill, "--fill gives the number for such cells"},
+    {Remedy::kGiveNumberType, "say it with --dtype"},
+    {Remedy::kGiveNumberForm, "say how to read them with --dtype, --scale and --unit"},
+    {Remedy::kOtherNumberType, "choose another --dtype or leave it out"},
+    {Remedy::kReadRaw, "give raw bytes with --raw"},
+};
+
+constexpr bool isComplete() {
+  constexpr std::size_t kRemedies = static_cast<std::size_t>(Remedy::kReadRaw) + 1;
+  if (std::size(kAdvice) != kRemedies) return false;
+  for (std::size_t i = 0; i < kRemedies; ++i) {
+    if (kAdvice[i].remedy != static_cast<Remedy>(i)) return false;
   }
-  return "";
+  return true;
 }
+static_assert(isComplete(), "every remedy has its advice");
 
 }  // namespace
 
@@ -144,7 +128,8 @@ ExitCode exitCodeOf(ErrorKind kind) {
 
 std::string messageOf(const Error& error) {
   std::string text = error.what();
-  for (const Remedy remedy : error.remedies()) text += std::string("; ") + adviceOf(remedy);
+  for (const Remedy remedy : error.remedies())
+    text += std::string("; ") + kAdvice[static_cast<std::size_t>(remedy)].text;
   return text;
 }
 
