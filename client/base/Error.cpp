@@ -1,9 +1,61 @@
 #include "client/base/Error.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 
 namespace tovrdb {
 namespace {
+
+struct RemedyName {
+  Remedy remedy;
+  const char* name;
+};
+
+// In the order of the enumeration.
+constexpr RemedyName kRemedyNames[] = {
+    {Remedy::kPatch, "patch"},
+    {Remedy::kReplace, "replace"},
+    {Remedy::kBeside, "beside"},
+    {Remedy::kNewScreen, "new screen"},
+    {Remedy::kForce, "force"},
+    {Remedy::kWithAreas, "with areas"},
+    {Remedy::kOverwrite, "overwrite"},
+    {Remedy::kWait, "wait"},
+    {Remedy::kCheckFile, "check file"},
+    {Remedy::kRecoverFile, "recover file"},
+    {Remedy::kExportAndImport, "export and import"},
+    {Remedy::kCreateFile, "create file"},
+    {Remedy::kLocatePlugin, "locate plug-in"},
+    {Remedy::kListAreas, "list areas"},
+    {Remedy::kListData, "list data"},
+    {Remedy::kListMeasurements, "list measurements"},
+    {Remedy::kStoreBlock, "store block"},
+    {Remedy::kAddScreen, "add screen"},
+    {Remedy::kMoveData, "move data"},
+    {Remedy::kGiveTypeOrArea, "give type or area"},
+    {Remedy::kGiveRectOrScreen, "give rect or screen"},
+    {Remedy::kGiveScreen, "give screen"},
+    {Remedy::kOmitScreen, "omit screen"},
+    {Remedy::kGiveAreaIds, "give area ids"},
+    {Remedy::kReadAcross, "read across"},
+    {Remedy::kReadApart, "read apart"},
+    {Remedy::kFill, "fill"},
+    {Remedy::kGiveNumberType, "give number type"},
+    {Remedy::kGiveNumberForm, "give number form"},
+    {Remedy::kOtherNumberType, "other number type"},
+    {Remedy::kReadRaw, "read raw"},
+};
+
+constexpr bool isComplete() {
+  constexpr std::size_t kRemedies = static_cast<std::size_t>(Remedy::kReadRaw) + 1;
+  if (std::size(kRemedyNames) != kRemedies) return false;
+  for (std::size_t i = 0; i < kRemedies; ++i) {
+    if (kRemedyNames[i].remedy != static_cast<Remedy>(i)) return false;
+  }
+  return true;
+}
+static_assert(isComplete(), "every remedy has its name");
 
 // An error that cannot be forced takes precedence over a conflict.
 ErrorKind kindOf(const std::vector<Objection>& objections) {
@@ -85,73 +137,7 @@ const char* nameOf(ErrorKind kind) {
   return "";
 }
 
-const char* nameOf(Remedy remedy) {
-  switch (remedy) {
-    case Remedy::kPatch:
-      return "patch";
-    case Remedy::kReplace:
-      return "replace";
-    case Remedy::kBeside:
-      return "beside";
-    case Remedy::kNewScreen:
-      return "new screen";
-    case Remedy::kForce:
-      return "force";
-    case Remedy::kWithAreas:
-      return "with areas";
-    case Remedy::kOverwrite:
-      return "overwrite";
-    case Remedy::kWait:
-      return "wait";
-    case Remedy::kCheckFile:
-      return "check file";
-    case Remedy::kRecoverFile:
-      return "recover file";
-    case Remedy::kExportAndImport:
-      return "export and import";
-    case Remedy::kListAreas:
-      return "list areas";
-    case Remedy::kListData:
-      return "list data";
-    case Remedy::kListMeasurements:
-      return "list measurements";
-    case Remedy::kStoreBlock:
-      return "store block";
-    case Remedy::kAddScreen:
-      return "add screen";
-    case Remedy::kMoveData:
-      return "move data";
-    case Remedy::kCreateFile:
-      return "create file";
-    case Remedy::kLocatePlugin:
-      return "locate plug-in";
-    case Remedy::kGiveTypeOrArea:
-      return "give type or area";
-    case Remedy::kGiveRectOrScreen:
-      return "give rect or screen";
-    case Remedy::kGiveScreen:
-      return "give screen";
-    case Remedy::kOmitScreen:
-      return "omit screen";
-    case Remedy::kGiveAreaIds:
-      return "give area ids";
-    case Remedy::kReadAcross:
-      return "read across";
-    case Remedy::kReadApart:
-      return "read apart";
-    case Remedy::kFill:
-      return "fill";
-    case Remedy::kGiveNumberType:
-      return "give number type";
-    case Remedy::kGiveNumberForm:
-      return "give number form";
-    case Remedy::kOtherNumberType:
-      return "other number type";
-    case Remedy::kReadRaw:
-      return "read raw";
-  }
-  return "";
-}
+const char* nameOf(Remedy remedy) { return kRemedyNames[static_cast<std::size_t>(remedy)].name; }
 
 void requireNone(const std::vector<Objection>& objections, const std::string& outcome) {
   if (objections.empty()) return;

@@ -318,7 +318,7 @@ def test_advice_names_what_the_package_has():
     client = pathlib.Path(__file__).parents[2] / "client"
     texts = [text for path in client.rglob("*.cpp") for text in re.findall(r'"[^"\n]*"', path.read_text())]
     assert len(texts) > 100 and not [text for text in texts if re.search("--[a-z]", text)]
-    remedies = re.findall(r'case Remedy::\w+:\s+return "(.*)"', (client / "base/Error.cpp").read_text())
+    remedies = re.findall(r'{Remedy::\w+, "(.*)"}', (client / "base/Error.cpp").read_text())
     assert remedies and set(remedies) == set(_errors._ADVICE)
     operations = [tovrdb.open, tovrdb.create, *(member for _, member in inspect.getmembers(tovrdb.Wall, inspect.isfunction))]
     parameters = {name for operation in operations for name in inspect.signature(operation).parameters}
